@@ -1,0 +1,6 @@
+# The warnings our own code is held to. Generated code (the scanner) is exempt.
+add_library(project_warnings INTERFACE)
+target_compile_options(project_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Werror
+  # An empty format is how a response without a message is written.
+  -Wno-format-zero-length)

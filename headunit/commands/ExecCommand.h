@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace headunit {
+
+/// The exit status of 'exec' and 'inside' when they themselves fail, so that it is not mistaken for the
+/// command's.
+constexpr int kExecFailed = 125;
+
+struct ExecOptions {
+    std::string unitFolder; ///< kept; a temporary one when empty
+    bool withDaemon = false;
+    std::string daemonPath;
+    std::vector<std::string> command;
+};
+
+/// Runs the command in a unit with a network of its own and blocks until it has ended. Returns its exit
+/// status, or 128 plus the signal that made headunit stop. Nothing of the unit is left then. Throws
+/// UnitError.
+int execCommand(const ExecOptions& options);
+
+} // namespace headunit

@@ -1,0 +1,28 @@
+#include "commands/InsideCommand.h"
+
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+
+#include "commands/DaemonStart.h"
+#include "unit/ChildProcess.h"
+#include "unit/Sandbox.h"
+#include "unit/StopSignals.h"
+
+namespace headunit {
+
+int insideCommand(const InsideOptions& options) {
+    enteredSandbox(options.standardError);
+    if (options.daemonPath.empty()) {
+        const int error = executeInPlace(options.command);
+        std::cerr << "headunit: " << options.command.front() << ": " << std::strerror(error) << '\n';
+        return error == ENOENT ? kNotFound : kCannotExecute;
+    }
+    StopSignals signals;
+    ChildProcess daemon({options.daemonPath});
+    if (const int signal = waitUntilListening(signals, [&] { return daemon.ended(); }); signal != 0)
+        return kSignalStatusBase + signal;
+    return ChildProcess(options.command).wait();
+}
+
+} // namespace headunit

@@ -1,0 +1,111 @@
+#include "commands/RunCommand.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <functional>
+#include <iomanip>
+#include <iostream>
+
+#include "commands/DaemonStart.h"
+#include "commands/UnitSetup.h"
+#include "devices/DeviceList.h"
+#include "unit/ChildProcess.h"
+#include "unit/HostSystem.h"
+#include "unit/InPlaceTree.h"
+#include "unit/ListeningPort.h"
+#include "unit/Sandbox.h"
+#include "unit/StopSignals.h"
+#include "unit/UnitError.h"
+
+namespace headunit {
+namespace {
+
+constexpr int kDaemonGone = 1;
+
+void requireConsent(const RunOptions& options) {
+    if (!options.unitFolder.empty())
+        throw UnitError("--in-place has no unit folder: give either --in-place or --unit");
+    if (!options.changeThisMachine)
+        throw UnitError(
+            "--in-place makes device nodes and files in /dev, /mnt/app and /ifs of this machine itself; "
+            "it is for disposable containers. Add --yes-change-this-machine when this is one");
+    if (::geteuid() != 0)
+        throw UnitError("--in-place needs root to make nodes in /dev");
+}
+
+void requireFreePort() {
+    if (isListening(kDaemonPort))
+        throw UnitError("port " + std::to_string(kDaemonPort) +
+                        " of 127.0.0.1 is taken: another unit or daemon runs on this machine");
+}
+
+void printLine(const char* label, const std::string& value) {
+    std::cout << std::left << std::setw(8) << label << value << '\n';
+}
+
+void printWhereToReach(const std::string& unit) {
+    const auto programs = std::filesystem::path(ownProgram()).parent_path();
+    std::cout << '\n'; // the daemon's banner has no line end
+    printLine("unit", unit);
+    printLine("tcp", "tcp:127.0.0.1:" + std::to_string(kDaemonPort));
+    printLine("try", (programs / "station").string() + " status");
+    printLine("stop", "Ctrl-C");
+    std::cout.flush();
+}
+
+/// From the daemon's start to its end or the stop signal.
+int attend(StopSignals& signals, const std::string& unit,
+           const std::function<std::optional<int>()>& daemonEnded) {
+    if (waitUntilListening(signals, daemonEnded) != 0)
+        return 0;
+    printWhereToReach(unit);
+    for (;;) {
+        if (const auto status = daemonEnded()) {
+            std::cerr << "headunit: the daemon ended with status " << *status << '\n';
+            return kDaemonGone;
+        }
+        if (signals.wait() != SIGCHLD)
+            return 0;
+    }
+}
+
+int runInSandbox(const RunOptions& options, StopSignals& signals) {
+    UnitFolder folder = openUnitFolder(options.unitFolder);
+    const DeviceList devices = allDevices();
+    install(devices, folder);
+
+    SandboxLayout layout = layoutOnThisHost();
+    layout.unitFolder = folder.path();
+    layout.ownNetwork = false;
+    layout.sharedFolders.clear();
+    layout.workingDirectory = "/";
+    shareFolderOf(options.daemonPath, layout);
+
+    const Descendants descendants;
+    Sandbox sandbox(layout, {ownProgram(), "inside"}, {options.daemonPath});
+    return attend(signals, folder.path(), [&] { return sandbox.ended(); });
+}
+
+int runInPlace(const RunOptions& options, StopSignals& signals) {
+    InPlaceTree tree;
+    const DeviceList devices = allDevices();
+    install(devices, tree);
+
+    const Descendants descendants;
+    ChildProcess daemon({options.daemonPath});
+    return attend(signals, "this machine", [&] { return daemon.ended(); });
+}
+
+} // namespace
+
+int runCommand(const RunOptions& options) {
+    if (options.inPlace)
+        requireConsent(options);
+    requireDaemon(options.daemonPath);
+    requireFreePort();
+    StopSignals signals;
+    return options.inPlace ? runInPlace(options, signals) : runInSandbox(options, signals);
+}
+
+} // namespace headunit

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+namespace headunit {
+
+struct RunOptions {
+    std::string unitFolder; ///< kept; a temporary one when empty
+    std::string daemonPath;
+    bool inPlace = false;
+    bool changeThisMachine = false;
+};
+
+/// Runs the daemon in a unit on this machine's network, in the foreground, until a stop signal comes
+/// (returns 0) or the daemon ends (returns 1). Nothing of the unit is left then, except a kept folder.
+/// Throws UnitError when it cannot start.
+int runCommand(const RunOptions& options);
+
+} // namespace headunit

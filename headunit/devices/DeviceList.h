@@ -1,0 +1,18 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "devices/Device.h"
+
+namespace headunit {
+
+using DeviceList = std::vector<std::unique_ptr<Device>>;
+
+/// One of each device that a unit has, not installed yet, in the order of installation.
+DeviceList allDevices();
+
+/// Installs each in turn. Throws UnitError that names the device which failed.
+void install(const DeviceList& devices, UnitTree& tree);
+
+} // namespace headunit

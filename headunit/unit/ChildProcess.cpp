@@ -1,0 +1,143 @@
+#include "unit/ChildProcess.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <fstream>
+
+#include "platform/Descriptor.h"
+#include "unit/UnitError.h"
+
+namespace headunit {
+namespace {
+
+std::vector<char*> argumentVector(const std::vector<std::string>& command) {
+    std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
+    for (const std::string& argument : command)
+        arguments.push_back(const_cast<char*>(argument.c_str()));
+    arguments.push_back(nullptr);
+    return arguments;
+}
+
+void unblockSignals() {
+    sigset_t none;
+    sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+int statusOf(int waitStatus) {
+    return WIFSIGNALED(waitStatus) ? kSignalStatusBase + WTERMSIG(waitStatus) : WEXITSTATUS(waitStatus);
+}
+
+/// Runs between fork and exec: only calls that are safe there.
+[[noreturn]] void becomeCommand(char* const* arguments, pid_t parent, int standardError, int report) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent)
+        ::_exit(kNotFound); // it died before its death could be asked for
+    int error = 0;
+    if (standardError >= 0 && ::dup2(standardError, STDERR_FILENO) < 0)
+        error = errno;
+    if (error == 0) {
+        unblockSignals();
+        ::execvp(arguments[0], arguments);
+        error = errno;
+    }
+    [[maybe_unused]] const ssize_t reported = ::write(report, &error, sizeof error);
+    ::_exit(kNotFound);
+}
+
+/// The error number that the child met before it became the command, 0 when it did.
+int startError(int report) {
+    int error = 0;
+    ssize_t count;
+    do
+        count = ::read(report, &error, sizeof error);
+    while (count < 0 && errno == EINTR);
+    return count == static_cast<ssize_t>(sizeof error) ? error : 0;
+}
+
+} // namespace
+
+ChildProcess::ChildProcess(const std::vector<std::string>& command, int standardError) {
+    const std::vector<char*> arguments = argumentVector(command);
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0)
+        throw systemError("cannot make a pipe", errno);
+    const System::Descriptor reading(ends[0]);
+    System::Descriptor writing(ends[1]);
+
+    const pid_t parent = ::getpid();
+    m_pid = ::fork();
+    if (m_pid < 0)
+        throw systemError("cannot start " + command.front(), errno);
+    if (m_pid == 0)
+        becomeCommand(arguments.data(), parent, standardError, writing.get());
+
+    writing.reset();
+    if (const int error = startError(reading.get()); error != 0) {
+        wait();
+        throw systemError("cannot start " + command.front(), error);
+    }
+}
+
+ChildProcess::~ChildProcess() {
+    kill();
+}
+
+std::optional<int> ChildProcess::ended() {
+    return reap(WNOHANG);
+}
+
+int ChildProcess::wait() {
+    return reap(0).value_or(kNotFound);
+}
+
+void ChildProcess::kill() {
+    if (ended())
+        return;
+    ::kill(m_pid, SIGKILL);
+    wait();
+}
+
+std::optional<int> ChildProcess::reap(int options) {
+    if (m_status)
+        return m_status;
+    int waitStatus = 0;
+    pid_t reaped;
+    do
+        reaped = ::waitpid(m_pid, &waitStatus, options);
+    while (reaped < 0 && errno == EINTR);
+    if (reaped == m_pid)
+        m_status = statusOf(waitStatus);
+    if (reaped < 0)
+        m_status = kNotFound; // somebody else took its status: it is gone all the same
+    return m_status;
+}
+
+int executeInPlace(const std::vector<std::string>& command) {
+    const std::vector<char*> arguments = argumentVector(command);
+    unblockSignals();
+    ::execvp(arguments[0], arguments.data());
+    return errno;
+}
+
+Descendants::Descendants() {
+    ::prctl(PR_SET_CHILD_SUBREAPER, 1);
+}
+
+Descendants::~Descendants() {
+    // Each round may bring up orphans of those that were reaped in it.
+    do {
+        std::ifstream children("/proc/thread-self/children");
+        pid_t child;
+        while (children >> child)
+            ::kill(child, SIGKILL);
+    } while (::waitpid(-1, nullptr, 0) > 0 || errno == EINTR);
+}
+
+} // namespace headunit

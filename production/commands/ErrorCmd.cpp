@@ -1,0 +1,24 @@
+#include "commands/ErrorCmd.h"
+
+System::Mutex ErrorCmd::s_singleton_mutex(System::Mutex::Normal);
+
+ErrorCmd* ErrorCmd::getInstance() {
+    const System::Lock lock(s_singleton_mutex);
+    static ErrorCmd* const instance = new ErrorCmd;
+    return instance;
+}
+
+ErrorCmd::ErrorCmd() : AbstractCmd(0, "Error", false) {}
+
+ProcessResponse* ErrorCmd::process(std::vector<std::vector<char>>&) {
+    return new ProcessResponse(ProcessResponse::kSuccess, "asdf");
+}
+
+ProcessResponse* ErrorCmd::process(std::vector<unsigned char>*) {
+    return new ProcessResponse(ProcessResponse::kSuccess, "asdf");
+}
+
+ProcessResponse* ErrorCmd::generateGenericTavrinError(const std::vector<unsigned char>* request,
+                                                      const std::string& text) {
+    return tavrin_generateGenericError(request, text);
+}

@@ -1,0 +1,184 @@
+#include "commands/sReadCmd.h"
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "commands/cReadCmd.h"
+#include "core/BuildStamp.h"
+#include "core/ProcessResponseAscii.h"
+
+namespace {
+
+constexpr std::size_t kStatusLength = 2;
+constexpr int kFileLength = 3;
+constexpr unsigned char kStatusEcho = 0x2C;
+constexpr std::size_t kEchoedBytes = 4;
+
+constexpr unsigned char kProductHigh = 0xA0;
+constexpr unsigned char kProductLow = 0x24;
+constexpr std::size_t kPayloadBytes = 16;
+
+constexpr char kRevision[] = "/dev/nvsku/rev";
+constexpr char kSerialNumber[] = "/dev/nvsku/serial_num";
+constexpr char kImageVersion[] = "/mnt/app/img_ver.txt";
+constexpr char kApplicationVersion[] = "/mnt/app/version_info.txt";
+constexpr char kSystemVersion[] = "/ifs/version_info.txt";
+
+constexpr int kReadImageVersion = 0x01;
+constexpr int kReadSerialNumber = 0x02;
+
+constexpr char kTooLong[] = "Command 's': too long!";
+constexpr char kUnsupported[] = "unsupported subcommand";
+constexpr char kInvalidLength[] = "Invalid Command Length";
+constexpr char kSentAgain[] = "Startup State sent but requested again";
+constexpr char kConnectionCut[] = "Probaby due to connection cut";
+constexpr char kCannotOpen[] = "Failed to open the /dev/nvsku/rev file";
+constexpr char kCannotRead[] = "Could not read the /dev/nvsku/rev file";
+constexpr char kCannotReadAscii[] = "Failed to read from /dev/nvsku/rev file";
+constexpr char kTooLarge[] = "Revision does not Fit in 2 Bytes";
+
+enum class RevisionRead { Ok, CannotOpen, CannotRead };
+
+RevisionRead readRevision(unsigned int& revision) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(kRevision, "re"), std::fclose);
+    if (!file)
+        return RevisionRead::CannotOpen;
+    return std::fscanf(file.get(), "%X", &revision) == 1 ? RevisionRead::Ok : RevisionRead::CannotRead;
+}
+
+unsigned char packedDecimal(const char* digits) {
+    // A blank in place of the first digit counts as 0.
+    return static_cast<unsigned char>((digits[0] << 4) + (digits[1] - '0'));
+}
+
+void appendBuildTime(std::vector<unsigned char>& payload) {
+    constexpr std::size_t kDay = 8, kMonth = 5, kYear = 2, kHour = 11, kMinute = 14;
+    const char* stamp = getDateTimeString();
+    for (const std::size_t position : {kDay, kMonth, kYear, kHour, kMinute})
+        payload.push_back(packedDecimal(stamp + position));
+}
+
+ProcessResponse* genericError(const char* text) {
+    return new ProcessResponse(ProcessResponse::kGenericError, "%s", text);
+}
+
+ProcessResponse* tavrinError(const char* text) {
+    return new ProcessResponseTavrin(ProcessResponse::kGenericError, "%s", text);
+}
+
+ProcessResponse* asciiError(const char* text) {
+    return new ProcessResponseAscii(ProcessResponse::kGenericError, "%s", text);
+}
+
+} // namespace
+
+std::uint16_t sReadCmd::kruversion = 0;
+bool sReadCmd::kruversion_checked = false;
+bool sReadCmd::startupSend = false;
+System::Mutex sReadCmd::s_singleton_mutex(System::Mutex::Normal);
+
+sReadCmd* sReadCmd::getInstance() {
+    const System::Lock lock(s_singleton_mutex);
+    static sReadCmd* const instance = new sReadCmd;
+    return instance;
+}
+
+sReadCmd::sReadCmd() : AbstractCmd('s', "status", true) {}
+
+ProcessResponse* sReadCmd::process(std::vector<unsigned char>* request) {
+    const int length = tavrin_getRequestLen(request);
+    if (length == static_cast<int>(kStatusLength))
+        return sendStatusTavrin(request, Requested);
+    if (length > kFileLength)
+        return genericError(kTooLong);
+    const int subCommand = tavrin_getCommand(request);
+    if (subCommand != kReadImageVersion && subCommand != kReadSerialNumber)
+        return genericError(kUnsupported);
+    // An answer echoes D3, which this request does not have.
+    request->resize(kEchoedBytes);
+    return cReadCmd::getInstance()->ReadFromFileBinary(
+        request, subCommand == kReadImageVersion ? kImageVersion : kSerialNumber);
+}
+
+ProcessResponse* sReadCmd::process(std::vector<std::vector<char>>& tokens) {
+    struct Selection {
+        const char* prefix;
+        const char* path;
+    };
+    constexpr Selection kSelections[] = {{"01", kImageVersion},
+                                         {"02", kSerialNumber},
+                                         {"03", kApplicationVersion},
+                                         {"04", kSystemVersion}};
+    if (tokens.size() == 1)
+        return sendStatusAscii();
+    const std::size_t prefixLength = std::strlen(kSelections[0].prefix);
+    for (const Selection& selection : kSelections) {
+        if (tokens.size() > 1 && tokens[1].size() >= prefixLength &&
+            std::memcmp(tokens[1].data(), selection.prefix, prefixLength) == 0)
+            return cReadCmd::getInstance()->ReadFromFileBase64(selection.path);
+    }
+    return genericError(kUnsupported);
+}
+
+/// Returns whether a status had been built before this one.
+bool sReadCmd::noteStatusSent(Status status) {
+    const bool sentBefore = startupSend;
+    if (sentBefore && status == Startup) {
+        tavrin_sendAsyncDebug(kSentAgain);
+        tavrin_sendAsyncDebug(kConnectionCut);
+    }
+    startupSend = true;
+    return sentBefore;
+}
+
+ProcessResponse* sReadCmd::sendStatusTavrin(std::vector<unsigned char>* request, Status status) {
+    if (tavrin_getRequestLen(request) != static_cast<int>(kStatusLength))
+        return tavrinError(kInvalidLength);
+    const bool sentBefore = noteStatusSent(status);
+    request->resize(kEchoedBytes);
+    (*request)[2] = kStatusEcho;
+    (*request)[3] = sentBefore ? 1 : 0;
+    std::vector<unsigned char> payload;
+    payload.reserve(kPayloadBytes);
+    appendBuildTime(payload);
+    payload.push_back(kProductHigh);
+    payload.push_back(kProductLow);
+    if (!kruversion_checked) {
+        unsigned int revision = 0;
+        const RevisionRead result = readRevision(revision);
+        if (result == RevisionRead::CannotOpen)
+            return tavrinError(kCannotOpen);
+        if (result == RevisionRead::CannotRead)
+            return tavrinError(kCannotRead);
+        if (revision >= 0x10000)
+            return tavrinError(kTooLarge);
+        kruversion = static_cast<std::uint16_t>(revision);
+        kruversion_checked = true;
+    }
+    payload.push_back(static_cast<unsigned char>(kruversion >> 8));
+    payload.push_back(static_cast<unsigned char>(kruversion));
+    payload.push_back(static_cast<unsigned char>(getProductionVersion()));
+    payload.resize(kPayloadBytes);
+    auto response = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kSuccess, "");
+    tavrin_fillDefaultResponse(request, response.get(), payload);
+    return response.release();
+}
+
+ProcessResponse* sReadCmd::tavrin_getStartupStatus() {
+    std::vector<unsigned char> request = {kStatusLength, static_cast<unsigned char>(tavrin_getName())};
+    return sendStatusTavrin(&request, Startup);
+}
+
+ProcessResponse* sReadCmd::sendStatusAscii() {
+    unsigned int revision = 0;
+    const RevisionRead result = readRevision(revision);
+    if (result == RevisionRead::CannotOpen)
+        return asciiError(kCannotOpen);
+    if (result == RevisionRead::CannotRead)
+        return asciiError(kCannotReadAscii);
+    auto response = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
+    response->answer = string_format("\"%s\" %02X%02X \"%X\" %u", getDateTimeString(), kProductHigh,
+                                     kProductLow, revision, getProductionVersion());
+    return response.release();
+}

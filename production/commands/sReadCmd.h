@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/AbstractCmd.h"
+#include "runtime/Mutex.h"
+
+/// Reports who is answering: build stamp, product, board revision, protocol version; and identity files.
+class sReadCmd : public AbstractCmd {
+public:
+    /// Why a status is built.
+    enum Status {
+        Startup = 0,  ///< unrequested, by a front end that has reached its station
+        Requested = 1 ///< the answer to a request
+    };
+
+    static sReadCmd* getInstance();
+
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
+    ProcessResponse* process(std::vector<unsigned char>* request) override;
+
+    /// The binary status, with its frame filled in. The request is changed: it becomes what is echoed.
+    ProcessResponse* sendStatusTavrin(std::vector<unsigned char>* request, Status status);
+    /// The status as a front end announces itself with it.
+    ProcessResponse* tavrin_getStartupStatus();
+    ProcessResponse* sendStatusAscii();
+
+private:
+    sReadCmd();
+
+    bool noteStatusSent(Status status);
+
+    static std::uint16_t kruversion;
+    static bool kruversion_checked;
+    static bool startupSend;
+    static System::Mutex s_singleton_mutex;
+};

@@ -1,0 +1,237 @@
+#include "core/Handler.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+#include <utility>
+
+#include "commands/ErrorCmd.h"
+#include "core/Diagnostics.h"
+#include "core/ProcessResponseAscii.h"
+
+namespace {
+
+constexpr std::uint32_t kUnknownName = 0x10;
+
+constexpr char kRegister[] = "Listener::registerHandler: ";
+constexpr char kNullHandler[] = "Handler is NULL";
+constexpr char kUnable[] = "Unable to register Handler: ";
+constexpr char kReason[] = "Reason: Command ";
+constexpr char kRegisteredBy[] = " registered by ";
+constexpr char kNoHandler[] = "No Handler for the Command ";
+constexpr char kEmptyRequest[] = "command fehler\n";
+
+std::string textOf(const std::vector<char>& token) {
+    return std::string(token.begin(), std::find(token.begin(), token.end(), '\0'));
+}
+
+void reportEmptyRequest() {
+    std::fputs(kEmptyRequest, stdout);
+    std::fflush(stdout);
+}
+
+/// Frees a response that asks for no answer, which the exec functions leave to its owner.
+std::unique_ptr<ProcessResponse> ownIfUnanswered(ProcessResponse* response) {
+    return std::unique_ptr<ProcessResponse>(response->code == ProcessResponse::kNoAnswer ? response
+                                                                                         : nullptr);
+}
+
+/// Calls a command's `process`, whatever it does: what it throws, and no response at all, become the
+/// generic error.
+template <typename Process>
+ProcessResponse* guarded(Process process) {
+    constexpr char kNoResponse[] = "The command gave no response";
+    constexpr char kUnknownException[] = "The command failed with an unknown exception";
+    std::string reason = kNoResponse;
+    try {
+        if (ProcessResponse* response = process())
+            return response;
+    } catch (const std::exception& exception) {
+        reason = exception.what();
+    } catch (...) {
+        reason = kUnknownException;
+    }
+    return new ProcessResponse(ProcessResponse::kGenericError, "%s", reason.c_str());
+}
+
+} // namespace
+
+/// One request on its way through the dispatcher. The caller fills in the first part and waits; the
+/// dispatcher fills in the second part, then sets `done`. Both keep it alive, so that the dispatcher may
+/// signal after the caller has already left.
+struct Handler::Request {
+    AbstractCmd* command = nullptr;
+    AbstractListener* listener = nullptr;
+    bool isAscii = false;
+    std::vector<unsigned char>* frame = nullptr;
+    std::vector<std::vector<char>> tokens;
+    std::string unknownCommand; // what to complain of; empty when the command is known
+
+    std::vector<unsigned char> answerFrame;
+    std::string answerLine;
+    std::exception_ptr failure; // for the caller
+    bool done = false;
+    System::Condition requestDone;
+};
+
+System::Mutex Handler::s_singleton_mutex(System::Mutex::Normal);
+
+Handler* Handler::getInstance() {
+    const System::Lock lock(s_singleton_mutex);
+    static Handler* const instance = new Handler;
+    return instance;
+}
+
+Handler::Handler()
+    : m_registryLock(System::Mutex::Normal),
+      m_requestLock(System::Mutex::Normal),
+      m_doneLock(System::Mutex::Normal) {}
+
+bool Handler::registerHandler(char id, AbstractCmd* cmd) {
+    if (cmd == nullptr) {
+        printDiagnostic(string_format("%s%s", kRegister, kNullHandler));
+        return false;
+    }
+    const System::Lock lock(m_registryLock);
+    const auto [entry, isNew] = m_commandsById.emplace(id, cmd);
+    if (!isNew)
+        printDiagnostic(string_format("%s%s%c%s%s%c%s%c%s", kRegister, kUnable, cmd->tavrin_getName(),
+                                      ". ", kReason, id, kRegisteredBy, entry->second->tavrin_getName(),
+                                      "\n"));
+    return isNew;
+}
+
+bool Handler::registerHandler(std::string name, AbstractCmd* cmd) {
+    if (cmd == nullptr) {
+        printDiagnostic(string_format("%s%s", kRegister, kNullHandler));
+        return false;
+    }
+    const System::Lock lock(m_registryLock);
+    const auto [entry, isNew] = m_commandsByName.emplace(name, cmd);
+    if (!isNew)
+        printDiagnostic(string_format("%s%s%s%s%s%s%s%s", kRegister, kUnable,
+                                      cmd->ascii_getName().c_str(), ". ", kReason, name.c_str(),
+                                      kRegisteredBy, entry->second->ascii_getName().c_str()));
+    return isNew;
+}
+
+std::string Handler::getHandlerName(unsigned char id) const {
+    const bool isLetter = (id >= 'a' && id <= 'z') || (id >= 'A' && id <= 'Z');
+    return isLetter ? string_format("%c", id) : string_format("0x%02X", id);
+}
+
+std::vector<unsigned char> Handler::handleCommand(std::vector<unsigned char>* frame,
+                                                  AbstractListener* listener) {
+    if (frame == nullptr || frame->size() < 2)
+        throw std::out_of_range("invalid vector<T> subscript");
+    const auto request = std::make_shared<Request>();
+    request->listener = listener;
+    request->frame = frame;
+    const unsigned char id = (*frame)[1];
+    const auto entry = m_commandsById.find(static_cast<char>(id));
+    if (entry == m_commandsById.end()) {
+        request->command = ErrorCmd::getInstance();
+        request->unknownCommand = kNoHandler + getHandlerName(id);
+    } else {
+        request->command = entry->second;
+    }
+    runAndWait(request);
+    return std::move(request->answerFrame);
+}
+
+std::string Handler::handleCommand(std::vector<std::vector<char>> tokens, AbstractListener* listener) {
+    const auto request = std::make_shared<Request>();
+    request->listener = listener;
+    request->isAscii = true;
+    if (!tokens.empty()) {
+        const std::string name = textOf(tokens.front());
+        const auto entry = m_commandsByName.find(name);
+        if (entry == m_commandsByName.end()) {
+            request->command = ErrorCmd::getInstance();
+            request->unknownCommand = kNoHandler + name;
+        } else {
+            request->command = entry->second;
+        }
+    }
+    request->tokens = std::move(tokens);
+    runAndWait(request);
+    return std::move(request->answerLine);
+}
+
+void Handler::runAndWait(const std::shared_ptr<Request>& request) {
+    {
+        const System::Lock lock(m_requestLock);
+        m_pending.push_back(request);
+    }
+    m_requestReady.signal();
+    {
+        const System::Lock lock(m_doneLock);
+        while (!request->done)
+            request->requestDone.wait(m_doneLock);
+    }
+    if (request->failure)
+        std::rethrow_exception(std::move(request->failure)); // the dispatcher keeps no part of it
+}
+
+std::shared_ptr<Handler::Request> Handler::nextRequest() {
+    const System::Lock lock(m_requestLock);
+    while (m_pending.empty())
+        m_requestReady.wait(m_requestLock);
+    std::shared_ptr<Request> request = std::move(m_pending.front());
+    m_pending.pop_front();
+    return request;
+}
+
+void Handler::threadLoop(System::Thread*) {
+    setState(Started, false);
+    while (getState() <= Connected) {
+        const std::shared_ptr<Request> request = nextRequest();
+        run(*request);
+        {
+            const System::Lock lock(m_doneLock);
+            request->done = true;
+        }
+        request->requestDone.signal();
+    }
+}
+
+void Handler::run(Request& request) {
+    if (request.command == nullptr) {
+        reportEmptyRequest();
+        return;
+    }
+    request.command->setListener(request.listener);
+    try {
+        if (request.isAscii)
+            runAscii(request);
+        else
+            runBinary(request);
+    } catch (...) {
+        request.failure = std::current_exception();
+    }
+    // The front end may be gone as soon as its request is done.
+    request.command->setListener(nullptr);
+}
+
+void Handler::runBinary(Request& request) {
+    ProcessResponse* response = guarded([&request]() -> ProcessResponse* {
+        if (request.unknownCommand.empty())
+            return request.command->tavrin_preCheck(request.frame);
+        return ErrorCmd::getInstance()->generateGenericTavrinError(request.frame,
+                                                                   request.unknownCommand);
+    });
+    const auto unanswered = ownIfUnanswered(response);
+    request.answerFrame = request.command->tavrin_exec(request.frame, response);
+}
+
+void Handler::runAscii(Request& request) {
+    ProcessResponse* response = guarded([&request]() -> ProcessResponse* {
+        if (request.unknownCommand.empty())
+            return request.command->process(request.tokens);
+        // The name came from outside: it is text, never a format.
+        return new ProcessResponseAscii(kUnknownName, "%s", request.unknownCommand.c_str());
+    });
+    const auto unanswered = ownIfUnanswered(response);
+    request.answerLine = request.command->ascii_exec(response);
+}

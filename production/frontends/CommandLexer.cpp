@@ -1,0 +1,65 @@
+#include "frontends/CommandLexer.h"
+
+#include <limits>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "core/MemoryGuard.h"
+#include "frontends/serial_lexer.h"
+#include "runtime/Mutex.h"
+#include "serial_lexer.yy.h"
+
+namespace {
+
+// What the scanner wants to see behind the text.
+constexpr std::string_view kEndOfBuffer("\0\0", 2);
+
+System::Mutex s_lexerLock(System::Mutex::Normal);
+
+struct ReleaseBuffer {
+    void operator()(yy_buffer_state* buffer) const { yy_delete_buffer(buffer); }
+};
+
+std::size_t bytesIn(const std::vector<std::vector<char>>& tokens) {
+    std::size_t bytes = tokens.size() * sizeof(std::vector<char>);
+    for (const auto& token : tokens)
+        bytes += token.size();
+    return bytes;
+}
+
+/// Scans `line` into `mylist`.
+void fillList(std::string_view line) {
+    line = line.substr(0, line.find('\0'));
+    // The scanner counts in int.
+    if (line.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()) - kEndOfBuffer.size())
+        throw std::bad_alloc();
+    MemoryGuard::require(line.size());
+    // The scanner's own copy would be lost if memory ran out right behind it.
+    std::string text;
+    text.reserve(line.size() + kEndOfBuffer.size());
+    text.append(line).append(kEndOfBuffer);
+    const std::unique_ptr<yy_buffer_state, ReleaseBuffer> buffer(
+        yy_scan_buffer(text.data(), text.size()));
+    yy_switch_to_buffer(buffer.get());
+    yylex();
+    printList();
+}
+
+} // namespace
+
+std::vector<std::vector<char>> CommandLexer::scan(std::string_view line) {
+    const System::Lock lock(s_lexerLock);
+    try {
+        fillList(line);
+        // What the rules echoed is there to be seen now, not when a buffer happens to be full.
+        showEchoes();
+        MemoryGuard::require(bytesIn(mylist));
+        return mylist;
+    } catch (...) {
+        // Half a command must not be taken for the next one's leftovers; and its memory is needed.
+        std::vector<std::vector<char>>().swap(mylist);
+        yylex_destroy();
+        throw;
+    }
+}

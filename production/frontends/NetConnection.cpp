@@ -1,0 +1,68 @@
+#include "frontends/NetConnection.h"
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <utility>
+
+#include "core/Handler.h"
+#include "frontends/CommandLexer.h"
+#include "platform/Memory.h"
+
+namespace {
+
+constexpr std::size_t kReadBytes = 4096;
+
+ssize_t readSome(int socket, char* bytes, std::size_t size) {
+    ssize_t count = 0;
+    do {
+        count = ::read(socket, bytes, size);
+    } while (count < 0 && errno == EINTR);
+    return count;
+}
+
+} // namespace
+
+NetConnection::NetConnection(System::Descriptor socket)
+    : m_socket(std::move(socket)), m_sender(m_socket.get()) {
+    // An "Info" line and the answer behind it are two writes; the second must not wait until the peer's
+    // system gets round to acknowledging the first.
+    const int on = 1;
+    ::setsockopt(m_socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+}
+
+void NetConnection::serve() {
+    while (readLine())
+        answer();
+}
+
+bool NetConnection::readLine() {
+    m_assembler.reset();
+    // On the stack, where an idle connection's buffer costs no memory until something arrives.
+    char bytes[kReadBytes];
+    for (;;) {
+        const ssize_t count = readSome(m_socket.get(), bytes, sizeof bytes);
+        if (count <= 0)
+            return false;
+        const auto size = static_cast<std::size_t>(count);
+        if (m_detector.feed(bytes, size) == HttpRequestDetector::HttpRequest)
+            return false;
+        if (m_assembler.append(bytes, size))
+            return true;
+    }
+}
+
+void NetConnection::answer() {
+    std::string text =
+        Handler::getInstance()->handleCommand(CommandLexer::scan(m_assembler.line()), &m_sender);
+    m_sender.asyncSend(text);
+    m_sender.flush();
+    if (m_assembler.line().size() > CommandLexer::kLongLine) {
+        m_assembler.reset();
+        System::returnFreedMemory();
+    }
+}

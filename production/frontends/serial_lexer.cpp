@@ -1,0 +1,92 @@
+#include "frontends/serial_lexer.h"
+
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "core/HexDigit.h"
+#include "core/MemoryGuard.h"
+#include "platform/Base64.h"
+#include "platform/Memory.h"
+
+namespace {
+
+constexpr std::size_t kMaxHexCharacters = 2048;
+constexpr std::size_t kCharactersPerQuad = 4;
+constexpr std::size_t kBytesPerQuad = 3;
+// What a token of a few bytes costs beside them: its vector and its block on the heap. It counts twice,
+// since the list is copied before it is used.
+constexpr std::size_t kTokenOverhead = 2 * (sizeof(std::vector<char>) + 32);
+
+// A list that was once longer gives its memory back.
+constexpr std::size_t kKeptTokens = 1024;
+
+MemoryGuard tokenMemory;
+bool echoed = false;
+
+std::vector<char>& append(std::size_t size) {
+    tokenMemory.add(2 * size + kTokenOverhead);
+    return mylist.emplace_back();
+}
+
+} // namespace
+
+std::vector<std::vector<char>> mylist;
+
+void addToList(const char* text) {
+    const std::size_t size = std::strlen(text) + 1;
+    append(size).assign(text, text + size);
+}
+
+void addHexToList(char* text) {
+    const std::size_t length = strnlen(text, kMaxHexCharacters);
+    std::vector<char>& bytes = append(length / 2);
+    bool high = true;
+    int value = 0;
+    for (std::size_t at = 0; at < length; ++at) {
+        const int digit = hexDigit(text[at]);
+        if (digit < 0)
+            continue;
+        value += high ? digit * 16 : digit;
+        high = !high;
+        if (high) {
+            bytes.push_back(static_cast<char>(value));
+            value = 0;
+        }
+    }
+}
+
+void addBase64ToList(char* text) {
+    const std::size_t size = std::strlen(text) / kCharactersPerQuad * kBytesPerQuad;
+    std::vector<char>& bytes = append(size);
+    bytes.resize(size);
+    System::decodeBase64(text, reinterpret_cast<unsigned char*>(bytes.data()), size);
+}
+
+void printList() {}
+
+void echo(const char* text, std::size_t length) {
+    echoed = true;
+    std::fwrite(text, 1, length, stdout);
+}
+
+void echoLength(const char* header, int length) {
+    echoed = true;
+    std::fprintf(stdout, "len %s: %d\n", header, length);
+}
+
+void showEchoes() {
+    if (!echoed)
+        return;
+    echoed = false;
+    std::fflush(stdout);
+}
+
+void clearList() {
+    if (mylist.capacity() <= kKeptTokens) {
+        mylist.clear();
+        return;
+    }
+    std::vector<std::vector<char>>().swap(mylist);
+    System::returnFreedMemory();
+}

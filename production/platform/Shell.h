@@ -1,0 +1,54 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <memory>
+#include <string_view>
+
+#include "platform/Descriptor.h"
+
+namespace System {
+
+enum class ShellOutcome {
+    Ended,      ///< `status` holds the wait status
+    Killed,     ///< outlived its limit; it and everything it started were killed
+    KillFailed, ///< outlived its limit and could not be killed; `error` tells why
+    WaitFailed  ///< `error` tells why; the shell was left alone
+};
+
+struct ShellResult {
+    ShellOutcome outcome;
+    int status; ///< as `waitpid` gives it
+    int error;  ///< an errno
+};
+
+/// One "/bin/sh -s" that reads its commands from a descriptor. At most one at a time per process, always
+/// from the same thread, and no other thread of the process may wait for children.
+///
+/// The shell gets the three given descriptors as 0, 1 and 2 and nothing else, default signal handling
+/// and a session of its own. It is started without copying the caller's page tables.
+class Shell {
+public:
+    Shell();
+    ~Shell();
+
+    /// Returns 0, or the error number that starting failed with.
+    int start(int input, int output, int errorOutput);
+
+    pid_t pid() const { return m_pid; }
+
+    /// Feeds `text` into `input`, the write end of the pipe that the shell reads from, closes it, and
+    /// waits for the shell to end. Returns when `limit` has passed, whatever the shell does: shortly
+    /// after it when processes have to be killed. What a shell that ended in time left running stays
+    /// alive. The calling process must ignore SIGPIPE.
+    ShellResult feedAndWait(Descriptor input, std::string_view text, std::chrono::nanoseconds limit);
+
+private:
+    class Tracking; // what the system needs to know to find all that the shell started
+
+    std::unique_ptr<Tracking> m_tracking;
+    pid_t m_pid = -1;
+};
+
+} // namespace System

@@ -1,0 +1,34 @@
+#include "platform/Descriptors.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace System {
+
+Descriptor openTcpSocket() {
+    return Descriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+}
+
+Descriptor acceptConnection(int listeningSocket) {
+    return Descriptor(::accept4(listeningSocket, nullptr, nullptr, SOCK_CLOEXEC));
+}
+
+bool openPipe(Descriptor& readEnd, Descriptor& writeEnd) {
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0)
+        return false;
+    readEnd.reset(ends[0]);
+    writeEnd.reset(ends[1]);
+    return true;
+}
+
+void openStandardStreams() {
+    Descriptor null(::open("/dev/null", O_RDWR));
+    while (null && null.get() <= STDERR_FILENO) {
+        null.release();
+        null.reset(::open("/dev/null", O_RDWR));
+    }
+}
+
+} // namespace System

@@ -1,0 +1,91 @@
+#include "CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+
+namespace station {
+
+namespace {
+
+constexpr char kDescription[] = "Sends one test command to a unit and prints the answer.";
+
+constexpr char kFooter[] = R"help(Options end at NAME: everything after it is an argument of the command.
+
+Arguments:
+  a plain word (letters, digits, _) travels as it is
+      station status 03
+  anything else travels quoted
+      station exec command -1 "ls -l /dev"
+  bytes as hex digits
+      station i2c write 0 0x50 "hex(00 1F)"
+  bytes as base64: also for text with a double quotation mark or a control character
+      station i2c write 0 0x50 "base64(AB8K)"
+
+Where to and how:
+  station --target tcp:unit.example:15051 status
+  station --target tcp:[::1]:15051 status
+  station --timeout 2.5 status
+  station --json status
+  STATION_TARGET=tcp:127.0.0.1:15052 STATION_TIMEOUT=5 station status
+
+The answer goes to standard output, Info lines and errors to standard error; with --json everything is
+in one object on standard output.
+
+Exit code:
+  0 success            3 cannot connect    5 refused by the unit
+  2 wrong usage        4 time-out          6 malformed or incomplete answer)help";
+
+class HelpFormatter : public CLI::Formatter {
+public:
+    // The command's name and arguments are no options of the parser, which would leave them out.
+    std::string make_usage(const CLI::App*, std::string) const override {
+        return "Usage: station [--target tcp:HOST:PORT] [--timeout SECONDS] [--json] NAME [ARG...]\n";
+    }
+};
+
+ExitCode refuseUsage(const std::string& message) {
+    std::cerr << "station: " << message << "\nRun with --help for more information.\n";
+    return ExitCode::Usage;
+}
+
+} // namespace
+
+std::optional<ExitCode> CommandLine::parse(int argc, const char* const* argv) {
+    CLI::App app(kDescription, "station");
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.footer(kFooter);
+    app.set_version_flag("--version", "station " STATION_VERSION);
+    app.add_option("--target", target, "Where the unit is reached")
+        ->type_name("tcp:HOST:PORT")
+        ->envname("STATION_TARGET")
+        ->capture_default_str();
+    app.add_option("--timeout", timeout, "Time for connection and answer together")
+        ->type_name("SECONDS")
+        ->envname("STATION_TIMEOUT")
+        ->capture_default_str();
+    app.add_flag("--json", json, "Print one JSON object: name, answer, info, code, milliseconds");
+    app.prefix_command();
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& request) {
+        app.exit(request);
+        return ExitCode::Success;
+    } catch (const CLI::ParseError& error) {
+        return refuseUsage(error.what());
+    }
+
+    std::vector<std::string> command = app.remaining();
+    if (!command.empty() && command.front() == "--")
+        command.erase(command.begin());
+    if (command.empty())
+        return refuseUsage("the NAME of a command is missing");
+    name = command.front();
+    if (name.substr(0, 1) == "-")
+        return refuseUsage("unknown option " + name);
+    arguments.assign(command.begin() + 1, command.end());
+    return std::nullopt;
+}
+
+} // namespace station

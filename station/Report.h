@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "ExitCode.h"
+#include "client/Answer.h"
+#include "client/Failure.h"
+
+namespace station {
+
+/// Tells the caller of the program how a command went: any number of `info` calls, then exactly one
+/// `answered` or `failed`. Times are milliseconds from the start of the connection.
+class Report {
+public:
+    virtual ~Report() = default;
+
+    /// The message of an Info line.
+    virtual void info(const std::string& message) = 0;
+    virtual void answered(const Answer& answer, double milliseconds) = 0;
+    virtual void failed(const Failure& failure, double milliseconds) = 0;
+};
+
+/// The answer on standard output, everything else on standard error at once.
+std::unique_ptr<Report> makeTextReport();
+
+/// One object on one line of standard output, when all is known; standard error stays empty.
+std::unique_ptr<Report> makeJsonReport(const std::string& name);
+
+ExitCode exitCode(const Answer& answer);
+ExitCode exitCode(const Failure& failure);
+
+} // namespace station

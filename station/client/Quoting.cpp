@@ -1,0 +1,119 @@
+#include "client/Quoting.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "client/Failure.h"
+
+namespace station {
+
+namespace {
+
+constexpr std::string_view kHexOpening = "hex(";
+constexpr std::string_view kBase64Opening = "base64(";
+
+// The unit reads this many characters of a run of hex digits and blanks and drops the rest in silence.
+constexpr std::size_t kLongestHexText = 2048;
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool isLetter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+bool isWordCharacter(char c) {
+    return isLetter(c) || isDigit(c) || c == '_';
+}
+bool isHexCharacter(char c) {
+    return isDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f') || c == ' ';
+}
+bool isBase64Character(char c) {
+    return isLetter(c) || isDigit(c) || c == '+' || c == '/' || c == '=';
+}
+bool isControlCharacter(char c) {
+    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
+
+template <typename Predicate>
+bool consistsOf(std::string_view text, Predicate predicate) {
+    return std::all_of(text.begin(), text.end(), predicate);
+}
+
+bool beginsWith(std::string_view text, std::string_view opening) {
+    return text.substr(0, opening.size()) == opening;
+}
+
+[[noreturn]] void refuse(const std::string& message) {
+    throw Failure(Failure::Kind::InvalidRequest, message);
+}
+
+std::string quotedForMessage(std::string_view argument) {
+    return "'" + std::string(argument) + "'";
+}
+
+/// What stands between `opening` and the closing parenthesis.
+std::string_view encodedBytes(std::string_view argument, std::string_view opening) {
+    if (argument.back() != ')')
+        refuse("argument " + quotedForMessage(argument) + " begins with " + std::string(opening) +
+               " but does not end with ); to send this very text, encode it as base64(...)");
+    const std::string_view bytes = argument.substr(opening.size(), argument.size() - opening.size() - 1);
+    if (bytes.empty())
+        refuse("argument " + quotedForMessage(argument) +
+               " is empty, and the unit drops empty arguments");
+    return bytes;
+}
+
+void checkHex(std::string_view argument) {
+    const std::string_view digits = encodedBytes(argument, kHexOpening);
+    if (!consistsOf(digits, isHexCharacter))
+        refuse("argument " + quotedForMessage(argument) +
+               " may hold only hex digits and blanks between the parentheses; to send this very text, "
+               "encode it as base64(...)");
+    if (digits.size() > kLongestHexText)
+        refuse("a hex(...) argument holds " + std::to_string(digits.size()) +
+               " characters, and the unit drops what follows the first " +
+               std::to_string(kLongestHexText) + "; send the bytes as base64(...)");
+}
+
+void checkBase64(std::string_view argument) {
+    if (!consistsOf(encodedBytes(argument, kBase64Opening), isBase64Character))
+        refuse("argument " + quotedForMessage(argument) +
+               " may hold only A-Z a-z 0-9 + / = between the parentheses; to send this very text, "
+               "encode it as base64(...)");
+}
+
+void checkQuotable(std::string_view argument) {
+    if (argument.empty())
+        refuse("an empty argument cannot be sent: the unit drops it");
+    if (argument.find('"') != std::string_view::npos)
+        refuse("argument " + quotedForMessage(argument) +
+               " holds a double quotation mark, which cannot be quoted; send its bytes as base64(...)");
+    const auto control = std::find_if(argument.begin(), argument.end(), isControlCharacter);
+    if (control == argument.end())
+        return;
+    char text[sizeof "0x00"];
+    std::snprintf(text, sizeof text, "0x%02X", static_cast<unsigned>(*control) & 0xFFU);
+    refuse("an argument holds the control character " + std::string(text) + " as its byte " +
+           std::to_string(control - argument.begin() + 1) +
+           ", which cannot be quoted; send its bytes as base64(...)");
+}
+
+} // namespace
+
+std::string quoteArgument(std::string_view argument) {
+    if (!argument.empty() && consistsOf(argument, isWordCharacter))
+        return std::string(argument);
+    // Before the encoded forms, so that no message repeats a control character.
+    checkQuotable(argument);
+    if (beginsWith(argument, kHexOpening)) {
+        checkHex(argument);
+        return std::string(argument);
+    }
+    if (beginsWith(argument, kBase64Opening)) {
+        checkBase64(argument);
+        return std::string(argument);
+    }
+    return '"' + std::string(argument) + '"';
+}
+
+} // namespace station

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace station {
+
+/// How one argument travels in a request line:
+///
+///     plain word (A-Z a-z 0-9 _)           bare         read         -> read
+///     begins with "hex(" or "base64("      as it is     hex(01 0A)   -> hex(01 0A)
+///     everything else                      quoted       /dev/x       -> "/dev/x"
+///
+/// What the line has no form for throws `Failure` (`InvalidRequest`) with a message that says what to do
+/// instead: an empty argument, one that holds a double quotation mark or a control character, and a
+/// `hex(...)` or `base64(...)` that the unit would not read as what it says. Bytes from 0x80 on are
+/// fine.
+std::string quoteArgument(std::string_view argument);
+
+} // namespace station

@@ -1,0 +1,26 @@
+#include "client/Request.h"
+
+#include "client/Failure.h"
+#include "client/Framing.h"
+#include "client/Quoting.h"
+
+namespace station {
+
+bool isCommandName(std::string_view name) {
+    constexpr std::string_view kAlphanumeric =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+    return !name.empty() && name.find_first_not_of(kAlphanumeric) == std::string_view::npos;
+}
+
+Request::Request(std::string_view name, const std::vector<std::string>& arguments) : m_name(name) {
+    if (!isCommandName(name))
+        throw Failure(Failure::Kind::InvalidRequest,
+                      "invalid command name '" + m_name + "': only letters and digits are allowed");
+    m_bytes = kStartOfText + m_name;
+    for (const std::string& argument : arguments)
+        m_bytes += ' ' + quoteArgument(argument);
+    m_bytes += kEndOfText;
+    m_bytes += kLineFeed;
+}
+
+} // namespace station

@@ -1,0 +1,120 @@
+#include "client/TcpLink.h"
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "client/AddressLookup.h"
+#include "client/Failure.h"
+
+namespace station {
+
+namespace {
+
+constexpr std::size_t kReceiveSize = 65536;
+
+std::string describe(int error) {
+    return std::system_category().message(error);
+}
+
+/// Waits for `events`, or for an error that the next call on the socket will report.
+void waitFor(int socket, short events, const Deadline& deadline, const std::string& activity) {
+    for (;;) {
+        // Checked first: a peer that never stops sending does not get more time than a silent one.
+        if (deadline.expired())
+            throw Failure(Failure::Kind::TimedOut, "time-out while " + activity);
+        pollfd entry = {socket, events, 0};
+        const int ready = ::poll(&entry, 1, deadline.pollMilliseconds());
+        const int error = errno;
+        if (ready > 0)
+            return;
+        if (ready < 0 && error != EINTR)
+            throw std::system_error(error, std::system_category(), "poll");
+    }
+}
+
+/// 0, or the error number that says why this address did not take the connection.
+int connectSocket(int socket, const addrinfo& address, const Deadline& deadline,
+                  const std::string& activity) {
+    if (::connect(socket, address.ai_addr, address.ai_addrlen) == 0)
+        return 0;
+    const int started = errno;
+    // An interrupted connect() goes on in the background like one in progress.
+    if (started != EINPROGRESS && started != EINTR)
+        return started;
+    waitFor(socket, POLLOUT, deadline, activity);
+    int result = 0;
+    socklen_t size = sizeof result;
+    if (::getsockopt(socket, SOL_SOCKET, SO_ERROR, &result, &size) != 0)
+        return errno;
+    return result;
+}
+
+bool isWorthWaiting(int error) {
+    return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
+}
+
+bool isConnectionEnd(int error) {
+    return error == ECONNRESET || error == EPIPE;
+}
+
+} // namespace
+
+TcpLink TcpLink::connect(const Target& target, const Deadline& deadline) {
+    const std::string activity = "connecting to " + target.text();
+    const AddressList addresses = lookUp(target, deadline);
+    int error = 0;
+    for (const addrinfo* address = addresses.get(); address != nullptr; address = address->ai_next) {
+        System::Descriptor socket(
+            ::socket(address->ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+        error = socket ? 0 : errno;
+        if (error == 0)
+            error = connectSocket(socket.get(), *address, deadline, activity);
+        if (error != 0)
+            continue;
+        const int enabled = 1;
+        ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &enabled, sizeof enabled);
+        return TcpLink(std::move(socket));
+    }
+    throw Failure(Failure::Kind::CannotConnect,
+                  "cannot connect to " + target.text() + ": " + describe(error));
+}
+
+void TcpLink::send(std::string_view bytes, const Deadline& deadline) {
+    while (!bytes.empty()) {
+        const ssize_t sent = ::send(m_socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        const int error = errno;
+        if (sent >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(sent));
+            continue;
+        }
+        if (!isWorthWaiting(error))
+            throw Failure(Failure::Kind::ConnectionLost,
+                          "the connection was lost while sending the command: " + describe(error));
+        waitFor(m_socket.get(), POLLOUT, deadline, "sending the command");
+    }
+}
+
+std::string TcpLink::receive(const Deadline& deadline) {
+    std::array<char, kReceiveSize> buffer;
+    for (;;) {
+        waitFor(m_socket.get(), POLLIN, deadline, "waiting for the answer");
+        const ssize_t received = ::recv(m_socket.get(), buffer.data(), buffer.size(), 0);
+        const int error = errno;
+        if (received >= 0)
+            return std::string(buffer.data(), static_cast<std::size_t>(received));
+        if (isConnectionEnd(error))
+            return {};
+        if (!isWorthWaiting(error))
+            throw Failure(Failure::Kind::ConnectionLost,
+                          "the connection was lost while waiting for the answer: " + describe(error));
+    }
+}
+
+} // namespace station

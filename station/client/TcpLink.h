@@ -1,0 +1,28 @@
+#pragma once
+
+#include <utility>
+
+#include "client/Link.h"
+#include "client/Target.h"
+#include "platform/Descriptor.h"
+
+namespace station {
+
+/// A TCP connection to a unit. Owns its socket, which is non-blocking, closed on exec and sends small
+/// packets at once. Never raises SIGPIPE.
+class TcpLink : public Link {
+public:
+    /// Looks the host up and tries its addresses in turn; blocks until one takes the connection. Throws
+    /// `Failure`: `CannotConnect` with the last address's reason, or `TimedOut`.
+    static TcpLink connect(const Target& target, const Deadline& deadline);
+
+    void send(std::string_view bytes, const Deadline& deadline) override;
+    std::string receive(const Deadline& deadline) override;
+
+private:
+    explicit TcpLink(System::Descriptor socket) : m_socket(std::move(socket)) {}
+
+    System::Descriptor m_socket;
+};
+
+} // namespace station

@@ -1,0 +1,42 @@
+#include <gmock/gmock.h>
+
+#include "commands/ErrorCmd.h"
+#include "commands/ackCmd.h"
+#include "commands/cReadCmd.h"
+#include "commands/sReadCmd.h"
+#include "core/Handler.h"
+#include "support/Eventually.h"
+
+namespace {
+
+struct Entry {
+    AbstractCmd* command;
+    signed char id;
+    const char* name;
+};
+
+} // namespace
+
+TEST(CommandTableTest, EveryCommandIsReachableByItsIdAndItsName) {
+    Handler& handler = *Handler::getInstance();
+    ::testing::internal::CaptureStderr();
+    handler.initHandler();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "") << "ids and names are unique";
+    EXPECT_TRUE(handler.isValid());
+    EXPECT_TRUE(eventually([&] { return handler.getState() == StatedThread::Started; }));
+
+    const Entry entries[] = {
+        {ackCmd::getInstance(), 0x06, "ack"},
+        {sReadCmd::getInstance(), 's', "status"},
+        {cReadCmd::getInstance(), 'c', "exec"},
+    };
+    for (const Entry& entry : entries) {
+        SCOPED_TRACE(entry.name);
+        EXPECT_EQ(entry.command->tavrin_getName(), entry.id);
+        EXPECT_EQ(entry.command->ascii_getName(), entry.name);
+        ::testing::internal::CaptureStderr();
+        EXPECT_FALSE(handler.registerHandler(static_cast<char>(entry.id), ErrorCmd::getInstance()));
+        EXPECT_FALSE(handler.registerHandler(entry.name, ErrorCmd::getInstance()));
+        EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr(entry.name));
+    }
+}

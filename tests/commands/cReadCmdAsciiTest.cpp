@@ -1,0 +1,134 @@
+#include "commands/cReadCmd.h"
+#include "platform/Base64.h"
+#include "support/UnitFixture.h"
+
+namespace {
+
+using Tokens = std::vector<std::vector<char>>;
+
+std::string base64Of(const std::string& text) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
+    return "base64(" + System::encodeBase64(bytes, text.size()) + ")";
+}
+
+class cReadCmdAsciiTest : public UnitFixture {
+protected:
+    static Response process(Tokens list) { return Response(cReadCmd::getInstance()->process(list)); }
+    static Response run(const std::string& text, const std::string& limit = "30") {
+        return process(tokens({"exec", "command", limit, text}));
+    }
+};
+
+} // namespace
+
+TEST_F(cReadCmdAsciiTest, AnswersWhatTheCommandWrote) {
+    struct Row {
+        const char* text;
+        const char* answer;
+    };
+    const Row rows[] = {
+        {"echo hello", "base64(aGVsbG8K)"},
+        {"printf A", "base64(QQ==)"},
+        {"printf A; exit 1", "base64(QQ==)"},
+        {"printf A; printf BC >&2", "base64(QUJD)"},
+        {"printf A\nprintf B\n\tprintf C", "base64(QUJD)"},
+        {"printf '\xC3\xA4'", "base64(w6Q=)"},
+        {"true", "base64()"},
+        {"", "base64()"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        const Response response = run(row.text);
+        EXPECT_EQ(response->code, 0u);
+        EXPECT_EQ(answerOf(*response), row.answer);
+    }
+}
+
+TEST_F(cReadCmdAsciiTest, AnswersTheWholeOutput) {
+    EXPECT_EQ(answerOf(*run("printf %0247d 7")), base64Of(std::string(246, '0') + "7"));
+    const std::string expected = base64Of(std::string(3000000, '\0'));
+    EXPECT_TRUE(answerOf(*run("head -c 3000000 /dev/zero")) == expected);
+}
+
+TEST_F(cReadCmdAsciiTest, ReadsATextOfAnyLength) {
+    const std::string comment = "# " + std::string(1000000, 'x') + "\n";
+    EXPECT_EQ(answerOf(*run(comment + "printf A")), "base64(QQ==)");
+    EXPECT_EQ(answerOf(*run("printf A; exit\n" + comment)), "base64(QQ==)");
+}
+
+TEST_F(cReadCmdAsciiTest, TakesExactlyFourTokens) {
+    struct Row {
+        Tokens list;
+        const char* text;
+    };
+    const Row rows[] = {
+        {{}, "Command execute was called with 0 parameters must have 4 parameters"},
+        {tokens({"exec"}), "Command execute was called with 1 parameters must have 4 parameters"},
+        {tokens({"exec", "command", "3"}),
+         "Command execute was called with 3 parameters must have 4 parameters"},
+        {tokens({"exec", "command", "3", "ls", "x"}),
+         "Command execute was called with 5 parameters must have 4 parameters"},
+        {tokens({"exec", "wrong", "3"}),
+         "Command execute was called with 3 parameters must have 4 parameters"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        const Response response = process(row.list);
+        EXPECT_EQ(response->code, kGenericError);
+        EXPECT_EQ(response->message, row.text);
+        EXPECT_EQ(response->protocol, 0);
+    }
+}
+
+TEST_F(cReadCmdAsciiTest, TheSubCommandBeginsWithCommand) {
+    for (const char* word : {"command", "commandfoo", "command ", "commandcommand"}) {
+        SCOPED_TRACE(word);
+        EXPECT_EQ(answerOf(*process(tokens({"exec", word, "3", "printf A"}))), "base64(QQ==)");
+    }
+    for (const char* word : {"", "comman", "Command", "COMMAND", "xcommand", "1"}) {
+        SCOPED_TRACE(word);
+        const Response response = process(tokens({"exec", word, "3", "touch /tmp/ran"}));
+        EXPECT_EQ(response->code, kGenericError);
+        EXPECT_EQ(response->message, "Unsupported exec subcommand ");
+        EXPECT_EQ(response->protocol, 0);
+        EXPECT_FALSE(exists("/tmp/ran"));
+    }
+}
+
+TEST_F(cReadCmdAsciiTest, TokensOfDecodedDataHaveNoZeroByte) {
+    const std::vector<char> word = {'c', 'o', 'm', 'm', 'a', 'n', 'd'};
+    const std::vector<char> text = {'e', 'c', 'h', 'o', ' ', 'x'};
+    EXPECT_EQ(answerOf(*process({token("exec"), word, {'9'}, text})), base64Of("x\n"));
+    EXPECT_EQ(process({token("exec"), {'c'}, {'9'}, text})->message, "Unsupported exec subcommand ");
+    EXPECT_EQ(answerOf(*process({token("exec"), word, {'9'}, {}})), "base64()");
+    EXPECT_EQ(process({token("exec"), {}, {'9'}, text})->message, "Unsupported exec subcommand ");
+}
+
+TEST_F(cReadCmdAsciiTest, TheTextEndsAtItsFirstZeroByte) {
+    const std::string text("printf A\0printf B", 17);
+    EXPECT_EQ(answerOf(*run(text)), "base64(QQ==)");
+}
+
+TEST_F(cReadCmdAsciiTest, TheLimitIsAnyNumberOfSeconds) {
+    for (const char* limit : {"1", "0x1", "01", "+1"}) {
+        SCOPED_TRACE(limit);
+        const Response response = run("sleep 1000 # %n%s", limit);
+        EXPECT_EQ(response->code, kGenericError);
+        EXPECT_EQ(response->message,
+                  "Process sleep 1000 # %n%s was killed after timeout\nstdout+err:\n\n");
+    }
+}
+
+TEST_F(cReadCmdAsciiTest, ANegativeLimitIsPracticallyEndless) {
+    for (const char* limit : {"-1", "-2147483648"}) {
+        SCOPED_TRACE(limit);
+        EXPECT_EQ(answerOf(*run("printf A", limit)), "base64(QQ==)");
+    }
+}
+
+TEST_F(cReadCmdAsciiTest, WithoutALimitTheDefaultIsEnoughForAQuickCommand) {
+    for (const char* limit : {"0", "", "abc"}) {
+        SCOPED_TRACE(limit);
+        EXPECT_EQ(answerOf(*run("printf A", limit)), "base64(QQ==)");
+    }
+}

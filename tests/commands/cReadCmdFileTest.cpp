@@ -1,0 +1,121 @@
+#include <sys/syscall.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string>
+
+#include "commands/cReadCmd.h"
+#include "support/DescriptorLimit.h"
+#include "support/RefusedCalls.h"
+#include "support/UnitFixture.h"
+
+namespace {
+
+constexpr char kFile[] = "/tmp/some file";
+
+class cReadCmdFileTest : public UnitFixture {
+protected:
+    static Response readBinary(const char* path) {
+        Bytes request = {0x04, 's', 0xA2, 0xA3};
+        return Response(cReadCmd::getInstance()->ReadFromFileBinary(&request, path));
+    }
+    static Response readBase64(const char* path) {
+        return Response(cReadCmd::getInstance()->ReadFromFileBase64(path));
+    }
+    static void expectError(const Response& response, char protocol, const std::string& text) {
+        EXPECT_EQ(response->code, kGenericError);
+        EXPECT_EQ(response->message, text);
+        EXPECT_EQ(response->protocol, protocol);
+    }
+};
+
+} // namespace
+
+TEST_F(cReadCmdFileTest, BinaryAnswersTheFirst246Bytes) {
+    for (const std::size_t size : {1u, 2u, 245u, 246u, 247u, 100000u}) {
+        SCOPED_TRACE(size);
+        std::string content(size, 'x');
+        content[0] = '\0';
+        content[std::min<std::size_t>(size, 246) - 1] = 'z';
+        write(kFile, content);
+        const Response response = readBinary(kFile);
+        EXPECT_EQ(response->code, 0u);
+        EXPECT_EQ(response->message, "");
+        const std::size_t carried = std::min<std::size_t>(size, 246);
+        Bytes expected = {static_cast<unsigned char>(8 + carried), 's', 0xA2, 0xA3, 0, 0, 0, 0};
+        expected.resize(8 + carried);
+        std::copy_n(content.begin(), carried, expected.begin() + 8);
+        EXPECT_EQ(frameOf(*response), expected);
+    }
+}
+
+TEST_F(cReadCmdFileTest, BinaryReportsAnEmptyFile) {
+    write(kFile, "");
+    ::testing::internal::CaptureStderr();
+    const Response response = readBinary(kFile);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "Prod.testserver: File /tmp/some file is empty\n");
+    EXPECT_EQ(response->code, 0u);
+    EXPECT_EQ(frameOf(*response), (Bytes{8, 's', 0xA2, 0xA3, 0, 0, 0, 0}));
+}
+
+TEST_F(cReadCmdFileTest, BinaryTellsWhatIsWrongWithAFile) {
+    expectError(readBinary("/tmp/none"), 't', "cannot open /tmp/none, no information available");
+    expectError(readBinary("/tmp/%n%s"), 't', "cannot open /tmp/%n%s, no information available");
+    expectError(readBinary("/tmp"), 't', "cannot read /tmp: Is a directory");
+    const NoMoreDescriptors none;
+    expectError(readBinary("/dev/null"), 't', "cannot open /dev/null, no information available");
+}
+
+TEST_F(cReadCmdFileTest, BinaryTellsThatAFileHasNoStatus) {
+    write(kFile, "content");
+    inFreshProcess([] {
+        refuseSystemCalls({SYS_newfstatat, SYS_fstat, SYS_statx}, EIO);
+        expectError(readBinary(kFile), 't', "cannot stat /tmp/some file, no information available");
+    });
+}
+
+TEST_F(cReadCmdFileTest, Base64AnswersTheWholeFile) {
+    struct Row {
+        std::string content;
+        const char* answer;
+    };
+    const Row rows[] = {
+        {"", "base64()"},
+        {"A", "base64(QQ==)"},
+        {"AB", "base64(QUI=)"},
+        {"ABC", "base64(QUJD)"},
+        {std::string("\0\0\0", 3), "base64(AAAA)"},
+        {"\xFB\xFF\xBF", "base64(+/+/)"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.answer);
+        write(kFile, row.content);
+        const Response response = readBase64(kFile);
+        EXPECT_EQ(response->code, 0u);
+        EXPECT_EQ(answerOf(*response), row.answer);
+    }
+    write(kFile, std::string(3000000, '\0'));
+    EXPECT_TRUE(answerOf(*readBase64(kFile)) == "base64(" + std::string(4000000, 'A') + ")");
+}
+
+TEST_F(cReadCmdFileTest, Base64TellsThatAFileCannotBeOpened) {
+    expectError(readBase64("/tmp/none"), 'a', "cannot open /tmp/none, no information available");
+    expectError(readBase64("/tmp/%n%s"), 'a', "cannot open /tmp/%n%s, no information available");
+}
+
+TEST_F(cReadCmdFileTest, Base64OfWhatCannotBeReadIsEmpty) {
+    EXPECT_EQ(answerOf(*readBase64("/tmp")), "base64()");
+}
+
+TEST_F(cReadCmdFileTest, AFileIsReadWholeIntoAString) {
+    const std::string content("line\n\0\xFF last", 12);
+    write(kFile, content);
+    EXPECT_EQ(readFileToString(kFile), content);
+    write(kFile, std::string(1000000, 'x'));
+    EXPECT_EQ(readFileToString(kFile).size(), 1000000u);
+    write(kFile, "");
+    EXPECT_EQ(readFileToString(kFile), "");
+    EXPECT_EQ(readFileToString("/tmp/none"), "");
+    EXPECT_EQ(readFileToString("/tmp"), "");
+}

@@ -1,0 +1,189 @@
+// Running a command line: how its end is judged, and what becomes of the capture file.
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "commands/cReadCmd.h"
+#include "support/DescriptorLimit.h"
+#include "support/RefusedCalls.h"
+#include "support/UnitFixture.h"
+
+using ::testing::MatchesRegex;
+
+namespace {
+
+constexpr char kNoCaptureFile[] = "Error, the /tmp/resp.txt could not be created";
+
+class cReadCmdShellTest : public UnitFixture {
+protected:
+    static ProcessResponse execute(const std::string& text, unsigned long long limit = 60) {
+        return cReadCmd::getInstance()->executeCommand(limit, text.c_str());
+    }
+
+    static void expectError(const ProcessResponse& response, const std::string& text) {
+        EXPECT_EQ(response.code, kGenericError);
+        EXPECT_EQ(response.message, text);
+        EXPECT_EQ(response.protocol, 0);
+    }
+
+    static void expectOutput(const std::string& text, const std::string& output) {
+        const ProcessResponse response = execute(text);
+        EXPECT_EQ(response.code, 0u);
+        EXPECT_EQ(response.message, "");
+        EXPECT_EQ(read(kCaptureFile), output);
+    }
+};
+
+} // namespace
+
+TEST_F(cReadCmdShellTest, AnEndByItselfIsSuccessWhateverTheExitCode) {
+    for (const int code : {0, 1, 2, 127, 128, 255}) {
+        SCOPED_TRACE(code);
+        expectOutput("echo out; exit " + std::to_string(code), "out\n");
+    }
+    const ProcessResponse unknown = execute("no_such_program");
+    EXPECT_EQ(unknown.code, 0u);
+    EXPECT_THAT(read(kCaptureFile), ::testing::HasSubstr("not found"));
+}
+
+TEST_F(cReadCmdShellTest, AnEndByASignalIsAnError) {
+    struct Row {
+        const char* name;
+        int number;
+    };
+    const Row rows[] = {{"KILL", 9}, {"TERM", 15}, {"SEGV", 11}, {"HUP", 1}, {"USR1", 10}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        const ProcessResponse response = execute(std::string("echo $$; kill -") + row.name + " $$");
+        std::string pid = read(kCaptureFile);
+        pid.pop_back();
+        expectError(response, "child process for c command received signal pid: " + pid +
+                                  ", returncode: " + std::to_string(row.number));
+    }
+}
+
+TEST_F(cReadCmdShellTest, ACommandThatOutlivesItsLimitIsKilledAndItsOutputReported) {
+    expectError(
+        execute("echo out; echo err >&2; sleep 1000", 1),
+        "Process echo out; echo err >&2; sleep 1000 was killed after timeout\nstdout+err:\nout\nerr\n\n");
+    expectOutput("echo next", "next\n");
+}
+
+TEST_F(cReadCmdShellTest, ACommandThatCannotBeKilledIsReported) {
+    inFreshProcess([] {
+        refuseSystemCalls({SYS_kill}, EPERM);
+        expectError(execute("sleep 3", 1), "Process sleep 3 could not be killed after timeout\n");
+    });
+}
+
+TEST_F(cReadCmdShellTest, ACommandThatCannotBeWaitedForIsReported) {
+    ::signal(SIGCHLD, SIG_IGN);
+    expectError(execute("true"),
+                "Timer timeout for c command child process with unknown error errorno: " +
+                    std::to_string(ECHILD));
+    ::signal(SIGCHLD, SIG_DFL);
+}
+
+TEST_F(cReadCmdShellTest, AShellThatCannotBeStartedIsReported) {
+    inFreshProcess([] {
+        refuseSystemCalls({SYS_clone, SYS_clone3, SYS_vfork, SYS_fork}, EAGAIN);
+        expectError(execute("true"), "spawn for starting /bin/sh failed");
+    });
+}
+
+TEST_F(cReadCmdShellTest, APipeThatCannotBeMadeIsReported) {
+    // Once before: the sanitizers need descriptors of their own when they see a type for the first time.
+    execute("true");
+    remove(kCaptureFile);
+    const ProcessResponse response = [] {
+        const NoMoreDescriptors none;
+        return execute("true");
+    }();
+    expectError(response, "could not create a pipe for the parent process");
+    EXPECT_FALSE(exists(kCaptureFile));
+}
+
+TEST_F(cReadCmdShellTest, AFailureLeavesNoDescriptorOpen) {
+    ASSERT_EQ(::mkdir(kCaptureFile, 0700), 0);
+    const int before = ::dup(STDERR_FILENO);
+    ::close(before);
+    execute("true");
+    remove(kCaptureFile);
+    execute("kill -9 $$");
+    execute("sleep 1000", 1);
+    execute("true");
+    const int after = ::dup(STDERR_FILENO);
+    ::close(after);
+    EXPECT_EQ(after, before);
+}
+
+TEST_F(cReadCmdShellTest, ADirectoryInPlaceOfTheCaptureFileIsReported) {
+    ASSERT_EQ(::mkdir(kCaptureFile, 0700), 0);
+    expectError(execute("touch /tmp/ran"), kNoCaptureFile);
+    EXPECT_FALSE(exists("/tmp/ran"));
+    remove(kCaptureFile);
+    expectOutput("echo again", "again\n");
+}
+
+TEST_F(cReadCmdShellTest, WhatWasPutInPlaceOfTheCaptureFileIsNotTouched) {
+    write("/tmp/precious", "precious");
+    struct Row {
+        const char* what;
+        void (*plant)();
+    };
+    const Row rows[] = {
+        {"a symbolic link", [] { ASSERT_EQ(::symlink("/tmp/precious", kCaptureFile), 0); }},
+        {"a link to nothing", [] { ASSERT_EQ(::symlink("/tmp/none", kCaptureFile), 0); }},
+        {"a hard link", [] { ASSERT_EQ(::link("/tmp/precious", kCaptureFile), 0); }},
+        {"a pipe", [] { ASSERT_EQ(::mkfifo(kCaptureFile, 0600), 0); }},
+        {"an older answer", [] { write(kCaptureFile, "a much longer answer of an earlier command"); }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        remove(kCaptureFile);
+        row.plant();
+        expectOutput("echo mine", "mine\n");
+        struct stat information {};
+        ASSERT_EQ(::lstat(kCaptureFile, &information), 0);
+        EXPECT_TRUE(S_ISREG(information.st_mode));
+        EXPECT_EQ(information.st_mode & 0777u, 0600u);
+        EXPECT_EQ(read("/tmp/precious"), "precious");
+        EXPECT_FALSE(exists("/tmp/none"));
+    }
+}
+
+TEST_F(cReadCmdShellTest, AnEarlierCommandCannotWriteIntoALaterAnswer) {
+    expectOutput(
+        "(while [ ! -e /tmp/go ]; do sleep 0.01; done; echo LATE; touch /tmp/written) & echo first",
+        "first\n");
+    expectOutput("echo second; touch /tmp/go; while [ ! -e /tmp/written ]; do sleep 0.01; done",
+                 "second\n");
+}
+
+TEST_F(cReadCmdShellTest, WhatIsPutInPlaceOfTheCaptureFileMeanwhileIsNotAnswered) {
+    write("/tmp/secret", "secret");
+    const std::string swap = "ln -sf /tmp/secret /tmp/resp.txt; echo mine";
+    std::vector<std::vector<char>> list = tokens({"exec", "command", "60", swap});
+    const Response ascii(cReadCmd::getInstance()->process(list));
+    EXPECT_EQ(answerOf(*ascii), "base64(bWluZQo=)");
+    Bytes request(5 + swap.size(), 0);
+    request[0] = static_cast<unsigned char>(request.size());
+    request[1] = 'c';
+    request[2] = 1;
+    request[4] = 60;
+    std::copy(swap.begin(), swap.end(), request.begin() + 5);
+    const Response binary(cReadCmd::getInstance()->process(&request));
+    EXPECT_EQ(frameOf(*binary), (Bytes{13, 'c', 1, 0, 0, 0, 0, 0, 'm', 'i', 'n', 'e', '\n'}));
+}
+
+TEST_F(cReadCmdShellTest, StandardInputOutputAndErrorAreAsDocumented) {
+    const ProcessResponse response =
+        execute("for n in 0 1 2; do readlink /proc/$$/fd/$n | tr -d '0-9'; done; ls /proc/$$/fd");
+    EXPECT_EQ(response.code, 0u);
+    EXPECT_THAT(read(kCaptureFile),
+                MatchesRegex("pipe:\\[\\]\n/tmp/resp.txt\n/tmp/resp.txt\n0\n1\n2\n"));
+}

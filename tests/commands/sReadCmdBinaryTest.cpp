@@ -1,0 +1,223 @@
+// The binary status. What it remembers lasts as long as the process, so each sequence has one of its
+// own.
+#include "commands/sReadCmd.h"
+#include "core/BuildStamp.h"
+#include "support/UnitFixture.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+constexpr char kRevisionFile[] = "/dev/nvsku/rev";
+
+unsigned char packed(int number) {
+    return static_cast<unsigned char>(number / 10 * 16 + number % 10);
+}
+
+Bytes statusFrame(unsigned char sentBefore, unsigned int revision) {
+    const std::string stamp = getDateTimeString(); // yyyy/mm/dd hh:mm:ss
+    const auto part = [&stamp](std::size_t at) { return packed(std::stoi(stamp.substr(at, 2))); };
+    Bytes frame = {0x18,
+                   's',
+                   0x2C,
+                   sentBefore,
+                   0,
+                   0,
+                   0,
+                   0,
+                   part(8),
+                   part(5),
+                   part(2),
+                   part(11),
+                   part(14),
+                   0xA0,
+                   0x24,
+                   static_cast<unsigned char>(revision >> 8),
+                   static_cast<unsigned char>(revision),
+                   4};
+    frame.resize(24);
+    return frame;
+}
+
+class sReadCmdBinaryTest : public UnitFixture {
+protected:
+    static sReadCmd& command() { return *sReadCmd::getInstance(); }
+
+    static Response process(Bytes request) { return Response(command().tavrin_preCheck(&request)); }
+    static Response status() { return process({0x02, 's'}); }
+    static Response startup() { return Response(command().tavrin_getStartupStatus()); }
+
+    static void expectError(const Response& response, char protocol, const std::string& text) {
+        EXPECT_EQ(response->code, kGenericError);
+        EXPECT_EQ(response->message, text);
+        EXPECT_EQ(response->protocol, protocol);
+    }
+};
+
+} // namespace
+
+TEST_F(sReadCmdBinaryTest, HasItsIdAndName) {
+    EXPECT_EQ(command().tavrin_getName(), 's');
+    EXPECT_EQ(command().ascii_getName(), "status");
+    EXPECT_EQ(sReadCmd::getInstance(), sReadCmd::getInstance());
+    EXPECT_EQ(sReadCmd::Startup, 0);
+    EXPECT_EQ(sReadCmd::Requested, 1);
+}
+
+TEST_F(sReadCmdBinaryTest, TellsWhetherItIsTheFirst) {
+    inFreshProcess([] {
+        write(kRevisionFile, "1A\n");
+        EXPECT_EQ(frameOf(*status()), statusFrame(0, 0x1A));
+        EXPECT_EQ(frameOf(*status()), statusFrame(1, 0x1A));
+        EXPECT_EQ(frameOf(*status()), statusFrame(1, 0x1A));
+    });
+}
+
+TEST_F(sReadCmdBinaryTest, AFirstStartupStatusComesAlone) {
+    inFreshProcess([] {
+        write(kRevisionFile, "1A");
+        RecordingListener listener;
+        command().setListener(&listener);
+        EXPECT_EQ(frameOf(*startup()), statusFrame(0, 0x1A));
+        EXPECT_THAT(listener.frames, IsEmpty());
+        EXPECT_EQ(frameOf(*status()), statusFrame(1, 0x1A));
+        EXPECT_THAT(listener.frames, IsEmpty());
+    });
+}
+
+TEST_F(sReadCmdBinaryTest, ALaterStartupStatusIsAnnounced) {
+    inFreshProcess([] {
+        write(kRevisionFile, "1A");
+        RecordingListener listener;
+        command().setListener(&listener);
+        status();
+        for (int time = 0; time < 2; ++time) {
+            listener.frames.clear();
+            EXPECT_EQ(frameOf(*startup()), statusFrame(1, 0x1A));
+            EXPECT_THAT(listener.frames,
+                        ElementsAre(debugFrame("Startup State sent but requested again"),
+                                    debugFrame("Probaby due to connection cut")));
+        }
+        command().setListener(nullptr);
+        EXPECT_EQ(frameOf(*startup()), statusFrame(1, 0x1A)) << "with or without anybody to tell";
+    });
+}
+
+TEST_F(sReadCmdBinaryTest, ReadsTheBoardRevisionInHexadecimal) {
+    struct Row {
+        const char* content;
+        unsigned int revision;
+    };
+    const Row rows[] = {{"0", 0},
+                        {"1A", 0x1A},
+                        {"1a\n", 0x1A},
+                        {"  7", 7},
+                        {"0x1A", 0x1A},
+                        {"FFFF", 0xFFFF},
+                        {"ABCD and more", 0xABCD},
+                        {"12G", 0x12}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.content);
+        inFreshProcess([&row] {
+            write(kRevisionFile, row.content);
+            EXPECT_EQ(frameOf(*status()), statusFrame(0, row.revision));
+        });
+    }
+}
+
+TEST_F(sReadCmdBinaryTest, ABoardRevisionThatCannotBeReadIsReportedUntilItCan) {
+    struct Row {
+        const char* content;
+        const char* text;
+    };
+    const Row rows[] = {{"12345", "Revision does not Fit in 2 Bytes"},
+                        {"10000", "Revision does not Fit in 2 Bytes"},
+                        {"", "Could not read the /dev/nvsku/rev file"},
+                        {"\n", "Could not read the /dev/nvsku/rev file"},
+                        {"xyz", "Could not read the /dev/nvsku/rev file"},
+                        {nullptr, "Failed to open the /dev/nvsku/rev file"}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        inFreshProcess([&row] {
+            remove(kRevisionFile);
+            if (row.content != nullptr)
+                write(kRevisionFile, row.content);
+            expectError(status(), 't', row.text);
+            expectError(status(), 't', row.text);
+            expectError(startup(), 't', row.text);
+            write(kRevisionFile, "1A");
+            EXPECT_EQ(frameOf(*status()), statusFrame(1, 0x1A))
+                << "a status had been built, for all that";
+        });
+    }
+}
+
+TEST_F(sReadCmdBinaryTest, TheBoardRevisionIsReadOnce) {
+    inFreshProcess([] {
+        write(kRevisionFile, "1A");
+        EXPECT_EQ(frameOf(*status()), statusFrame(0, 0x1A));
+        write(kRevisionFile, "2B");
+        EXPECT_EQ(frameOf(*status()), statusFrame(1, 0x1A));
+        remove(kRevisionFile);
+        EXPECT_EQ(frameOf(*status()), statusFrame(1, 0x1A));
+    });
+}
+
+TEST_F(sReadCmdBinaryTest, TheRequestBecomesWhatIsEchoed) {
+    inFreshProcess([] {
+        write(kRevisionFile, "1A");
+        Bytes request = {0x02, 's'};
+        EXPECT_EQ(Response(command().sendStatusTavrin(&request, sReadCmd::Requested))->code, 0u);
+        EXPECT_THAT(request, ElementsAre(0x02, 's', 0x2C, 0x00));
+        Bytes longer = {0x02, 's', 9, 9, 9, 9};
+        EXPECT_EQ(Response(command().sendStatusTavrin(&longer, sReadCmd::Requested))->code, 0u);
+        EXPECT_THAT(longer, ElementsAre(0x02, 's', 0x2C, 0x01));
+    });
+}
+
+TEST_F(sReadCmdBinaryTest, AStatusIsForRequestsOfTwoBytes) {
+    inFreshProcess([] {
+        write(kRevisionFile, "1A");
+        for (const int number : {0, 1, 3, 4, 255}) {
+            SCOPED_TRACE(number);
+            const auto length = static_cast<unsigned char>(number);
+            Bytes request = {length, 's', 0x01};
+            expectError(Response(command().sendStatusTavrin(&request, sReadCmd::Requested)), 't',
+                        "Invalid Command Length");
+            EXPECT_THAT(request, ElementsAre(length, 's', 0x01));
+        }
+        EXPECT_EQ(frameOf(*status()), statusFrame(0, 0x1A)) << "none had been built";
+    });
+}
+
+TEST_F(sReadCmdBinaryTest, AnswersIdentityFiles) {
+    write("/mnt/app/img_ver.txt", "IMG 1.2");
+    write("/dev/nvsku/serial_num", "SN42");
+    EXPECT_EQ(frameOf(*process({0x03, 's', 0x01})),
+              (Bytes{15, 's', 0x01, 0, 0, 0, 0, 0, 'I', 'M', 'G', ' ', '1', '.', '2'}));
+    EXPECT_EQ(frameOf(*process({0x03, 's', 0x02})),
+              (Bytes{12, 's', 0x02, 0, 0, 0, 0, 0, 'S', 'N', '4', '2'}));
+    remove("/mnt/app/img_ver.txt");
+    expectError(process({0x03, 's', 0x01}), 't',
+                "cannot open /mnt/app/img_ver.txt, no information available");
+}
+
+TEST_F(sReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
+    struct Row {
+        Bytes request;
+        const char* text;
+    };
+    const Row rows[] = {
+        {{0x03, 's', 0x00}, "unsupported subcommand"},
+        {{0x03, 's', 0x03}, "unsupported subcommand"},
+        {{0x03, 's', 0x04}, "unsupported subcommand"},
+        {{0x03, 's', 0xFF}, "unsupported subcommand"},
+        {{0x04, 's', 0x01, 0x00}, "Command 's': too long!"},
+        {{0x05, 's', 0x03, 0x00, 0x00}, "Command 's': too long!"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.request));
+        expectError(process(row.request), 0, row.text);
+    }
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <string>
+
+#include "core/ProcessResponse.h"
+#include "support/FreshProcess.h"
+#include "support/RecordingListener.h"
+
+constexpr char kCaptureFile[] = "/tmp/resp.txt";
+constexpr unsigned int kGenericError = 0x01010000;
+
+using Response = std::unique_ptr<ProcessResponse>;
+
+/// A simulated unit whose files a case may change. Fails where there is none, before it can do harm.
+class UnitFixture : public ::testing::Test {
+protected:
+    UnitFixture();
+
+    static void write(const std::string& path, const std::string& content);
+    static void remove(const std::string& path);
+    static std::string read(const std::string& path);
+    static bool exists(const std::string& path);
+};
+
+/// The frame that a response of the binary protocol carries.
+const Bytes& frameOf(const ProcessResponse& response);
+/// The text that a response of the ASCII protocol carries.
+const std::string& answerOf(const ProcessResponse& response);

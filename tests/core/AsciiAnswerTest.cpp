@@ -1,0 +1,114 @@
+// What AbstractCmd makes of a response in the ASCII protocol.
+#include <gmock/gmock.h>
+
+#include "core/AbstractCmd.h"
+#include "core/ProcessResponseAscii.h"
+#include "support/ScriptedCommand.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+class AsciiAnswerTest : public ::testing::Test {
+protected:
+    static ScriptedCommand& command() {
+        static ScriptedCommand& diag = ScriptedCommand::make('D', "diag");
+        return diag;
+    }
+
+    void SetUp() override { command().setListener(&m_listener); }
+    void TearDown() override {
+        command().setListener(nullptr);
+        EXPECT_THAT(m_listener.frames, IsEmpty());
+    }
+
+    RecordingListener m_listener;
+};
+
+} // namespace
+
+TEST_F(AsciiAnswerTest, SuccessIsTheNameAndOk) {
+    EXPECT_EQ(command().ascii_exec(new ProcessResponse(0)), "diag ok");
+    EXPECT_EQ(command().ascii_exec(new ProcessResponse(0, "not sent")), "diag ok");
+    EXPECT_EQ(command().ascii_exec(new ProcessResponseTavrin(0, "not sent")), "diag ok");
+    EXPECT_EQ(command().ascii_exec(new ProcessResponseAscii(0, "not sent")), "diag ok");
+    EXPECT_THAT(m_listener.lines, IsEmpty());
+}
+
+TEST_F(AsciiAnswerTest, SuccessCarriesTheAnswerText) {
+    auto* response = new ProcessResponseAscii(0, "");
+    response->answer = "cksum base64(QUJD) 100%s";
+    EXPECT_EQ(command().ascii_exec(response), "diag cksum base64(QUJD) 100%s");
+    auto* empty = new ProcessResponseAscii(0, "");
+    empty->answer.clear();
+    EXPECT_EQ(command().ascii_exec(empty), "diag ");
+}
+
+TEST_F(AsciiAnswerTest, CodeOneAnswersNothingAndStaysTheCallers) {
+    const unsigned int before = ProcessResponse::m_counter;
+    ProcessResponse plain(1, "not sent");
+    ProcessResponseAscii ascii(1, "not sent");
+    EXPECT_EQ(command().ascii_exec(&plain), "");
+    EXPECT_EQ(command().ascii_exec(&ascii), "");
+    EXPECT_THAT(m_listener.lines, IsEmpty());
+    EXPECT_EQ(ProcessResponse::m_counter, before + 2);
+}
+
+TEST_F(AsciiAnswerTest, AnErrorIsItsTextAheadAndItsCode) {
+    struct Row {
+        unsigned int code;
+        const char* answer;
+    };
+    const Row rows[] = {
+        {0x2, "diag Error 0x2"},
+        {0x10, "diag Error 0x10"},
+        {0x123, "diag Error 0x123"},
+        {0x01010000, "diag Error 0x1010000"},
+        {0xABCDEF01, "diag Error 0xABCDEF01"},
+        {0xFFFFFFFF, "diag Error 0xFFFFFFFF"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.answer);
+        m_listener.lines.clear();
+        EXPECT_EQ(command().ascii_exec(new ProcessResponse(row.code, "what %d", 7)), row.answer);
+        EXPECT_EQ(command().ascii_exec(new ProcessResponseAscii(row.code, "what %d", 7)), row.answer);
+        EXPECT_EQ(command().ascii_exec(new ProcessResponseTavrin(row.code, "what %d", 7)), row.answer);
+        const std::string info = "Info \"what 7\"";
+        EXPECT_THAT(m_listener.lines, ElementsAre(info, info, info));
+    }
+}
+
+TEST_F(AsciiAnswerTest, TheTextOfAnErrorIsNeverAFormatAndNeverCut) {
+    struct Row {
+        std::string message;
+        std::string info;
+    };
+    const Row rows[] = {
+        {"", "Info \"\""},
+        {"%n%s%x", "Info \"%n%s%x\""},
+        {"say \"no\"", "Info \"say \"no\"\""},
+        {std::string(5000, 'x'), "Info \"" + std::string(5000, 'x') + "\""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.info.substr(0, 40));
+        m_listener.lines.clear();
+        EXPECT_EQ(command().ascii_exec(new ProcessResponse(2, "%s", row.message.c_str())),
+                  "diag Error 0x2");
+        EXPECT_THAT(m_listener.lines, ElementsAre(row.info));
+    }
+}
+
+TEST_F(AsciiAnswerTest, WithoutAListenerTheAnswerIsTheSame) {
+    command().setListener(nullptr);
+    EXPECT_EQ(command().ascii_exec(new ProcessResponse(2, "abc")), "diag Error 0x2");
+}
+
+TEST_F(AsciiAnswerTest, ResponsesAreTakenOver) {
+    const unsigned int before = ProcessResponse::m_counter;
+    command().ascii_exec(new ProcessResponse(0));
+    command().ascii_exec(new ProcessResponse(2, "abc"));
+    command().ascii_exec(new ProcessResponseAscii(0, ""));
+    command().ascii_exec(new ProcessResponseTavrin(2, ""));
+    EXPECT_EQ(ProcessResponse::m_counter, before);
+}

@@ -1,0 +1,148 @@
+#include <stdexcept>
+
+#include "core/ProcessResponseAscii.h"
+#include "support/RunningHandler.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+using Tokens = std::vector<std::vector<char>>;
+
+class HandlerAsciiTest : public RunningHandler {};
+
+} // namespace
+
+TEST_F(HandlerAsciiTest, ACommandGetsItsTokensAndItsListener) {
+    Tokens received;
+    command().onTokens = [&](Tokens& list) {
+        received = list;
+        EXPECT_EQ(command().listener(), &m_listener);
+        std::string line = "while it runs";
+        command().listener()->asyncSend(line);
+        auto* response = new ProcessResponseAscii(0, "");
+        response->answer = "done";
+        return response;
+    };
+    EXPECT_EQ(send({"scripted", "1", "two words"}), "scripted done");
+    EXPECT_EQ(received, tokens({"scripted", "1", "two words"}));
+    EXPECT_THAT(m_listener.lines, ElementsAre("while it runs"));
+}
+
+TEST_F(HandlerAsciiTest, PlainSuccessIsOk) {
+    EXPECT_EQ(send({"scripted"}), "scripted ok");
+    EXPECT_THAT(m_listener.lines, IsEmpty());
+}
+
+TEST_F(HandlerAsciiTest, AnErrorIsItsTextAndThenItsLine) {
+    command().onTokens = [](Tokens&) { return new ProcessResponse(0x01010000, "no %s", "way"); };
+    EXPECT_EQ(send({"scripted"}), "scripted Error 0x1010000");
+    EXPECT_THAT(m_listener.lines, ElementsAre("Info \"no way\""));
+}
+
+TEST_F(HandlerAsciiTest, AnUnknownNameIsAnsweredInTheNameOfTheErrorCommand) {
+    struct Row {
+        const char* what;
+        Tokens request;
+        std::string info;
+    };
+    const std::string noHandler = "No Handler for the Command ";
+    const std::string longName(5000, 'n');
+    const Row rows[] = {
+        {"with an argument", tokens({"foo", "1"}), noHandler + "foo"},
+        {"in another case", tokens({"Scripted"}), noHandler + "Scripted"},
+        {"a beginning of a name", tokens({"script"}), noHandler + "script"},
+        {"per-cent signs", tokens({"%n%s%x"}), noHandler + "%n%s%x"},
+        {"only a zero byte", tokens({""}), noHandler},
+        {"an empty token", {{}}, noHandler},
+        {"a token without a zero byte", {{'f', 'o', 'o'}}, noHandler + "foo"},
+        {"a zero byte inside", {{'f', '\0', 'o', '\0'}}, noHandler + "f"},
+        {"a long name", tokens({longName}), noHandler + longName},
+        {"the error command's own", tokens({"Error"}), noHandler + "Error"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        m_listener.lines.clear();
+        EXPECT_EQ(handler().handleCommand(row.request, &m_listener), "Error Error 0x10");
+        EXPECT_THAT(m_listener.lines, ElementsAre("Info \"" + row.info + "\""));
+    }
+}
+
+TEST_F(HandlerAsciiTest, ANameEndsAtItsZeroByte) {
+    EXPECT_EQ(
+        handler().handleCommand({{'s', 'c', 'r', 'i', 'p', 't', 'e', 'd', '\0', 'x'}}, &m_listener),
+        "scripted ok");
+    EXPECT_EQ(handler().handleCommand({{'s', 'c', 'r', 'i', 'p', 't', 'e', 'd'}}, &m_listener),
+              "scripted ok");
+}
+
+TEST_F(HandlerAsciiTest, NoTokensAreComplainedOfOnStandardOutput) {
+    ::testing::internal::CaptureStdout();
+    const std::string answer = handler().handleCommand(Tokens{}, &m_listener);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "command fehler\n");
+    EXPECT_EQ(answer, "");
+    EXPECT_THAT(m_listener.lines, IsEmpty());
+    EXPECT_EQ(send({"scripted"}), "scripted ok");
+}
+
+TEST_F(HandlerAsciiTest, WhatACommandThrowsIsAGenericError) {
+    struct Row {
+        const char* text;
+        std::function<ProcessResponse*(Tokens&)> process;
+    };
+    const Row rows[] = {
+        {"out of order %s",
+         [](Tokens&) -> ProcessResponse* { throw std::runtime_error("out of order %s"); }},
+        {"std::bad_alloc", [](Tokens&) -> ProcessResponse* { throw std::bad_alloc(); }},
+        {"The command failed with an unknown exception", [](Tokens&) -> ProcessResponse* { throw 7; }},
+        {"The command gave no response", [](Tokens&) -> ProcessResponse* { return nullptr; }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        m_listener.lines.clear();
+        command().onTokens = row.process;
+        EXPECT_EQ(send({"scripted"}), "scripted Error 0x1010000");
+        EXPECT_THAT(m_listener.lines, ElementsAre("Info \"" + std::string(row.text) + "\""));
+        EXPECT_EQ(command().listener(), nullptr);
+    }
+}
+
+TEST_F(HandlerAsciiTest, CodeOneIsAnsweredByNothingAndFreed) {
+    command().onTokens = [](Tokens&) { return new ProcessResponseAscii(1, "not sent"); };
+    const unsigned int before = ProcessResponse::m_counter;
+    EXPECT_EQ(send({"scripted"}), "");
+    EXPECT_THAT(m_listener.lines, IsEmpty());
+    EXPECT_EQ(ProcessResponse::m_counter, before);
+}
+
+TEST_F(HandlerAsciiTest, NoResponseIsLeftOver) {
+    const unsigned int before = ProcessResponse::m_counter;
+    send({"scripted"});
+    send({"foo"});
+    EXPECT_EQ(ProcessResponse::m_counter, before);
+}
+
+TEST_F(HandlerAsciiTest, ACommandForgetsItsListenerWithTheRequest) {
+    send({"scripted"});
+    EXPECT_EQ(command().listener(), nullptr);
+    command().ascii_exec(new ProcessResponse(2, "too late"));
+    EXPECT_THAT(m_listener.lines, IsEmpty());
+}
+
+TEST_F(HandlerAsciiTest, WithoutAListenerTextsAreDropped) {
+    command().onTokens = [](Tokens&) { return new ProcessResponse(2, "abc"); };
+    EXPECT_EQ(handler().handleCommand(tokens({"scripted"}), nullptr), "scripted Error 0x2");
+    EXPECT_EQ(handler().handleCommand(tokens({"foo"}), nullptr), "Error Error 0x10");
+}
+
+TEST_F(HandlerAsciiTest, WhatTheListenerThrowsComesBackToTheCaller) {
+    class Broken : public RecordingListener {
+        void asyncSend(std::string&) override { throw std::runtime_error("line is broken"); }
+    };
+    Broken broken;
+    const unsigned int before = ProcessResponse::m_counter;
+    EXPECT_THROW(handler().handleCommand(tokens({"foo"}), &broken), std::runtime_error);
+    EXPECT_EQ(ProcessResponse::m_counter, before);
+    EXPECT_EQ(send({"scripted"}), "scripted ok");
+}

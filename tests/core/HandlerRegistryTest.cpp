@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include "core/Handler.h"
+#include "support/FreshProcess.h"
+#include "support/ScriptedCommand.h"
+
+namespace {
+
+Handler& handler() {
+    return *Handler::getInstance();
+}
+
+/// What `action` writes to standard error.
+template <typename Action>
+std::string complaintOf(Action action) {
+    ::testing::internal::CaptureStderr();
+    action();
+    return ::testing::internal::GetCapturedStderr();
+}
+
+} // namespace
+
+TEST(HandlerRegistryTest, ThereIsOneHandler) {
+    EXPECT_EQ(Handler::getInstance(), Handler::getInstance());
+}
+
+TEST(HandlerRegistryTest, NamesIdsByLetterOrInHexadecimal) {
+    struct Row {
+        unsigned char id;
+        const char* name;
+    };
+    const Row rows[] = {
+        {'a', "a"},     {'z', "z"},     {'A', "A"},     {'Z', "Z"},     {'x', "x"},    {0x00, "0x00"},
+        {0x06, "0x06"}, {'0', "0x30"},  {'@', "0x40"},  {'[', "0x5B"},  {'`', "0x60"}, {'{', "0x7B"},
+        {0x7F, "0x7F"}, {0x80, "0x80"}, {0xE4, "0xE4"}, {0xFF, "0xFF"}, {'%', "0x25"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(handler().getHandlerName(row.id), row.name);
+    }
+}
+
+TEST(HandlerRegistryTest, NoCommandCannotBeRegistered) {
+    const std::string complaint = "Prod.testserver: Listener::registerHandler: Handler is NULL\n";
+    EXPECT_EQ(complaintOf([] { EXPECT_FALSE(handler().registerHandler('n', nullptr)); }), complaint);
+    EXPECT_EQ(complaintOf([] { EXPECT_FALSE(handler().registerHandler("none", nullptr)); }), complaint);
+}
+
+TEST(HandlerRegistryTest, TheFirstCommandKeepsAnId) {
+    inFreshProcess([] {
+        ScriptedCommand& first = ScriptedCommand::make('1', "first");
+        ScriptedCommand& second = ScriptedCommand::make('2', "second");
+        EXPECT_EQ(complaintOf([&] { EXPECT_TRUE(handler().registerHandler('r', &first)); }), "");
+        EXPECT_EQ(complaintOf([&] { EXPECT_FALSE(handler().registerHandler('r', &second)); }),
+                  "Prod.testserver: Listener::registerHandler: Unable to register Handler: 2. "
+                  "Reason: Command r registered by 1\n\n");
+        EXPECT_EQ(complaintOf([&] { EXPECT_FALSE(handler().registerHandler('r', &first)); }),
+                  "Prod.testserver: Listener::registerHandler: Unable to register Handler: 1. "
+                  "Reason: Command r registered by 1\n\n");
+    });
+}
+
+TEST(HandlerRegistryTest, TheFirstCommandKeepsAName) {
+    inFreshProcess([] {
+        ScriptedCommand& first = ScriptedCommand::make('1', "first");
+        ScriptedCommand& second = ScriptedCommand::make('2', "second");
+        EXPECT_EQ(complaintOf([&] { EXPECT_TRUE(handler().registerHandler("taken", &first)); }), "");
+        EXPECT_EQ(complaintOf([&] { EXPECT_FALSE(handler().registerHandler("taken", &second)); }),
+                  "Prod.testserver: Listener::registerHandler: Unable to register Handler: second. "
+                  "Reason: Command taken registered by first\n");
+        EXPECT_EQ(complaintOf([&] { EXPECT_TRUE(handler().registerHandler("Taken", &second)); }), "")
+            << "names differ in case";
+    });
+}
+
+TEST(HandlerRegistryTest, ACommandRegistersItselfByNameFirst) {
+    inFreshProcess([] {
+        EXPECT_EQ(complaintOf([] { ScriptedCommand::make('T', "twice", true); }), "");
+        EXPECT_EQ(complaintOf([] { ScriptedCommand::make('T', "twice", true); }),
+                  "Prod.testserver: Listener::registerHandler: Unable to register Handler: twice. "
+                  "Reason: Command twice registered by twice\n"
+                  "Prod.testserver: Listener::registerHandler: Unable to register Handler: T. "
+                  "Reason: Command T registered by T\n\n");
+    });
+}
+
+TEST(HandlerRegistryTest, WhatACommandLacksIsNotRegistered) {
+    inFreshProcess([] {
+        ScriptedCommand& other = ScriptedCommand::make('o', "other");
+        EXPECT_EQ(complaintOf([] {
+                      ScriptedCommand::make('U', "", true);
+                      ScriptedCommand::make(0, "nameonly", true);
+                      ScriptedCommand::make('V', "unregistered", false);
+                  }),
+                  "");
+        EXPECT_EQ(complaintOf([&] {
+                      EXPECT_TRUE(handler().registerHandler("", &other));
+                      EXPECT_TRUE(handler().registerHandler('\0', &other));
+                      EXPECT_TRUE(handler().registerHandler('V', &other));
+                      EXPECT_TRUE(handler().registerHandler("unregistered", &other));
+                  }),
+                  "");
+        EXPECT_NE(complaintOf([&] {
+                      EXPECT_FALSE(handler().registerHandler('U', &other));
+                      EXPECT_FALSE(handler().registerHandler("nameonly", &other));
+                  }),
+                  "");
+    });
+}

@@ -1,0 +1,13 @@
+#include "support/ScriptedCommand.h"
+
+ScriptedCommand& ScriptedCommand::make(char id, const std::string& name, bool registerSelf) {
+    static auto& all = *new std::vector<ScriptedCommand*>; // keeps them reachable to the very end
+    all.push_back(new ScriptedCommand(id, name, registerSelf));
+    all.back()->reset();
+    return *all.back();
+}
+
+void ScriptedCommand::reset() {
+    onTokens = [](auto&) { return new ProcessResponse(ProcessResponse::kSuccess); };
+    onRequest = [](Bytes*) { return new ProcessResponse(ProcessResponse::kSuccess); };
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "core/AbstractCmd.h"
+#include "support/RecordingListener.h"
+
+/// A command that does what the test says. Destroying a command releases the buffer that all of them
+/// share, so they are only ever made here and stay for the length of the process.
+class ScriptedCommand : public AbstractCmd {
+public:
+    static ScriptedCommand& make(char id, const std::string& name, bool registerSelf = false);
+
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
+        return onTokens(tokens);
+    }
+    ProcessResponse* process(Bytes* request) override { return onRequest(request); }
+
+    using AbstractCmd::listener;
+
+    std::function<ProcessResponse*(std::vector<std::vector<char>>&)> onTokens;
+    std::function<ProcessResponse*(Bytes*)> onRequest;
+
+    /// Back to answering plain success.
+    void reset();
+
+private:
+    using AbstractCmd::AbstractCmd;
+};

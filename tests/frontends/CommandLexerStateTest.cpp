@@ -1,0 +1,111 @@
+// What the scanner keeps from line to line, and that threads do not get into each other's way.
+#include <atomic>
+#include <thread>
+
+#include "core/StringFormat.h"
+#include "support/LexerFixture.h"
+
+namespace {
+
+class CommandLexerStateTest : public LexerFixture {};
+
+} // namespace
+
+TEST_F(CommandLexerStateTest, ALineWithoutEtxIsContinuedByTheNext) {
+    struct Row {
+        const char* what;
+        std::string first;
+        std::string second;
+        Tokens tokens;
+        std::string echo;
+    };
+    const Row rows[] = {
+        {"waiting for the word", "\x02", "s a\x03", tokens({"s", "a"}), ""},
+        {"waiting for the word, restarted", "\x02", commandLine("t"), tokens({"t"}), ""},
+        {"opened by a frame header", "x#<frame>1:", "s a\x03", tokens({"s", "a"}), ""},
+        {"behind the word", "\x02s", "a\x03", tokens({"s", "a"}), ""},
+        {"in the arguments", "\x02s a", "b, c\x03", tokens({"s", "a", "b", "c"}), ","},
+        {"in the arguments, restarted", "\x02s a", commandLine("t"), tokens({"t"}), ""},
+        {"in a string", "\x02s \"a b", "c d\" e\x03", tokens({"s", "a b", "c d", "e"}), ""},
+        {"in a string, restarted", "\x02s \"a b", commandLine("t \"c\""), tokens({"t", "c"}), ""},
+        {"in hex",
+         "\x02s hex(01",
+         "02) x\x03",
+         {token("s"), decoded("\x01"), decoded("\x02"), token("x")},
+         ""},
+        {"in hex, with half a pair",
+         "\x02s hex(0",
+         "2)\x03",
+         {token("s"), decoded(""), decoded("")},
+         ""},
+        {"in hex, restarted", "\x02s hex(01", commandLine("t"), tokens({"t"}), ""},
+        {"in base64",
+         "\x02s base64(QUJD",
+         "REVG)x\x03",
+         {token("s"), decoded("ABC"), decoded("DEF"), token("x")},
+         ""},
+        {"in base64, restarted", "\x02s base64(QUJD", commandLine("t"), tokens({"t"}), ""},
+        {"ended by ETX", "\x02s a\x03", "b c", tokens({"s", "a"}), ""},
+        {"ended by ETX inside a string", "\x02s \"a\x03", "b\" c\x03", tokens({"s", "a"}), ""},
+        {"without any command", "a b", "c d\x03", tokens({"old"}), ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        startOver();
+        scan(row.first);
+        EXPECT_EQ(scan(row.second), (Scan{row.tokens, row.echo}));
+    }
+}
+
+TEST_F(CommandLexerStateTest, ALineWithoutACommandGivesTheTokensOfTheOneBefore) {
+    EXPECT_EQ(scan(commandLine("s a \"b c\"")).tokens, tokens({"s", "a", "b c"}));
+    for (const std::string& line : {commandLine(""), std::string(), std::string("noise\x03\n")}) {
+        SCOPED_TRACE(::testing::PrintToString(line));
+        EXPECT_EQ(scan(line).tokens, tokens({"s", "a", "b c"}));
+    }
+}
+
+TEST_F(CommandLexerStateTest, WhereRunsAreOneByteLongALineMayBeSplitAnywhere) {
+    const std::string line = "\x02s a \"b\" c 1 \"\" _ d\x03";
+    for (std::size_t split = 0; split <= line.size(); ++split) {
+        SCOPED_TRACE(split);
+        startOver();
+        scan(line.substr(0, split));
+        EXPECT_EQ(scan(line.substr(split)), (Scan{tokens({"s", "a", "b", "c", "1", "_", "d"}), ""}));
+    }
+}
+
+TEST_F(CommandLexerStateTest, ACommandStartsAfreshWhereverTheLineBeforeWasCut) {
+    const std::string line =
+        "x#<parameter>\x02#<frame>1A:\x02G test \"a b\" hex(01 02) base64(QUJD)\x03\n";
+    for (std::size_t length = 0; length <= line.size(); ++length) {
+        SCOPED_TRACE(length);
+        startOver();
+        scan(line.substr(0, length));
+        EXPECT_EQ(scan(commandLine("s \"c d\" hex(03)")),
+                  (Scan{{token("s"), token("c d"), decoded("\x03")}, ""}));
+    }
+}
+
+TEST_F(CommandLexerStateTest, EachThreadGetsTheTokensOfItsOwnLine) {
+    constexpr int kThreads = 8;
+    constexpr int kLines = 1000;
+    std::atomic<int> mistakes{0};
+    std::vector<std::thread> threads;
+    threads.reserve(kThreads);
+    for (int thread = 0; thread < kThreads; ++thread)
+        threads.emplace_back([thread, &mistakes] {
+            for (int number = 0; number < kLines; ++number) {
+                const std::string own = std::to_string(thread) + "x" + std::to_string(number);
+                const Tokens expected = {token("c" + own), token(own + " quoted"), token(own),
+                                         decoded(std::string(1, static_cast<char>(thread)))};
+                const std::string line = commandLine(string_format(
+                    "c%s \"%s quoted\" %s hex(0%d)", own.c_str(), own.c_str(), own.c_str(), thread));
+                if (CommandLexer::scan(line) != expected)
+                    ++mistakes;
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(mistakes, 0);
+}

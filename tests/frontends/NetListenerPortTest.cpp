@@ -1,0 +1,120 @@
+// The accept loop on its own port, for which each case has a network of its own.
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include "frontends/NetListener.h"
+#include "platform/Descriptors.h"
+#include "support/Eventually.h"
+#include "support/RunningHandler.h"
+#include "support/SocketPair.h"
+#include "support/SystemCalls.h"
+
+namespace {
+
+const std::string kRequest = "\x02scripted\x03\n";
+const std::string kAnswer = "\x02#scripted ok\x03\n";
+
+sockaddr_in addressOf(const char* host) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(15051);
+    ::inet_pton(AF_INET, host, &address.sin_addr);
+    return address;
+}
+
+bool connectTo(const char* host, const System::Descriptor& socket) {
+    const sockaddr_in address = addressOf(host);
+    return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+/// A station that has reached the listener, as soon as that listens.
+SocketPair connectStation() {
+    SocketPair station;
+    station.ours.reset();
+    EXPECT_TRUE(eventually([&] {
+        station.peer = System::openTcpSocket();
+        return connectTo("127.0.0.1", station.peer);
+    }));
+    return station;
+}
+
+class NetListenerPortTest : public RunningHandler {
+protected:
+    /// Never destroyed: its thread stays in `accept`.
+    static NetListener& startListener() {
+        static NetListener* const listener = new NetListener;
+        EXPECT_TRUE(listener->start());
+        return *listener;
+    }
+};
+
+} // namespace
+
+TEST_F(NetListenerPortTest, ServesAnyNumberOfStationsAtOnce) {
+    NetListener& listener = startListener();
+    const SocketPair first = connectStation();
+    const SocketPair second = connectStation();
+    const SocketPair third = connectStation();
+    for (const SocketPair* station : {&third, &first, &second, &first}) {
+        station->send(kRequest);
+        EXPECT_EQ(station->receive(kAnswer.size()), kAnswer);
+    }
+    EXPECT_EQ(listener.getState(), StatedThread::Running);
+}
+
+TEST_F(NetListenerPortTest, AHalfSentCommandHoldsUpNobodyElse) {
+    startListener();
+    const SocketPair slow = connectStation();
+    slow.send("\x02scrip");
+    const SocketPair quick = connectStation();
+    quick.send(kRequest);
+    EXPECT_EQ(quick.receive(kAnswer.size()), kAnswer);
+    slow.send("ted\x03\n");
+    EXPECT_EQ(slow.receive(kAnswer.size()), kAnswer);
+}
+
+TEST_F(NetListenerPortTest, ListensOnTheLoopbackAddressOnly) {
+    startListener();
+    const SocketPair station = connectStation();
+    const System::Descriptor elsewhere = System::openTcpSocket();
+    EXPECT_FALSE(connectTo("127.0.0.2", elsewhere)) << "not even on another address of this machine";
+    EXPECT_EQ(errno, ECONNREFUSED);
+}
+
+TEST_F(NetListenerPortTest, WaitsForAPortThatIsTaken) {
+    System::Descriptor other = System::openTcpSocket();
+    const sockaddr_in address = addressOf("127.0.0.1");
+    ASSERT_EQ(::bind(other.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(other.get(), 1), 0);
+    startListener();
+    const SocketPair notServed = connectStation();
+    notServed.send(kRequest);
+    EXPECT_FALSE(eventually([&] { return notServed.hasSomething(); }, std::chrono::milliseconds(150)));
+    other.reset();
+    const SocketPair served = connectStation();
+    served.send(kRequest);
+    EXPECT_EQ(served.receive(kAnswer.size()), kAnswer);
+}
+
+TEST_F(NetListenerPortTest, AStationWaitsWhileThereIsNoThreadForIt) {
+    startListener();
+    const SocketPair first = connectStation();
+    first.send(kRequest);
+    EXPECT_EQ(first.receive(kAnswer.size()), kAnswer);
+    const int before = SystemCalls::threadAttempts();
+    SystemCalls::failThreads(3);
+    const SocketPair station = connectStation();
+    station.send(kRequest);
+    EXPECT_EQ(station.receive(kAnswer.size()), kAnswer);
+    EXPECT_EQ(SystemCalls::threadAttempts(), before + 4);
+}
+
+TEST_F(NetListenerPortTest, AStopIsNoticedWithTheNextConnection) {
+    NetListener& listener = startListener();
+    connectStation();
+    listener.setState(StatedThread::Stopping, false);
+    connectStation();
+    listener.waitForDead();
+    EXPECT_TRUE(eventually([&] { return !connectTo("127.0.0.1", System::openTcpSocket()); }));
+}

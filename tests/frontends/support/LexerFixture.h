@@ -1,0 +1,52 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "frontends/CommandLexer.h"
+#include "support/RecordingListener.h"
+
+using Tokens = std::vector<std::vector<char>>;
+
+/// What a scan leaves behind.
+struct Scan {
+    Tokens tokens;
+    std::string echo; ///< what went to standard output
+};
+
+inline bool operator==(const Scan& left, const Scan& right) {
+    return left.tokens == right.tokens && left.echo == right.echo;
+}
+
+inline void PrintTo(const Scan& scan, std::ostream* out) {
+    *out << ::testing::PrintToString(scan.tokens) << " and the echo "
+         << ::testing::PrintToString(scan.echo);
+}
+
+/// `text` as a command: between STX and ETX, LF.
+inline std::string commandLine(const std::string& text) {
+    return "\x02" + text + "\x03\n";
+}
+
+/// A token of decoded data, which has no zero byte of its own at its end.
+inline std::vector<char> decoded(const std::string& bytes) {
+    return {bytes.begin(), bytes.end()};
+}
+
+/// There is one scanner per process and it remembers: each case begins outside of a command, with the
+/// single token "old" in the list.
+class LexerFixture : public ::testing::Test {
+protected:
+    LexerFixture() { startOver(); }
+
+    static void startOver() { CommandLexer::scan(commandLine("old")); }
+
+    static Scan scan(const std::string& line) {
+        ::testing::internal::CaptureStdout();
+        Tokens tokens = CommandLexer::scan(line);
+        return {std::move(tokens), ::testing::internal::GetCapturedStdout()};
+    }
+};

@@ -1,0 +1,102 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <set>
+
+#include "devices/BoardIdentity.h"
+#include "devices/DeviceList.h"
+#include "devices/GpioPorts.h"
+#include "devices/SoftwareVersions.h"
+#include "support/Program.h"
+#include "unit/UnitError.h"
+#include "unit/UnitFolder.h"
+
+namespace headunit {
+namespace {
+
+using headunit_test::contentOf;
+using headunit_test::TestFolder;
+using headunit_test::writeFile;
+using testing::HasSubstr;
+
+class DevicesTest : public testing::Test {
+protected:
+    TestFolder m_parent;
+    UnitFolder m_unit = UnitFolder::kept(m_parent / "unit");
+};
+
+TEST_F(DevicesTest, boardIdentityHoldsRevisionAndSerialNumber) {
+    BoardIdentity().install(m_unit);
+    EXPECT_EQ(contentOf(m_unit.hostPath("/dev/nvsku/rev")), "1A\n");
+    EXPECT_EQ(contentOf(m_unit.hostPath("/dev/nvsku/serial_num")), "0323814000427\n");
+}
+
+TEST_F(DevicesTest, softwareVersionsHoldThreeFiles) {
+    SoftwareVersions().install(m_unit);
+    EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/img_ver.txt")), "HU-ECE-HIGH 11.02.03\n");
+    EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/version_info.txt")),
+              "component: application\nversion: 11.02.03\nbuilt: 2012-11-05 17:42:10\n");
+    EXPECT_EQ(contentOf(m_unit.hostPath("/ifs/version_info.txt")),
+              "component: boot image\nversion: 4.17\nbuilt: 2012-10-22 09:15:36\n");
+}
+
+TEST_F(DevicesTest, gpioPortsAreOneNodeEachWithOneCharacter) {
+    const std::vector<std::pair<std::string, std::string>> ports = {
+        {"ioc_kru_irq", "0"},   {"ipod_accessory", "0"}, {"ipod_detect", "0"}, {"usb_pwr_1", "1"},
+        {"usb_pwr_0", "1"},     {"nad_on_off", "0"},     {"nad_reset", "0"},   {"nad_status", "0"},
+        {"usb_oc_detect", "1"}, {"vd1_int", "1"},        {"wlan_reset", "1"},  {"sd_cd1", "1"},
+        {"sd_wp1", "0"},        {"sd_ena1", "1"},        {"sd_cd2", "1"},      {"sd_wp2", "0"},
+        {"sd_ena2", "1"},       {"cvbs_reset", "1"},     {"gpio_po4", "0"},    {"gpio_po3", "0"},
+        {"bt_wlan_pd", "1"}};
+    GpioPorts().install(m_unit);
+    ASSERT_EQ(GpioPorts::kPorts.size(), ports.size());
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+        EXPECT_EQ(GpioPorts::kPorts[i].name, ports[i].first);
+        EXPECT_EQ(contentOf(m_unit.hostPath("/dev/nvgpio/" + ports[i].first)), ports[i].second);
+    }
+    const std::filesystem::directory_iterator nodes(m_unit.hostPath("/dev/nvgpio"));
+    EXPECT_EQ(std::distance(begin(nodes), end(nodes)), 21);
+}
+
+TEST_F(DevicesTest, aPortsLevelIsWhatItsNodeHolds) {
+    GpioPorts ports;
+    ports.install(m_unit);
+    EXPECT_EQ(ports.level("usb_pwr_0"), '1');
+    writeFile(m_unit.hostPath("/dev/nvgpio/usb_pwr_0"), "0");
+    EXPECT_EQ(ports.level("usb_pwr_0"), '0');
+    ports.setLevel("usb_pwr_0", '1');
+    EXPECT_EQ(contentOf(m_unit.hostPath("/dev/nvgpio/usb_pwr_0")), "1");
+}
+
+TEST_F(DevicesTest, aPortThatIsGoneHasNoLevel) {
+    GpioPorts ports;
+    EXPECT_THROW(ports.level("usb_pwr_0"), UnitError);
+    ports.install(m_unit);
+    std::filesystem::remove(m_unit.hostPath("/dev/nvgpio/usb_pwr_0"));
+    EXPECT_THROW(ports.level("usb_pwr_0"), UnitError);
+    EXPECT_THROW(ports.setLevel("usb_pwr_0", '1'), UnitError);
+    writeFile(m_unit.hostPath("/dev/nvgpio/nad_reset"), "");
+    EXPECT_THROW(ports.level("nad_reset"), UnitError);
+}
+
+TEST_F(DevicesTest, theListHasEveryDeviceOnce) {
+    std::set<std::string_view> names;
+    const DeviceList devices = allDevices();
+    for (const auto& device : devices)
+        names.insert(device->name());
+    EXPECT_EQ(names, (std::set<std::string_view>{"board identity", "software versions", "gpio ports"}));
+    EXPECT_EQ(devices.size(), names.size());
+}
+
+TEST_F(DevicesTest, theListSaysWhichDeviceCannotBeInstalled) {
+    writeFile(m_unit.hostPath("/dev/nvgpio"), "in the way");
+    try {
+        install(allDevices(), m_unit);
+        FAIL() << "no error";
+    } catch (const UnitError& error) {
+        EXPECT_THAT(error.what(), HasSubstr("gpio ports: cannot make the folder"));
+    }
+}
+
+} // namespace
+} // namespace headunit

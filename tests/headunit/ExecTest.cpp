@@ -1,0 +1,341 @@
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "support/Program.h"
+
+namespace headunit_test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+/// Each case has a TMPDIR of its own, in which nothing may be left.
+class ExecTest : public testing::Test {
+protected:
+    static std::vector<std::string> exec(const std::vector<std::string>& rest) {
+        std::vector<std::string> command = {HEADUNIT_PROGRAM, "exec"};
+        command.insert(command.end(), rest.begin(), rest.end());
+        return command;
+    }
+
+    Program::Surroundings surroundings() const { return {"", {{"TMPDIR", m_temporary.path()}}}; }
+
+    /// The output of a shell script in a fresh unit.
+    std::string outputOf(const std::string& script) {
+        Program program(exec({"--", "sh", "-c", script}), surroundings());
+        EXPECT_EQ(program.wait(), 0) << program.error();
+        EXPECT_EQ(program.error(), "");
+        return program.output();
+    }
+
+    void TearDown() override { EXPECT_THAT(m_temporary.names(), IsEmpty()); }
+
+    TestFolder m_temporary;
+};
+
+struct StatusCase {
+    const char* title;
+    std::vector<std::string> command;
+    int status;
+    const char* error;
+};
+
+void PrintTo(const StatusCase& row, std::ostream* out) {
+    *out << row.title;
+}
+
+class ExecStatus : public ExecTest, public testing::WithParamInterface<StatusCase> {};
+
+TEST_P(ExecStatus, isTheCommands) {
+    std::vector<std::string> rest = {"--"};
+    rest.insert(rest.end(), GetParam().command.begin(), GetParam().command.end());
+    Program program(exec(rest), surroundings());
+    EXPECT_EQ(program.wait(), GetParam().status);
+    EXPECT_EQ(program.error(), GetParam().error);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Commands, ExecStatus,
+    testing::Values(
+        StatusCase{"success", {"true"}, 0, ""}, //
+        StatusCase{"absolutePath", {"/bin/true"}, 0, ""}, StatusCase{"failure", {"false"}, 1, ""},
+        StatusCase{"number", {"sh", "-c", "exit 42"}, 42, ""},
+        StatusCase{"killed", {"sh", "-c", "kill -KILL $$"}, 128 + SIGKILL, ""},
+        StatusCase{"notFound", {"no-such"}, 127, "headunit: no-such: No such file or directory\n"},
+        StatusCase{"notExecutable", {"/etc"}, 126, "headunit: /etc: Permission denied\n"},
+        StatusCase{"separatorInTheCommand", {"sh", "-c", "test \"$1\" = --", "x", "--"}, 0, ""}),
+    [](const testing::TestParamInfo<StatusCase>& info) { return info.param.title; });
+
+TEST_F(ExecTest, passesTheStandardStreamsThrough) {
+    Program program(exec({"--", "sh", "-c", "cat; echo wrong >&2"}), surroundings());
+    program.write(std::string("in\0put", 6));
+    program.endInput();
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_EQ(program.output(), std::string("in\0put", 6));
+    EXPECT_EQ(program.error(), "wrong\n");
+}
+
+TEST_F(ExecTest, passesTheEnvironmentThrough) {
+    Program::Surroundings given = surroundings();
+    given.environment["FIRST_TIER_SUPPLIER"] = "a b";
+    Program program(exec({"--", "sh", "-c", "echo \"$FIRST_TIER_SUPPLIER\" $TMPDIR; echo $PATH"}),
+                    given);
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(program.output(),
+                StartsWith("a b /tmp\n" + fs::path(HEADUNIT_PROGRAM).parent_path().string() + ":"));
+}
+
+TEST_F(ExecTest, keepsTheWorkingDirectoryWritable) {
+    const TestFolder folder;
+    Program::Surroundings given = surroundings();
+    given.folder = folder.path();
+    Program program(exec({"--", "sh", "-c", "pwd; echo made > file"}), given);
+    EXPECT_EQ(program.wait(), 0) << program.error();
+    EXPECT_EQ(program.output(), folder.path() + "\n");
+    EXPECT_EQ(contentOf(folder / "file"), "made\n");
+}
+
+TEST_F(ExecTest, findsACommandInAFolderOfItsOwn) {
+    const TestFolder folder;
+    writeFile(folder / "script", "#!/bin/sh\necho ran\ntouch " + (folder / "mark") + " 2>&1\n");
+    fs::permissions(folder / "script", fs::perms::owner_all);
+    Program::Surroundings given = surroundings();
+    given.folder = "/"; // the one of the test may be above the script's
+    Program program(exec({"--", folder / "script"}), given);
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_THAT(program.output(), StartsWith("ran\n"));
+    EXPECT_THAT(program.output(), HasSubstr("Read-only file system"));
+}
+
+TEST_F(ExecTest, findsTheProgramsBesideHeadunit) {
+    EXPECT_EQ(outputOf("command -v headunit"), std::string(HEADUNIT_PROGRAM) + "\n");
+}
+
+TEST_F(ExecTest, showsTheUnitsFilesAsTheyAre) {
+    EXPECT_EQ(outputOf("cat /dev/nvsku/rev /dev/nvsku/serial_num /mnt/app/img_ver.txt"),
+              "1A\n0323814000427\nHU-ECE-HIGH 11.02.03\n");
+    EXPECT_EQ(outputOf("cat /mnt/app/version_info.txt /ifs/version_info.txt"),
+              "component: application\nversion: 11.02.03\nbuilt: 2012-11-05 17:42:10\n"
+              "component: boot image\nversion: 4.17\nbuilt: 2012-10-22 09:15:36\n");
+    EXPECT_EQ(outputOf("ls /dev/nvgpio | wc -l; cat /dev/nvgpio/usb_pwr_0 /dev/nvgpio/nad_reset"),
+              "21\n10");
+    EXPECT_EQ(outputOf("ls -d /vrk; ls -A /vrk"), "/vrk\n");
+}
+
+TEST_F(ExecTest, letsTheUnitWriteItsNodes) {
+    EXPECT_EQ(outputOf("printf 0 > /dev/nvgpio/usb_pwr_0; cat /dev/nvgpio/usb_pwr_0"), "0");
+    EXPECT_EQ(outputOf("cat /dev/nvgpio/usb_pwr_0"), "1");
+}
+
+TEST_F(ExecTest, hasTheStandardNodes) {
+    EXPECT_EQ(
+        outputOf("echo lost > /dev/null; head -c 3 /dev/zero | od -An -tx1; echo kept > /dev/stdout"),
+        " 00 00 00\nkept\n");
+    EXPECT_EQ(outputOf("touch /dev/shm/x && ls /dev/shm; test -c /dev/urandom && test -d /dev/pts"),
+              "x\n");
+}
+
+TEST_F(ExecTest, hasATmpOfItsOwn) {
+    const std::string file = "/tmp/" + fs::path(m_temporary.path()).filename().string() + "-mark";
+    EXPECT_EQ(outputOf("stat -c %a /tmp; echo x > " + file), "1777\n");
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_EQ(outputOf("test -e " + file + " || echo gone"), "gone\n");
+}
+
+TEST_F(ExecTest, leavesTheHostsSystemAlone) {
+    EXPECT_EQ(
+        outputOf("touch /usr/mark 2>/dev/null || echo refused; ls -d /home 2>/dev/null || echo none"),
+        "refused\nnone\n");
+}
+
+TEST_F(ExecTest, hasANetworkOfItsOwn) {
+    const std::vector<std::string> command =
+        exec({"--daemon", "--daemon-path", STANDIN_DAEMON, "--", "sh", "-c", "echo up; read line"});
+    Program first(command, surroundings());
+    ASSERT_TRUE(first.waitForOutput("up\n")) << first.error();
+    Program second(command, surroundings());
+    ASSERT_TRUE(second.waitForOutput("up\n")) << second.error();
+    first.write("\n");
+    second.write("\n");
+    EXPECT_EQ(first.wait(), 0);
+    EXPECT_EQ(second.wait(), 0);
+    EXPECT_EQ(outputOf("tail -n +3 /proc/net/dev | cut -d: -f1 | tr -d ' '"), "lo\n");
+}
+
+TEST_F(ExecTest, startsTheDaemonBeforeTheCommand) {
+    Program program(exec({"--daemon", "--daemon-path", STANDIN_DAEMON, "--", "sh", "-c",
+                          "grep -c ' 0100007F:3ACB .* 0A ' /proc/net/tcp; exit 5"}),
+                    surroundings());
+    EXPECT_EQ(program.wait(), 5);
+    EXPECT_EQ(program.output(), "1\n");
+    EXPECT_EQ(program.error(), "stand-in: started\n");
+}
+
+TEST_F(ExecTest, startsNoDaemonUnasked) {
+    EXPECT_EQ(outputOf("tail -n +2 /proc/net/tcp | wc -l"), "0\n");
+}
+
+TEST_F(ExecTest, saysThatTheDaemonDied) {
+    Program program(exec({"--daemon", "--daemon-path", "/bin/false", "--", "echo", "ran"}),
+                    surroundings());
+    EXPECT_EQ(program.wait(), 125);
+    EXPECT_EQ(program.output(), "");
+    EXPECT_EQ(program.error(),
+              "headunit: the daemon ended with status 1 before it listened on port 15051\n");
+}
+
+TEST_F(ExecTest, saysThatThereIsNoDaemon) {
+    Program program(exec({"--daemon", "--daemon-path", "/none/such", "--", "echo"}), surroundings());
+    EXPECT_EQ(program.wait(), 125);
+    EXPECT_EQ(program.error(),
+              "headunit: there is no daemon at /none/such; build the target 'production' or "
+              "name one with --daemon-path\n");
+}
+
+// Program::wait() comes back only when nobody holds the streams any more: no process is left then.
+
+TEST_F(ExecTest, leavesNoProcessBehind) {
+    Program program(exec({"--", "sh", "-c", "setsid sleep 1000 & echo up; exit 3"}), surroundings());
+    EXPECT_EQ(program.wait(), 3);
+    EXPECT_EQ(program.output(), "up\n");
+}
+
+TEST_F(ExecTest, removesWhatTheCommandMadeInTheUnit) {
+    Program program(exec({"--", "sh", "-c", "mkdir -p /tmp/a/b /dev/c; touch /tmp/a/b/x; exit 9"}),
+                    surroundings());
+    EXPECT_EQ(program.wait(), 9);
+}
+
+class ExecStopped : public ExecTest, public testing::WithParamInterface<int> {};
+
+TEST_P(ExecStopped, endsEverythingInIt) {
+    Program program(exec({"--daemon", "--daemon-path", STANDIN_DAEMON, "--", "sh", "-c",
+                          "trap '' INT TERM HUP; setsid sleep 1000 & echo up; sleep 1000"}),
+                    surroundings());
+    ASSERT_TRUE(program.waitForOutput("up\n")) << program.error();
+    program.signal(GetParam());
+    EXPECT_EQ(program.wait(), 128 + GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, ExecStopped, testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_F(ExecTest, takesEverythingAlongWhenItIsKilled) {
+    Program program(exec({"--", "sh", "-c", "setsid sleep 1000 & echo up; sleep 1000"}), surroundings());
+    ASSERT_TRUE(program.waitForOutput("up\n")) << program.error();
+    program.signal(SIGKILL);
+    EXPECT_EQ(program.wait(), 128 + SIGKILL);
+    // The folder of a killed one stays.
+    for (const std::string& name : m_temporary.names())
+        fs::remove_all(m_temporary / name);
+}
+
+TEST_F(ExecTest, keepsAGivenFolder) {
+    const TestFolder folder;
+    const std::string unit = folder / "unit";
+    Program first(
+        exec({"--unit", unit, "--", "sh", "-c", "printf 0 > /dev/nvgpio/usb_pwr_0; echo x > /vrk/y"}),
+        surroundings());
+    EXPECT_EQ(first.wait(), 0) << first.error();
+    EXPECT_EQ(contentOf(unit + "/vrk/y"), "x\n");
+    writeFile(unit + "/dev/nvsku/rev", "2B\n");
+    Program second(
+        exec({"--unit", unit, "--", "cat", "/dev/nvgpio/usb_pwr_0", "/dev/nvsku/rev", "/vrk/y"}),
+        surroundings());
+    EXPECT_EQ(second.wait(), 0) << second.error();
+    EXPECT_EQ(second.output(), "02B\nx\n");
+}
+
+TEST_F(ExecTest, seesNodesAppearAndVanishWhileItRuns) {
+    const TestFolder folder;
+    Program program(exec({"--unit", folder.path(), "--", "sh", "-c",
+                          "echo up; read line; ls /dev/new /dev/nvsku; read line; ls /dev/new"}),
+                    surroundings());
+    ASSERT_TRUE(program.waitForOutput("up\n")) << program.error();
+    writeFile(folder / "dev/new", "");
+    fs::remove(folder / "dev/nvsku/rev");
+    program.write("\n");
+    ASSERT_TRUE(program.waitForOutput("serial_num\n"));
+    EXPECT_EQ(program.output(), "up\n/dev/new\n\n/dev/nvsku:\nserial_num\n");
+    fs::remove(folder / "dev/new");
+    program.write("\n");
+    EXPECT_EQ(program.wait(), 2);
+}
+
+TEST_F(ExecTest, saysThatBwrapIsMissing) {
+    Program::Surroundings given = surroundings();
+    given.environment["PATH"] = "/none";
+    Program program(exec({"--", "true"}), given);
+    EXPECT_EQ(program.wait(), 125);
+    EXPECT_EQ(
+        program.error(),
+        "headunit: cannot start bwrap: No such file or directory (Debian package bubblewrap); allow "
+        "unprivileged user namespaces here, or in a disposable container set the unit up on the "
+        "container itself with 'headunit run --in-place'\n");
+}
+
+TEST_F(ExecTest, saysInOneLineWhyBwrapCannotWork) {
+    const TestFolder programs;
+    writeFile(programs / "bwrap",
+              "#!/bin/sh\necho 'bwrap: no namespaces' >&2\necho 'really' >&2\nexit 1\n");
+    fs::permissions(programs / "bwrap", fs::perms::owner_all);
+    Program::Surroundings given = surroundings();
+    given.environment["PATH"] = programs.path() + ":/usr/bin:/bin";
+    Program program(exec({"--", "true"}), given);
+    EXPECT_EQ(program.wait(), 125);
+    EXPECT_EQ(
+        program.error(),
+        "headunit: bwrap cannot build the unit here (bwrap: no namespaces really); allow unprivileged "
+        "user namespaces here, or in a disposable container set the unit up on the container itself "
+        "with 'headunit run --in-place'\n");
+}
+
+struct UsageCase {
+    const char* title;
+    std::vector<std::string> arguments;
+    const char* error;
+};
+
+void PrintTo(const UsageCase& row, std::ostream* out) {
+    *out << row.title;
+}
+
+class Usage : public testing::TestWithParam<UsageCase> {};
+
+TEST_P(Usage, isAnErrorWithStatusTwo) {
+    std::vector<std::string> command = {HEADUNIT_PROGRAM};
+    command.insert(command.end(), GetParam().arguments.begin(), GetParam().arguments.end());
+    Program program(command);
+    EXPECT_EQ(program.wait(), 2);
+    EXPECT_EQ(program.output(), "");
+    EXPECT_THAT(program.error(), HasSubstr(GetParam().error));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CommandLines, Usage,
+    testing::Values(UsageCase{"nothing", {}, "A subcommand is required"},
+                    UsageCase{"unknownCommand", {"fly"}, "A subcommand is required"},
+                    UsageCase{"execWithoutCommand", {"exec"}, "a command is missing"},
+                    UsageCase{
+                        "execWithNothingAfterTheSeparator", {"exec", "--"}, "a command is missing"},
+                    UsageCase{"execWithoutSeparator", {"exec", "true"}, "true"},
+                    UsageCase{"execUnknownOption", {"exec", "--fast", "--", "true"}, "--fast"},
+                    UsageCase{"runWithCommand", {"run", "--", "true"}, "'run' takes no command"},
+                    UsageCase{"runUnknownOption", {"run", "--fast"}, "--fast"},
+                    UsageCase{"inPlaceWithUnit", {"run", "--in-place", "--unit", "/x"}, "--unit"},
+                    UsageCase{"confirmationAlone", {"run", "--yes-change-this-machine"}, "--in-place"}),
+    [](const testing::TestParamInfo<UsageCase>& info) { return info.param.title; });
+
+TEST(Help, showsTheCommandsAndExamples) {
+    Program program({HEADUNIT_PROGRAM, "--help"});
+    EXPECT_EQ(program.wait(), 0);
+    for (const char* part : {"run", "exec", "Examples:", "headunit exec -- ls /dev/nvgpio"})
+        EXPECT_THAT(program.output(), HasSubstr(part));
+}
+
+} // namespace
+} // namespace headunit_test

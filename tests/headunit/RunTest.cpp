@@ -1,0 +1,179 @@
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+#include <sstream>
+#include <string>
+
+#include "support/Program.h"
+
+namespace headunit_test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr char kConsent[] = "--yes-change-this-machine";
+
+/// Each case has a machine of its own, so that the daemon's port is free in it, and a TMPDIR in which
+/// nothing may be left.
+class RunTest : public testing::Test {
+protected:
+    static std::vector<std::string> run(const std::vector<std::string>& host,
+                                        const std::vector<std::string>& rest) {
+        std::vector<std::string> command = {PRIVATE_HOST};
+        command.insert(command.end(), host.begin(), host.end());
+        command.insert(command.end(), {HEADUNIT_PROGRAM, "run"});
+        command.insert(command.end(), rest.begin(), rest.end());
+        return command;
+    }
+
+    Program::Surroundings surroundings() const { return {"", {{"TMPDIR", m_temporary.path()}}}; }
+
+    TestFolder m_temporary;
+};
+
+TEST_F(RunTest, saysWhereToReachTheUnitAndStopsOnASignal) {
+    for (const int stop : {SIGINT, SIGTERM}) {
+        Program program(run({}, {"--daemon-path", STANDIN_DAEMON}), surroundings());
+        ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
+        ASSERT_EQ(m_temporary.names().size(), 1u);
+        const std::string unit = m_temporary / m_temporary.names().front();
+        const std::string programs = fs::path(HEADUNIT_PROGRAM).parent_path().string();
+        std::ostringstream expected;
+        expected << "\nunit    " << unit << "\ntcp     tcp:127.0.0.1:15051\ntry     " << programs
+                 << "/station status\nstop    Ctrl-C\n";
+        EXPECT_EQ(program.output(), expected.str());
+        EXPECT_EQ(contentOf(unit + "/dev/nvsku/rev"), "1A\n");
+        EXPECT_EQ(contentOf(unit + "/dev/nvgpio/usb_pwr_0"), "1");
+        program.signal(stop);
+        EXPECT_EQ(program.wait(), 0);
+        EXPECT_EQ(program.error(), "stand-in: started\n");
+        EXPECT_THAT(m_temporary.names(), IsEmpty());
+    }
+}
+
+TEST_F(RunTest, keepsAGivenFolder) {
+    Program program(run({}, {"--daemon-path", STANDIN_DAEMON, "--unit", m_temporary / "unit"}),
+                    surroundings());
+    ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
+    EXPECT_THAT(program.output(), HasSubstr("unit    " + (m_temporary / "unit") + "\n"));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(m_temporary.names(), ElementsAre("unit"));
+    EXPECT_EQ(contentOf(m_temporary / "unit/dev/nvsku/rev"), "1A\n");
+}
+
+TEST_F(RunTest, endsWhenTheDaemonDies) {
+    Program program(run({}, {"--daemon-path", STANDIN_DAEMON, "--unit", m_temporary / "unit"}),
+                    surroundings());
+    ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
+    writeFile(m_temporary / "unit/tmp/end", "");
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_EQ(program.error(), "stand-in: started\nheadunit: the daemon ended with status 3\n");
+}
+
+TEST_F(RunTest, endsWhenTheDaemonDoesNotStart) {
+    Program program(run({}, {"--daemon-path", "/bin/false"}), surroundings());
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_EQ(program.output(), "");
+    EXPECT_EQ(program.error(),
+              "headunit: the daemon ended with status 1 before it listened on port 15051\n");
+    EXPECT_THAT(m_temporary.names(), IsEmpty());
+}
+
+TEST_F(RunTest, refusesWhenThePortIsTaken) {
+    const std::string script = std::string(HEADUNIT_PROGRAM) + " run --daemon-path " + STANDIN_DAEMON +
+                               " --unit " + (m_temporary / "first") + " | { read unit; " +
+                               HEADUNIT_PROGRAM + " run --daemon-path " + STANDIN_DAEMON +
+                               "; echo status $?; " + ": > " + (m_temporary / "first/tmp/end") +
+                               "; cat > /dev/null; }";
+    Program program({PRIVATE_HOST, "sh", "-c", script}, surroundings());
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_EQ(program.output(), "status 1\n");
+    EXPECT_THAT(program.error(), HasSubstr("headunit: port 15051 of 127.0.0.1 is taken: another unit or "
+                                           "daemon runs on this machine\n"));
+    EXPECT_THAT(m_temporary.names(), ElementsAre("first"));
+}
+
+TEST_F(RunTest, saysThatThereIsNoDaemon) {
+    Program program(run({}, {"--daemon-path", "/none/such"}), surroundings());
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_THAT(program.error(), HasSubstr("there is no daemon at /none/such"));
+}
+
+TEST_F(RunTest, takesTheDaemonAlongWhenItIsKilled) {
+    Program program(run({}, {"--daemon-path", STANDIN_DAEMON}), surroundings());
+    ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
+    program.signal(SIGKILL);
+    EXPECT_EQ(program.wait(), 128 + SIGKILL);
+}
+
+TEST_F(RunTest, inPlaceWantsToBeToldTwice) {
+    Program program(run({}, {"--in-place", "--daemon-path", STANDIN_DAEMON}));
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_EQ(
+        program.error(),
+        "headunit: --in-place makes device nodes and files in /dev, /mnt/app and /ifs of this machine "
+        "itself; it is for disposable containers. Add --yes-change-this-machine when this is one\n");
+}
+
+TEST_F(RunTest, inPlaceWantsRoot) {
+    Program program(run({"--uid", "1000"}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON}));
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_EQ(program.error(), "headunit: --in-place needs root to make nodes in /dev\n");
+}
+
+TEST_F(RunTest, inPlaceSetsTheMachineUpAndPutsItBack) {
+    const TestFolder root;
+    Program program(
+        run({"--root", root.path()}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON}));
+    ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
+    EXPECT_THAT(program.output(), HasSubstr("unit    this machine\ntcp     tcp:127.0.0.1:15051\n"));
+    EXPECT_EQ(contentOf(root / "dev/nvsku/rev"), "1A\n");
+    EXPECT_EQ(contentOf(root / "ifs/version_info.txt").substr(0, 10), "component:");
+    EXPECT_EQ(contentOf(root / "dev/nvgpio/usb_pwr_0"), "1");
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0) << program.error();
+    EXPECT_TRUE(fs::is_empty(root / "dev"));
+    EXPECT_TRUE(fs::is_empty(root / "run"));
+    EXPECT_FALSE(fs::exists(root / "mnt"));
+    EXPECT_FALSE(fs::exists(root / "ifs"));
+}
+
+TEST_F(RunTest, inPlaceOverwritesNothing) {
+    const TestFolder root;
+    fs::create_directories(root / "mnt/app");
+    writeFile(root / "mnt/app/img_ver.txt", "theirs\n");
+    Program program(
+        run({"--root", root.path()}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON}));
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_EQ(program.error(),
+              "headunit: software versions: /mnt/app/img_ver.txt exists on this machine and is "
+              "not the unit's; it is left as it is\n");
+    EXPECT_EQ(contentOf(root / "mnt/app/img_ver.txt"), "theirs\n");
+    EXPECT_TRUE(fs::is_empty(root / "dev"));
+    EXPECT_TRUE(fs::is_empty(root / "run"));
+}
+
+TEST_F(RunTest, inPlaceClearsUpAfterAKilledOne) {
+    const TestFolder root;
+    const auto command =
+        run({"--root", root.path()}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON});
+    Program killed(command);
+    ASSERT_TRUE(killed.waitForOutput("Ctrl-C\n")) << killed.error();
+    killed.signal(SIGKILL);
+    EXPECT_EQ(killed.wait(), 128 + SIGKILL);
+    EXPECT_TRUE(fs::exists(root / "dev/nvsku/rev"));
+
+    Program next(command);
+    ASSERT_TRUE(next.waitForOutput("Ctrl-C\n")) << next.error();
+    next.signal(SIGINT);
+    EXPECT_EQ(next.wait(), 0);
+    EXPECT_TRUE(fs::is_empty(root / "dev"));
+}
+
+} // namespace
+} // namespace headunit_test

@@ -1,0 +1,86 @@
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/Shell.h"
+#include "support/Eventually.h"
+#include "support/MarkedProcesses.h"
+#include "support/ShellFixture.h"
+
+using System::ShellOutcome;
+using ::testing::Contains;
+
+namespace {
+
+struct Leftover {
+    const char* name;
+    const char* script; // leaves exactly one "SLEEP" running
+};
+
+void PrintTo(const Leftover& leftover, std::ostream* out) {
+    *out << leftover.script;
+}
+
+/// What a shell that ended in time left running is the business of whoever wrote its text.
+class ShellLeftoverTest : public ShellFixture, public ::testing::WithParamInterface<Leftover> {
+protected:
+    void leaveOneRunning() {
+        const ShellRun shell = run(m_processes.in(GetParam().script));
+        EXPECT_EQ(shell.result.outcome, ShellOutcome::Ended);
+        EXPECT_LT(shell.took, kPromptly);
+        // A copy of the shell may still carry the mark on its way to become the process.
+        ASSERT_TRUE(eventually([this] { return m_processes.alive().size() == 1; }));
+    }
+
+    MarkedProcesses m_processes;
+};
+
+bool isZombie(pid_t pid) {
+    siginfo_t info{};
+    return ::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           info.si_pid == pid;
+}
+
+} // namespace
+
+TEST_P(ShellLeftoverTest, OutlivesLaterShellsAndTheirLimits) {
+    leaveOneRunning();
+    const auto before = m_processes.alive();
+    EXPECT_EQ(run("echo later").output, "later\n");
+    EXPECT_EQ(m_processes.alive(), before);
+    EXPECT_EQ(runIntoLimit("(setsid sleep 1000 &); echo started; sleep 1000").result.outcome,
+              ShellOutcome::Killed);
+    EXPECT_EQ(m_processes.alive(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , ShellLeftoverTest,
+    ::testing::Values(
+        Leftover{"BackgroundChild", "SLEEP &\n"},
+        Leftover{"ChildInASessionOfItsOwn", "setsid SLEEP &\n"}, Leftover{"Orphan", "(SLEEP &)\n"},
+        Leftover{"OrphanInASessionOfItsOwn", "setsid -f SLEEP\n"},
+        Leftover{"Stopped", "SLEEP & until grep -q sleep /proc/$!/comm; do :; done; kill -STOP $!\n"}),
+    [](const auto& info) { return info.param.name; });
+
+TEST_F(ShellLeftoverTest, MayGoOnStartingProcesses) {
+    MarkedProcesses processes;
+    // The mark stands where the loop finds its own name.
+    const ShellRun first =
+        run(processes.in("sh -c 'while :; do sleep 0.02; done' 'SLEEP' >/dev/null & echo $!\n"));
+    EXPECT_EQ(first.result.outcome, ShellOutcome::Ended);
+    const auto loop = static_cast<pid_t>(std::stoi(first.output));
+    EXPECT_EQ(runIntoLimit("echo started; sleep 1000").result.outcome, ShellOutcome::Killed);
+    EXPECT_THAT(processes.alive(), Contains(loop));
+}
+
+TEST_F(ShellLeftoverTest, IsCollectedByALaterShellOnceItHasEnded) {
+    const ShellRun first = run("sleep 0.05 & echo $!");
+    EXPECT_EQ(first.result.outcome, ShellOutcome::Ended);
+    const auto leftover = static_cast<pid_t>(std::stoi(first.output));
+    ASSERT_TRUE(eventually([leftover] { return isZombie(leftover); }));
+    EXPECT_EQ(run("echo later").output, "later\n");
+    EXPECT_EQ(::kill(leftover, 0), -1);
+    EXPECT_EQ(errno, ESRCH);
+}

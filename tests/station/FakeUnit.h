@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include "client/Target.h"
+#include "platform/Descriptor.h"
+
+namespace station {
+
+/// A socket bound to a free port of an address of this machine.
+class BoundSocket {
+public:
+    explicit BoundSocket(const std::string& host = "127.0.0.1");
+
+    /// Completes at most `backlog` + 1 connections until they are accepted.
+    void listen(int backlog = 5) const;
+
+    int descriptor() const { return m_socket.get(); }
+    const Target& target() const { return m_target; }
+
+private:
+    System::Descriptor m_socket;
+    Target m_target;
+};
+
+/// A unit's end of a connection. Every call gives up with a test failure after a while.
+class UnitConnection {
+public:
+    explicit UnitConnection(System::Descriptor socket);
+
+    /// Bytes up to and including ETX LF, or up to the end of the connection.
+    std::string readRequest();
+
+    /// False once the station has gone.
+    bool send(std::string_view bytes);
+
+    /// One text with its framing.
+    bool sendText(std::string_view text);
+
+    /// Each byte in a write of its own.
+    void sendByteByByte(std::string_view bytes);
+
+    void waitUntilStationCloses();
+
+    /// The connection ends in a reset instead of in order.
+    void resetAtEnd();
+
+private:
+    System::Descriptor m_socket;
+};
+
+/// A unit that takes one connection and plays a script on it, on a thread of its own; the connection
+/// ends with the script, and the object waits for that.
+class FakeUnit {
+public:
+    using Script = std::function<void(UnitConnection&)>;
+
+    explicit FakeUnit(Script script, const std::string& host = "127.0.0.1");
+    ~FakeUnit();
+
+    const Target& target() const { return m_socket.target(); }
+
+private:
+    BoundSocket m_socket;
+    std::thread m_thread;
+};
+
+/// `text` as a unit sends it.
+std::string framed(std::string_view text);
+
+} // namespace station

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace station {
+
+/// What came of a run of the program.
+struct Outcome {
+    int exitCode = 0; ///< or minus the signal that killed it
+    std::string output;
+    std::string errors;
+};
+
+/// One run of the program as a process of its own, with no STATION_ variables but the given ones.
+struct Invocation {
+    std::vector<std::string> arguments;
+    std::vector<std::string> environment = {}; ///< NAME=VALUE
+    int standardOutput = -1;                   ///< a descriptor to use instead of collecting the output
+};
+
+/// Waits for the program to end; kills it, with a test failure, when that takes far too long.
+Outcome runStation(const Invocation& invocation);
+
+} // namespace station

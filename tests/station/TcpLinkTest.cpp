@@ -1,0 +1,211 @@
+#include "client/TcpLink.h"
+
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <vector>
+
+#include "FailureKind.h"
+#include "FakeUnit.h"
+#include "client/Client.h"
+
+namespace station {
+namespace {
+
+// More than the buffers of both ends of a connection hold.
+constexpr std::size_t kMoreThanBuffered = std::size_t{32} * 1024 * 1024;
+
+Deadline patient() {
+    return Deadline::after(Seconds(30));
+}
+Deadline soon() {
+    return Deadline::after(Seconds(0.2));
+}
+
+std::string receiveAll(TcpLink& link) {
+    std::string all;
+    for (;;) {
+        const std::string bytes = link.receive(patient());
+        if (bytes.empty())
+            return all;
+        all += bytes;
+    }
+}
+
+Answer execute(const Target& target, const std::string& name, const Deadline& deadline) {
+    TcpLink link = TcpLink::connect(target, deadline);
+    return Client(link).execute(Request(name, {}), deadline, [](const std::string&) {});
+}
+
+TEST(TcpLink, CarriesACommandAndItsAnswer) {
+    std::string request;
+    {
+        FakeUnit unit([&](UnitConnection& connection) {
+            request = connection.readRequest();
+            connection.sendText("status ok");
+        });
+        EXPECT_EQ(execute(unit.target(), "status", patient()).text, "ok");
+    }
+    EXPECT_EQ(request, "\x02status\x03\n");
+}
+
+TEST(TcpLink, TakesAnAnswerThatComesByteByByte) {
+    FakeUnit unit([](UnitConnection& connection) {
+        connection.readRequest();
+        connection.sendByteByByte(framed("Info \"a\nb\"") + framed("status ok"));
+    });
+    EXPECT_EQ(execute(unit.target(), "status", patient()).text, "ok");
+}
+
+TEST(TcpLink, FindsAHostByName) {
+    FakeUnit unit([](UnitConnection& connection) { connection.send("x"); });
+    TcpLink link = TcpLink::connect(Target{"localhost", unit.target().port}, patient());
+    EXPECT_EQ(receiveAll(link), "x");
+}
+
+TEST(TcpLink, ReachesAnIpv6Address) try {
+    FakeUnit unit([](UnitConnection& connection) { connection.send("x"); }, "::1");
+    TcpLink link = TcpLink::connect(unit.target(), patient());
+    EXPECT_EQ(receiveAll(link), "x");
+} catch (const std::system_error&) {
+    GTEST_SKIP() << "this machine has no IPv6";
+}
+
+TEST(TcpLink, SendsMoreThanTheSystemTakesAtOnce) {
+    const std::string bytes = std::string(kMoreThanBuffered, 'a') + "\x03\n";
+    std::string request;
+    {
+        FakeUnit unit([&](UnitConnection& connection) { request = connection.readRequest(); });
+        TcpLink link = TcpLink::connect(unit.target(), patient());
+        link.send(bytes, patient());
+        EXPECT_EQ(receiveAll(link), "");
+    }
+    EXPECT_TRUE(request == bytes) << request.size() << " bytes arrived";
+}
+
+TEST(TcpLink, FailsWhenNobodyListens) {
+    const BoundSocket silent;
+    EXPECT_THAT(failureOf([&] { TcpLink::connect(silent.target(), patient()); }),
+                FailsWith(Failure::Kind::CannotConnect,
+                          "cannot connect to " + silent.target().text() + ": Connection refused"));
+}
+
+TEST(TcpLink, FailsWhenTheHostHasNoAddress) {
+    EXPECT_THAT(
+        failureOf([] {
+            TcpLink::connect(Target{"no.such.host.invalid", 1}, patient());
+        }),
+        FailsWith(Failure::Kind::CannotConnect, "cannot connect to tcp:no.such.host.invalid:1: "));
+}
+
+TEST(TcpLink, TimesOutWhenTheConnectionIsNotTaken) {
+    const BoundSocket busy;
+    busy.listen(0);
+    // Once the queue of the listener is full, further attempts are left without a reply.
+    const TcpLink first = TcpLink::connect(busy.target(), patient());
+    EXPECT_THAT(failureOf([&] {
+                    std::vector<TcpLink> others;
+                    others.reserve(10);
+                    for (int i = 0; i < 10; ++i)
+                        others.push_back(TcpLink::connect(busy.target(), soon()));
+                }),
+                FailsWith(Failure::Kind::TimedOut, "time-out while connecting to tcp:127.0.0.1:"));
+}
+
+TEST(TcpLink, TimesOutWhenTheUnitDoesNotAnswer) {
+    FakeUnit unit([](UnitConnection& connection) { connection.waitUntilStationCloses(); });
+    EXPECT_THAT(failureOf([&] { execute(unit.target(), "status", soon()); }),
+                FailsWith(Failure::Kind::TimedOut, "time-out while waiting for the answer"));
+}
+
+TEST(TcpLink, TimesOutWhenTheUnitNeverComesToItsFinalLine) {
+    FakeUnit unit([](UnitConnection& connection) {
+        connection.readRequest();
+        while (connection.sendText("Info \"still busy\"")) {
+        }
+    });
+    EXPECT_THAT(failureOf([&] { execute(unit.target(), "status", soon()); }),
+                FailsWith(Failure::Kind::TimedOut, "time-out while waiting for the answer"));
+}
+
+TEST(TcpLink, TimesOutWhenTheUnitDoesNotRead) {
+    const BoundSocket deaf;
+    deaf.listen();
+    TcpLink link = TcpLink::connect(deaf.target(), patient());
+    EXPECT_THAT(failureOf([&] { link.send(std::string(kMoreThanBuffered, 'a'), soon()); }),
+                FailsWith(Failure::Kind::TimedOut, "time-out while sending the command"));
+}
+
+TEST(TcpLink, TellsTheEndOfTheConnection) {
+    FakeUnit unit([](UnitConnection& connection) { connection.send("half"); });
+    TcpLink link = TcpLink::connect(unit.target(), patient());
+    EXPECT_EQ(receiveAll(link), "half");
+}
+
+TEST(TcpLink, TakesAResetAsTheEndAndRaisesNoSignal) {
+    FakeUnit unit([](UnitConnection& connection) {
+        connection.readRequest();
+        connection.resetAtEnd();
+    });
+    TcpLink link = TcpLink::connect(unit.target(), patient());
+    link.send("\x02status\x03\n", patient());
+    EXPECT_EQ(link.receive(patient()), "");
+    EXPECT_THAT(failureOf([&] { link.send("status", patient()); }),
+                FailsWith(Failure::Kind::ConnectionLost, "Broken pipe"));
+}
+
+/// Signals that interrupt this thread's system calls every few milliseconds while the object lives. A
+/// byte for each can be read from the descriptor.
+class Interruptions {
+public:
+    Interruptions() {
+        std::array<int, 2> ends = {};
+        EXPECT_EQ(::pipe(ends.data()), 0);
+        m_counted.reset(ends[0]);
+        m_counter.reset(ends[1]);
+        s_counter = m_counter.get();
+        struct sigaction action = {};
+        action.sa_handler = [](int) { static_cast<void>(::write(s_counter, "x", 1) + 1); };
+        ::sigaction(SIGALRM, &action, &m_previous);
+        const itimerval often = {{0, 5000}, {0, 5000}};
+        ::setitimer(ITIMER_REAL, &often, nullptr);
+    }
+
+    ~Interruptions() {
+        const itimerval never = {};
+        ::setitimer(ITIMER_REAL, &never, nullptr);
+        ::sigaction(SIGALRM, &m_previous, nullptr);
+    }
+
+    /// Blocks until `count` further signals have been handled.
+    void waitFor(int count) const {
+        char byte = 0;
+        for (int i = 0; i < count; ++i)
+            EXPECT_EQ(::read(m_counted.get(), &byte, 1), 1);
+    }
+
+private:
+    inline static int s_counter = -1;
+    System::Descriptor m_counted;
+    System::Descriptor m_counter;
+    struct sigaction m_previous = {};
+};
+
+TEST(TcpLink, SurvivesInterruptedSystemCalls) {
+    const Interruptions interruptions;
+    FakeUnit unit([&](UnitConnection& connection) {
+        connection.readRequest();
+        interruptions.waitFor(5);
+        connection.sendText("status ok");
+    });
+    EXPECT_EQ(execute(unit.target(), "status", patient()).text, "ok");
+}
+
+} // namespace
+} // namespace station
