@@ -1,0 +1,137 @@
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/DaemonTest.h"
+#include "support/UnitFiles.h"
+#include "support/Waiting.h"
+
+namespace {
+
+constexpr std::size_t kStations = 64;
+constexpr std::size_t kRequestsEach = 1000;
+constexpr std::size_t kManyConnections = 1000;
+constexpr rlim_t kOwnDescriptors = 100;
+
+void allowConnections(std::size_t count) {
+    rlimit limit{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, count + kOwnDescriptors);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0) << "the hard limit is " << limit.rlim_max;
+}
+
+/// Gives every thread a turn and lets exceptions fail the test.
+template <typename Task>
+void runInThreads(std::size_t count, Task task) {
+    std::vector<std::thread> threads;
+    for (std::size_t number = 0; number < count; ++number) {
+        threads.emplace_back([number, &task] {
+            try {
+                task(number);
+            } catch (const std::exception& exception) {
+                ADD_FAILURE() << "station " << number << ": " << exception.what();
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+class ManyStationsTest : public DaemonTest {};
+
+TEST_F(ManyStationsTest, EachGetsItsOwnAnswers) {
+    writeFile(kSerialNumberFile, "0123");
+    const std::string status = answer("status \"" + daemon.buildStamp() + "\" A024 \"1A\" 4");
+    runInThreads(kStations, [&status](std::size_t number) {
+        Connection station;
+        for (std::size_t round = 0; round < kRequestsEach && !testing::Test::HasFailure(); ++round) {
+            const std::string name = "s" + std::to_string(number) + "r" + std::to_string(round);
+            switch ((number + round) % 5) {
+                case 0:
+                    expectExchange(station, request("status"), status);
+                    break;
+                case 1:
+                    expectExchange(station, request("status 02"), answer("status base64(MDEyMw==)"));
+                    break;
+                case 2:
+                    expectExchange(station, request("ack " + name), answer(""));
+                    break;
+                default:
+                    expectExchange(station, request(name + " \"" + name + "\""), unknown(name));
+            }
+        }
+        expectNothingMore(station);
+    });
+}
+
+TEST_F(ManyStationsTest, AThousandOpenedAtOnceAreAllServed) {
+    allowConnections(kManyConnections);
+    daemon.limit(RLIMIT_NOFILE, RLIM_INFINITY);
+    // In a rush: faster than anybody accepts.
+    std::vector<Connection> stations(kManyConnections);
+    for (std::size_t number = 0; number < stations.size(); ++number)
+        stations[number].send(request("s" + std::to_string(number)));
+    for (std::size_t number = 0; number < stations.size(); ++number)
+        expectExchange(stations[number], "", unknown("s" + std::to_string(number)));
+    EXPECT_EQ(openDescriptors(daemon.pid()).size(), kManyConnections + 4);
+    for (Connection& station : stations)
+        expectNothingMore(station);
+}
+
+/// Opens connections until one is answered: the system may drop those that come in a rush.
+void askUntilAnswered(const std::string& name) {
+    const auto deadline = std::chrono::steady_clock::now() + 2 * kPatience;
+    while (std::chrono::steady_clock::now() < deadline) {
+        Connection station;
+        if (!station.trySend(request(name)) || !station.hasInputWithin(std::chrono::seconds(2)))
+            continue;
+        expectExchange(station, "", unknown(name));
+        expectExchange(station, request(name), unknown(name));
+        return;
+    }
+    ADD_FAILURE() << name << " was not served";
+}
+
+TEST(MoreStationsThanDescriptors, AreAllServedInTheEnd) {
+    if (kAddressSanitized)
+        GTEST_SKIP() << "a sanitizer needs descriptors for its own checks";
+    allowConnections(kManyConnections);
+    DaemonStart start;
+    start.limits = {{RLIMIT_NOFILE, 256}};
+    const Daemon daemon(start);
+    runInThreads(kManyConnections,
+                 [](std::size_t number) { askUntilAnswered("s" + std::to_string(number)); });
+    EXPECT_TRUE(eventually([&] { return openDescriptors(daemon.pid()).size() == 4; }));
+    expectHealthy(daemon);
+}
+
+TEST_F(ManyStationsTest, ComeAndGo) {
+    runInThreads(16, [](std::size_t number) {
+        for (int round = 0; round < 200; ++round) {
+            Connection station;
+            const std::string name = "s" + std::to_string(number) + "r" + std::to_string(round);
+            expectExchange(station, request(name), unknown(name));
+        }
+    });
+    EXPECT_TRUE(eventually([this] { return openDescriptors(daemon.pid()).size() == 4; }));
+}
+
+TEST_F(ManyStationsTest, ShareTheShell) {
+    runInThreads(8, [](std::size_t number) {
+        Connection station;
+        for (int round = 0; round < 25; ++round) {
+            const std::string text = "s" + std::to_string(number) + "r" + std::to_string(round);
+            expectExchange(station, request("exec command 60 \"echo " + text + "\""),
+                           answer("exec base64(" + base64(text + "\n") + ")"));
+        }
+        expectNothingMore(station);
+    });
+}
+
+} // namespace

@@ -1,0 +1,42 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+#include "support/DaemonTest.h"
+#include "support/ExchangeExamples.h"
+#include "support/Pattern.h"
+
+namespace {
+
+constexpr std::size_t kFewestExamples = 3;
+
+class ProtocolExamplesTest : public DaemonTest {};
+
+void run(const Example& example) {
+    Connection station;
+    for (const ExampleLine& line : example) {
+        SCOPED_TRACE(line.text);
+        if (line.isSent) {
+            station.send(bytesOf(line.text));
+            continue;
+        }
+        const std::string received = station.receiveLine();
+        EXPECT_TRUE(matchesWhole(received, patternOf(line.text))) << testing::PrintToString(received);
+    }
+    expectNothingMore(station);
+}
+
+TEST_F(ProtocolExamplesTest, AreAnsweredAsTheDocumentSays) {
+    std::ifstream document(PROTOCOL_DOCUMENT);
+    ASSERT_TRUE(document) << PROTOCOL_DOCUMENT;
+    const auto examples = readExamples(document);
+    ASSERT_GE(examples.size(), kFewestExamples);
+    for (std::size_t at = 0; at < examples.size(); ++at) {
+        SCOPED_TRACE("example " + std::to_string(at + 1));
+        EXPECT_FALSE(examples[at].empty());
+        run(examples[at]);
+    }
+}
+
+} // namespace

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <sys/resource.h>
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "support/KernelRefusal.h"
+
+/// Circumstances that a daemon is started under; as a unit starts it when left alone.
+struct DaemonStart {
+    struct Limit {
+        int resource; ///< RLIMIT_...
+        rlim_t value;
+    };
+
+    std::vector<Limit> limits;
+    std::vector<int> closed;           ///< standard streams that are closed
+    std::optional<int> standardOutput; ///< in place of the file that `Daemon::output` reads
+    std::optional<int> leftOpen;       ///< a descriptor that the starting program forgot to close
+    std::vector<KernelRefusal> refusals;
+    bool waitForPort = true;
+};
+
+/// The daemon itself, as a child of the test, with its standard streams in files. Killed with this
+/// object.
+class Daemon {
+public:
+    /// Returns when the daemon listens, unless told otherwise; throws std::runtime_error when it does
+    /// not.
+    explicit Daemon(const DaemonStart& start = {});
+    Daemon(const Daemon&) = delete;
+    Daemon& operator=(const Daemon&) = delete;
+    ~Daemon();
+
+    pid_t pid() const { return m_pid; }
+    bool isAlive() const;
+
+    /// The exit status, 128 plus the signal that ended it, or -1 when it does not end.
+    int waitForEnd();
+
+    /// What it has written so far.
+    std::string output() const;
+    std::string error() const;
+
+    bool waitForError(const std::string& text) const;
+
+    /// Changes one of its limits while it runs; the hard limit stays.
+    void limit(int resource, rlim_t value) const;
+
+    /// The stamp that its banner shows.
+    std::string buildStamp() const;
+
+private:
+    std::string m_outputFile;
+    std::string m_errorFile;
+    pid_t m_pid = -1;
+    bool m_collected = false;
+};
+
+bool isListening();
+
+/// "yyyy/mm/dd hh:mm:ss" with a day that may be padded with a blank.
+constexpr char kBuildStampPattern[] = "[0-9]{4}/[0-9]{2}/[ 0-9][0-9] [0-9]{2}:[0-9]{2}:[0-9]{2}";
+
+/// Everything that a daemon without trouble writes to standard error.
+bool isBannerOnly(const std::string& error);

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+/// The files of the simulated unit that the test runs in.
+
+constexpr char kRevisionFile[] = "/dev/nvsku/rev";
+constexpr char kSerialNumberFile[] = "/dev/nvsku/serial_num";
+constexpr char kImageVersionFile[] = "/mnt/app/img_ver.txt";
+constexpr char kApplicationVersionFile[] = "/mnt/app/version_info.txt";
+constexpr char kSystemVersionFile[] = "/ifs/version_info.txt";
+constexpr char kCaptureFile[] = "/tmp/resp.txt";
+
+/// Replaces the file's content, or makes the file. Throws std::runtime_error.
+void writeFile(const std::string& path, const std::string& content);
+
+/// Empty when there is no such file.
+std::string contentOf(const std::string& path);
+
+/// Links are not followed.
+bool exists(const std::string& path);
+
+/// A file, a link or an empty folder.
+void removeFile(const std::string& path);
+
+void makeFolder(const std::string& path);
+
+void makeFifo(const std::string& path);
+
+void makeLink(const std::string& path, const std::string& target);

@@ -1,0 +1,30 @@
+#include "support/Waiting.h"
+
+#include <poll.h>
+
+namespace {
+
+constexpr int kBetweenLooksMs = 2;
+
+} // namespace
+
+bool eventually(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        ::poll(nullptr, 0, kBetweenLooksMs);
+    }
+    return true;
+}
+
+void observeFor(std::chrono::milliseconds duration) {
+    const auto end = std::chrono::steady_clock::now() + duration;
+    for (;;) {
+        const auto left = end - std::chrono::steady_clock::now();
+        if (left.count() <= 0)
+            return;
+        const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(left).count();
+        ::poll(nullptr, 0, static_cast<int>(milliseconds) + 1);
+    }
+}
