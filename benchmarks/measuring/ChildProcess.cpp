@@ -1,0 +1,74 @@
+#include "measuring/ChildProcess.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <exception>
+#include <utility>
+
+#include "measuring/Failure.h"
+
+namespace Measuring {
+
+namespace {
+
+constexpr int kFailed = 127;
+
+void becomeQuiet() {
+    const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    if (nowhere < 0)
+        throw failure("cannot open /dev/null");
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::dup2(nowhere, stream) < 0)
+            throw failure("cannot redirect a stream");
+}
+
+} // namespace
+
+ChildProcess ChildProcess::running(const std::function<void()>& body) {
+    std::fflush(nullptr);
+    const pid_t pid = ::fork();
+    if (pid < 0)
+        throw failure("cannot start a process");
+    if (pid > 0)
+        return ChildProcess(pid);
+    try {
+        if (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0)
+            throw failure("cannot tie a process to its parent");
+        body();
+        ::_exit(0);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+    }
+    ::_exit(kFailed);
+}
+
+ChildProcess ChildProcess::program(const std::string& path) {
+    return running([&path] {
+        becomeQuiet();
+        ::execl(path.c_str(), path.c_str(), nullptr);
+        throw failure("cannot run " + path);
+    });
+}
+
+ChildProcess::ChildProcess(ChildProcess&& other) noexcept : m_pid(std::exchange(other.m_pid, -1)) {}
+
+ChildProcess::~ChildProcess() {
+    if (m_pid < 0)
+        return;
+    ::kill(m_pid, SIGKILL);
+    while (::waitpid(m_pid, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+bool ChildProcess::isAlive() const {
+    siginfo_t ended{};
+    return ::waitid(P_PID, static_cast<id_t>(m_pid), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           ended.si_pid == 0;
+}
+
+} // namespace Measuring
