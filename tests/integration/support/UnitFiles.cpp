@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 namespace {
@@ -26,8 +27,12 @@ void writeFile(const std::string& path, const std::string& content) {
 }
 
 std::string contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    const std::ifstream file(path, std::ios::binary);
+    // What /proc tells of may go between its opening and its reading; the copying takes that for the
+    // end.
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
 }
 
 bool exists(const std::string& path) {
