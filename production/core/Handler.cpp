@@ -61,6 +61,7 @@ ProcessResponse* guarded(Process process) {
 /// dispatcher fills in the second part, then sets `done`. Both keep it alive, so that the dispatcher may
 /// signal after the caller has already left.
 struct Handler::Request {
+    std::function<void()> action; // to be run in place of a command
     AbstractCmd* command = nullptr;
     AbstractListener* listener = nullptr;
     bool isAscii = false;
@@ -159,6 +160,12 @@ std::string Handler::handleCommand(std::vector<std::vector<char>> tokens, Abstra
     return std::move(request->answerLine);
 }
 
+void Handler::runExclusively(std::function<void()> action) {
+    const auto request = std::make_shared<Request>();
+    request->action = std::move(action);
+    runAndWait(request);
+}
+
 void Handler::runAndWait(const std::shared_ptr<Request>& request) {
     {
         const System::Lock lock(m_requestLock);
@@ -197,21 +204,27 @@ void Handler::threadLoop(System::Thread*) {
 }
 
 void Handler::run(Request& request) {
-    if (request.command == nullptr) {
-        reportEmptyRequest();
-        return;
-    }
-    request.command->setListener(request.listener);
     try {
-        if (request.isAscii)
-            runAscii(request);
+        if (request.action)
+            request.action();
+        else if (request.command == nullptr)
+            reportEmptyRequest();
         else
-            runBinary(request);
+            runCommand(request);
     } catch (...) {
         request.failure = std::current_exception();
     }
+}
+
+void Handler::runCommand(Request& request) {
+    request.command->setListener(request.listener);
     // The front end may be gone as soon as its request is done.
-    request.command->setListener(nullptr);
+    const std::unique_ptr<AbstractCmd, void (*)(AbstractCmd*)> command(
+        request.command, [](AbstractCmd* used) { used->setListener(nullptr); });
+    if (request.isAscii)
+        runAscii(request);
+    else
+        runBinary(request);
 }
 
 void Handler::runBinary(Request& request) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -43,6 +44,10 @@ public:
     /// Runs an ASCII request and returns the line to answer, without framing; empty for none.
     std::string handleCommand(std::vector<std::vector<char>> tokens, AbstractListener* listener);
 
+    /// Has the dispatcher run `action` in its turn, while no command runs, and waits for its end: for a
+    /// front end that uses a command directly. What `action` throws comes out here.
+    void runExclusively(std::function<void()> action);
+
     /// The dispatcher.
     void threadLoop(System::Thread* self) override;
 
@@ -54,6 +59,7 @@ private:
     void runAndWait(const std::shared_ptr<Request>& request);
     std::shared_ptr<Request> nextRequest();
     void run(Request& request);
+    void runCommand(Request& request);
     void runBinary(Request& request);
     void runAscii(Request& request);
 

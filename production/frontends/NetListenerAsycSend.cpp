@@ -4,23 +4,19 @@
 
 #include <cerrno>
 
+#include "frontends/LineFraming.h"
+
 namespace {
 
-constexpr char kLineStart[] = "\x02#";
-constexpr char kLineEnd[] = "\x03\n";
 // An idle connection does not keep the memory of a long answer.
 constexpr std::size_t kKeptCapacity = 4096;
-constexpr std::size_t kFramingBytes = sizeof kLineStart + sizeof kLineEnd - 2;
 
 } // namespace
 
 NetListenerAsycSend::NetListenerAsycSend(int socket) : m_socket(socket) {}
 
 void NetListenerAsycSend::asyncSend(std::string& text) {
-    m_pending.reserve(m_pending.size() + text.size() + kFramingBytes);
-    m_pending += kLineStart;
-    m_pending += text;
-    m_pending += kLineEnd;
+    LineFraming::append(m_pending, text);
     sendPending(MSG_DONTWAIT);
 }
 

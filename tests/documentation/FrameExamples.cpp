@@ -4,25 +4,26 @@
 
 namespace {
 
-constexpr char kBlockStart[] = "```exchange frames";
+constexpr char kFramesStart[] = "```exchange frames";
+constexpr char kLinkStart[] = "```exchange link";
 constexpr char kBlockEnd[] = "```";
 constexpr char kBuild[] = "{build}";
 constexpr std::size_t kBuildLength = sizeof kBuild - 1;
 
 } // namespace
 
-std::vector<std::vector<FrameExample>> readFrameExamples(std::istream& document) {
-    std::vector<std::vector<FrameExample>> blocks;
+std::vector<FrameExamples> readFrameExamples(std::istream& document) {
+    std::vector<FrameExamples> blocks;
     bool inside = false;
     for (std::string line; std::getline(document, line);) {
         if (!inside) {
-            inside = line == kBlockStart;
+            inside = line == kFramesStart || line == kLinkStart;
             if (inside)
-                blocks.emplace_back();
+                blocks.push_back({line == kLinkStart, {}});
         } else if (line == kBlockEnd) {
             inside = false;
         } else if (line.rfind("> ", 0) == 0 || line.rfind("< ", 0) == 0) {
-            blocks.back().push_back({line[0] == '>', line.substr(2)});
+            blocks.back().lines.push_back({line[0] == '>', line.substr(2)});
         } else {
             throw std::invalid_argument("neither sent nor received: " + line);
         }
@@ -30,9 +31,8 @@ std::vector<std::vector<FrameExample>> readFrameExamples(std::istream& document)
     return blocks;
 }
 
-std::vector<unsigned char> bytesOf(const std::string& text,
-                                   const std::vector<unsigned char>& buildTime) {
-    std::vector<unsigned char> bytes;
+std::string bytesOf(const std::string& text, const std::string& buildTime) {
+    std::string bytes;
     for (std::size_t at = 0; at < text.size();) {
         if (text[at] == ' ') {
             ++at;
@@ -40,15 +40,14 @@ std::vector<unsigned char> bytesOf(const std::string& text,
             const std::size_t end = text.find('"', at + 1);
             if (end == std::string::npos)
                 throw std::invalid_argument("no closing quotation mark: " + text);
-            bytes.insert(bytes.end(), text.begin() + static_cast<std::ptrdiff_t>(at) + 1,
-                         text.begin() + static_cast<std::ptrdiff_t>(end));
+            bytes += text.substr(at + 1, end - at - 1);
             at = end + 1;
         } else if (text.compare(at, kBuildLength, kBuild) == 0) {
-            bytes.insert(bytes.end(), buildTime.begin(), buildTime.end());
+            bytes += buildTime;
             at += kBuildLength;
         } else {
             std::size_t used = 0;
-            bytes.push_back(static_cast<unsigned char>(std::stoul(text.substr(at, 2), &used, 16)));
+            bytes += static_cast<char>(std::stoul(text.substr(at, 2), &used, 16));
             if (used != 2)
                 throw std::invalid_argument("not a byte: " + text.substr(at));
             at += 2;

@@ -5,60 +5,61 @@
 #include <vector>
 
 #include "FrameExamples.h"
-#include "core/AbstractListener.h"
-#include "core/BuildStamp.h"
-#include "core/Handler.h"
+#include "line/Adapter.h"
+#include "support/Daemon.h"
 
 namespace {
 
-using Frame = std::vector<unsigned char>;
-
-/// Keeps what the unit sends, in order.
-class RecordingListener : public AbstractListener {
-public:
-    void threadLoop(System::Thread*) override {}
-    void asyncSend(std::string&) override {}
-    void asyncSend(Frame& frame) override { frames.push_back(frame); }
-    int getDeviceListNumber() override { return 3; }
-
-    std::vector<Frame> frames;
-};
+constexpr char kAcknowledgement[] = "\x02\x06";
+constexpr char kDebugMarker = 'd';
 
 /// Day, month, year, hour and minute of the stamp, read as the document describes them.
-Frame documentedBuildTime() {
-    const std::string stamp = getDateTimeString();
-    Frame bytes;
+std::string documentedBuildTime(const std::string& stamp) {
+    std::string bytes;
     for (const std::size_t at : {8U, 5U, 2U, 11U, 14U}) {
         const std::string digits =
             (stamp[at] == ' ' ? "0" : stamp.substr(at, 1)) + stamp.substr(at + 1, 1);
-        bytes.push_back(static_cast<unsigned char>(std::stoul(digits, nullptr, 16)));
+        bytes += static_cast<char>(std::stoul(digits, nullptr, 16));
     }
     return bytes;
 }
 
-TEST(DocumentedFrames, AreAnsweredAsTheDocumentSays) {
-    std::ifstream document(PROTOCOL_DOCUMENT);
-    ASSERT_TRUE(document) << PROTOCOL_DOCUMENT;
-    const auto blocks = readFrameExamples(document);
-    ASSERT_GE(blocks.size(), 4U);
-    const Frame buildTime = documentedBuildTime();
-    Handler::getInstance()->initHandler();
-    RecordingListener station;
-    std::vector<Frame> expected;
-    for (const auto& block : blocks) {
-        for (const FrameExample& line : block) {
-            Frame bytes = bytesOf(line.text, buildTime);
-            if (!line.sent) {
-                expected.push_back(bytes);
+class DocumentedFrames : public testing::Test {
+protected:
+    static DaemonStart withStationLine() {
+        DaemonStart start;
+        start.stationLine = true;
+        return start;
+    }
+
+    void play(const FrameExamples& block) {
+        for (const FrameExample& line : block.lines) {
+            const std::string bytes = bytesOf(line.text, buildTime);
+            if (line.sent) {
+                adapter.send(bytes);
                 continue;
             }
-            EXPECT_EQ(station.frames, expected) << "before: " << line.text;
-            const Frame answer = Handler::getInstance()->handleCommand(&bytes, &station);
-            if (!answer.empty())
-                station.frames.push_back(answer);
+            ASSERT_EQ(adapter.receive(bytes.size()), bytes) << line.text;
+            if (!block.showsAcknowledgements && bytes[1] != kDebugMarker)
+                adapter.send(kAcknowledgement);
         }
-        EXPECT_EQ(station.frames, expected);
     }
+
+    Adapter adapter;
+    Daemon daemon{withStationLine()};
+    std::string buildTime = documentedBuildTime(daemon.buildStamp());
+};
+
+TEST_F(DocumentedFrames, AreAnsweredAsTheDocumentSays) {
+    std::ifstream document(PROTOCOL_DOCUMENT);
+    ASSERT_TRUE(document) << PROTOCOL_DOCUMENT;
+    const std::vector<FrameExamples> blocks = readFrameExamples(document);
+    ASSERT_GE(blocks.size(), 4U);
+    // The one block that begins with the opening of the port comes before all others.
+    ASSERT_TRUE(blocks.front().showsAcknowledgements);
+    for (const FrameExamples& block : blocks)
+        ASSERT_NO_FATAL_FAILURE(play(block));
+    EXPECT_EQ(daemon.error().find("ACK"), std::string::npos) << daemon.error();
 }
 
 } // namespace

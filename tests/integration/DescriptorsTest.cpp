@@ -19,13 +19,13 @@ protected:
 };
 
 TEST_F(DescriptorsTest, OfAnIdleDaemonAreNotInherited) {
-    EXPECT_THAT(openDescriptors(daemon.pid()), testing::ElementsAre(0, 1, 2, 3));
+    EXPECT_THAT(openDescriptors(daemon.pid()), testing::ElementsAre(0, 1, 2, 3, 4));
     EXPECT_THAT(inheritable(), IsEmpty());
 }
 
 TEST_F(DescriptorsTest, OfConnectionsAreNotInherited) {
     const std::vector<Connection> stations = acceptedStations(10);
-    EXPECT_EQ(openDescriptors(daemon.pid()).size(), 14U);
+    EXPECT_EQ(openDescriptors(daemon.pid()).size(), 15U);
     EXPECT_THAT(inheritable(), IsEmpty());
 }
 
@@ -37,7 +37,7 @@ TEST_F(DescriptorsTest, OfARunningCommandAreNotInherited) {
     Connection waiting;
     waiting.send(request("exec command 60 \"echo waited\""));
     waiting.waitUntilTaken();
-    EXPECT_GT(openDescriptors(daemon.pid()).size(), 6U);
+    EXPECT_GT(openDescriptors(daemon.pid()).size(), 7U);
     EXPECT_THAT(inheritable(), IsEmpty());
     writeFile("/tmp/go", "");
     expectExchange(busy, "", answer("exec base64(" + base64("done\n") + ")"));

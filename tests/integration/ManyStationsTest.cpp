@@ -17,12 +17,12 @@ namespace {
 constexpr std::size_t kStations = 64;
 constexpr std::size_t kRequestsEach = 1000;
 constexpr std::size_t kManyConnections = 1000;
-constexpr rlim_t kOwnDescriptors = 100;
+constexpr rlim_t kTestDescriptors = 100;
 
 void allowConnections(std::size_t count) {
     rlimit limit{};
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-    limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, count + kOwnDescriptors);
+    limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, count + kTestDescriptors);
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0) << "the hard limit is " << limit.rlim_max;
 }
 
@@ -79,7 +79,7 @@ TEST_F(ManyStationsTest, AThousandOpenedAtOnceAreAllServed) {
         stations[number].send(request("s" + std::to_string(number)));
     for (std::size_t number = 0; number < stations.size(); ++number)
         expectExchange(stations[number], "", unknown("s" + std::to_string(number)));
-    EXPECT_EQ(openDescriptors(daemon.pid()).size(), kManyConnections + 4);
+    EXPECT_EQ(openDescriptors(daemon.pid()).size(), kManyConnections + kOwnDescriptors);
     for (Connection& station : stations)
         expectNothingMore(station);
 }
@@ -107,7 +107,7 @@ TEST(MoreStationsThanDescriptors, AreAllServedInTheEnd) {
     const Daemon daemon(start);
     runInThreads(kManyConnections,
                  [](std::size_t number) { askUntilAnswered("s" + std::to_string(number)); });
-    EXPECT_TRUE(eventually([&] { return openDescriptors(daemon.pid()).size() == 4; }));
+    EXPECT_TRUE(eventually([&] { return openDescriptors(daemon.pid()).size() == kOwnDescriptors; }));
     expectHealthy(daemon);
 }
 
@@ -119,7 +119,7 @@ TEST_F(ManyStationsTest, ComeAndGo) {
             expectExchange(station, request(name), unknown(name));
         }
     });
-    EXPECT_TRUE(eventually([this] { return openDescriptors(daemon.pid()).size() == 4; }));
+    EXPECT_TRUE(eventually([this] { return openDescriptors(daemon.pid()).size() == kOwnDescriptors; }));
 }
 
 TEST_F(ManyStationsTest, ShareTheShell) {

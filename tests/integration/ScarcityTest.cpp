@@ -15,8 +15,6 @@ constexpr std::chrono::seconds kObservation{1};
 constexpr std::chrono::milliseconds kLittleProcessorTime{200};
 
 constexpr rlim_t kDescriptorLimit = 20;
-// Standard streams and the listening socket.
-constexpr std::size_t kOwnDescriptors = 4;
 constexpr std::size_t kMostStations = kDescriptorLimit - kOwnDescriptors;
 
 DaemonStart withFewDescriptors() {

@@ -59,7 +59,7 @@ TEST(Start, WorksWithoutStandardStreams) {
         DaemonStart start;
         start.closed = row.streams;
         const Daemon daemon(start);
-        EXPECT_THAT(openDescriptors(daemon.pid()), testing::ElementsAre(0, 1, 2, 3));
+        EXPECT_THAT(openDescriptors(daemon.pid()), testing::ElementsAre(0, 1, 2, 3, 4));
         Connection station;
         // Its noise goes to standard output, whatever that is; never to a connection.
         expectExchange(station, "\x02status 02 ...\x03\n",

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 
@@ -54,6 +55,13 @@ void closeAllBut(std::optional<int> leftOpen) {
     ::fcntl(*leftOpen, F_SETFD, 0);
 }
 
+void chooseSupplier(const std::optional<std::string>& supplier) {
+    if (supplier)
+        ::setenv("FIRST_TIER_SUPPLIER", supplier->c_str(), 1);
+    else
+        ::unsetenv("FIRST_TIER_SUPPLIER");
+}
+
 bool applyLimits(const std::vector<DaemonStart::Limit>& limits) {
     return std::all_of(limits.begin(), limits.end(), [](const DaemonStart::Limit& limit) {
         rlimit both{};
@@ -72,6 +80,7 @@ bool applyLimits(const std::vector<DaemonStart::Limit>& limits) {
     closeAllBut(start.leftOpen);
     for (const int stream : start.closed)
         System::Descriptor(stream).reset();
+    chooseSupplier(start.supplier);
     if (streams && applyLimits(start.limits) && enforce(start.refusals))
         ::execlp("production", "production", static_cast<char*>(nullptr));
     ::_exit(kCannotStart);
@@ -81,6 +90,8 @@ bool applyLimits(const std::vector<DaemonStart::Limit>& limits) {
 
 Daemon::Daemon(const DaemonStart& start)
     : m_outputFile(makeStreamFile()), m_errorFile(makeStreamFile()) {
+    if (!start.stationLine)
+        ::unlink(kStationLine);
     m_pid = ::fork();
     if (m_pid < 0)
         throw std::runtime_error(std::string("fork: ") + std::strerror(errno));

@@ -21,6 +21,8 @@ struct DaemonStart {
     std::optional<int> standardOutput; ///< in place of the file that `Daemon::output` reads
     std::optional<int> leftOpen;       ///< a descriptor that the starting program forgot to close
     std::vector<KernelRefusal> refusals;
+    bool stationLine = false;            ///< else the unit has no adapter plugged in
+    std::optional<std::string> supplier; ///< FIRST_TIER_SUPPLIER; not set by default
     bool waitForPort = true;
 };
 
@@ -59,6 +61,10 @@ private:
     pid_t m_pid = -1;
     bool m_collected = false;
 };
+
+/// Descriptors of a daemon without stations: the standard streams, the watch for the serial adapter, and
+/// the listening socket.
+constexpr std::size_t kOwnDescriptors = 5;
 
 bool isListening();
 

@@ -26,6 +26,11 @@ std::vector<std::string> namesIn(const std::string& folder) {
     return names;
 }
 
+std::string targetOf(pid_t pid, const std::string& descriptor) {
+    std::error_code error;
+    return fs::read_symlink(folderOf(pid) + "fd/" + descriptor, error).string();
+}
+
 /// The number behind "label:", if there is one.
 std::optional<long> field(const std::string& file, const std::string& label, int base = 10) {
     const std::string content = contentOf(file);
@@ -66,9 +71,7 @@ std::vector<std::string> inheritableDescriptors(pid_t pid) {
         const long flags = field(information, "flags", 8).value_or(kCloseOnExec);
         if (descriptor <= STDERR_FILENO || (flags & kCloseOnExec) != 0)
             continue;
-        std::error_code error;
-        found.push_back(number + " -> " +
-                        fs::read_symlink(folderOf(pid) + "fd/" + number, error).string());
+        found.push_back(number + " -> " + targetOf(pid, number));
     }
     return found;
 }

@@ -9,12 +9,13 @@ constexpr char kSerialNumberFile[] = "/dev/nvsku/serial_num";
 constexpr char kImageVersionFile[] = "/mnt/app/img_ver.txt";
 constexpr char kApplicationVersionFile[] = "/mnt/app/version_info.txt";
 constexpr char kSystemVersionFile[] = "/ifs/version_info.txt";
+constexpr char kStationLine[] = "/dev/usbserialadapter1";
 constexpr char kCaptureFile[] = "/tmp/resp.txt";
 
 /// Replaces the file's content, or makes the file. Throws std::runtime_error.
 void writeFile(const std::string& path, const std::string& content);
 
-/// Empty when there is no such file.
+/// Empty when there is no such file, or there no longer is while it is read.
 std::string contentOf(const std::string& path);
 
 /// Links are not followed.

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "devices/CommInterface.h"
+#include "runtime/Mutex.h"
+
+/// The unit's serial lines: four numbered channels, each with a device node and, once they have been
+/// switched on, a driver. Start-up sets the interfaces up before any other thread uses a channel;
+/// afterwards the table does not change.
+class Comm {
+public:
+    enum PhysicalInterface : unsigned {
+        NoInterface = 0,
+        FileInterface = 1,  ///< `CommSerial`
+        StreamInterface = 2 ///< `CommFSerial`
+    };
+    enum Interface : unsigned { Off = 0, On = 1 };
+
+    class Handle;
+
+    static Comm* getInstance();
+
+    Comm();
+    Comm(const Comm&) = delete;
+    Comm& operator=(const Comm&) = delete;
+    virtual ~Comm();
+
+    /// Chooses a channel's kind of driver, for the next time the drivers are switched on.
+    DeviceResult setInterfaceTyp(unsigned channel, PhysicalInterface type);
+
+    /// Switches the drivers of all channels on (`On`) or off (any other value). Switching off does not
+    /// close devices: their users do that before.
+    DeviceResult setInterface(Interface interface);
+
+    /// The channel's handle, which lives as long as the manager. `*handle` is set on success only.
+    DeviceResult device(Handle** handle, unsigned channel);
+
+private:
+    std::vector<std::unique_ptr<Handle>> m_channels;
+    Interface m_interface = Off;
+
+    static System::Mutex s_singleton_mutex;
+};
+
+/// The one manager of the process.
+Comm* comm();
+
+/// One serial channel. Any thread: each access to the device holds the channel's mutex, which a read
+/// gives up while it waits, so that a pending read holds up no writer.
+class Comm::Handle : public CommInterface {
+public:
+    Handle(const char* path, PhysicalInterface type);
+    virtual ~Handle();
+
+    DeviceResult isOpen(bool& open) override;
+    /// Refuses: a channel's device is fixed.
+    DeviceResult open(const std::string& path, unsigned baud, unsigned dataBits, unsigned stopBits,
+                      Parity parity) override;
+    DeviceResult close() override;
+    /// A failure is reported on standard error too.
+    DeviceResult read(unsigned& count, void* buffer, int length, unsigned timeoutMs) override;
+    /// The same; `mutex` is ignored, the channel has its own.
+    DeviceResult read_locked(unsigned& count, void* buffer, int length, unsigned timeoutMs,
+                             System::Mutex* mutex) override;
+    DeviceResult write(const void* buffer, int length) override;
+    /// Neither checked nor locked: only for a channel that is known to have a driver.
+    DeviceResult flush() override;
+    /// Opens the channel's device. A failure is reported on standard error too.
+    virtual DeviceResult open(unsigned baud, unsigned dataBits, unsigned stopBits, Parity parity);
+    /// The same; the last argument is ignored.
+    virtual DeviceResult open(unsigned baud, unsigned dataBits, unsigned stopBits, Parity parity, int);
+
+    /// Reads as a stream does: waits without limit for what the next arrival brings. Like `read` with
+    /// time-out 0, but reports nothing, for a caller to whom the end of the line is no news.
+    DeviceResult receive(unsigned& count, void* buffer, int length);
+
+    const std::string& devicePath() const { return m_path; }
+
+private:
+    friend class Comm;
+
+    struct ReleaseDriver {
+        void operator()(CommInterface* driver) const;
+    };
+    using Driver = std::unique_ptr<CommInterface, ReleaseDriver>;
+
+    System::Mutex m_mutex;
+    PhysicalInterface m_type;
+    Driver m_driver;
+    std::string m_path;
+};

@@ -1,0 +1,288 @@
+#include "frontends/Listener.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <stdexcept>
+
+#include "commands/ErrorCmd.h"
+#include "commands/sReadCmd.h"
+#include "core/Diagnostics.h"
+#include "core/Handler.h"
+#include "core/StringFormat.h"
+#include "frontends/StationLine.h"
+
+namespace {
+
+constexpr unsigned kLengthTimeoutMs = 1000;
+constexpr unsigned kBodyTimeoutMs = 500;
+constexpr unsigned kAcknowledgeTimeoutMs = 500;
+constexpr unsigned char kShortestRequest = 2;
+constexpr unsigned char kAcknowledgement[] = {0x02, 0x06};
+
+constexpr char kThreadLoopError[] = "Error in Listener thead loop";
+constexpr char kException[] = "~ ### ~ Exception: ID: 0x";
+constexpr char kDescription[] = " DESC: ";
+constexpr char kBadLength[] = "Commandlen of %d not allowed";
+constexpr char kEmptyResponse[] = "WARNING: Reponse size is 0";
+constexpr char kNoAcknowledgement[] = "NO ACK message received from the client (not critical)";
+constexpr char kInvalidCount[] = "Received Data invalid: ";
+constexpr char kNotAnAcknowledgement[] = "Received not an Ack-Message";
+
+// What may well be sent long after its command started.
+constexpr char kDebugFrames[] = "d";
+constexpr char kAcknowledgements[] = "0x06";
+
+// Held for every dispatch and for the exchange of the startup status.
+System::Mutex l_mutex(System::Mutex::Normal);
+
+void printLinkException(unsigned channel, const DeviceResult& result) {
+    printDiagnostic(string_format("%d%s%X%s%s", channel, kException, result.code, kDescription,
+                                  result.message.c_str()));
+}
+
+void printLoopError(unsigned channel, const DeviceResult& result) {
+    printDiagnostic(kThreadLoopError);
+    printLinkException(channel, result);
+}
+
+void printSendException(const DeviceResult& result) {
+    printDiagnostic(
+        string_format("%s%d%s%s", kException, result.code, kDescription, result.message.c_str()));
+}
+
+DeviceResult asResult(const std::exception& exception) {
+    return {static_cast<std::int32_t>(ProcessResponse::kGenericError), exception.what()};
+}
+
+} // namespace
+
+std::vector<unsigned char> Listener::command(sizeof kAcknowledgement);
+std::atomic<bool> Listener::errsend{false};
+
+Listener::Listener(int channel) : m_channel(static_cast<unsigned>(channel)) {}
+
+void Listener::asyncSend(std::string&) {}
+
+void Listener::asyncSend(std::vector<unsigned char>& frame) {
+    send(frame, false);
+}
+
+void Listener::threadLoop(System::Thread*) {
+    setState(Started, false);
+    notifyStartCommand();
+    setState(Running, false);
+    while (getState() < Stopping) {
+        m_clock.reset();
+        unsigned char length = 0;
+        if (!waitForLength(length) || getState() > Connected)
+            break;
+        notifyStartCommand();
+        if (!serve(length))
+            break;
+    }
+    setState(Dead, false);
+}
+
+/// False when the channel is unusable or a stop was requested.
+bool Listener::waitForLength(unsigned char& length) {
+    while (getState() < Stopping) {
+        try {
+            const Wait outcome = waitOnce(length);
+            if (outcome != Wait::TryAgain)
+                return outcome == Wait::LengthArrived;
+        } catch (const std::exception& exception) {
+            printLinkException(m_channel, asResult(exception));
+            m_pause.wait();
+        }
+    }
+    return false;
+}
+
+Listener::Wait Listener::waitOnce(unsigned char& length) {
+    Comm::Handle* port = nullptr;
+    if (const DeviceResult result = comm()->device(&port, m_channel); result.failed()) {
+        printLoopError(m_channel, result);
+        return Wait::Unusable;
+    }
+    if (!m_device.waitFor(port->devicePath().c_str(), StationLine::kDeviceWait))
+        return Wait::TryAgain;
+    bool open = false;
+    if (const DeviceResult result = port->isOpen(open); result.failed()) {
+        printLoopError(m_channel, result);
+        return Wait::Unusable;
+    }
+    if (!open)
+        announce(*port);
+    unsigned count = 0;
+    if (const DeviceResult result = port->read(count, &length, 1, kLengthTimeoutMs); result.failed()) {
+        printLoopError(m_channel, result);
+        port->close();
+        m_pause.wait();
+        return Wait::TryAgain;
+    }
+    if (count == 0)
+        return Wait::TryAgain;
+    m_pause.reset();
+    return Wait::LengthArrived;
+}
+
+void Listener::announce(Comm::Handle& port) {
+    const System::Lock lock(l_mutex);
+    std::unique_ptr<ProcessResponse> response;
+    // The status command may just be answering somebody else: its turn has to be waited for.
+    Handler::getInstance()->runExclusively([this, &response] {
+        sReadCmd* status = sReadCmd::getInstance();
+        status->setListener(this);
+        response.reset(status->tavrin_getStartupStatus());
+        status->setListener(nullptr);
+    });
+    if (send(static_cast<ProcessResponseTavrin&>(*response).data, true) == 0)
+        port.close();
+    else
+        setState(Connected, false);
+}
+
+/// Serves one request. False when the channel is unusable.
+bool Listener::serve(unsigned char length) {
+    std::vector<unsigned char> response;
+    try {
+        if (length < kShortestRequest) {
+            response = refuseLength(length);
+        } else {
+            std::vector<unsigned char> frame(length, 0);
+            frame.front() = length;
+            if (!readBody(frame))
+                return true;
+            response = runRequest(frame);
+        }
+    } catch (const std::exception& exception) {
+        printLinkException(m_channel, asResult(exception));
+        return true;
+    }
+    return response.empty() || answer(response);
+}
+
+/// False when the channel is unusable.
+bool Listener::answer(std::vector<unsigned char>& response) {
+    if (send(response, true) != 0)
+        return true;
+    Comm::Handle* port = nullptr;
+    if (const DeviceResult result = comm()->device(&port, m_channel); result.failed()) {
+        printLoopError(m_channel, result);
+        return false;
+    }
+    port->close();
+    return true;
+}
+
+std::vector<unsigned char> Listener::refuseLength(unsigned char length) {
+    const std::string text = string_format(kBadLength, length);
+    std::vector<unsigned char> frame;
+    if (length != 0)
+        frame.push_back(length);
+    const System::Lock lock(l_mutex);
+    std::vector<unsigned char> answer;
+    Handler::getInstance()->runExclusively([&] {
+        ErrorCmd* error = ErrorCmd::getInstance();
+        error->setListener(this);
+        ProcessResponse* response = error->generateGenericTavrinError(&frame, text);
+        answer = static_cast<ProcessResponseTavrin*>(response)->data;
+        try {
+            answer = error->tavrin_exec(&frame, response);
+        } catch (const std::out_of_range&) {
+            // A frame without its three echoed bytes cannot be answered as usual; the station gets what
+            // the error command made of it.
+        }
+        error->setListener(nullptr);
+    });
+    return answer;
+}
+
+/// Fills in what follows the length byte; what does not come in time stays zero. False when there is
+/// nothing to run.
+bool Listener::readBody(std::vector<unsigned char>& frame) {
+    Comm::Handle* port = nullptr;
+    DeviceResult result = comm()->device(&port, m_channel);
+    unsigned count = 0;
+    if (!result.failed())
+        result = port->read(count, frame.data() + 1, static_cast<int>(frame.size()) - 1, kBodyTimeoutMs);
+    if (result.failed()) {
+        printLinkException(m_channel, result);
+        if (port != nullptr)
+            port->close();
+        return false;
+    }
+    if (count == 0)
+        port->flush();
+    return count != 0;
+}
+
+std::vector<unsigned char> Listener::runRequest(std::vector<unsigned char>& frame) {
+    const System::Lock lock(l_mutex);
+    return Handler::getInstance()->handleCommand(&frame, this);
+}
+
+int Listener::send(std::vector<unsigned char>& frame, bool waitAck) {
+    const LState state = getState();
+    if (state != Running && state != Connected)
+        return 0;
+    Comm::Handle* port = nullptr;
+    if (const DeviceResult result = comm()->device(&port, m_channel); result.failed()) {
+        printSendException(result);
+        errsend = true;
+        return 0;
+    }
+    bool open = false;
+    if (isToBeHandled(port->isOpen(open)))
+        return 0;
+    if (!open && isToBeHandled(port->open(StationLine::kBaud, StationLine::kDataBits,
+                                          StationLine::kStopBits, StationLine::kParity)))
+        return 0;
+    if (frame.empty()) {
+        printDiagnostic(kEmptyResponse);
+        return 0;
+    }
+    const auto length = static_cast<int>(std::min<std::size_t>(frame.front(), frame.size()));
+    if (isToBeHandled(port->write(frame.data(), length)))
+        return 0;
+    notifyInterruptCommand(&frame);
+    return waitAck ? readAcknowledgement(*port) : 1;
+}
+
+int Listener::readAcknowledgement(Comm::Handle& port) {
+    unsigned count = 0;
+    if (isToBeHandled(port.read(count, command.data(), sizeof kAcknowledgement, kAcknowledgeTimeoutMs)))
+        return 0;
+    if (count == 0) {
+        printDiagnostic(kNoAcknowledgement);
+        return -1;
+    }
+    m_pause.reset();
+    if (count != sizeof kAcknowledgement) {
+        printDiagnostic(string_format("%s%u", kInvalidCount, count));
+        return -1;
+    }
+    if (!std::equal(command.begin(), command.end(), std::begin(kAcknowledgement))) {
+        printDiagnostic(kNotAnAcknowledgement);
+        return -1;
+    }
+    return 1;
+}
+
+/// A channel error while sending is reported and acted on once in the life of the process: the loop's
+/// own reading notices a line that has gone, and says so.
+bool Listener::isToBeHandled(const DeviceResult& result) {
+    if (!result.failed() || errsend.exchange(true))
+        return false;
+    printSendException(result);
+    return true;
+}
+
+void Listener::notifyInterruptCommand(const std::vector<unsigned char>* frame) {
+    std::string name = "?";
+    if (frame != nullptr && frame->size() >= kShortestRequest)
+        name = Handler::getInstance()->getHandlerName((*frame)[1]);
+    if (name != kDebugFrames && name != kAcknowledgements)
+        m_clock.warnIfLong(name.c_str());
+}
