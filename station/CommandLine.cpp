@@ -29,8 +29,24 @@ Where to and how:
   station --json status
   STATION_TARGET=tcp:127.0.0.1:15052 STATION_TIMEOUT=5 station status
 
-The answer goes to standard output, Info lines and errors to standard error; with --json everything is
-in one object on standard output.
+Serial line, 115200 baud, binary frames unless told otherwise:
+  station --target serial:/dev/ttyUSB0 status
+  station --target serial:/dev/ttyUSB0 exec command 5 "ls /dev"
+  station --target serial:/dev/ttyUSB0 ack
+  station --target serial:/dev/ttyUSB0 --wait-startup status
+  station --target serial:/dev/ttyUSB0 raw "hex(03 73 01)"
+  station --target serial:/dev/ttyUSB0 --protocol ascii status 03
+  STATION_TARGET=serial:/dev/ttyUSB0 STATION_PROTOCOL=ascii station status
+status, status 01, status 02, exec command and ack have a binary form. raw sends any bytes as they are and
+prints the frames that come back until nothing comes for 200 ms after an answer; the last answer's code
+counts. The result of exec and status 01 is printed as text when it is printable, as hex(...) when not; a
+frame holds its first 246 bytes. A unit that opens its port announces itself: "startup status ...". Within
+500 ms of that, a request that comes before the announcement is acknowledged can be lost; --wait-startup
+waits for the announcement first. ack is never answered on this line: it succeeds after 200 ms, in which
+debug texts are still shown.
+
+The answer goes to standard output, Info lines, debug texts and errors to standard error; with --json
+everything is in one object on standard output.
 
 Exit code:
   0 success            3 cannot connect    5 refused by the unit
@@ -40,7 +56,8 @@ class HelpFormatter : public CLI::Formatter {
 public:
     // The command's name and arguments are no options of the parser, which would leave them out.
     std::string make_usage(const CLI::App*, std::string) const override {
-        return "Usage: station [--target tcp:HOST:PORT] [--timeout SECONDS] [--json] NAME [ARG...]\n";
+        return "Usage: station [--target TARGET] [--protocol binary|ascii] [--timeout SECONDS]\n"
+               "               [--wait-startup] [--json] NAME [ARG...]\n";
     }
 };
 
@@ -57,14 +74,20 @@ std::optional<ExitCode> CommandLine::parse(int argc, const char* const* argv) {
     app.footer(kFooter);
     app.set_version_flag("--version", "station " STATION_VERSION);
     app.add_option("--target", target, "Where the unit is reached")
-        ->type_name("tcp:HOST:PORT")
+        ->type_name("tcp:HOST:PORT|serial:PATH")
         ->envname("STATION_TARGET")
         ->capture_default_str();
+    app.add_option("--protocol", protocol,
+                   "Form of the commands; default binary over serial, ascii over tcp")
+        ->type_name("binary|ascii")
+        ->envname("STATION_PROTOCOL");
     app.add_option("--timeout", timeout, "Time for connection and answer together")
         ->type_name("SECONDS")
         ->envname("STATION_TIMEOUT")
         ->capture_default_str();
-    app.add_flag("--json", json, "Print one JSON object: name, answer, info, code, milliseconds");
+    app.add_flag("--wait-startup", waitStartup, "Wait for the unit to announce itself first (binary)");
+    app.add_flag("--json", json,
+                 "Print one JSON object: name, answer, info, code, milliseconds; binary: payload");
     app.prefix_command();
 
     try {

@@ -8,10 +8,13 @@
 
 namespace station {
 
-/// What the program was asked to do, as it was written: target and time-out are not checked yet.
+/// What the program was asked to do, as it was written: target, protocol and time-out are not checked
+/// yet.
 struct CommandLine {
     std::string target = "tcp:127.0.0.1:15051";
+    std::string protocol; ///< empty for the target's own
     std::string timeout = "30";
+    bool waitStartup = false;
     bool json = false;
     std::string name;
     std::vector<std::string> arguments;

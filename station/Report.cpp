@@ -4,6 +4,8 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "client/Hex.h"
+
 namespace station {
 
 namespace {
@@ -14,11 +16,13 @@ public:
         std::cerr << "Info \"" << message << "\"" << std::endl;
     }
 
+    void frame(const std::string& hexText) override { std::cout << hexText << std::endl; }
+
     void answered(const Answer& answer, double) override {
         if (answer.isRefusal())
             std::cerr << "station: refused: " << answer.text << '\n';
         else if (!answer.text.empty())
-            std::cout << answer.text << '\n';
+            std::cout << answer.text << (answer.text.back() == '\n' ? "" : "\n");
     }
 
     void failed(const Failure& failure, double) override {
@@ -39,8 +43,16 @@ public:
 
     void info(const std::string& message) override { m_object["info"].push_back(message); }
 
+    void frame(const std::string& hexText) override {
+        m_frames += (m_frames.empty() ? "" : "\n") + hexText;
+        m_object["answer"] = m_frames;
+    }
+
     void answered(const Answer& answer, double milliseconds) override {
-        m_object["answer"] = answer.text;
+        if (m_frames.empty())
+            m_object["answer"] = answer.text;
+        if (answer.payload)
+            m_object["payload"] = hexDigits(*answer.payload);
         m_object["code"] = answer.code;
         print(milliseconds);
     }
@@ -58,6 +70,7 @@ private:
     }
 
     nlohmann::ordered_json m_object;
+    std::string m_frames;
 };
 
 } // namespace

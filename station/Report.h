@@ -9,14 +9,18 @@
 
 namespace station {
 
-/// Tells the caller of the program how a command went: any number of `info` calls, then exactly one
-/// `answered` or `failed`. Times are milliseconds from the start of the connection.
+/// Tells the caller of the program how a command went: any number of `info` and `frame` calls, then
+/// exactly one `answered` or `failed`. Times are milliseconds from the start of the connection.
 class Report {
 public:
     virtual ~Report() = default;
 
-    /// The message of an Info line.
+    /// The message of an Info line or a debug frame, or a note of our own.
     virtual void info(const std::string& message) = 0;
+
+    /// One frame that came back for raw bytes; these frames are the answer.
+    virtual void frame(const std::string& hexText) = 0;
+
     virtual void answered(const Answer& answer, double milliseconds) = 0;
     virtual void failed(const Failure& failure, double milliseconds) = 0;
 };

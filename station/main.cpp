@@ -3,9 +3,8 @@
 #include <iostream>
 
 #include "CommandLine.h"
+#include "Exchange.h"
 #include "Report.h"
-#include "client/Client.h"
-#include "client/TcpLink.h"
 
 namespace station {
 namespace {
@@ -24,14 +23,7 @@ private:
 ExitCode execute(const CommandLine& line, Report& report) {
     const Stopwatch stopwatch;
     try {
-        const Target target = Target::parse(line.target);
-        const Seconds timeout = parseTimeout(line.timeout);
-        const Request request(line.name, line.arguments);
-
-        const Deadline deadline = Deadline::after(timeout);
-        TcpLink link = TcpLink::connect(target, deadline);
-        const Answer answer = Client(link).execute(
-            request, deadline, [&report](const std::string& message) { report.info(message); });
+        const Answer answer = exchange(line, report);
         report.answered(answer, stopwatch.milliseconds());
         return exitCode(answer);
     } catch (const Failure& failure) {

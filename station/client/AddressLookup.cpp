@@ -18,7 +18,7 @@ struct Found {
     int systemError = 0;
 };
 
-Found find(const Target& target, int flags) {
+Found find(const TcpTarget& target, int flags) {
     addrinfo wanted = {};
     wanted.ai_family = AF_UNSPEC;
     wanted.ai_socktype = SOCK_STREAM;
@@ -31,7 +31,7 @@ Found find(const Target& target, int flags) {
 }
 
 /// getaddrinfo() knows no deadline: it runs on a thread of its own, which is left alone when it is late.
-Found findName(const Target& target, const Deadline& deadline) {
+Found findName(const TcpTarget& target, const Deadline& deadline) {
     std::packaged_task<Found()> task([target] { return find(target, 0); });
     std::future<Found> found = task.get_future();
     std::thread(std::move(task)).detach();
@@ -48,7 +48,7 @@ std::string reason(const Found& found) {
 
 } // namespace
 
-AddressList lookUp(const Target& target, const Deadline& deadline) {
+AddressList lookUp(const TcpTarget& target, const Deadline& deadline) {
     Found found = find(target, AI_NUMERICHOST);
     if (found.result == EAI_NONAME)
         found = findName(target, deadline);

@@ -1,6 +1,8 @@
 #include "client/Answer.h"
 
+#include <array>
 #include <charconv>
+#include <cstdio>
 
 #include "client/Failure.h"
 
@@ -9,6 +11,7 @@ namespace station {
 namespace {
 
 constexpr std::string_view kInfoOpening = "Info \"";
+constexpr std::string_view kGreetingOpening = "Info ";
 constexpr std::string_view kInfoEnding = "\"";
 constexpr std::string_view kRefusalOpening = "Error 0x";
 
@@ -50,6 +53,21 @@ std::optional<std::string> infoMessage(std::string_view line) {
         return std::nullopt;
     return std::string(
         line.substr(kInfoOpening.size(), line.size() - kInfoOpening.size() - kInfoEnding.size()));
+}
+
+std::optional<std::string> greeting(std::string_view line) {
+    const bool isGreeting =
+        beginsWith(line, kGreetingOpening) && line.find(kInfoEnding) == std::string_view::npos;
+    if (!isGreeting)
+        return std::nullopt;
+    return std::string(line.substr(kGreetingOpening.size()));
+}
+
+std::string refusalText(std::uint32_t code) {
+    constexpr std::size_t kLongestCode = sizeof "FFFFFFFF";
+    std::array<char, kLongestCode> digits = {};
+    std::snprintf(digits.data(), digits.size(), "%X", code);
+    return std::string(kRefusalOpening) + digits.data();
 }
 
 Answer parseAnswer(std::string_view name, std::string_view line) {

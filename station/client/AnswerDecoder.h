@@ -28,6 +28,9 @@ public:
     /// limit (bytes); there is no way back from that, and every later call throws as well.
     std::optional<std::string> next();
 
+    /// True when bytes are left that `next()` has not made a text of.
+    bool isMidLine() const { return m_start < m_bytes.size(); }
+
 private:
     void checkOpening() const;
     void checkLength(std::size_t textLength) const;

@@ -1,30 +1,75 @@
 #include "client/Client.h"
 
 #include "client/Failure.h"
+#include "client/QuietTime.h"
 
 namespace station {
 
-Answer Client::execute(const Request& request, const Deadline& deadline, const InfoSink& onInfo) {
-    m_link.send(request.bytes(), deadline);
-    for (;;) {
-        const std::string line = nextLine(deadline);
-        const auto message = infoMessage(line);
-        if (!message)
-            return parseAnswer(request.name(), line);
-        onInfo(*message);
-    }
+namespace {
+
+constexpr char kSilentCommand[] = "ack";
+
+std::optional<std::string> messageOf(const std::string& line) {
+    if (auto message = infoMessage(line))
+        return message;
+    return greeting(line);
 }
 
-std::string Client::nextLine(const Deadline& deadline) {
+} // namespace
+
+Answer Client::execute(const Request& request, const Deadline& deadline, const InfoSink& onInfo) {
+    m_link.send(request.bytes(), deadline);
+    const bool staysSilent = m_emptyAnswer == EmptyAnswer::NotSent && request.name() == kSilentCommand;
+    const Deadline end =
+        staysSilent ? Deadline::earlier(Deadline::after(kQuietTime), deadline) : deadline;
+    while (const auto line = nextLine(end)) {
+        const auto message = messageOf(*line);
+        if (!message)
+            return parseAnswer(request.name(), *line);
+        onInfo(*message);
+    }
+    if (!staysSilent)
+        failWithoutAnswer();
+    return Answer{};
+}
+
+void Client::takeArrived(const Deadline& deadline, const InfoSink& onInfo) {
+    bool isClean = true;
+    // What has just arrived may be the first part of more.
+    for (Seconds wait{0}; !deadline.expired() && receiveMore(Deadline::after(wait)); wait = kGap)
+        isClean = takeDecoded(onInfo) && isClean;
+    if (!isClean || m_decoder.isMidLine())
+        onInfo("station: dropped what had arrived before the command and is no complete line");
+    m_decoder = AnswerDecoder();
+}
+
+/// False when there was something that is no line; it is dropped.
+bool Client::takeDecoded(const InfoSink& onInfo) try {
+    while (const auto line = m_decoder.next())
+        onInfo(messageOf(*line).value_or("station: dropped an answer to an earlier command: " + *line));
+    return true;
+} catch (const Failure&) {
+    m_decoder = AnswerDecoder();
+    return false;
+}
+
+bool Client::receiveMore(const Deadline& moment) {
+    const auto bytes = m_link.receiveBy(moment);
+    if (!bytes)
+        return false;
+    if (bytes->empty())
+        throw Failure(Failure::Kind::ConnectionLost,
+                      "malformed answer: the unit closed the connection before the answer was complete");
+    m_decoder.feed(*bytes);
+    return true;
+}
+
+std::optional<std::string> Client::nextLine(const Deadline& moment) {
     for (;;) {
         if (auto line = m_decoder.next())
-            return *std::move(line);
-        const std::string bytes = m_link.receive(deadline);
-        if (bytes.empty())
-            throw Failure(
-                Failure::Kind::ConnectionLost,
-                "malformed answer: the unit closed the connection before the answer was complete");
-        m_decoder.feed(bytes);
+            return line;
+        if (moment.expired() || !receiveMore(moment))
+            return std::nullopt;
     }
 }
 

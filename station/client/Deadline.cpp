@@ -30,6 +30,10 @@ Deadline Deadline::after(Seconds timeout) {
     return Deadline(Clock::now() + std::chrono::duration_cast<Clock::duration>(bounded));
 }
 
+Deadline Deadline::earlier(const Deadline& one, const Deadline& other) {
+    return Deadline(std::min(one.m_time, other.m_time));
+}
+
 int Deadline::pollMilliseconds() const {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_time - Clock::now()).count();
     constexpr decltype(left) kLongest = std::numeric_limits<int>::max();

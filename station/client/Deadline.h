@@ -18,6 +18,7 @@ public:
     using Clock = std::chrono::steady_clock;
 
     static Deadline after(Seconds timeout);
+    static Deadline earlier(const Deadline& one, const Deadline& other);
 
     Clock::time_point time() const { return m_time; }
     bool expired() const { return Clock::now() >= m_time; }

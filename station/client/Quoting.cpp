@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <vector>
 
 #include "client/Failure.h"
+#include "platform/Base64.h"
 
 namespace station {
 
@@ -98,7 +100,47 @@ void checkQuotable(std::string_view argument) {
            ", which cannot be quoted; send its bytes as base64(...)");
 }
 
+unsigned valueOf(char hexDigit) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    constexpr char kToLower = 0x20; // leaves a decimal digit as it is
+    return static_cast<unsigned>(kDigits.find(static_cast<char>(hexDigit | kToLower)));
+}
+
+std::string decodeHex(std::string_view argument) {
+    checkHex(argument);
+    std::string digits(encodedBytes(argument, kHexOpening));
+    digits.erase(std::remove(digits.begin(), digits.end(), ' '), digits.end());
+    if (digits.size() % 2 != 0)
+        refuse("argument " + quotedForMessage(argument) + " holds an unpaired hex digit");
+    std::string bytes;
+    for (std::size_t i = 0; i < digits.size(); i += 2)
+        bytes += static_cast<char>(valueOf(digits[i]) << 4 | valueOf(digits[i + 1]));
+    return bytes;
+}
+
+std::string decodeBase64(std::string_view argument) {
+    checkBase64(argument);
+    const std::string text(encodedBytes(argument, kBase64Opening));
+    std::vector<unsigned char> bytes(text.size());
+    const int size = System::decodeBase64(text.c_str(), bytes.data(), bytes.size());
+    if (size < 0)
+        refuse("argument " + quotedForMessage(argument) + " is not valid base64");
+    return std::string(bytes.begin(), bytes.begin() + size);
+}
+
 } // namespace
+
+bool isEncodedArgument(std::string_view argument) {
+    return beginsWith(argument, kHexOpening) || beginsWith(argument, kBase64Opening);
+}
+
+std::string argumentBytes(std::string_view argument) {
+    if (beginsWith(argument, kHexOpening))
+        return decodeHex(argument);
+    if (beginsWith(argument, kBase64Opening))
+        return decodeBase64(argument);
+    return std::string(argument);
+}
 
 std::string quoteArgument(std::string_view argument) {
     if (!argument.empty() && consistsOf(argument, isWordCharacter))

@@ -17,4 +17,12 @@ namespace station {
 /// fine.
 std::string quoteArgument(std::string_view argument);
 
+/// True for an argument that gives bytes in one of the two encodings, hex(...) or base64(...).
+bool isEncodedArgument(std::string_view argument);
+
+/// The bytes that an argument stands for where no line has to carry it: those of a `hex(...)` or a
+/// `base64(...)`, and every other argument's own. Throws `Failure` (`InvalidRequest`) for an encoding
+/// that is not what it says, an unpaired hex digit included.
+std::string argumentBytes(std::string_view argument);
+
 } // namespace station

@@ -11,7 +11,8 @@ namespace station {
 
 namespace {
 
-constexpr std::string_view kScheme = "tcp:";
+constexpr std::string_view kTcpScheme = "tcp:";
+constexpr std::string_view kSerialScheme = "serial:";
 
 bool isHostName(std::string_view host) {
     constexpr std::string_view kLetters =
@@ -33,7 +34,7 @@ std::optional<std::uint16_t> parsePort(std::string_view text) {
     return port;
 }
 
-std::optional<Target> parseHostAndPort(std::string_view text) {
+std::optional<TcpTarget> parseHostAndPort(std::string_view text) {
     const std::size_t colon = text.rfind(':');
     if (colon == std::string_view::npos)
         return std::nullopt;
@@ -47,26 +48,38 @@ std::optional<Target> parseHostAndPort(std::string_view text) {
         host = host.substr(1, host.size() - 2);
     if (isBracketed ? !isIpv6Address(host) : !isHostName(host))
         return std::nullopt;
-    return Target{std::string(host), *port};
+    return TcpTarget{std::string(host), *port};
+}
+
+/// What follows the scheme, or nothing for another scheme.
+std::optional<std::string_view> afterScheme(std::string_view text, std::string_view scheme) {
+    if (text.substr(0, scheme.size()) != scheme)
+        return std::nullopt;
+    return text.substr(scheme.size());
 }
 
 } // namespace
 
-Target Target::parse(std::string_view text) {
-    const bool hasScheme = text.substr(0, kScheme.size()) == kScheme;
-    const auto target = hasScheme ? parseHostAndPort(text.substr(kScheme.size())) : std::nullopt;
-    if (!target)
-        throw Failure(Failure::Kind::InvalidRequest,
-                      "invalid target '" + std::string(text) +
-                          "': expected tcp:HOST:PORT, for example tcp:127.0.0.1:15051 or "
-                          "tcp:[::1]:15051");
-    return *target;
+Target parseTarget(std::string_view text) {
+    if (const auto rest = afterScheme(text, kTcpScheme))
+        if (auto target = parseHostAndPort(*rest))
+            return *std::move(target);
+    if (const auto path = afterScheme(text, kSerialScheme); path && !path->empty())
+        return SerialTarget{std::string(*path)};
+    throw Failure(Failure::Kind::InvalidRequest,
+                  "invalid target '" + std::string(text) +
+                      "': expected tcp:HOST:PORT or serial:PATH, for example tcp:127.0.0.1:15051, "
+                      "tcp:[::1]:15051 or serial:/dev/ttyUSB0");
 }
 
-std::string Target::text() const {
+std::string TcpTarget::text() const {
     const bool needsBrackets = host.find(':') != std::string::npos;
     const std::string shownHost = needsBrackets ? "[" + host + "]" : host;
-    return std::string(kScheme) + shownHost + ":" + std::to_string(port);
+    return std::string(kTcpScheme) + shownHost + ":" + std::to_string(port);
+}
+
+std::string SerialTarget::text() const {
+    return std::string(kSerialScheme) + path;
 }
 
 } // namespace station

@@ -12,6 +12,7 @@
 
 #include "client/AddressLookup.h"
 #include "client/Failure.h"
+#include "client/Readiness.h"
 
 namespace station {
 
@@ -23,20 +24,9 @@ std::string describe(int error) {
     return std::system_category().message(error);
 }
 
-/// Waits for `events`, or for an error that the next call on the socket will report.
 void waitFor(int socket, short events, const Deadline& deadline, const std::string& activity) {
-    for (;;) {
-        // Checked first: a peer that never stops sending does not get more time than a silent one.
-        if (deadline.expired())
-            throw Failure(Failure::Kind::TimedOut, "time-out while " + activity);
-        pollfd entry = {socket, events, 0};
-        const int ready = ::poll(&entry, 1, deadline.pollMilliseconds());
-        const int error = errno;
-        if (ready > 0)
-            return;
-        if (ready < 0 && error != EINTR)
-            throw std::system_error(error, std::system_category(), "poll");
-    }
+    if (!waitUntilReady(socket, events, deadline))
+        throw Failure(Failure::Kind::TimedOut, "time-out while " + activity);
 }
 
 /// 0, or the error number that says why this address did not take the connection.
@@ -56,17 +46,13 @@ int connectSocket(int socket, const addrinfo& address, const Deadline& deadline,
     return result;
 }
 
-bool isWorthWaiting(int error) {
-    return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
-}
-
 bool isConnectionEnd(int error) {
     return error == ECONNRESET || error == EPIPE;
 }
 
 } // namespace
 
-TcpLink TcpLink::connect(const Target& target, const Deadline& deadline) {
+TcpLink TcpLink::connect(const TcpTarget& target, const Deadline& deadline) {
     const std::string activity = "connecting to " + target.text();
     const AddressList addresses = lookUp(target, deadline);
     int error = 0;
@@ -101,19 +87,20 @@ void TcpLink::send(std::string_view bytes, const Deadline& deadline) {
     }
 }
 
-std::string TcpLink::receive(const Deadline& deadline) {
+std::optional<std::string> TcpLink::receiveBy(const Deadline& moment) {
     std::array<char, kReceiveSize> buffer;
     for (;;) {
-        waitFor(m_socket.get(), POLLIN, deadline, "waiting for the answer");
         const ssize_t received = ::recv(m_socket.get(), buffer.data(), buffer.size(), 0);
         const int error = errno;
         if (received >= 0)
             return std::string(buffer.data(), static_cast<std::size_t>(received));
         if (isConnectionEnd(error))
-            return {};
+            return std::string();
         if (!isWorthWaiting(error))
             throw Failure(Failure::Kind::ConnectionLost,
                           "the connection was lost while waiting for the answer: " + describe(error));
+        if (!waitUntilReady(m_socket.get(), POLLIN, moment))
+            return std::nullopt;
     }
 }
 

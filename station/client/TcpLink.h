@@ -14,10 +14,10 @@ class TcpLink : public Link {
 public:
     /// Looks the host up and tries its addresses in turn; blocks until one takes the connection. Throws
     /// `Failure`: `CannotConnect` with the last address's reason, or `TimedOut`.
-    static TcpLink connect(const Target& target, const Deadline& deadline);
+    static TcpLink connect(const TcpTarget& target, const Deadline& deadline);
 
     void send(std::string_view bytes, const Deadline& deadline) override;
-    std::string receive(const Deadline& deadline) override;
+    std::optional<std::string> receiveBy(const Deadline& moment) override;
 
 private:
     explicit TcpLink(System::Descriptor socket) : m_socket(std::move(socket)) {}

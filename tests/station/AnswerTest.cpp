@@ -36,6 +36,30 @@ INSTANTIATE_TEST_SUITE_P(Line, AnswerInfo,
                                 InfoLine{"info \"text\"", std::nullopt}, InfoLine{"", std::nullopt},
                                 InfoLine{"status \"text\"", std::nullopt}));
 
+struct GreetingLine {
+    std::string line;
+    std::optional<std::string> text;
+
+    friend void PrintTo(const GreetingLine& row, std::ostream* out) {
+        *out << testing::PrintToString(row.line);
+    }
+};
+
+class AnswerGreeting : public testing::TestWithParam<GreetingLine> {};
+
+TEST_P(AnswerGreeting, Text) {
+    EXPECT_EQ(greeting(GetParam().line), GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(Line, AnswerGreeting,
+                         Values(GreetingLine{"Info Production Test Server (Build 2026/11/21 09:03:24)",
+                                             "Production Test Server (Build 2026/11/21 09:03:24)"},
+                                GreetingLine{"Info ", ""}, GreetingLine{"Info", std::nullopt},
+                                GreetingLine{"Info \"text\"", std::nullopt},
+                                GreetingLine{"Info text\"", std::nullopt},
+                                GreetingLine{"status ok", std::nullopt},
+                                GreetingLine{"", std::nullopt}));
+
 struct FinalLine {
     std::string name;
     std::string line;

@@ -14,16 +14,19 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Brings the given pieces one after the other, then the end of the connection.
+/// Brings the given pieces one after the other, then the end of the connection, or silence when told.
 class ScriptedLink : public Link {
 public:
-    explicit ScriptedLink(std::deque<std::string> pieces) : m_pieces(std::move(pieces)) {}
+    explicit ScriptedLink(std::deque<std::string> pieces, bool staysOpen = false)
+        : m_pieces(std::move(pieces)), m_staysOpen(staysOpen) {}
 
     void send(std::string_view bytes, const Deadline&) override { m_sent += bytes; }
 
-    std::string receive(const Deadline&) override {
+    std::optional<std::string> receiveBy(const Deadline&) override {
+        if (m_pieces.empty() && m_staysOpen)
+            return std::nullopt;
         if (m_pieces.empty())
-            return {};
+            return std::string();
         std::string piece = m_pieces.front();
         m_pieces.pop_front();
         return piece;
@@ -34,11 +37,17 @@ public:
 
 private:
     std::deque<std::string> m_pieces;
+    bool m_staysOpen;
     std::string m_sent;
 };
 
 class ClientTest : public testing::Test {
 protected:
+    void takeArrived(Client& client) {
+        client.takeArrived(Deadline::after(Seconds(30)),
+                           [this](const std::string& message) { m_infos.push_back(message); });
+    }
+
     Answer execute(Client& client, const std::string& name) {
         return client.execute(Request(name, {}), Deadline::after(Seconds(30)),
                               [this](const std::string& message) { m_infos.push_back(message); });
@@ -121,6 +130,67 @@ TEST_F(ClientTest, FailsOnBrokenFramingWithoutWaitingForMore) {
     EXPECT_THAT(failureOf([&] { execute(client, "status"); }),
                 FailsWith(Failure::Kind::MalformedAnswer, "does not begin with STX and '#'"));
     EXPECT_FALSE(link.isUsedUp());
+}
+
+TEST_F(ClientTest, TakesAGreetingForNoAnswer) {
+    ScriptedLink link({framed("Info Production Test Server (Build x)") + framed("status ok")});
+    Client client(link);
+    EXPECT_EQ(execute(client, "status").text, "ok");
+    EXPECT_THAT(m_infos, ElementsAre("Production Test Server (Build x)"));
+}
+
+TEST_F(ClientTest, NeedsNoAnswerToAckWhereEmptyAnswersAreNotSent) {
+    ScriptedLink link({framed("Info \"text\"")}, true);
+    Client client(link, Client::EmptyAnswer::NotSent);
+    EXPECT_FALSE(execute(client, "ack").isRefusal());
+    EXPECT_THAT(m_infos, ElementsAre("text"));
+    EXPECT_THAT(failureOf([&] { execute(client, "status"); }),
+                FailsWith(Failure::Kind::TimedOut, "time-out while waiting for the answer"));
+}
+
+TEST_F(ClientTest, NeedsAnAnswerToAckWhereEmptyAnswersAreSent) {
+    ScriptedLink link({}, true);
+    Client client(link);
+    EXPECT_THAT(failureOf([&] { execute(client, "ack"); }),
+                FailsWith(Failure::Kind::TimedOut, "time-out while waiting for the answer"));
+}
+
+TEST_F(ClientTest, TakesAnAnswerToAckThatComesAllTheSame) {
+    ScriptedLink link({framed("Error Error 0x10")}, true);
+    Client client(link, Client::EmptyAnswer::NotSent);
+    EXPECT_EQ(execute(client, "ack").code, 0x10U);
+}
+
+TEST_F(ClientTest, TakesWhatArrivedBefore) {
+    ScriptedLink link({framed("Info Production Test") + framed("status o"), framed("Info \"text\"")},
+                      true);
+    Client client(link);
+    takeArrived(client);
+    EXPECT_TRUE(link.isUsedUp());
+    EXPECT_THAT(m_infos,
+                ElementsAre("Production Test",
+                            "station: dropped an answer to an earlier command: status o", "text"));
+}
+
+TEST_F(ClientTest, DropsWhatArrivedBeforeAndIsNoLine) {
+    constexpr char kDropped[] =
+        "station: dropped what had arrived before the command and is no complete line";
+    for (const std::string& bytes : {std::string("rest of a line\x03\n"), std::string("\x02#half")}) {
+        m_infos.clear();
+        ScriptedLink link({bytes}, true);
+        Client client(link);
+        takeArrived(client);
+        EXPECT_THAT(m_infos, ElementsAre(kDropped));
+        link = ScriptedLink({framed("status ok")});
+        EXPECT_EQ(execute(client, "status").text, "ok");
+    }
+}
+
+TEST_F(ClientTest, TellsThatTheLineHasEndedBeforeTheCommand) {
+    ScriptedLink link({});
+    Client client(link);
+    EXPECT_THAT(failureOf([&] { takeArrived(client); }),
+                FailsWith(Failure::Kind::ConnectionLost, "closed the connection"));
 }
 
 } // namespace

@@ -51,7 +51,7 @@ BoundSocket::BoundSocket(const std::string& host) {
     ::getsockname(m_socket.get(), reinterpret_cast<sockaddr*>(&bound), &size);
     // The port stands at the same place for both families.
     const auto* inet = reinterpret_cast<const sockaddr_in*>(&bound);
-    m_target = Target{host, ntohs(inet->sin_port)};
+    m_target = TcpTarget{host, ntohs(inet->sin_port)};
 }
 
 void BoundSocket::listen(int backlog) const {

@@ -20,11 +20,11 @@ public:
     void listen(int backlog = 5) const;
 
     int descriptor() const { return m_socket.get(); }
-    const Target& target() const { return m_target; }
+    const TcpTarget& target() const { return m_target; }
 
 private:
     System::Descriptor m_socket;
-    Target m_target;
+    TcpTarget m_target;
 };
 
 /// A unit's end of a connection. Every call gives up with a test failure after a while.
@@ -62,7 +62,7 @@ public:
     explicit FakeUnit(Script script, const std::string& host = "127.0.0.1");
     ~FakeUnit();
 
-    const Target& target() const { return m_socket.target(); }
+    const TcpTarget& target() const { return m_socket.target(); }
 
 private:
     BoundSocket m_socket;

@@ -30,9 +30,8 @@ FakeUnit::Script answering(std::vector<std::string> texts, std::string* request 
     };
 }
 
-Outcome runAgainst(const FakeUnit& unit, std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--target", unit.target().text()});
-    return runStation({arguments});
+Outcome runAgainst(const FakeUnit& unit, const std::vector<std::string>& arguments) {
+    return runStationAt(unit.target().text(), arguments);
 }
 
 /// The bytes that arrive at the unit when the program is run with these arguments.
@@ -308,11 +307,11 @@ TEST(Program, HelpsWithAnExampleForEachForm) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
     for (const char* part :
-         {"station [--target tcp:HOST:PORT] [--timeout SECONDS] [--json] NAME [ARG...]",
-          "station status 03", "station exec command -1 \"ls -l /dev\"", "\"hex(00 1F)\"",
-          "\"base64(AB8K)\"", "station --target tcp:unit.example:15051 status",
-          "station --target tcp:[::1]:15051 status", "station --timeout 2.5 status",
-          "station --json status",
+         {"station [--target TARGET] [--protocol binary|ascii] [--timeout SECONDS]",
+          "[--wait-startup] [--json] NAME [ARG...]", "station status 03",
+          "station exec command -1 \"ls -l /dev\"", "\"hex(00 1F)\"", "\"base64(AB8K)\"",
+          "station --target tcp:unit.example:15051 status", "station --target tcp:[::1]:15051 status",
+          "station --timeout 2.5 status", "station --json status",
           "STATION_TARGET=tcp:127.0.0.1:15052 STATION_TIMEOUT=5 station status"})
         EXPECT_THAT(outcome.output, HasSubstr(part));
 }

@@ -111,5 +111,43 @@ TEST(Quoting, TakesBase64OfAnyLength) {
     EXPECT_EQ(quoteArgument(argument), argument);
 }
 
+struct Bytes {
+    std::string argument;
+    std::string bytes;
+
+    friend void PrintTo(const Bytes& row, std::ostream* out) {
+        *out << testing::PrintToString(row.argument);
+    }
+};
+
+class ArgumentBytes : public testing::TestWithParam<Bytes> {};
+
+TEST_P(ArgumentBytes, Are) {
+    EXPECT_EQ(argumentBytes(GetParam().argument), GetParam().bytes);
+}
+
+INSTANTIATE_TEST_SUITE_P(Argument, ArgumentBytes,
+                         Values(Bytes{"", ""}, Bytes{"text", "text"}, Bytes{"a\nb\"", "a\nb\""},
+                                Bytes{"hex", "hex"}, Bytes{"hex(01 fF)", "\x01\xFF"},
+                                Bytes{"hex(0 1 2 3)", "\x01\x23"},
+                                Bytes{"hex(00)", std::string(1, '\0')}, Bytes{"base64(QUJD)", "ABC"},
+                                Bytes{"base64(QQ==)", "A"}));
+
+class ArgumentBytesRefuse : public testing::TestWithParam<Refused> {};
+
+TEST_P(ArgumentBytesRefuse, Argument) {
+    EXPECT_THAT(failureOf([] { argumentBytes(GetParam().argument); }),
+                FailsWith(Failure::Kind::InvalidRequest, GetParam().message));
+}
+
+INSTANTIATE_TEST_SUITE_P(Argument, ArgumentBytesRefuse,
+                         Values(Refused{"hex(123)", "holds an unpaired hex digit"},
+                                Refused{"hex(zz)", "may hold only hex digits and blanks"},
+                                Refused{"hex(01", "does not end with )"}, Refused{"hex()", "is empty"},
+                                Refused{"base64()", "is empty"},
+                                Refused{"base64(QQ=)", "is not valid base64"},
+                                Refused{"base64(Q)", "is not valid base64"},
+                                Refused{"base64(Q Q)", "may hold only A-Z"}));
+
 } // namespace
 } // namespace station

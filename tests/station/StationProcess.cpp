@@ -10,6 +10,7 @@
 #include <array>
 #include <csignal>
 #include <string_view>
+#include <utility>
 
 #include "client/Deadline.h"
 #include "platform/Descriptor.h"
@@ -113,6 +114,11 @@ Outcome runStation(const Invocation& invocation) {
     EXPECT_EQ(::waitpid(child, &status, 0), child);
     outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     return outcome;
+}
+
+Outcome runStationAt(const std::string& target, std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--target", target});
+    return runStation({std::move(arguments)});
 }
 
 } // namespace station

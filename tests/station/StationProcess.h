@@ -22,4 +22,7 @@ struct Invocation {
 /// Waits for the program to end; kills it, with a test failure, when that takes far too long.
 Outcome runStation(const Invocation& invocation);
 
+/// The same, with the option for the target ahead of the arguments.
+Outcome runStationAt(const std::string& target, std::vector<std::string> arguments);
+
 } // namespace station

@@ -2,17 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
-#include <sys/time.h>
-#include <unistd.h>
 
 #include <array>
-#include <csignal>
 #include <vector>
 
 #include "FailureKind.h"
 #include "FakeUnit.h"
+#include "Interruptions.h"
 #include "client/Client.h"
 
 namespace station {
@@ -38,7 +35,7 @@ std::string receiveAll(TcpLink& link) {
     }
 }
 
-Answer execute(const Target& target, const std::string& name, const Deadline& deadline) {
+Answer execute(const TcpTarget& target, const std::string& name, const Deadline& deadline) {
     TcpLink link = TcpLink::connect(target, deadline);
     return Client(link).execute(Request(name, {}), deadline, [](const std::string&) {});
 }
@@ -65,7 +62,7 @@ TEST(TcpLink, TakesAnAnswerThatComesByteByByte) {
 
 TEST(TcpLink, FindsAHostByName) {
     FakeUnit unit([](UnitConnection& connection) { connection.send("x"); });
-    TcpLink link = TcpLink::connect(Target{"localhost", unit.target().port}, patient());
+    TcpLink link = TcpLink::connect(TcpTarget{"localhost", unit.target().port}, patient());
     EXPECT_EQ(receiveAll(link), "x");
 }
 
@@ -99,7 +96,7 @@ TEST(TcpLink, FailsWhenNobodyListens) {
 TEST(TcpLink, FailsWhenTheHostHasNoAddress) {
     EXPECT_THAT(
         failureOf([] {
-            TcpLink::connect(Target{"no.such.host.invalid", 1}, patient());
+            TcpLink::connect(TcpTarget{"no.such.host.invalid", 1}, patient());
         }),
         FailsWith(Failure::Kind::CannotConnect, "cannot connect to tcp:no.such.host.invalid:1: "));
 }
@@ -159,43 +156,6 @@ TEST(TcpLink, TakesAResetAsTheEndAndRaisesNoSignal) {
     EXPECT_THAT(failureOf([&] { link.send("status", patient()); }),
                 FailsWith(Failure::Kind::ConnectionLost, "Broken pipe"));
 }
-
-/// Signals that interrupt this thread's system calls every few milliseconds while the object lives. A
-/// byte for each can be read from the descriptor.
-class Interruptions {
-public:
-    Interruptions() {
-        std::array<int, 2> ends = {};
-        EXPECT_EQ(::pipe(ends.data()), 0);
-        m_counted.reset(ends[0]);
-        m_counter.reset(ends[1]);
-        s_counter = m_counter.get();
-        struct sigaction action = {};
-        action.sa_handler = [](int) { static_cast<void>(::write(s_counter, "x", 1) + 1); };
-        ::sigaction(SIGALRM, &action, &m_previous);
-        const itimerval often = {{0, 5000}, {0, 5000}};
-        ::setitimer(ITIMER_REAL, &often, nullptr);
-    }
-
-    ~Interruptions() {
-        const itimerval never = {};
-        ::setitimer(ITIMER_REAL, &never, nullptr);
-        ::sigaction(SIGALRM, &m_previous, nullptr);
-    }
-
-    /// Blocks until `count` further signals have been handled.
-    void waitFor(int count) const {
-        char byte = 0;
-        for (int i = 0; i < count; ++i)
-            EXPECT_EQ(::read(m_counted.get(), &byte, 1), 1);
-    }
-
-private:
-    inline static int s_counter = -1;
-    System::Descriptor m_counted;
-    System::Descriptor m_counter;
-    struct sigaction m_previous = {};
-};
 
 TEST(TcpLink, SurvivesInterruptedSystemCalls) {
     const Interruptions interruptions;

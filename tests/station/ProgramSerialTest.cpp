@@ -1,0 +1,336 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "FakeLine.h"
+#include "FakeUnit.h"
+#include "StationProcess.h"
+#include "client/SerialLink.h"
+
+namespace station {
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const std::string kExecRequest = std::string("\x07\x63\x01\0\x05ls", 7);
+const std::string kExecOpening = std::string("\x63\x01\0\0\0\0\0", 7);
+const std::string kRefusal = unitFrame(std::string("\x63\x01\0\x01\x01\0\0", 7));
+
+Outcome runOn(const FakeLine& line, const std::vector<std::string>& arguments) {
+    return runStationAt(line.target().text(), arguments);
+}
+
+/// Runs the program against a unit that takes one request, sends `reply` and takes one acknowledgement.
+Outcome exchange(const std::string& request, const std::string& reply,
+                 const std::vector<std::string>& arguments) {
+    const FakeLine line;
+    Outcome outcome;
+    {
+        const LineScript unit([&] {
+            EXPECT_EQ(line.receive(request.size()), request);
+            line.send(reply);
+            EXPECT_EQ(line.receive(kAck.size()), kAck);
+        });
+        outcome = runOn(line, arguments);
+    }
+    EXPECT_EQ(line.receiveRest(), "") << "more was sent than the request and one acknowledgement";
+    return outcome;
+}
+
+TEST(ProgramSerial, PrintsAStatus) {
+    const Outcome outcome = exchange("\x02s", statusFrame(), {"status"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.output, std::string(kStatusText) + "\n");
+    EXPECT_EQ(outcome.errors, "");
+}
+
+TEST(ProgramSerial, PrintsTextAsItIs) {
+    EXPECT_EQ(
+        exchange("\x03s\x02", unitFrame(std::string("s\x02\0\0\0\0\0", 7) + "0323"), {"status", "02"})
+            .output,
+        "0323\n");
+    EXPECT_EQ(exchange(kExecRequest, unitFrame(kExecOpening + "a\nb\n"), {"exec", "command", "5", "ls"})
+                  .output,
+              "a\nb\n");
+    EXPECT_EQ(exchange(kExecRequest, unitFrame(kExecOpening), {"exec", "command", "5", "ls"}).output,
+              "");
+}
+
+TEST(ProgramSerial, PrintsOtherBytesAsHex) {
+    EXPECT_EQ(exchange(kExecRequest, unitFrame(kExecOpening + "\xFF\n"), {"exec", "command", "5", "ls"})
+                  .output,
+              "hex(FF 0A)\n");
+}
+
+TEST(ProgramSerial, TellsARefusalAndTheDebugTexts) {
+    const Outcome outcome = exchange(kExecRequest, debugFrame("two\nlines") + debugFrame("b") + kRefusal,
+                                     {"--protocol", "binary", "exec", "command", "5", "ls"});
+    EXPECT_EQ(outcome.exitCode, 5);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "Info \"two\nlines\"\nInfo \"b\"\nstation: refused: Error 0x1010000\n");
+}
+
+TEST(ProgramSerial, SendsAckWithoutAnAnswer) {
+    const FakeLine line;
+    const Outcome outcome = runOn(line, {"ack"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(line.receiveRest(), kAck);
+}
+
+TEST(ProgramSerial, TakesAnAnnouncementThatCameBefore) {
+    const FakeLine line;
+    line.send(statusFrame(true));
+    Outcome outcome;
+    {
+        const LineScript unit([&] {
+            EXPECT_EQ(line.receive(kAck.size()), kAck);
+            EXPECT_EQ(line.receive(2), "\x02s");
+            line.send(statusFrame());
+            EXPECT_EQ(line.receive(kAck.size()), kAck);
+        });
+        outcome = runOn(line, {"status"});
+    }
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.output, std::string(kStatusText) + "\n");
+    EXPECT_EQ(outcome.errors, "Info \"startup status " + std::string(kStatusText) + "\"\n");
+}
+
+TEST(ProgramSerial, WaitsForTheAnnouncementWhenTold) {
+    const FakeLine line;
+    Outcome outcome;
+    {
+        const LineScript unit([&] {
+            line.waitForStation();
+            line.sendByteByByte(statusFrame(true));
+            EXPECT_EQ(line.receive(kAck.size()), kAck);
+            EXPECT_EQ(line.receive(kExecRequest.size()), kExecRequest);
+            line.send(unitFrame(kExecOpening + "text"));
+            EXPECT_EQ(line.receive(kAck.size()), kAck);
+        });
+        outcome = runOn(line, {"--wait-startup", "exec", "command", "5", "ls"});
+    }
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(outcome.output, "text\n");
+}
+
+TEST(ProgramSerial, TellsThatNoAnnouncementCame) {
+    const FakeLine line;
+    const Outcome outcome = runOn(line, {"--timeout", "0.2", "--wait-startup", "status"});
+    EXPECT_EQ(outcome.exitCode, 4);
+    EXPECT_EQ(outcome.errors, "station: time-out while waiting for the startup status\n");
+    EXPECT_EQ(line.receiveRest(), "");
+}
+
+TEST(ProgramSerial, TellsATimeout) {
+    const FakeLine line;
+    const Outcome outcome = runOn(line, {"--timeout", "0.2", "status"});
+    EXPECT_EQ(outcome.exitCode, 4);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "station: time-out while waiting for the answer\n");
+    EXPECT_EQ(line.receiveRest(), "\x02s");
+}
+
+TEST(ProgramSerial, TellsALineThatHangsUp) {
+    FakeLine line;
+    const LineScript unit([&] {
+        EXPECT_EQ(line.receive(2), "\x02s");
+        line.send(debugFrame("text").substr(0, 3));
+        line.hangUp();
+    });
+    const Outcome outcome = runOn(line, {"status"});
+    EXPECT_EQ(outcome.exitCode, 6);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "station: the unit hung up the line before the answer was complete\n");
+}
+
+TEST(ProgramSerial, TellsAnAnswerToAnotherCommand) {
+    const Outcome outcome = exchange("\x02s", kRefusal, {"status"});
+    EXPECT_EQ(outcome.exitCode, 6);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, StartsWith("station: malformed answer: expected one to hex(02 73)"));
+}
+
+TEST(ProgramSerial, TellsAMalformedFrame) {
+    const FakeLine line;
+    const LineScript unit([&] {
+        EXPECT_EQ(line.receive(2), "\x02s");
+        line.send("\x01");
+    });
+    const Outcome outcome = runOn(line, {"status"});
+    EXPECT_EQ(outcome.exitCode, 6);
+    EXPECT_THAT(outcome.errors, HasSubstr("a frame of 1 bytes"));
+}
+
+TEST(ProgramSerial, TellsThatAnotherStationIsThere) {
+    const FakeLine line;
+    const SerialLink other = SerialLink::open(line.target());
+    const Outcome outcome = runOn(line, {"status"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_EQ(outcome.errors,
+              "station: cannot connect to " + line.target().text() + ": in use by another station\n");
+}
+
+TEST(ProgramSerial, TellsThatThePathIsNoTerminal) {
+    const Outcome outcome = runStation({{"--target", "serial:/dev/null", "status"}});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_EQ(outcome.errors, "station: cannot connect to serial:/dev/null: not a terminal\n");
+    EXPECT_EQ(runStation({{"--target", "serial:/no/such/line", "status"}}).exitCode, 3);
+}
+
+TEST(ProgramSerial, PrintsEachFrameThatComesForRawBytes) {
+    const Outcome outcome = exchange("\x05x\x01", debugFrame("no") + kRefusal, {"raw", "hex(05 78 01)"});
+    EXPECT_EQ(outcome.exitCode, 5);
+    EXPECT_EQ(outcome.output, "hex(04 64 6E 6F)\nhex(08 63 01 00 01 01 00 00)\n");
+    EXPECT_EQ(outcome.errors, "Info \"no\"\nstation: refused: Error 0x1010000\n");
+
+    const Outcome success = exchange("\x03s\x01", unitFrame(kExecOpening + "a"), {"raw", "hex(037301)"});
+    EXPECT_EQ(success.exitCode, 0);
+    EXPECT_EQ(success.output, "hex(09 63 01 00 00 00 00 00 61)\n");
+    EXPECT_EQ(success.errors, "");
+}
+
+TEST(ProgramSerialJson, PrintsOneObject) {
+    const Outcome outcome =
+        exchange(kExecRequest, debugFrame("text") + unitFrame(kExecOpening + "\xFFz"),
+                 {"--json", "exec", "command", "5", "ls"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.errors, "");
+    json object = json::parse(outcome.output);
+    EXPECT_GT(object["milliseconds"].get<double>(), 0);
+    object.erase("milliseconds");
+    EXPECT_EQ(object, json({{"name", "exec"},
+                            {"answer", "hex(FF 7A)"},
+                            {"info", {"text"}},
+                            {"code", 0},
+                            {"payload", "FF7A"}}));
+}
+
+TEST(ProgramSerialJson, ShowsARefusal) {
+    const json object =
+        json::parse(exchange(kExecRequest, kRefusal, {"--json", "exec", "command", "5", "ls"}).output);
+    EXPECT_EQ(object["answer"], "Error 0x1010000");
+    EXPECT_EQ(object["code"], 0x1010000);
+    EXPECT_EQ(object["payload"], "");
+    EXPECT_FALSE(object.contains("error"));
+}
+
+TEST(ProgramSerialJson, ShowsEachFrameThatComesForRawBytes) {
+    const json object =
+        json::parse(exchange("\x03s\x01", debugFrame("no") + unitFrame(kExecOpening + "a"),
+                             {"--json", "raw", "hex(03 73 01)"})
+                        .output);
+    EXPECT_EQ(object["name"], "raw");
+    EXPECT_EQ(object["answer"], "hex(04 64 6E 6F)\nhex(09 63 01 00 00 00 00 00 61)");
+    EXPECT_EQ(object["info"], json({"no"}));
+    EXPECT_EQ(object["payload"], "61");
+}
+
+TEST(ProgramSerialJson, ShowsWhyThereIsNoAnswer) {
+    const FakeLine line;
+    const Outcome outcome = runOn(line, {"--json", "--timeout", "0.2", "status"});
+    EXPECT_EQ(outcome.exitCode, 4);
+    const json object = json::parse(outcome.output);
+    EXPECT_THAT(object["error"].get<std::string>(), HasSubstr("time-out"));
+    EXPECT_TRUE(object["answer"].is_null());
+}
+
+TEST(ProgramSerial, TakesDefaultsFromTheEnvironment) {
+    const FakeLine line;
+    Outcome outcome;
+    {
+        const LineScript unit([&] {
+            EXPECT_EQ(line.receive(9), "\x02status\x03\n");
+            line.send(framed("status ok"));
+        });
+        outcome = runStation(
+            {{"status"}, {"STATION_TARGET=" + line.target().text(), "STATION_PROTOCOL=ascii"}});
+    }
+    EXPECT_EQ(outcome.output, "ok\n") << outcome.errors;
+
+    const Outcome preferred =
+        runStation({{"--target", line.target().text(), "--protocol", "binary", "ack"},
+                    {"STATION_TARGET=nowhere", "STATION_PROTOCOL=ascii"}});
+    EXPECT_EQ(preferred.exitCode, 0) << preferred.errors;
+    EXPECT_EQ(line.receiveRest(), kAck);
+}
+
+struct Misuse {
+    std::vector<std::string> arguments;
+    std::string message;
+
+    friend void PrintTo(const Misuse& row, std::ostream* out) {
+        *out << testing::PrintToString(row.arguments);
+    }
+};
+
+class ProgramSerialMisuse : public testing::TestWithParam<Misuse> {};
+
+TEST_P(ProgramSerialMisuse, IsToldBeforeAnythingIsSent) {
+    const FakeLine line;
+    const Outcome outcome = runOn(line, GetParam().arguments);
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, StartsWith("station: "));
+    EXPECT_THAT(outcome.errors, HasSubstr(GetParam().message));
+    EXPECT_EQ(line.receiveRest(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Arguments, ProgramSerialMisuse,
+    testing::Values(Misuse{{"--protocol", "morse", "status"}, "invalid protocol 'morse'"},
+                    Misuse{{"--timeout", "0", "status"}, "invalid time-out '0'"},
+                    Misuse{{"status", "03"}, "status 03 has no binary form"},
+                    Misuse{{"exec", "command", "5", std::string(251, 'a')}, "the text has 251 bytes"},
+                    Misuse{{"exec", "command", "-1", "ls"}, "0 to 65535 seconds"},
+                    Misuse{{"i2c", "read"}, "'i2c' has no binary form here"},
+                    Misuse{{"raw"}, "raw takes the bytes of one frame"},
+                    Misuse{{"raw", "0273"}, "raw takes the bytes of one frame"},
+                    Misuse{{"--protocol", "ascii", "raw", "hex(02 73)"},
+                           "raw needs the binary protocol"},
+                    Misuse{{"--protocol", "ascii", "--wait-startup", "status"},
+                           "--wait-startup needs the binary protocol"},
+                    Misuse{{"--protocol", "ascii", "exec", "a\"b"}, "double quotation mark"}));
+
+class ProgramTcpMisuse : public testing::TestWithParam<Misuse> {};
+
+TEST_P(ProgramTcpMisuse, IsTold) {
+    const Outcome outcome = runStation({GetParam().arguments});
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_THAT(outcome.errors, HasSubstr(GetParam().message));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Arguments, ProgramTcpMisuse,
+    testing::Values(Misuse{{"--protocol", "binary", "status"},
+                           "the binary protocol needs a serial line"},
+                    Misuse{{"--protocol", "Ascii", "status"}, "invalid protocol 'Ascii'"},
+                    Misuse{{"raw", "hex(02 73)"}, "raw needs the binary protocol"},
+                    Misuse{{"--wait-startup", "status"}, "--wait-startup needs the binary protocol"}));
+
+TEST(ProgramSerial, ChecksTheEnvironmentLikeOptions) {
+    const Outcome outcome = runStation({{"status"}, {"STATION_PROTOCOL=binary"}});
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_THAT(outcome.errors, HasSubstr("the binary protocol needs a serial line"));
+}
+
+TEST(ProgramSerial, HelpsWithAnExampleForEachForm) {
+    const Outcome outcome = runStation({{"--help"}});
+    EXPECT_EQ(outcome.exitCode, 0);
+    for (const char* part :
+         {"station --target serial:/dev/ttyUSB0 status",
+          "station --target serial:/dev/ttyUSB0 exec command 5 \"ls /dev\"",
+          "station --target serial:/dev/ttyUSB0 ack",
+          "station --target serial:/dev/ttyUSB0 --wait-startup status",
+          "station --target serial:/dev/ttyUSB0 raw \"hex(03 73 01)\"",
+          "station --target serial:/dev/ttyUSB0 --protocol ascii status 03",
+          "STATION_TARGET=serial:/dev/ttyUSB0 STATION_PROTOCOL=ascii station status", "200 ms"})
+        EXPECT_THAT(outcome.output, HasSubstr(part));
+}
+
+} // namespace
+} // namespace station
