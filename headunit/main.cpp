@@ -3,9 +3,11 @@
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "commands/ControlCommand.h"
 #include "commands/ExecCommand.h"
 #include "commands/InsideCommand.h"
 #include "commands/RunCommand.h"
@@ -23,13 +25,21 @@ constexpr char kExamples[] =
     "  headunit run --unit ./unit                  the same; its files stay in ./unit\n"
     "  headunit exec -- ls /dev/nvgpio             a command in a fresh unit\n"
     "  headunit exec --daemon -- station status    the same with the daemon running in it\n"
+    "  headunit control --unit ./unit state        what the serial lines of a running unit do\n"
+    "  headunit control unplug station             the same from inside it, pulling a plug\n"
     "Exit status: 2 for a wrong command line; 'run' 0 after Ctrl-C, 1 otherwise; 'exec' that of the\n"
-    "command, 128+N when a signal ended it, 125 when there is no unit to run it in.";
+    "command, 128+N when a signal ended it, 125 when there is no unit to run it in; 'control' 1 when the\n"
+    "unit refuses, 3 when there is none.";
+
+constexpr char kControlWords[] =
+    "unplug LINE, plug LINE, state, position LATITUDE LONGITUDE, modem signal|registration|pin|late|silent "
+    "VALUE, loopback on|off, receiver on|off; LINE is station, loopback, modem or receiver";
 
 struct Options {
     headunit::RunOptions run;
     headunit::ExecOptions exec;
     headunit::InsideOptions inside;
+    headunit::ControlOptions control;
 };
 
 /// Splits the command line at the first "--": what follows it belongs to the command, letter for letter.
@@ -42,13 +52,24 @@ std::vector<std::string> takeCommand(std::vector<std::string>& arguments) {
     return command;
 }
 
-CLI::App* addRun(CLI::App& app, headunit::RunOptions& options) {
+void addSupplier(CLI::App& command, std::optional<std::string>& supplier,
+                 CLI::Option* daemon = nullptr) {
+    CLI::Option* option =
+        command
+            .add_option("--supplier", supplier, "FIRST_TIER_SUPPLIER of the daemon (default: as it is)")
+            ->type_name("NAME");
+    if (daemon != nullptr)
+        option->needs(daemon);
+}
+
+void addRun(CLI::App& app, headunit::RunOptions& options) {
     CLI::App* run = app.add_subcommand("run", "Run the daemon in a simulated unit until Ctrl-C");
     CLI::Option* unit =
         run->add_option("--unit", options.unitFolder, "Use this folder for the unit's files and keep it")
             ->type_name("DIR");
     run->add_option("--daemon-path", options.daemonPath, "The daemon (default: beside headunit)")
         ->type_name("PATH");
+    addSupplier(*run, options.supplier);
     CLI::Option* inPlace = run->add_flag("--in-place", options.inPlace,
                                          "Set the unit up on this machine itself; for disposable "
                                          "containers that forbid namespaces");
@@ -56,7 +77,6 @@ CLI::App* addRun(CLI::App& app, headunit::RunOptions& options) {
     run->add_flag("--yes-change-this-machine", options.changeThisMachine,
                   "Confirms --in-place: files are made in /dev, /mnt/app and /ifs")
         ->needs(inPlace);
-    return run;
 }
 
 CLI::App* addExec(CLI::App& app, headunit::ExecOptions& options) {
@@ -65,10 +85,12 @@ CLI::App* addExec(CLI::App& app, headunit::ExecOptions& options) {
         "Run a command in a unit with a network of its own: headunit exec [OPTIONS] -- COMMAND...");
     exec->add_option("--unit", options.unitFolder, "Use this folder for the unit's files and keep it")
         ->type_name("DIR");
-    exec->add_flag("--daemon", options.withDaemon,
-                   "Start the daemon in the unit first and wait until it accepts connections");
+    CLI::Option* daemon =
+        exec->add_flag("--daemon", options.withDaemon,
+                       "Start the daemon in the unit first and wait until it accepts connections");
     exec->add_option("--daemon-path", options.daemonPath, "The daemon (default: beside headunit)")
         ->type_name("PATH");
+    addSupplier(*exec, options.supplier, daemon);
     return exec;
 }
 
@@ -77,7 +99,28 @@ CLI::App* addInside(CLI::App& app, headunit::InsideOptions& options) {
     inside->group("");
     inside->add_option("--stderr", options.standardError)->required();
     inside->add_option("--daemon", options.daemonPath);
+    inside->add_option("--supplier", options.supplier);
     return inside;
+}
+
+CLI::App* addControl(CLI::App& app, headunit::ControlOptions& options) {
+    CLI::App* control = app.add_subcommand("control", "Ask a running unit for something");
+    control
+        ->add_option("--unit", options.unitFolder,
+                     "The unit's folder (default: the unit around headunit)")
+        ->type_name("DIR");
+    control->add_option("words", options.words, kControlWords)->required()->type_name("WORD");
+    return control;
+}
+
+/// 'exec' and 'inside' run a command, the others have no use for one.
+void requireCommandWhereItBelongs(const CLI::App& app, bool hasCommand) {
+    const CLI::App* chosen = app.get_subcommands().front();
+    const bool takesOne = chosen->get_name() == "exec" || chosen->get_name() == "inside";
+    if (takesOne && !hasCommand)
+        throw CLI::ValidationError("a command is missing: ... -- COMMAND...");
+    if (!takesOne && hasCommand)
+        throw CLI::ValidationError("'" + chosen->get_name() + "' takes no command");
 }
 
 std::string absoluteDaemon(const std::string& given) {
@@ -92,18 +135,17 @@ int dispatch(int argc, char** argv) {
     app.require_subcommand(1);
     app.footer(kExamples);
     Options options;
-    CLI::App* run = addRun(app, options.run);
+    addRun(app, options.run);
     CLI::App* exec = addExec(app, options.exec);
     CLI::App* inside = addInside(app, options.inside);
+    CLI::App* control = addControl(app, options.control);
 
     std::vector<std::string> arguments(argv + 1, argv + argc);
     const std::vector<std::string> command = takeCommand(arguments);
     std::reverse(arguments.begin(), arguments.end()); // the order that the parser takes a vector in
     try {
         app.parse(arguments);
-        if (run->parsed() != command.empty())
-            throw CLI::ValidationError(run->parsed() ? "'run' takes no command"
-                                                     : "a command is missing: ... -- COMMAND...");
+        requireCommandWhereItBelongs(app, !command.empty());
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : kUsageError;
     }
@@ -112,6 +154,8 @@ int dispatch(int argc, char** argv) {
         options.inside.command = command;
         return headunit::insideCommand(options.inside);
     }
+    if (control->parsed())
+        return headunit::controlCommand(options.control);
     if (exec->parsed()) {
         options.exec.command = command;
         options.exec.daemonPath = absoluteDaemon(options.exec.daemonPath);

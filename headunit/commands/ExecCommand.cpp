@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "commands/UnitPeers.h"
 #include "commands/UnitSetup.h"
 #include "devices/DeviceList.h"
 #include "unit/HostSystem.h"
@@ -26,6 +27,7 @@ std::vector<std::string> launcherFor(const ExecOptions& options) {
     std::vector<std::string> launcher = {ownProgram(), "inside"};
     if (options.withDaemon)
         launcher.insert(launcher.end(), {"--daemon", options.daemonPath});
+    passOn(options.supplier, launcher);
     return launcher;
 }
 
@@ -38,6 +40,7 @@ int execCommand(const ExecOptions& options) {
     UnitFolder folder = openUnitFolder(options.unitFolder);
     const DeviceList devices = allDevices();
     install(devices, folder);
+    const UnitPeers peers(folder);
 
     const Descendants descendants;
     Sandbox sandbox(layoutFor(options, folder), launcherFor(options), options.command);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@ struct ExecOptions {
     std::string unitFolder; ///< kept; a temporary one when empty
     bool withDaemon = false;
     std::string daemonPath;
+    std::optional<std::string> supplier; ///< FIRST_TIER_SUPPLIER of the daemon, else as it is here
     std::vector<std::string> command;
 };
 

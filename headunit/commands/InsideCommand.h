@@ -8,6 +8,7 @@ namespace headunit {
 struct InsideOptions {
     int standardError = -1; ///< the outer standard error, inherited through bwrap
     std::string daemonPath; ///< started before the command when not empty
+    std::string supplier;   ///< of the daemon, else of the command: a colon and the value, or empty
     std::vector<std::string> command;
 };
 

@@ -8,6 +8,7 @@
 #include <iostream>
 
 #include "commands/DaemonStart.h"
+#include "commands/UnitPeers.h"
 #include "commands/UnitSetup.h"
 #include "devices/DeviceList.h"
 #include "unit/ChildProcess.h"
@@ -22,6 +23,7 @@ namespace headunit {
 namespace {
 
 constexpr int kDaemonGone = 1;
+constexpr int kLabelWidth = 8;
 
 void requireConsent(const RunOptions& options) {
     if (!options.unitFolder.empty())
@@ -40,26 +42,35 @@ void requireFreePort() {
                         " of 127.0.0.1 is taken: another unit or daemon runs on this machine");
 }
 
+/// What the user is told of a unit that stands.
+struct Reach {
+    std::string unit;    ///< where its files are
+    std::string serial;  ///< the station's end of the line
+    std::string control; ///< the options that name the unit to 'control'
+};
+
 void printLine(const char* label, const std::string& value) {
-    std::cout << std::left << std::setw(8) << label << value << '\n';
+    std::cout << std::left << std::setw(kLabelWidth) << label << value << '\n';
 }
 
-void printWhereToReach(const std::string& unit) {
+void printWhereToReach(const Reach& reach) {
     const auto programs = std::filesystem::path(ownProgram()).parent_path();
     std::cout << '\n'; // the daemon's banner has no line end
-    printLine("unit", unit);
+    printLine("unit", reach.unit);
     printLine("tcp", "tcp:127.0.0.1:" + std::to_string(kDaemonPort));
+    printLine("serial", "serial:" + reach.serial);
     printLine("try", (programs / "station").string() + " status");
+    printLine("control", (programs / "headunit").string() + " control" + reach.control + " state");
     printLine("stop", "Ctrl-C");
     std::cout.flush();
 }
 
 /// From the daemon's start to its end or the stop signal.
-int attend(StopSignals& signals, const std::string& unit,
+int attend(StopSignals& signals, const Reach& reach,
            const std::function<std::optional<int>()>& daemonEnded) {
     if (waitUntilListening(signals, daemonEnded) != 0)
         return 0;
-    printWhereToReach(unit);
+    printWhereToReach(reach);
     for (;;) {
         if (const auto status = daemonEnded()) {
             std::cerr << "headunit: the daemon ended with status " << *status << '\n';
@@ -74,6 +85,7 @@ int runInSandbox(const RunOptions& options, StopSignals& signals) {
     UnitFolder folder = openUnitFolder(options.unitFolder);
     const DeviceList devices = allDevices();
     install(devices, folder);
+    const UnitPeers peers(folder);
 
     SandboxLayout layout = layoutOnThisHost();
     layout.unitFolder = folder.path();
@@ -82,19 +94,24 @@ int runInSandbox(const RunOptions& options, StopSignals& signals) {
     layout.workingDirectory = "/";
     shareFolderOf(options.daemonPath, layout);
 
+    std::vector<std::string> launcher = {ownProgram(), "inside"};
+    passOn(options.supplier, launcher);
     const Descendants descendants;
-    Sandbox sandbox(layout, {ownProgram(), "inside"}, {options.daemonPath});
-    return attend(signals, folder.path(), [&] { return sandbox.ended(); });
+    Sandbox sandbox(layout, launcher, {options.daemonPath});
+    const Reach reach{folder.path(), peers.stationPath(), " --unit " + folder.path()};
+    return attend(signals, reach, [&] { return sandbox.ended(); });
 }
 
 int runInPlace(const RunOptions& options, StopSignals& signals) {
     InPlaceTree tree;
     const DeviceList devices = allDevices();
     install(devices, tree);
+    const UnitPeers peers(tree);
 
     const Descendants descendants;
-    ChildProcess daemon({options.daemonPath});
-    return attend(signals, "this machine", [&] { return daemon.ended(); });
+    ChildProcess daemon({options.daemonPath}, -1, daemonEnvironment(options.supplier));
+    const Reach reach{"this machine", peers.stationPath(), ""};
+    return attend(signals, reach, [&] { return daemon.ended(); });
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace headunit {
@@ -7,6 +8,7 @@ namespace headunit {
 struct RunOptions {
     std::string unitFolder; ///< kept; a temporary one when empty
     std::string daemonPath;
+    std::optional<std::string> supplier; ///< FIRST_TIER_SUPPLIER of the daemon, else as it is here
     bool inPlace = false;
     bool changeThisMachine = false;
 };

@@ -15,13 +15,27 @@
 namespace headunit {
 namespace {
 
-std::vector<char*> argumentVector(const std::vector<std::string>& command) {
-    std::vector<char*> arguments;
-    arguments.reserve(command.size() + 1);
-    for (const std::string& argument : command)
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-    return arguments;
+/// As the system takes them; the texts outlive the result.
+std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (const std::string& text : texts)
+        pointers.push_back(const_cast<char*>(text.c_str()));
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// This process's environment with the changes, as "NAME=VALUE".
+std::vector<std::string> changedEnvironment(const Environment& changes) {
+    std::vector<std::string> settings;
+    for (char** setting = environ; *setting != nullptr; ++setting) {
+        const std::string text = *setting;
+        if (changes.count(text.substr(0, text.find('='))) == 0)
+            settings.push_back(text);
+    }
+    for (const auto& [name, value] : changes)
+        settings.emplace_back(name).append("=").append(value);
+    return settings;
 }
 
 void unblockSignals() {
@@ -35,7 +49,8 @@ int statusOf(int waitStatus) {
 }
 
 /// Runs between fork and exec: only calls that are safe there.
-[[noreturn]] void becomeCommand(char* const* arguments, pid_t parent, int standardError, int report) {
+[[noreturn]] void becomeCommand(char* const* arguments, char* const* environment, pid_t parent,
+                                int standardError, int report) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent)
         ::_exit(kNotFound); // it died before its death could be asked for
@@ -44,7 +59,7 @@ int statusOf(int waitStatus) {
         error = errno;
     if (error == 0) {
         unblockSignals();
-        ::execvp(arguments[0], arguments);
+        ::execvpe(arguments[0], arguments, environment);
         error = errno;
     }
     [[maybe_unused]] const ssize_t reported = ::write(report, &error, sizeof error);
@@ -63,8 +78,12 @@ int startError(int report) {
 
 } // namespace
 
-ChildProcess::ChildProcess(const std::vector<std::string>& command, int standardError) {
-    const std::vector<char*> arguments = argumentVector(command);
+ChildProcess::ChildProcess(const std::vector<std::string>& command, int standardError,
+                           const Environment& changes) {
+    // Made before the fork: after it, a process with threads must not allocate.
+    const std::vector<char*> arguments = pointersTo(command);
+    const std::vector<std::string> settings = changedEnvironment(changes);
+    const std::vector<char*> environment = pointersTo(settings);
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0)
         throw systemError("cannot make a pipe", errno);
@@ -76,7 +95,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, int standard
     if (m_pid < 0)
         throw systemError("cannot start " + command.front(), errno);
     if (m_pid == 0)
-        becomeCommand(arguments.data(), parent, standardError, writing.get());
+        becomeCommand(arguments.data(), environment.data(), parent, standardError, writing.get());
 
     writing.reset();
     if (const int error = startError(reading.get()); error != 0) {
@@ -119,10 +138,11 @@ std::optional<int> ChildProcess::reap(int options) {
     return m_status;
 }
 
-int executeInPlace(const std::vector<std::string>& command) {
-    const std::vector<char*> arguments = argumentVector(command);
+int executeInPlace(const std::vector<std::string>& command, const Environment& changes) {
+    const std::vector<char*> arguments = pointersTo(command);
+    const std::vector<std::string> settings = changedEnvironment(changes);
     unblockSignals();
-    ::execvp(arguments[0], arguments.data());
+    ::execvpe(arguments[0], arguments.data(), pointersTo(settings).data());
     return errno;
 }
 

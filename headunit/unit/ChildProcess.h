@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,14 +14,18 @@ constexpr int kSignalStatusBase = 128;
 constexpr int kCannotExecute = 126;
 constexpr int kNotFound = 127;
 
+/// Variables of the environment with their values.
+using Environment = std::map<std::string, std::string>;
+
 /// Owns one running child. The child is killed and reaped when its owner goes, and the kernel kills it
 /// when this process dies. Start it from the main thread: its life is tied to the thread that did.
 class ChildProcess {
 public:
-    /// Starts `command` (searched in PATH) with no signal blocked and, when `standardError` is not
-    /// negative, with that descriptor as its standard error. Throws UnitError when it cannot be
-    /// executed.
-    explicit ChildProcess(const std::vector<std::string>& command, int standardError = -1);
+    /// Starts `command` (searched in PATH) with no signal blocked, with this process's environment in
+    /// which `changes` are made and, when `standardError` is not negative, with that descriptor as its
+    /// standard error. Throws UnitError when it cannot be executed.
+    explicit ChildProcess(const std::vector<std::string>& command, int standardError = -1,
+                          const Environment& changes = {});
 
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
@@ -44,9 +49,9 @@ private:
     std::optional<int> m_status;
 };
 
-/// Replaces this process by `command` (searched in PATH), with no signal blocked. Comes back only when
-/// that fails, with the error number.
-int executeInPlace(const std::vector<std::string>& command);
+/// Replaces this process by `command` (searched in PATH), with no signal blocked and with the changed
+/// environment. Comes back only when that fails, with the error number.
+int executeInPlace(const std::vector<std::string>& command, const Environment& changes = {});
 
 /// While it lives, processes whose parent ends become children of this one; when it goes, it kills and
 /// reaps every child this process still has, so that nothing of a unit outlives it. One per process.

@@ -6,7 +6,7 @@
 namespace headunit {
 namespace {
 
-constexpr const char* kUnitFolders[] = {"/dev", "/mnt/app", "/ifs", "/vrk", "/tmp"};
+constexpr const char* kUnitFolders[] = {"/dev", "/mnt/app", "/ifs", "/vrk", "/tmp", "/run/headunit"};
 constexpr const char* kHostNodes[] = {"/dev/null",    "/dev/zero", "/dev/full", "/dev/random",
                                       "/dev/urandom", "/dev/tty",  "/dev/pts"};
 constexpr char kSharedMemory[] = "/dev/shm";

@@ -86,7 +86,7 @@ std::string UnitFolder::claim(const std::string& unitPath) {
 }
 
 void UnitFolder::layOut() const {
-    for (const char* folder : {"/dev", "/mnt/app", "/ifs", "/vrk", "/tmp"})
+    for (const char* folder : {"/dev", "/mnt/app", "/ifs", "/vrk", "/tmp", "/run/headunit"})
         makeFolder(hostPath(folder));
     if (::chmod(hostPath("/tmp").c_str(), kEverybodysFolder) != 0)
         throw systemError("cannot open up " + hostPath("/tmp"), errno);

@@ -6,8 +6,8 @@
 
 namespace headunit {
 
-/// A unit's tree in a folder of its own: what the unit sees at /dev, /mnt/app, /ifs, /vrk and /tmp lies
-/// in that folder under the same names and may change while the unit runs.
+/// A unit's tree in a folder of its own: what the unit sees at /dev, /mnt/app, /ifs, /vrk, /tmp and
+/// /run/headunit lies in that folder under the same names and may change while the unit runs.
 class UnitFolder : public UnitTree {
 public:
     /// A fresh folder "headunit-XXXXXX" under ${TMPDIR:-/tmp}, removed with this object. Throws

@@ -68,7 +68,7 @@ TEST(SandboxArguments, giveTheUnitANetworkOfItsOwnOrTheHosts) {
 
 TEST(SandboxArguments, showTheUnitsFoldersAndTheHostsStandardNodes) {
     const auto arguments = sandboxArguments(plainLayout());
-    for (const std::string folder : {"/dev", "/mnt/app", "/ifs", "/vrk", "/tmp"})
+    for (const std::string folder : {"/dev", "/mnt/app", "/ifs", "/vrk", "/tmp", "/run/headunit"})
         EXPECT_TRUE(has(arguments, {"--bind", "/tmp/unit" + folder, folder})) << folder;
     for (const std::string node : {"/dev/null", "/dev/zero", "/dev/full", "/dev/random", "/dev/urandom",
                                    "/dev/tty", "/dev/pts"}) {

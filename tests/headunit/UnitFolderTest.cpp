@@ -61,7 +61,7 @@ TEST_F(UnitFolderTest, goesOnceWhenMoved) {
 
 TEST_F(UnitFolderTest, holdsTheFoldersThatTheUnitSees) {
     const UnitFolder folder = UnitFolder::temporary();
-    for (const char* name : {"/dev", "/mnt/app", "/ifs", "/vrk", "/tmp"})
+    for (const char* name : {"/dev", "/mnt/app", "/ifs", "/vrk", "/tmp", "/run/headunit"})
         EXPECT_TRUE(fs::is_directory(folder.hostPath(name))) << name;
     struct stat tmp {};
     ASSERT_EQ(::stat(folder.hostPath("/tmp").c_str(), &tmp), 0);

@@ -1,6 +1,6 @@
 // private_host [--root FOLDER] [--uid N] COMMAND...: becomes COMMAND on a machine of its own: a network
 // with loopback only, user N (0 unless given), and with --root a root folder of its own that holds the
-// host's /usr and /proc and the folder of this program.
+// host's /usr and /proc and the folder of this program, and has terminals of its own.
 #include <fcntl.h>
 #include <net/if.h>
 #include <sched.h>
@@ -62,8 +62,12 @@ void enterRoot(const std::string& root, const std::string& programs) {
         else
             show(std::string("/") + name, root);
     }
-    for (const char* folder : {"/dev", "/run", "/tmp"})
+    for (const char* folder : {"/dev/pts", "/run", "/tmp"})
         fs::create_directories(root + folder);
+    require(::mount("devpts", (root + "/dev/pts").c_str(), "devpts", 0, "ptmxmode=0666") == 0,
+            "terminals");
+    if (!fs::is_symlink(root + "/dev/ptmx"))
+        fs::create_symlink("pts/ptmx", root + "/dev/ptmx");
     require(::chroot(root.c_str()) == 0 && ::chdir("/") == 0, "chroot");
 }
 

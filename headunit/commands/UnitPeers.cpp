@@ -1,0 +1,15 @@
+#include "commands/UnitPeers.h"
+
+namespace headunit {
+
+UnitPeers::UnitPeers(UnitTree& tree) : m_control(m_loop, tree, m_commands) {
+    m_lines.install(tree);
+    m_thread = std::thread([this] { m_loop.run(); });
+}
+
+UnitPeers::~UnitPeers() {
+    m_loop.stop();
+    m_thread.join();
+}
+
+} // namespace headunit

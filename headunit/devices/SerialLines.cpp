@@ -1,0 +1,26 @@
+#include "devices/SerialLines.h"
+
+#include <string>
+
+#include "unit/UnitError.h"
+
+namespace headunit {
+
+void SerialLines::install(UnitTree& tree) {
+    for (SerialLine* line : all()) {
+        try {
+            line->install(tree);
+        } catch (const UnitError& error) {
+            throw UnitError(std::string(line->name()) + " line: " + error.what());
+        }
+    }
+}
+
+SerialLine* SerialLines::find(std::string_view name) {
+    for (SerialLine* line : all())
+        if (line->name() == name)
+            return line;
+    return nullptr;
+}
+
+} // namespace headunit

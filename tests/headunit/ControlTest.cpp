@@ -1,0 +1,243 @@
+#include <gmock/gmock.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <vector>
+
+#include "control/ControlSocket.h"
+#include "support/Peers.h"
+#include "unit/UnitError.h"
+
+namespace headunit_test {
+namespace {
+
+using headunit::UnitError;
+using headunit::UnitPeers;
+using testing::HasSubstr;
+
+class ControlTest : public PeersTest {
+protected:
+    System::Descriptor connect() const { return headunit::connectToControl(node("/run/headunit")); }
+};
+
+std::string readAll(int socket) {
+    std::string text;
+    char block[512];
+    for (ssize_t count; (count = ::read(socket, block, sizeof block)) > 0;)
+        text.append(block, static_cast<std::size_t>(count));
+    return text;
+}
+
+struct RefusedCase {
+    const char* title;
+    std::string line;
+    std::string why;
+};
+
+void PrintTo(const RefusedCase& row, std::ostream* out) {
+    *out << row.title;
+}
+
+class Refused : public ControlTest, public testing::WithParamInterface<RefusedCase> {};
+
+TEST_P(Refused, saysWhy) {
+    const auto answer = ask(GetParam().line);
+    EXPECT_FALSE(answer.done);
+    EXPECT_EQ(answer.text, GetParam().why);
+}
+
+const std::string kNoLine = " is not one of station, loopback, modem, receiver";
+const std::string kNoPlace = " is not a latitude within 90 and a longitude within 180 degrees";
+const std::string kNoKey = " is not one of signal, registration, pin, late, silent";
+const std::string kNoSignal = " is not a signal strength: 0 to 31, or 99 for unknown";
+const std::string kNoTime = " is not a number of milliseconds: 0 to 600000";
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, Refused,
+    testing::Values(
+        RefusedCase{"empty", "", "there is no word"}, RefusedCase{"blank", "  ", "there is no word"},
+        RefusedCase{"unknownWord", "fly",
+                    "'fly' is not one of unplug, plug, state, position, modem, loopback, receiver"},
+        RefusedCase{"unplugNothing", "unplug", "usage: unplug LINE"},
+        RefusedCase{"unplugTwo", "unplug station modem", "usage: unplug LINE"},
+        RefusedCase{"unplugUnknown", "unplug it", "'it'" + kNoLine},
+        RefusedCase{"plugNothing", "plug", "usage: plug LINE"},
+        RefusedCase{"plugUnknown", "plug it", "'it'" + kNoLine},
+        RefusedCase{"plugPlugged", "plug modem", "modem is plugged in already"},
+        RefusedCase{"stateOfOne", "state modem", "usage: state"},
+        RefusedCase{"halfAPosition", "position 1", "usage: position LATITUDE LONGITUDE"},
+        RefusedCase{"beyondThePole", "position 90.1 0", "'90.1 0'" + kNoPlace},
+        RefusedCase{"beyondTheDateLine", "position 0 -181", "'0 -181'" + kNoPlace},
+        RefusedCase{"noNumber", "position north 0", "'north 0'" + kNoPlace},
+        RefusedCase{"trailingText", "position 1x 0", "'1x 0'" + kNoPlace},
+        RefusedCase{"twoPoints", "position 1.2.3 0", "'1.2.3 0'" + kNoPlace},
+        RefusedCase{"notANumber", "position nan 0", "'nan 0'" + kNoPlace},
+        RefusedCase{"modemNothing", "modem", "usage: modem signal|registration|pin|late|silent VALUE"},
+        RefusedCase{"modemUnknown", "modem colour red", "'colour'" + kNoKey},
+        RefusedCase{"signalTooStrong", "modem signal 32", "'32'" + kNoSignal},
+        RefusedCase{"signalText", "modem signal strong", "'strong'" + kNoSignal},
+        RefusedCase{"registrationTooHigh", "modem registration 6",
+                    "'6' is not a registration state: 0 to 5"},
+        RefusedCase{"pinUnknown", "modem pin 1234",
+                    "'1234' is not one of ready, wanted, blocked, absent"},
+        RefusedCase{"lateNegative", "modem late -1", "'-1'" + kNoTime},
+        RefusedCase{"lateTooLong", "modem late 600001", "'600001'" + kNoTime},
+        RefusedCase{"lateHuge", "modem late 99999999999", "'99999999999'" + kNoTime},
+        RefusedCase{"silentHow", "modem silent maybe", "'maybe' is not on or off"},
+        RefusedCase{"loopbackNothing", "loopback", "usage: loopback on|off"},
+        RefusedCase{"loopbackHow", "loopback 1", "'1' is not on or off"},
+        RefusedCase{"receiverNothing", "receiver", "usage: receiver on|off"},
+        RefusedCase{"receiverHow", "receiver ON", "'ON' is not on or off"},
+        RefusedCase{"longLine", std::string(513, 'x'), "the line is too long"},
+        RefusedCase{"veryLongLine", std::string(100000, 'x'), "the line is too long"},
+        RefusedCase{"longestLine", std::string(512, ' '), "there is no word"}),
+    [](const testing::TestParamInfo<RefusedCase>& info) { return info.param.title; });
+
+TEST_F(ControlTest, doesEverythingThatItKnows) {
+    for (const char* line : {"unplug station",   "plug station",          "unplug loopback",
+                             "plug loopback",    "unplug modem",          "plug modem",
+                             "unplug receiver",  "plug receiver",         "state",
+                             "position 90 180",  "position -90.0 -180.0", "modem signal 0",
+                             "modem signal 99",  "modem registration 0",  "modem registration 5",
+                             "modem pin ready",  "modem pin wanted",      "modem pin blocked",
+                             "modem pin absent", "modem late 0",          "modem late 600000",
+                             "modem silent on",  "modem silent off",      "loopback off",
+                             "loopback on",      "receiver off",          "receiver on",
+                             "  receiver   on "})
+        tell(line);
+}
+
+TEST_F(ControlTest, tellsTheStateOfEveryLine) {
+    tell("receiver off");
+    const Line line(node("/dev/ser1"));
+    ASSERT_TRUE(line.write("abc"));
+    EXPECT_EQ(line.read(3), "abc");
+    tell("unplug modem");
+    EXPECT_EQ(ask("unplug modem").text, "modem is unplugged already");
+    EXPECT_EQ(ask("state").text,
+              "station /dev/usbserialadapter1 plugged from-unit 0 to-unit 0\n"
+              "loopback /dev/ser1 plugged from-unit 3 to-unit 3\n"
+              "modem /dev/NAD/AT_port unplugged from-unit 0 to-unit 0\n"
+              "receiver /dev/ser3 plugged from-unit 0 to-unit 0");
+}
+
+TEST_F(ControlTest, refusesToPlugALineWhoseNameIsTaken) {
+    tell("unplug modem");
+    writeFile(node("/dev/NAD/AT_port"), "theirs");
+    const auto answer = ask("plug modem");
+    EXPECT_FALSE(answer.done);
+    EXPECT_EQ(answer.text,
+              node("/dev/NAD/AT_port") + " exists and is no link to a terminal; it is left as it is");
+    EXPECT_THAT(ask("state").text, HasSubstr("modem /dev/NAD/AT_port unplugged"));
+    EXPECT_EQ(contentOf(node("/dev/NAD/AT_port")), "theirs");
+    std::filesystem::remove(node("/dev/NAD/AT_port"));
+    tell("plug modem");
+}
+
+TEST_F(ControlTest, takesALineInPieces) {
+    const System::Descriptor socket = connect();
+    ASSERT_TRUE(socket);
+    for (const char character : std::string("plug it\n"))
+        ASSERT_EQ(::send(socket.get(), &character, 1, MSG_NOSIGNAL), 1);
+    EXPECT_EQ(readAll(socket.get()), "refused\n'it'" + kNoLine + "\n");
+}
+
+TEST_F(ControlTest, isNotHeldUpByUsersWhoSayNothing) {
+    std::vector<System::Descriptor> mute;
+    for (int i = 0; i < 20; ++i)
+        mute.push_back(connect());
+    EXPECT_TRUE(ask("state").done) << "once the first of them have been sent away";
+}
+
+TEST_F(ControlTest, survivesUsersWhoLeave) {
+    for (int i = 0; i < 100; ++i) {
+        const System::Descriptor socket = connect();
+        ASSERT_TRUE(socket);
+        const char* line = i % 2 == 0 ? "state\n" : "sta";
+        ASSERT_GT(::send(socket.get(), line, std::strlen(line), MSG_NOSIGNAL), 0);
+    }
+    EXPECT_TRUE(ask("state").done);
+}
+
+TEST_F(ControlTest, isAloneInAFolder) {
+    try {
+        const UnitPeers second(m_unit);
+        FAIL() << "no error";
+    } catch (const UnitError& error) {
+        EXPECT_EQ(error.what(),
+                  "another headunit is at work here (" + node("/run/headunit") + " is locked)");
+    }
+    EXPECT_TRUE(ask("state").done);
+    EXPECT_TRUE(exists("/dev/ser1"));
+}
+
+TEST_F(ControlTest, leavesNothingAtTheEnd) {
+    m_peers.reset();
+    EXPECT_TRUE(std::filesystem::is_empty(node("/run/headunit")));
+    for (const char* path : {"/dev/usbserialadapter1", "/dev/ser1", "/dev/NAD/AT_port", "/dev/ser3"})
+        EXPECT_FALSE(exists(path)) << path;
+    EXPECT_EQ(ask("state").text, "nobody listens");
+}
+
+TEST_F(ControlTest, takesThePlaceOfARunThatWasKilled) {
+    m_peers.reset();
+    std::filesystem::create_symlink("/dev/pts/123456", node("/dev/ser1"));
+    std::filesystem::create_symlink("/dev/pts/123457", stationEnd());
+    {
+        const System::Descriptor stale(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        const std::string path = node("/run/headunit/control");
+        ASSERT_LT(path.size(), sizeof address.sun_path);
+        path.copy(address.sun_path, path.size());
+        ASSERT_EQ(::bind(stale.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    }
+    EXPECT_EQ(ask("state").text, "nobody listens");
+    m_peers.emplace(m_unit);
+    EXPECT_TRUE(ask("state").done);
+    const Line line(node("/dev/ser1"));
+    ASSERT_TRUE(line.write("x"));
+    EXPECT_EQ(line.read(1), "x");
+}
+
+TEST_F(ControlTest, doesNotStartOverSomethingElse) {
+    m_peers.reset();
+    writeFile(node("/dev/ser3"), "theirs");
+    try {
+        m_peers.emplace(m_unit);
+        FAIL() << "no error";
+    } catch (const UnitError& error) {
+        EXPECT_EQ(error.what(), "receiver line: " + node("/dev/ser3") +
+                                    " exists and is no link to a terminal; it is left as it is");
+    }
+    EXPECT_FALSE(exists("/dev/ser1")) << "what was made before is taken back";
+    EXPECT_EQ(contentOf(node("/dev/ser3")), "theirs");
+}
+
+TEST_F(ControlTest, worksInAFolderWithALongName) {
+    headunit::UnitFolder deep =
+        headunit::UnitFolder::kept(m_parent / std::string(100, 'a') + "/" + std::string(100, 'b'));
+    const UnitPeers peers(deep);
+    const auto answer = headunit::askUnit(deep.hostPath("/run/headunit"), "state");
+    EXPECT_TRUE(answer && answer->done);
+}
+
+TEST_F(ControlTest, twoUnitsHaveNothingInCommon) {
+    headunit::UnitFolder other = headunit::UnitFolder::kept(m_parent / "other");
+    const UnitPeers peers(other);
+    const Line ours(node("/dev/usbserialadapter1"));
+    const Line theirs(other.hostPath("/dev/usbserialadapter1"));
+    ASSERT_TRUE(Line(stationEnd()).write("ours"));
+    ASSERT_TRUE(Line(peers.stationPath()).write("theirs"));
+    EXPECT_EQ(ours.read(4), "ours");
+    EXPECT_EQ(theirs.read(6), "theirs");
+    tell("unplug station");
+    EXPECT_TRUE(ours.seesHangUp());
+    ASSERT_TRUE(Line(peers.stationPath()).write("more"));
+    EXPECT_EQ(theirs.read(4), "more");
+}
+
+} // namespace
+} // namespace headunit_test

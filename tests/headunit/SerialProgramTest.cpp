@@ -1,0 +1,227 @@
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "support/Line.h"
+#include "support/Program.h"
+
+namespace headunit_test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr char kReadSupplier[] = "echo supplier [$FIRST_TIER_SUPPLIER]";
+
+/// The finished program with its serial lines; each case has a TMPDIR of its own.
+class SerialProgramTest : public testing::Test {
+protected:
+    Program::Surroundings surroundings() const {
+        return {"", {{"TMPDIR", m_temporary.path()}, {"FIRST_TIER_SUPPLIER", "outer"}}};
+    }
+
+    static std::vector<std::string> exec(const std::vector<std::string>& rest) {
+        std::vector<std::string> command = {HEADUNIT_PROGRAM, "exec"};
+        command.insert(command.end(), rest.begin(), rest.end());
+        return command;
+    }
+
+    static std::vector<std::string> run(const std::vector<std::string>& host,
+                                        const std::vector<std::string>& rest) {
+        std::vector<std::string> command = {PRIVATE_HOST};
+        command.insert(command.end(), host.begin(), host.end());
+        command.insert(command.end(), {HEADUNIT_PROGRAM, "run", "--daemon-path", STANDIN_DAEMON});
+        command.insert(command.end(), rest.begin(), rest.end());
+        return command;
+    }
+
+    /// What 'control' prints, and its exit status.
+    std::pair<int, std::string> control(const std::vector<std::string>& words) const {
+        std::vector<std::string> command = {HEADUNIT_PROGRAM, "control"};
+        command.insert(command.end(), words.begin(), words.end());
+        Program program(command, surroundings());
+        const int status = program.wait();
+        return {status, program.output() + program.error()};
+    }
+
+    /// Runs a shell script in a fresh unit.
+    std::string outputOf(const std::string& script) const {
+        Program program(exec({"--", "sh", "-c", script}), surroundings());
+        EXPECT_EQ(program.wait(), 0) << program.error();
+        EXPECT_EQ(program.error(), "");
+        return program.output();
+    }
+
+    TestFolder m_temporary;
+};
+
+TEST_F(SerialProgramTest, aUnitHasItsLinesAndTheStationsEnd) {
+    EXPECT_EQ(outputOf("for node in /dev/usbserialadapter1 /dev/ser1 /dev/NAD/AT_port /dev/ser3 "
+                       "/run/headunit/station-line; do test -c $node && echo $node; done"),
+              "/dev/usbserialadapter1\n/dev/ser1\n/dev/NAD/AT_port\n/dev/ser3\n"
+              "/run/headunit/station-line\n");
+    EXPECT_EQ(outputOf("exec 3<>/dev/usbserialadapter1 4<>/run/headunit/station-line; "
+                       "echo there >&4; head -c 6 <&3; echo back >&3; head -c 5 <&4"),
+              "there\nback\n");
+    EXPECT_EQ(outputOf("exec 3<>/dev/ser1; echo round >&3; head -c 6 <&3"), "round\n");
+    EXPECT_THAT(m_temporary.names(), IsEmpty());
+}
+
+TEST_F(SerialProgramTest, aUnitIsControlledFromInside) {
+    EXPECT_EQ(outputOf("headunit control unplug station; test -e /dev/usbserialadapter1 || echo gone; "
+                       "headunit control plug station; test -c /dev/usbserialadapter1 && echo back; "
+                       "headunit control state | head -n 1"),
+              "ok\ngone\nok\nback\nstation /dev/usbserialadapter1 plugged from-unit 0 to-unit 0\n");
+    EXPECT_EQ(outputOf("headunit control position -12.5 8; headunit control plug it 2>&1; echo $?"),
+              "ok\nheadunit: 'it' is not one of station, loopback, modem, receiver\n1\n");
+}
+
+TEST_F(SerialProgramTest, aRunningUnitIsControlledFromOutside) {
+    const std::string unit = m_temporary / "unit";
+    Program program(run({}, {"--unit", unit}), surroundings());
+    ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
+    const std::string station = fs::read_symlink(unit + "/run/headunit/station-line").string();
+    EXPECT_THAT(program.output(), HasSubstr("serial  serial:" + station + "\n"));
+    EXPECT_EQ(control({"--unit", unit, "unplug", "modem"}), (std::pair{0, std::string("ok\n")}));
+    const auto [status, text] = control({"--unit", unit, "state"});
+    EXPECT_EQ(status, 0);
+    EXPECT_THAT(text, HasSubstr("modem /dev/NAD/AT_port unplugged from-unit 0 to-unit 0\n"));
+
+    const Line ours(station);
+    const Line theirs(unit + "/dev/usbserialadapter1");
+    ASSERT_TRUE(ours.write("request"));
+    EXPECT_EQ(theirs.read(7), "request");
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_TRUE(ours.seesHangUp());
+    EXPECT_FALSE(fs::is_symlink(unit + "/dev/usbserialadapter1"));
+    EXPECT_TRUE(fs::is_empty(unit + "/run/headunit"));
+}
+
+TEST_F(SerialProgramTest, twoUnitsRunSideBySide) {
+    const std::vector<std::string> command =
+        exec({"--", "sh", "-c",
+              "exec 3<>/dev/ser1; echo up; read word; echo $word >&3; read word <&3; "
+              "echo $word"});
+    Program first(command, surroundings());
+    Program second(command, surroundings());
+    ASSERT_TRUE(first.waitForOutput("up\n")) << first.error();
+    ASSERT_TRUE(second.waitForOutput("up\n")) << second.error();
+    first.write("first\n");
+    second.write("second\n");
+    EXPECT_EQ(first.wait(), 0);
+    EXPECT_EQ(second.wait(), 0);
+    EXPECT_EQ(first.output(), "up\nfirst\n");
+    EXPECT_EQ(second.output(), "up\nsecond\n");
+    EXPECT_THAT(m_temporary.names(), IsEmpty());
+}
+
+TEST_F(SerialProgramTest, oneFolderIsForOneUnitAtATime) {
+    const std::string unit = m_temporary / "unit";
+    Program first(exec({"--unit", unit, "--", "sh", "-c", "echo up; read line"}), surroundings());
+    ASSERT_TRUE(first.waitForOutput("up\n")) << first.error();
+    Program second(exec({"--unit", unit, "--", "true"}), surroundings());
+    EXPECT_EQ(second.wait(), 125);
+    EXPECT_EQ(second.error(),
+              "headunit: another headunit is at work here (" + unit + "/run/headunit is locked)\n");
+    first.write("\n");
+    EXPECT_EQ(first.wait(), 0);
+}
+
+TEST_F(SerialProgramTest, aKeptFolderIsUsedAgainAfterAKilledRun) {
+    const std::string unit = m_temporary / "unit";
+    Program killed(exec({"--unit", unit, "--", "sh", "-c", "echo up; read line"}), surroundings());
+    ASSERT_TRUE(killed.waitForOutput("up\n")) << killed.error();
+    killed.signal(SIGKILL);
+    EXPECT_EQ(killed.wait(), 128 + SIGKILL);
+    EXPECT_TRUE(fs::is_symlink(unit + "/dev/ser1"));
+    Program next(
+        exec({"--unit", unit, "--", "sh", "-c",
+              "exec 3<>/dev/ser1; echo round >&3; head -c 6 <&3; headunit control state | wc -l"}),
+        surroundings());
+    EXPECT_EQ(next.wait(), 0) << next.error();
+    EXPECT_EQ(next.output(), "round\n4\n");
+}
+
+TEST_F(SerialProgramTest, controlSaysThatThereIsNoUnit) {
+    const std::string nowhere = m_temporary / "none";
+    EXPECT_EQ(control({"--unit", nowhere, "state"}),
+              (std::pair{3, "headunit: no unit listens at " + nowhere +
+                                "/run/headunit/control; outside a unit name its folder with --unit\n"}));
+}
+
+TEST_F(SerialProgramTest, controlWantsWords) {
+    EXPECT_EQ(control({}).first, 2);
+    EXPECT_EQ(control({"--fast", "state"}).first, 2);
+    EXPECT_EQ(control({"state\nstate"}).first, 2);
+    EXPECT_EQ(control({"state", "--", "true"}).first, 2);
+}
+
+TEST_F(SerialProgramTest, theSupplierIsTheDaemonsAlone) {
+    const std::string daemon = m_temporary / "daemon";
+    writeFile(daemon,
+              std::string("#!/bin/sh\n") + kReadSupplier + " >&2\nexec " + STANDIN_DAEMON + "\n");
+    fs::permissions(daemon, fs::perms::owner_all);
+    const std::vector<std::string> rest = {"--daemon-path", daemon, "--", "sh", "-c", kReadSupplier};
+    for (const auto& [options, expected] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"--daemon", "--supplier", "inner one"}, "inner one"},
+             {{"--daemon", "--supplier", ""}, ""},
+             {{"--daemon"}, "outer"}}) {
+        std::vector<std::string> arguments = options;
+        arguments.insert(arguments.end(), rest.begin(), rest.end());
+        Program program(exec(arguments), surroundings());
+        EXPECT_EQ(program.wait(), 0) << program.error();
+        EXPECT_EQ(program.output(), "supplier [outer]\n");
+        EXPECT_EQ(program.error(), "supplier [" + expected + "]\nstand-in: started\n");
+    }
+    Program useless(exec({"--supplier", "x", "--", "true"}), surroundings());
+    EXPECT_EQ(useless.wait(), 2);
+    EXPECT_THAT(useless.error(), HasSubstr("--daemon"));
+}
+
+TEST_F(SerialProgramTest, theSupplierOfARunningUnit) {
+    const std::string daemon = m_temporary / "daemon";
+    writeFile(daemon,
+              std::string("#!/bin/sh\n") + kReadSupplier + " >&2\nexec " + STANDIN_DAEMON + "\n");
+    fs::permissions(daemon, fs::perms::owner_all);
+    for (const bool given : {true, false}) {
+        std::vector<std::string> arguments = {"--daemon-path", daemon};
+        if (given)
+            arguments.insert(arguments.end(), {"--supplier", "inner"});
+        std::vector<std::string> command = {PRIVATE_HOST, HEADUNIT_PROGRAM, "run"};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        Program::Surroundings around = surroundings();
+        around.environment["PATH"] = fs::path(STANDIN_DAEMON).parent_path().string() + ":/usr/bin:/bin";
+        Program program(command, around);
+        ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
+        program.signal(SIGTERM);
+        EXPECT_EQ(program.wait(), 0);
+        EXPECT_THAT(program.error(), HasSubstr(given ? "supplier [inner]\n" : "supplier [outer]\n"));
+    }
+}
+
+TEST_F(SerialProgramTest, inPlaceHasTheLinesToo) {
+    const TestFolder root;
+    Program program(
+        run({"--root", root.path()}, {"--in-place", "--yes-change-this-machine", "--supplier", "inner"}),
+        surroundings());
+    ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
+    EXPECT_THAT(program.output(), HasSubstr("serial  serial:/dev/pts/"));
+    EXPECT_THAT(program.output(), HasSubstr("/headunit control state\n"));
+    for (const char* node : {"dev/usbserialadapter1", "dev/ser1", "dev/NAD/AT_port", "dev/ser3",
+                             "run/headunit/station-line"})
+        EXPECT_EQ(fs::read_symlink(root / node).string().rfind("/dev/pts/", 0), 0u) << node;
+    EXPECT_EQ(control({"--unit", root.path(), "unplug", "receiver"}).second, "ok\n");
+    EXPECT_FALSE(fs::is_symlink(root / "dev/ser3"));
+    EXPECT_EQ(control({"--unit", root.path(), "plug", "receiver"}).second, "ok\n");
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0) << program.error();
+    EXPECT_FALSE(fs::is_symlink(root / "dev/ser3"));
+    EXPECT_FALSE(fs::exists(root / "dev/NAD"));
+    EXPECT_TRUE(fs::is_empty(root / "run"));
+}
+
+} // namespace
+} // namespace headunit_test
