@@ -12,6 +12,9 @@
 /// Deliberately without a virtual destructor: who owns a driver knows its class.
 class CommInterface {
 public:
+    CommInterface(const CommInterface&) = delete;
+    CommInterface& operator=(const CommInterface&) = delete;
+
     enum Parity : unsigned { None = 0, Even = 1, Odd = 2 };
 
     virtual DeviceResult isOpen(bool& open) = 0;
@@ -39,8 +42,6 @@ public:
 
 protected:
     CommInterface() = default;
-    CommInterface(const CommInterface&) = delete;
-    CommInterface& operator=(const CommInterface&) = delete;
     ~CommInterface() = default;
 
 private:

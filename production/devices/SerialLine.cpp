@@ -74,6 +74,7 @@ DeviceResult SerialLine::open(const std::string& path, unsigned baud, unsigned d
     close();
     errno = 0;
     m_path = path;
+    ++m_openings;
     if (!openDevice(path.c_str()))
         return closeAfter(kNoOpen);
     if (::tcgetattr(descriptor(), &m_savedAttributes) != 0)
@@ -129,8 +130,8 @@ DeviceResult SerialLine::read_locked(unsigned& count, void* buffer, int length, 
     int total = 0;
     for (;;) {
         bool arrived = false;
-        if (DeviceResult result = waitForData(timeoutMs, mutex, arrived); result.failed())
-            return result;
+        if (auto ending = waitForData(timeoutMs, mutex, arrived))
+            return *std::move(ending);
         if (!arrived || total >= length)
             break;
         const ssize_t received = ::read(descriptor(), static_cast<unsigned char*>(buffer) + total,
@@ -150,9 +151,12 @@ DeviceResult SerialLine::read_locked(unsigned& count, void* buffer, int length, 
     return {};
 }
 
-DeviceResult SerialLine::waitForData(unsigned timeoutMs, System::Mutex* mutex, bool& arrived) {
-    const int device = descriptor();
-    pollfd event{device, POLLIN, 0};
+/// Waits for data or the end of the time. A result when the read has to end with it, which may be one
+/// without an error code.
+std::optional<DeviceResult> SerialLine::waitForData(unsigned timeoutMs, System::Mutex* mutex,
+                                                    bool& arrived) {
+    const unsigned opening = m_openings;
+    pollfd event{descriptor(), POLLIN, 0};
     if (mutex != nullptr)
         mutex->unlock();
     int ready = waitForEvent(event, timeoutMs);
@@ -160,19 +164,19 @@ DeviceResult SerialLine::waitForData(unsigned timeoutMs, System::Mutex* mutex, b
     if (mutex != nullptr)
         mutex->lock();
     // Whoever held the mutex meanwhile may have closed the port; its number may stand for another file.
-    if (descriptor() != device)
+    if (!isDeviceOpen() || m_openings != opening)
         return create_commhanderror(kNotOpen, DeviceError::kNotUsable);
     if (ready > 0 && (event.revents & POLLNVAL) != 0) {
         ready = -1;
         error = EBADF;
     }
-    errno = error;
+    errno = ready < 0 ? error : 0;
     if (ready < 0)
         return systemError(kNoSelect);
     arrived = ready > 0;
     if (arrived && (event.revents & (POLLIN | POLLHUP | POLLERR)) == 0)
         return create_commhanderror(kNoneSet, errno);
-    return {};
+    return std::nullopt;
 }
 
 DeviceResult SerialLine::write(const void* buffer, int length) {

@@ -2,6 +2,7 @@
 
 #include <termios.h>
 
+#include <optional>
 #include <string>
 
 #include "devices/CommInterface.h"
@@ -47,8 +48,9 @@ private:
     bool isDeviceOpen() const { return descriptor() >= 0; }
     DeviceResult systemError(const char* lead) const;
     DeviceResult closeAfter(const char* lead);
-    DeviceResult waitForData(unsigned timeoutMs, System::Mutex* mutex, bool& arrived);
+    std::optional<DeviceResult> waitForData(unsigned timeoutMs, System::Mutex* mutex, bool& arrived);
 
     std::string m_path;
+    unsigned m_openings = 0; // tells a device from another one that got its descriptor number
     termios m_savedAttributes{};
 };
