@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -123,9 +122,10 @@ bool Adapter::isSilentFor(std::chrono::milliseconds time) {
 }
 
 void Adapter::waitUntilTaken() {
+    // Unlike asking for the number of bytes, polling has the terminal deliver what is on its way first.
     const auto isTaken = [this] {
-        int waiting = -1;
-        return ::ioctl(m_unit.get(), FIONREAD, &waiting) == 0 && waiting == 0;
+        pollfd event{m_unit.get(), POLLIN, 0};
+        return ::poll(&event, 1, 0) == 0;
     };
     if (!eventually(isTaken))
         throw std::runtime_error("the daemon does not read its line");
