@@ -201,7 +201,7 @@ std::vector<unsigned char> Listener::refuseLength(unsigned char length) {
 
 /// Fills in what follows the length byte; what does not come in time stays zero. False when there is
 /// nothing to run.
-bool Listener::readBody(std::vector<unsigned char>& frame) {
+bool Listener::readBody(std::vector<unsigned char>& frame) const {
     Comm::Handle* port = nullptr;
     DeviceResult result = comm()->device(&port, m_channel);
     unsigned count = 0;

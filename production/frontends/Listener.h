@@ -48,7 +48,7 @@ private:
     bool answer(std::vector<unsigned char>& response);
     std::vector<unsigned char> refuseLength(unsigned char length);
     std::vector<unsigned char> runRequest(std::vector<unsigned char>& frame);
-    bool readBody(std::vector<unsigned char>& frame);
+    bool readBody(std::vector<unsigned char>& frame) const;
 
     int readAcknowledgement(Comm::Handle& port);
     bool isToBeHandled(const DeviceResult& result);
