@@ -14,6 +14,7 @@
 #include "core/Diagnostics.h"
 #include "core/MemoryGuard.h"
 #include "core/ProcessResponseAscii.h"
+#include "core/TokenText.h"
 #include "platform/Base64.h"
 #include "platform/Descriptors.h"
 #include "platform/Shell.h"
@@ -186,8 +187,7 @@ ProcessResponse* cReadCmd::process(std::vector<unsigned char>* request) {
 ProcessResponse* cReadCmd::process(std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kTokens)
         return newError(kWrongTokenCount, static_cast<int>(tokens.size()));
-    const std::size_t wordLength = std::strlen(kCommandWord);
-    if (tokens[1].size() < wordLength || std::memcmp(tokens[1].data(), kCommandWord, wordLength) != 0)
+    if (!beginsWith(tokens[1], kCommandWord))
         return newError("%s", kUnsupportedAscii);
     const auto limit = static_cast<unsigned long long>(static_cast<long long>(ascii_getInt(tokens[2])));
     const std::string text(tokens[3].begin(), tokens[3].end());

@@ -1,12 +1,12 @@
 #include "commands/sReadCmd.h"
 
 #include <cstdio>
-#include <cstring>
 #include <memory>
 
 #include "commands/cReadCmd.h"
 #include "core/BuildStamp.h"
 #include "core/ProcessResponseAscii.h"
+#include "core/TokenText.h"
 
 namespace {
 
@@ -112,10 +112,8 @@ ProcessResponse* sReadCmd::process(std::vector<std::vector<char>>& tokens) {
                                          {"04", kSystemVersion}};
     if (tokens.size() == 1)
         return sendStatusAscii();
-    const std::size_t prefixLength = std::strlen(kSelections[0].prefix);
     for (const Selection& selection : kSelections) {
-        if (tokens.size() > 1 && tokens[1].size() >= prefixLength &&
-            std::memcmp(tokens[1].data(), selection.prefix, prefixLength) == 0)
+        if (tokens.size() > 1 && beginsWith(tokens[1], selection.prefix))
             return cReadCmd::getInstance()->ReadFromFileBase64(selection.path);
     }
     return genericError(kUnsupported);

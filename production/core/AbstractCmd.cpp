@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/BigEndian.h"
 #include "core/Handler.h"
 #include "core/HexDigit.h"
 #include "core/ProcessResponseAscii.h"
@@ -37,13 +38,6 @@ unsigned char byteAt(const std::vector<unsigned char>* request, std::size_t inde
 
 unsigned char byteOrZero(const std::vector<unsigned char>* request, std::size_t index) {
     return request == nullptr || index >= request->size() ? 0 : (*request)[index];
-}
-
-void putBigEndian32(std::vector<unsigned char>& frame, std::size_t at, std::uint32_t value) {
-    frame[at] = static_cast<unsigned char>(value >> 24);
-    frame[at + 1] = static_cast<unsigned char>(value >> 16);
-    frame[at + 2] = static_cast<unsigned char>(value >> 8);
-    frame[at + 3] = static_cast<unsigned char>(value);
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include "commands/ErrorCmd.h"
 #include "core/Diagnostics.h"
 #include "core/ProcessResponseAscii.h"
+#include "core/TokenText.h"
 
 namespace {
 
@@ -21,10 +22,6 @@ constexpr char kReason[] = "Reason: Command ";
 constexpr char kRegisteredBy[] = " registered by ";
 constexpr char kNoHandler[] = "No Handler for the Command ";
 constexpr char kEmptyRequest[] = "command fehler\n";
-
-std::string textOf(const std::vector<char>& token) {
-    return std::string(token.begin(), std::find(token.begin(), token.end(), '\0'));
-}
 
 void reportEmptyRequest() {
     std::fputs(kEmptyRequest, stdout);
@@ -146,7 +143,7 @@ std::string Handler::handleCommand(std::vector<std::vector<char>> tokens, Abstra
     request->listener = listener;
     request->isAscii = true;
     if (!tokens.empty()) {
-        const std::string name = textOf(tokens.front());
+        const std::string name = tokenText(tokens.front());
         const auto entry = m_commandsByName.find(name);
         if (entry == m_commandsByName.end()) {
             request->command = ErrorCmd::getInstance();

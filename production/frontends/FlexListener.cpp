@@ -8,6 +8,7 @@
 #include "core/Diagnostics.h"
 #include "core/Handler.h"
 #include "core/StringFormat.h"
+#include "core/TokenText.h"
 #include "frontends/CommandLexer.h"
 #include "frontends/LineFraming.h"
 #include "frontends/StationLine.h"
@@ -23,10 +24,6 @@ constexpr std::size_t kLargestWrite = std::size_t{1} << 30;
 
 void printException(const DeviceResult& result) {
     printDiagnostic(string_format(kException, result.code, result.message.c_str()));
-}
-
-std::string textOf(const std::vector<char>& token) {
-    return std::string(token.begin(), std::find(token.begin(), token.end(), '\0'));
 }
 
 } // namespace
@@ -173,5 +170,5 @@ Comm::Handle* FlexListener::openedPort() const {
 
 void FlexListener::notifyInterruptCommand(const std::vector<std::vector<char>>& tokens) {
     if (!tokens.empty())
-        m_clock.warnIfLong(textOf(tokens.front()).c_str());
+        m_clock.warnIfLong(tokenText(tokens.front()).c_str());
 }

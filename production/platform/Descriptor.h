@@ -26,6 +26,9 @@ public:
     /// Gives the descriptor away without closing it.
     int release() { return std::exchange(m_descriptor, -1); }
 
+    /// Closes what is owned and returns 0 or the error number that closing failed with; 0 when empty.
+    int close();
+
     /// Closes what is owned and takes `descriptor` instead. `errno` is left as it was.
     void reset(int descriptor = -1);
 

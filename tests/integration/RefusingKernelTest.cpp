@@ -24,11 +24,11 @@ DaemonStart refusing(std::vector<KernelRefusal> refusals, bool waitForPort = tru
     return start;
 }
 
-/// What follows the banner on standard error.
+/// What follows the start on standard error.
 std::string complaints(const Daemon& daemon) {
     const std::string error = daemon.error();
-    const std::size_t banner = error.find("only.");
-    return banner == std::string::npos ? error : error.substr(banner + 5);
+    const std::size_t end = error.find(kStartEnd);
+    return end == std::string::npos ? error : error.substr(end + sizeof kStartEnd - 1);
 }
 
 TEST(RefusingKernel, WithoutASocketTheNetworkEnds) {
@@ -64,7 +64,7 @@ TEST(RefusingKernel, WithoutClientsTheDaemonStaysQuiet) {
     for (const Quiet& row : kQuiet) {
         SCOPED_TRACE(row.name);
         const Daemon daemon(refusing({row.refusal}, false));
-        ASSERT_TRUE(daemon.waitForError("only."));
+        ASSERT_TRUE(daemon.waitForError(kStartEnd));
         const auto before = processorTime(daemon.pid());
         observeFor(std::chrono::seconds(1));
         EXPECT_LT(processorTime(daemon.pid()) - before, std::chrono::milliseconds(200));

@@ -2,10 +2,14 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <utility>
+
+#include "support/RefusedCalls.h"
 
 using System::Descriptor;
 
@@ -17,6 +21,15 @@ int openNull() {
 
 bool isOpen(int descriptor) {
     return ::fcntl(descriptor, F_GETFD) != -1;
+}
+
+/// Ends the process with the result of closing a descriptor that the kernel closes with `error`, or with
+/// 255 when the object still owns it.
+[[noreturn]] void closeWith(int error) {
+    Descriptor owner(openNull());
+    refuseSystemCalls({SYS_close}, error);
+    const int result = owner.close();
+    std::_Exit(owner ? 255 : result);
 }
 
 } // namespace
@@ -97,4 +110,34 @@ TEST(DescriptorTest, ResetClosesAndKeepsErrno) {
     errno = EDOM;
     owner.reset();
     EXPECT_EQ(errno, EDOM);
+}
+
+TEST(DescriptorTest, ClosingByHandTellsThatItSucceeded) {
+    const int number = openNull();
+    Descriptor owner(number);
+    errno = EDOM;
+    EXPECT_EQ(owner.close(), 0);
+    EXPECT_EQ(errno, EDOM);
+    EXPECT_FALSE(owner);
+    EXPECT_FALSE(isOpen(number));
+    EXPECT_EQ(owner.close(), 0) << "there is nothing left to close";
+    EXPECT_EQ(Descriptor().close(), 0);
+}
+
+TEST(DescriptorTest, ClosingByHandTellsWhyItFailed) {
+    const int number = openNull();
+    ::close(number);
+    Descriptor owner(number);
+    errno = EDOM;
+    EXPECT_EQ(owner.close(), EBADF);
+    EXPECT_EQ(errno, EDOM);
+    EXPECT_FALSE(owner);
+    EXPECT_EQ(owner.close(), 0) << "it is given up all the same";
+}
+
+TEST(DescriptorTest, ClosingIsTriedOnce) {
+    for (const int error : {EIO, EINTR, ENOSPC}) {
+        SCOPED_TRACE(error);
+        EXPECT_EXIT(closeWith(error), ::testing::ExitedWithCode(error), "");
+    }
 }

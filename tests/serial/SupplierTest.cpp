@@ -96,8 +96,9 @@ TEST_P(BinarySupplierTest, SpeaksFramesThroughADescriptorThatDoesNotBlock) {
     // Announced while no command's time was taken, so that the clock's own time is shown. On a busy
     // machine an acknowledgement may come late.
     const std::string error = daemon.error();
-    const std::size_t end = error.find("Prod.testserver: ");
-    ASSERT_NE(end, std::string::npos) << error;
+    const std::size_t start = error.find(kStartEnd);
+    ASSERT_NE(start, std::string::npos) << error;
+    const std::size_t end = start + sizeof kStartEnd - 1;
     EXPECT_TRUE(isBannerOnly(error.substr(0, end))) << error;
     EXPECT_TRUE(matchesWhole(
         error.substr(end),

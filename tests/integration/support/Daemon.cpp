@@ -162,6 +162,8 @@ bool isListening() {
 }
 
 bool isBannerOnly(const std::string& error) {
-    return matchesWhole(error, "Production Test Server \\(Build " + std::string(kBuildStampPattern) +
-                                   "\\)\nFor authorised use in production and service only\\.");
+    const std::size_t end = error.find(kStartEnd);
+    return end != std::string::npos && end + std::strlen(kStartEnd) == error.size() &&
+           matchesWhole(error.substr(0, end),
+                        "Production Test Server \\(Build " + std::string(kBuildStampPattern) + "\\)\n");
 }

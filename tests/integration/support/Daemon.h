@@ -71,5 +71,12 @@ bool isListening();
 /// "yyyy/mm/dd hh:mm:ss" with a day that may be padded with a blank.
 constexpr char kBuildStampPattern[] = "[0-9]{4}/[0-9]{2}/[ 0-9][0-9] [0-9]{2}:[0-9]{2}:[0-9]{2}";
 
+/// The end of what each daemon writes to standard error at its start: the banner, and that the unit has
+/// no hard disks.
+constexpr char kStartEnd[] =
+    "For authorised use in production and service only."
+    "Prod.testserver: BlockDevice /dev/sda0 is not available\n"
+    "Prod.testserver: BlockDevice /dev/sdb0 is not available\n";
+
 /// Everything that a daemon without trouble writes to standard error.
 bool isBannerOnly(const std::string& error);

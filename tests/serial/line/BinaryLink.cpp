@@ -8,7 +8,6 @@ namespace {
 
 constexpr char kPrefix[] = "Prod.testserver: ";
 constexpr char kStatusRuntime[] = "### ATTENTION: Command-Runtime for \"s\": [0-9]+ ms";
-constexpr char kBannerEnd[] = "For authorised use in production and service only.";
 
 } // namespace
 
@@ -20,10 +19,10 @@ DaemonStart withStationLine() {
 
 std::vector<std::string> errorLines(const Daemon& daemon) {
     const std::string text = daemon.error();
-    const std::size_t bannerEnd = text.find(kBannerEnd);
-    if (bannerEnd == std::string::npos)
+    const std::size_t startEnd = text.find(kStartEnd);
+    if (startEnd == std::string::npos)
         return {"no banner: " + text};
-    std::istringstream stream(text.substr(bannerEnd + sizeof kBannerEnd - 1));
+    std::istringstream stream(text.substr(startEnd + sizeof kStartEnd - 1));
     std::vector<std::string> lines;
     for (std::string line; std::getline(stream, line);) {
         if (line.rfind(kPrefix, 0) == 0)

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "core/ProcessResponse.h"
+#include "devices/I2c.h"
+
+/// What the two I2C commands share: their codes and texts, and the way to a bus.
+namespace I2CAccess {
+
+constexpr std::uint32_t kBusError = 0x07000001;
+constexpr std::uint32_t kNoSuchBus = 0x07000005;
+constexpr std::uint32_t kUnknownAttribute = 0x0700000B;
+constexpr std::uint32_t kSpeedError = 0x0700000D;
+
+enum Attribute : unsigned char { StopCondition = 0, BusSpeed = 1 };
+
+constexpr char kUnknownAttributeText[] = "Attribute ID %d is unknown";
+constexpr char kUnknownValueText[] = "Attribute Value %d for AttributeId %d is unknown";
+constexpr char kUnsupportedSpeedText[] = "Clockspeed of %d is not supported";
+
+/// How a bus that cannot be opened is reported.
+enum class OpenFailure { CodeOnly, MessageAndCode };
+
+/// The opened bus; null, with `refusal` set, when there is none.
+I2c* openBus(unsigned char bus, OpenFailure report, std::unique_ptr<ProcessResponse>& refusal);
+
+/// "message, errorcode: code" under the given status code.
+ProcessResponse* failure(std::uint32_t code, const DeviceResult& result);
+
+/// The answer to a transaction: a failure as above, or a plain success.
+ProcessResponse* outcome(const DeviceResult& result);
+
+/// 0 switches the stop condition off, 1 on; anything else is refused. Null on success.
+ProcessResponse* setStopCondition(I2c& bus, unsigned char value);
+
+/// 100 or 400 kHz; `errorCode` is for a bus that does not take it. Null on success.
+ProcessResponse* setBusSpeed(I2c& bus, unsigned kiloHertz, std::uint32_t errorCode);
+
+} // namespace I2CAccess

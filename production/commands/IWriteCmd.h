@@ -1,0 +1,24 @@
+#pragma once
+
+#include <vector>
+
+#include "core/AbstractCmd.h"
+#include "runtime/Mutex.h"
+
+/// Writes to slaves of the I2C bus and sets the bus's attributes, over the binary protocol.
+class IWriteCmd : public AbstractCmd {
+public:
+    static IWriteCmd* getInstance();
+
+    /// The ASCII protocol writes through the reading command's name.
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
+    ProcessResponse* process(std::vector<unsigned char>* request) override;
+
+private:
+    IWriteCmd();
+
+    ProcessResponse* setAttribute(std::vector<unsigned char>* request);
+    ProcessResponse* writeBus(std::vector<unsigned char>* request);
+
+    static System::Mutex s_singleton_mutex;
+};

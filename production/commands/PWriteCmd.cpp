@@ -1,0 +1,51 @@
+#include "commands/PWriteCmd.h"
+
+#include <memory>
+
+namespace {
+
+constexpr int kPortCommand = 0xE3;
+constexpr int kHeaderLength = 3;
+constexpr int kWriteLength = 6;
+constexpr unsigned char kWritePort = 1;
+constexpr unsigned char kHighBit = 0x04;
+
+constexpr char kElsewhere[] = "Implemented in port command";
+constexpr char kNotSupported[] = "Command not supported";
+constexpr char kInvalidLength[] = "Invalid Command Length: Expected a Length of 6, get %d";
+
+} // namespace
+
+System::Mutex PWriteCmd::s_singleton_mutex(System::Mutex::Normal);
+
+PWriteCmd* PWriteCmd::getInstance() {
+    const System::Lock lock(s_singleton_mutex);
+    static PWriteCmd* const instance = new PWriteCmd;
+    return instance;
+}
+
+PWriteCmd::PWriteCmd() : AbstractPCmd('P', "") {}
+
+ProcessResponse* PWriteCmd::process(std::vector<std::vector<char>>&) {
+    return new ProcessResponse(ProcessResponse::kGenericError, kElsewhere);
+}
+
+ProcessResponse* PWriteCmd::process(std::vector<unsigned char>* request) {
+    if (tavrin_getCommand(request) != kPortCommand || tavrin_getRequestLen(request) <= kHeaderLength ||
+        (*request)[3] != kWritePort)
+        return new ProcessResponse(ProcessResponse::kGenericError, kNotSupported);
+    return writePort(request);
+}
+
+ProcessResponse* PWriteCmd::writePort(std::vector<unsigned char>* request) {
+    if (const int length = tavrin_getRequestLen(request); length != kWriteLength)
+        return new ProcessResponse(ProcessResponse::kGenericError, kInvalidLength, length);
+    const unsigned char port = (*request)[4];
+    if (ProcessResponse* refusal = checkOutput(port))
+        return refusal;
+    std::unique_ptr<ProcessResponse> result(
+        writeLevel(port, ((*request)[5] & kHighBit) != 0 ? '1' : '0'));
+    if (result->code != ProcessResponse::kSuccess)
+        return result.release();
+    return new ProcessResponseTavrin(ProcessResponse::kSuccess, "");
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <vector>
+
+#include "core/AbstractCmd.h"
+#include "runtime/Mutex.h"
+
+/// Reads from slaves of the I2C bus, if wanted behind a few bytes written in the same transaction, and
+/// reads the bus's attributes; over the ASCII protocol it also writes and sets attributes.
+class iReadCmd : public AbstractCmd {
+public:
+    static iReadCmd* getInstance();
+
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
+    ProcessResponse* process(std::vector<unsigned char>* request) override;
+
+    /// Reads `count` bytes (1 to 247) into `out`, which has that size. `address` is the slave's, 7 bits.
+    ProcessResponse* readBus(unsigned char bus, unsigned char count, unsigned char address,
+                             bool writeFirst, const void* data, unsigned char dataLength,
+                             std::vector<unsigned char>* out);
+    /// Makes `out` the attribute's value: one byte, or two for the speed in kHz.
+    ProcessResponse* getAttribute(unsigned char bus, unsigned char attribute,
+                                  std::vector<unsigned char>* out);
+
+private:
+    iReadCmd();
+
+    ProcessResponse* readBusClassic(std::vector<unsigned char>* request);
+    ProcessResponse* getAttributeClassic(std::vector<unsigned char>* request);
+    ProcessResponse* readBus(std::vector<std::vector<char>>& tokens);
+    ProcessResponse* getAttribute(std::vector<std::vector<char>>& tokens);
+    ProcessResponse* setAttribute(std::vector<std::vector<char>>& tokens);
+    ProcessResponse* writeBus(std::vector<std::vector<char>>& tokens);
+
+    unsigned char byteToken(const std::vector<char>& token) const;
+    ProcessResponse* answerBinary(std::vector<unsigned char>* request, ProcessResponse* result,
+                                  std::vector<unsigned char>& payload);
+    ProcessResponse* answerHex(ProcessResponse* result, const std::vector<unsigned char>& bytes);
+
+    static System::Mutex s_singleton_mutex;
+};

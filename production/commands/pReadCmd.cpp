@@ -1,0 +1,191 @@
+#include "commands/pReadCmd.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
+#include "core/BigEndian.h"
+#include "core/ProcessResponseAscii.h"
+#include "core/TokenText.h"
+#include "platform/Descriptor.h"
+
+namespace {
+
+constexpr int kPortCommand = 0xE3;
+constexpr int kHeaderLength = 3;
+constexpr unsigned char kReadConfig = 0;
+constexpr int kReadConfigLength = 4;
+constexpr unsigned char kReadPort = 1;
+constexpr int kReadPortLength = 5;
+constexpr std::size_t kMostPorts = 255;
+
+constexpr char kReadWord[] = "read";
+constexpr char kAttributesWord[] = "getattributes";
+constexpr char kWriteWord[] = "write";
+constexpr std::size_t kReadTokens = 3;
+constexpr std::size_t kWriteTokens = 4;
+
+constexpr unsigned int kNotImplemented = 1026;
+constexpr unsigned int kNotOnThisUnit = 1027;
+constexpr unsigned char kLevelBit = 0x04;
+
+constexpr char kNotSupported[] = "Command is not supported";
+constexpr char kConfigLength[] = "Invalid Command Length: Expected a Length of 4, get %d";
+constexpr char kPortLength[] = "Expected at a Command Length of 5, received %d";
+constexpr char kTooManyPorts[] = "Internal Error: Number of Ports > 255";
+constexpr char kReadNotImplemented[] = "Reading from Port %d is not implemented";
+constexpr char kReadAbsent[] = "Port %d does not exist on this Target";
+constexpr char kReadFailed[] = "Reading from Port %d results in Error-Code %d";
+constexpr char kConfigFailed[] = "Failed to read Port %d: %s, errorcode: %d";
+constexpr char kNoSubCommand[] = "Expected a subcommand!";
+constexpr char kNoPortNumber[] = "Expected a Port Number!";
+constexpr char kUnknownSubCommand[] = "unknown subcommand '%s'";
+
+ProcessResponse* genericError(const char* text) {
+    return new ProcessResponse(ProcessResponse::kGenericError, "%s", text);
+}
+
+} // namespace
+
+System::Mutex pReadCmd::s_singleton_mutex(System::Mutex::Normal);
+
+pReadCmd* pReadCmd::getInstance() {
+    const System::Lock lock(s_singleton_mutex);
+    static pReadCmd* const instance = new pReadCmd;
+    return instance;
+}
+
+pReadCmd::pReadCmd() : AbstractPCmd('p', "port") {}
+
+ProcessResponse* pReadCmd::process(std::vector<unsigned char>* request) {
+    std::vector<unsigned char> data;
+    std::unique_ptr<ProcessResponse> result(runBinary(request, &data));
+    if (result->code != ProcessResponse::kSuccess)
+        return result.release();
+    auto answer = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kSuccess, "");
+    tavrin_fillDefaultResponse(request, answer.get(), data);
+    return answer.release();
+}
+
+ProcessResponse* pReadCmd::runBinary(std::vector<unsigned char>* request,
+                                     std::vector<unsigned char>* data) {
+    const int length = tavrin_getRequestLen(request);
+    if (length <= kHeaderLength || tavrin_getCommand(request) != kPortCommand)
+        return genericError(kNotSupported);
+    switch ((*request)[3]) {
+        case kReadConfig:
+            if (length != kReadConfigLength)
+                return new ProcessResponse(ProcessResponse::kGenericError, kConfigLength, length);
+            if (ports().size() > kMostPorts)
+                return genericError(kTooManyPorts);
+            return getConfig(data);
+        case kReadPort:
+            if (length != kReadPortLength)
+                return new ProcessResponse(ProcessResponse::kGenericError, kPortLength, length);
+            if (ProcessResponse* refusal = checkRange((*request)[4]))
+                return refusal;
+            return readPort((*request)[4], data);
+        default:
+            return genericError(kNotSupported);
+    }
+}
+
+unsigned int pReadCmd::readPortValue(unsigned char port, char& value) {
+    value = '0';
+    if (ports()[port].name.empty())
+        return kNotImplemented;
+    errno = 0;
+    const System::Descriptor node(::open(nodeOf(port).c_str(), O_RDONLY | O_CLOEXEC));
+    if (!node)
+        return static_cast<unsigned int>(errno);
+    ssize_t count = 0;
+    do {
+        errno = 0;
+        count = ::read(node.get(), &value, 1);
+    } while (count < 0 && errno == EINTR);
+    return count < 0 ? static_cast<unsigned int>(errno) : 0;
+}
+
+ProcessResponse* pReadCmd::readPort(unsigned char port, std::vector<unsigned char>* data) {
+    char value = '0';
+    const unsigned int error = readPortValue(port, value);
+    if (error == kNotImplemented)
+        return new ProcessResponse(kNotAvailable, kReadNotImplemented, port);
+    if (error == kNotOnThisUnit)
+        return new ProcessResponse(kNotAvailable, kReadAbsent, port);
+    if (error != 0)
+        return new ProcessResponse(kAccessFailed, kReadFailed, port, static_cast<int>(error));
+    unsigned char attributes = 0;
+    setAttributes(attributes, ports()[port].type, value, true);
+    data->push_back(port);
+    data->push_back(attributes);
+    return new ProcessResponse(ProcessResponse::kSuccess);
+}
+
+ProcessResponse* pReadCmd::getConfig(std::vector<unsigned char>* data) {
+    if (data->size() < sizeof(std::uint16_t))
+        data->resize(sizeof(std::uint16_t));
+    putBigEndian16(*data, 0, static_cast<std::uint16_t>(ports().size()));
+    unsigned char pair = 0;
+    for (std::size_t at = 0; at < ports().size(); ++at) {
+        char value = '0';
+        const unsigned int error = readPortValue(static_cast<unsigned char>(at), value);
+        if (error != 0 && error != kNotImplemented)
+            return new ProcessResponse(kAccessFailed, kConfigFailed, static_cast<int>(at),
+                                       std::strerror(static_cast<int>(error)), static_cast<int>(error));
+        const bool isLow = at % 2 == 0;
+        setAttributes(pair, error == 0 ? ports()[at].type : PortInfo::None, value, isLow);
+        if (!isLow || at + 1 == ports().size())
+            data->push_back(pair);
+    }
+    return new ProcessResponse(ProcessResponse::kSuccess);
+}
+
+void pReadCmd::setAttributes(unsigned char& byte, PortInfo::Type type, char value, bool low) {
+    const unsigned int nibble = type | (value == '1' ? kLevelBit : 0U);
+    byte = static_cast<unsigned char>(low ? nibble : byte | nibble << 4);
+}
+
+ProcessResponse* pReadCmd::process(std::vector<std::vector<char>>& tokens) {
+    if (tokens.size() < 2)
+        return genericError(kNoSubCommand);
+    std::vector<unsigned char> data;
+    if (beginsWith(tokens[1], kReadWord)) {
+        if (tokens.size() != kReadTokens)
+            return genericError(kNoPortNumber);
+        const auto port = static_cast<unsigned char>(ascii_getInt(tokens[2]));
+        if (ProcessResponse* refusal = checkRange(port))
+            return refusal;
+        return answerHex(readPort(port, &data), data);
+    }
+    if (beginsWith(tokens[1], kAttributesWord))
+        return answerHex(getConfig(&data), data);
+    if (beginsWith(tokens[1], kWriteWord))
+        return writePort(tokens);
+    return new ProcessResponse(ProcessResponse::kGenericError, kUnknownSubCommand,
+                               tokenText(tokens[1]).c_str());
+}
+
+/// Turns a success into the answer with these bytes; a failure stays what it is.
+ProcessResponse* pReadCmd::answerHex(ProcessResponse* result, const std::vector<unsigned char>& data) {
+    const std::unique_ptr<ProcessResponse> owned(result->code == ProcessResponse::kSuccess ? result
+                                                                                           : nullptr);
+    if (!owned)
+        return result;
+    auto answer = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
+    answer->answer = ascii_buildHexString(data, true);
+    return answer.release();
+}
+
+ProcessResponse* pReadCmd::writePort(std::vector<std::vector<char>>& tokens) {
+    if (tokens.size() != kWriteTokens)
+        return new ProcessResponse(ProcessResponse::kGenericError, kConfigLength,
+                                   static_cast<int>(tokens.size()));
+    const auto port = static_cast<unsigned char>(ascii_getInt(tokens[2]));
+    if (ProcessResponse* refusal = checkOutput(port))
+        return refusal;
+    return writeLevel(port, tokens[3].empty() ? '\0' : tokens[3].front());
+}

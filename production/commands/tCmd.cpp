@@ -1,0 +1,261 @@
+#include "commands/tCmd.h"
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <numeric>
+
+#include "core/BigEndian.h"
+#include "core/ProcessResponseAscii.h"
+#include "core/TokenText.h"
+
+namespace {
+
+constexpr unsigned int kMostBytes = 244;
+constexpr std::size_t kTagHeader = 3;      // tag and checksum ahead of the bytes of a binary answer
+constexpr std::size_t kChecksumHeader = 1; // the checksum ahead of the bytes of an ASCII answer
+
+constexpr int kReadLength = 8;
+constexpr int kTaggedReadLength = 10;
+constexpr int kWriteHeader = 8;
+constexpr int kCheckedWriteHeader = 11;
+constexpr std::size_t kCountAt = 3;
+constexpr std::size_t kAddressAt = 4;
+constexpr std::size_t kTagAt = 8;
+constexpr std::size_t kChecksumAt = 10;
+
+constexpr std::size_t kFewestTokens = 5;
+constexpr std::size_t kFewestWriteTokens = 6;
+constexpr std::size_t kFewestCheckedWriteTokens = 7;
+constexpr std::size_t kLongestDataToken = 255;
+constexpr char kRead[] = "read";
+constexpr char kWrite[] = "write";
+constexpr char kChecked[] = "8bitcrc";
+
+constexpr std::uint32_t kMalformed = 0x08001000;
+constexpr std::uint32_t kOutOfBounds = 0x08000100;
+constexpr std::uint32_t kWrongChecksum = 0x08000400;
+
+constexpr char kNoBuffer[] = "Allocation Error";
+constexpr char kNotSupported[] = "Command not supported";
+constexpr char kInvalidLength[] = "Invalid Command Length";
+// The three ways to say it tell where the refusal comes from.
+constexpr char kTooManyRead[] = "Number of Accessesout of Bounds [(%d*%d => %d) > 244]";
+constexpr char kTooManyWritten[] = "Number of Accesses outof Bounds [(%d*%d => %d) > 244]";
+constexpr char kTooManyWrittenAscii[] = "Number of Accesses out of Bounds [(%d*%d => %d) > 244]";
+constexpr char kMisaligned[] = "Alignment Error for Start Address";
+constexpr char kOutOfLimits[] = "Accessing Memory out of Limits";
+constexpr char kTooFewBytes[] = "Accesslength: %d + Commandlength: %d > Commandlength: %d";
+constexpr char kTooFewFields[] =
+    "Command length error, command must contain at least 5 fields, received fields: %d";
+constexpr char kTooFewWriteFields[] =
+    "Command length error,write commands must contain at least 6 fields, received fields:%d";
+constexpr char kTooFewCheckedFields[] =
+    "Command length error, write 8bitcrc commands  must contain at least 7 fields,received fields: %d";
+constexpr char kUnknownCombination[] = "unknown command combination param1:'%s', param2: %s";
+constexpr char kBadData[] = "Number of Data Bytes must be in Range [%d,255], received: %d";
+constexpr char kChecksumDiffers[] = "Invalid checksum in write request: 0x%02X ";
+
+ProcessResponse* success() {
+    return new ProcessResponse(ProcessResponse::kSuccess);
+}
+
+unsigned char sumOf(const unsigned char* bytes, std::size_t count) {
+    return static_cast<unsigned char>(std::accumulate(bytes, bytes + count, 0U));
+}
+
+/// What the binary codes and the ASCII keywords stand for.
+struct Access {
+    int code;
+    const char* operation;
+    const char* keyword;
+    unsigned char width;
+    bool withChecksum;
+};
+
+constexpr Access kAccesses[] = {
+    {0, kRead, "8bit", 1, false},   {1, kWrite, "8bit", 1, false},  {2, kRead, "16bit", 2, false},
+    {3, kWrite, "16bit", 2, false}, {4, kRead, "32bit", 4, false},  {5, kWrite, "32bit", 4, false},
+    {6, kRead, kChecked, 1, true},  {7, kWrite, kChecked, 1, true},
+};
+
+bool isRead(const Access& access) {
+    return access.operation == kRead;
+}
+
+const Access* findAccess(int code) {
+    for (const Access& access : kAccesses)
+        if (access.code == code)
+            return &access;
+    return nullptr;
+}
+
+const Access* findAccess(const std::string& operation, const std::string& keyword) {
+    for (const Access& access : kAccesses)
+        if (operation == access.operation && keyword == access.keyword)
+            return &access;
+    return nullptr;
+}
+
+} // namespace
+
+System::Mutex tCmd::s_singleton_mutex(System::Mutex::Normal);
+
+tCmd* tCmd::getInstance() {
+    const System::Lock lock(s_singleton_mutex);
+    static tCmd* const instance = new tCmd;
+    return instance;
+}
+
+tCmd::tCmd() : AbstractCmd('t', "memory", true) {}
+
+ProcessResponse* tCmd::process(std::vector<unsigned char>* request) {
+    if (getGlobalBuffer() == nullptr)
+        return new ProcessResponse(kOutOfBounds, kNoBuffer);
+    std::vector<unsigned char> data;
+    std::unique_ptr<ProcessResponse> result(runBinary(request, &data));
+    if (result->code != ProcessResponse::kSuccess && result->code != kWrongChecksum)
+        return result.release();
+    auto answer = std::make_unique<ProcessResponseTavrin>(result->code, "");
+    tavrin_fillDefaultResponse(request, answer.get(), data);
+    return answer.release();
+}
+
+ProcessResponse* tCmd::runBinary(std::vector<unsigned char>* request, std::vector<unsigned char>* data) {
+    const Access* access = findAccess(tavrin_getCommand(request));
+    if (access == nullptr)
+        return new ProcessResponse(kMalformed, kNotSupported);
+    if (!isRead(*access))
+        return write(request, data, access->width, access->withChecksum, 0);
+    if (tavrin_getRequestLen(request) != (access->withChecksum ? kTaggedReadLength : kReadLength))
+        return new ProcessResponse(kMalformed, kInvalidLength);
+    const unsigned short tag = access->withChecksum ? bigEndian16(*request, kTagAt) : 0;
+    return read(data, access->width, (*request)[kCountAt], bigEndian32(*request, kAddressAt),
+                access->withChecksum, tag);
+}
+
+/// Null when so many bytes may be moved there.
+ProcessResponse* tCmd::checkPlace(unsigned int total, unsigned char width, unsigned int address) const {
+    if (address % width != 0)
+        return new ProcessResponse(kMalformed, kMisaligned);
+    if (std::uint64_t{total} + address >= getGlobalBufferSize())
+        return new ProcessResponse(kOutOfBounds, kOutOfLimits);
+    return nullptr;
+}
+
+ProcessResponse* tCmd::readBehind(std::size_t header, std::vector<unsigned char>* data,
+                                  unsigned char width, unsigned char count, unsigned int address,
+                                  unsigned char& checksum) {
+    const unsigned int total = static_cast<unsigned int>(width) * count;
+    if (total > kMostBytes)
+        return new ProcessResponse(kOutOfBounds, kTooManyRead, count, width, static_cast<int>(total));
+    if (ProcessResponse* refusal = checkPlace(total, width, address))
+        return refusal;
+    const unsigned char* source = getGlobalBuffer() + address;
+    data->assign(header + total, 0);
+    std::memcpy(data->data() + header, source, total);
+    checksum = sumOf(source, total);
+    return success();
+}
+
+ProcessResponse* tCmd::read(std::vector<unsigned char>* data, unsigned char width, unsigned char count,
+                            unsigned int address, bool withChecksum, unsigned short tag) {
+    unsigned char checksum = 0;
+    ProcessResponse* result =
+        readBehind(withChecksum ? kTagHeader : 0, data, width, count, address, checksum);
+    if (withChecksum && result->code == ProcessResponse::kSuccess) {
+        putBigEndian16(*data, 0, tag);
+        (*data)[2] = checksum;
+    }
+    return result;
+}
+
+ProcessResponse* tCmd::write(std::vector<unsigned char>* request, std::vector<unsigned char>* data,
+                             unsigned char width, bool withChecksum, unsigned short) {
+    const int header = withChecksum ? kCheckedWriteHeader : kWriteHeader;
+    const int length = tavrin_getRequestLen(request);
+    if (length < header)
+        return new ProcessResponse(kMalformed, kInvalidLength);
+    const unsigned char count = (*request)[kCountAt];
+    const int total = width * count;
+    if (static_cast<unsigned int>(total) > kMostBytes)
+        return new ProcessResponse(kOutOfBounds, kTooManyWritten, count, width, total);
+    const std::uint32_t address = bigEndian32(*request, kAddressAt);
+    if (ProcessResponse* refusal = checkPlace(static_cast<unsigned int>(total), width, address))
+        return refusal;
+    if (header + total > length)
+        return new ProcessResponse(kMalformed, kTooFewBytes, total, header, length);
+    const unsigned char* source = request->data() + header;
+    std::memcpy(getGlobalBuffer() + address, source, static_cast<std::size_t>(total));
+    if (!withChecksum)
+        return success();
+    const unsigned char checksum = sumOf(source, static_cast<std::size_t>(total));
+    *data = {0, 0, checksum};
+    const bool matches = (*request)[kChecksumAt] == checksum;
+    return new ProcessResponse(matches ? ProcessResponse::kSuccess : kWrongChecksum);
+}
+
+ProcessResponse* tCmd::process(std::vector<std::vector<char>>& tokens) {
+    const auto genericError = [&tokens](const char* format) {
+        return new ProcessResponse(ProcessResponse::kGenericError, format,
+                                   static_cast<int>(tokens.size()));
+    };
+    if (tokens.size() < kFewestTokens)
+        return genericError(kTooFewFields);
+    const std::string operation = tokenText(tokens[1]);
+    const std::string keyword = tokenText(tokens[2]);
+    if (operation == kWrite && tokens.size() < kFewestWriteTokens)
+        return genericError(kTooFewWriteFields);
+    if (operation == kWrite && keyword == kChecked && tokens.size() < kFewestCheckedWriteTokens)
+        return genericError(kTooFewCheckedFields);
+    const Access* access = findAccess(operation, keyword);
+    if (access == nullptr)
+        return new ProcessResponse(ProcessResponse::kGenericError, kUnknownCombination,
+                                   operation.c_str(), keyword.c_str());
+    if (getGlobalBuffer() == nullptr)
+        return new ProcessResponse(kOutOfBounds, kNoBuffer);
+    std::vector<unsigned char> data;
+    if (!isRead(*access))
+        return writeAscii(tokens, &data, access->width, access->withChecksum);
+    return readAscii(&data, access->width, static_cast<unsigned char>(ascii_getInt(tokens[3])),
+                     static_cast<unsigned int>(ascii_getInt(tokens[4])), access->withChecksum);
+}
+
+ProcessResponse* tCmd::readAscii(std::vector<unsigned char>* data, unsigned char width,
+                                 unsigned char count, unsigned int address, bool withChecksum) {
+    unsigned char checksum = 0;
+    std::unique_ptr<ProcessResponse> result(
+        readBehind(withChecksum ? kChecksumHeader : 0, data, width, count, address, checksum));
+    if (result->code != ProcessResponse::kSuccess)
+        return result.release();
+    if (withChecksum)
+        data->front() = checksum;
+    auto answer = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
+    answer->answer = "hex(" + ascii_buildHexString(*data, false) + ")";
+    return answer.release();
+}
+
+ProcessResponse* tCmd::writeAscii(std::vector<std::vector<char>>& tokens,
+                                  std::vector<unsigned char>* data, unsigned char width,
+                                  bool withChecksum) {
+    const auto count = static_cast<unsigned char>(ascii_getInt(tokens[3]));
+    const auto address = static_cast<unsigned int>(ascii_getInt(tokens[4]));
+    const int total = width * count;
+    if (static_cast<unsigned int>(total) > kMostBytes)
+        return new ProcessResponse(kOutOfBounds, kTooManyWrittenAscii, count, width, total);
+    if (ProcessResponse* refusal = checkPlace(static_cast<unsigned int>(total), width, address))
+        return refusal;
+    const std::vector<char>& bytes = tokens[5];
+    if (bytes.size() < static_cast<std::size_t>(total) || bytes.size() > kLongestDataToken)
+        return new ProcessResponse(ProcessResponse::kGenericError, kBadData, total,
+                                   static_cast<int>(bytes.size()));
+    data->assign(bytes.begin(), bytes.begin() + total);
+    std::memcpy(getGlobalBuffer() + address, data->data(), data->size());
+    if (!withChecksum)
+        return success();
+    const int expected = ascii_getInt(tokens[6]);
+    if (expected != sumOf(data->data(), data->size()))
+        return new ProcessResponse(ProcessResponse::kGenericError, kChecksumDiffers,
+                                   static_cast<unsigned>(expected));
+    return success();
+}

@@ -1,0 +1,200 @@
+#include "commands/PWriteCmd.h"
+
+#include <sys/syscall.h>
+
+#include <cerrno>
+#include <stdexcept>
+
+#include "support/PortFixture.h"
+#include "support/RefusedCalls.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+constexpr unsigned int kOutOfRange = 0x27000010;
+constexpr unsigned int kNotAnOutput = 0x27000040;
+constexpr unsigned int kAccessFailed = 0x27000000;
+constexpr unsigned int kWriteFailed = 0x27010000;
+constexpr unsigned int kNotAvailable = 0x40000001;
+
+class PWriteCmdTest : public PortFixture {
+protected:
+    static PWriteCmd& command() { return *PWriteCmd::getInstance(); }
+
+    static Response process(Bytes request) { return Response(command().tavrin_preCheck(&request)); }
+    static Response writePort(unsigned char port, unsigned char value) {
+        return process({6, 'P', 0xE3, 1, port, value});
+    }
+
+    static void expectError(const Response& response, unsigned int code, const std::string& text) {
+        EXPECT_EQ(response->code, code);
+        EXPECT_EQ(response->message, text);
+        EXPECT_EQ(response->protocol, 0);
+    }
+};
+
+} // namespace
+
+TEST_F(PWriteCmdTest, HasAnIdAndNoName) {
+    EXPECT_EQ(command().tavrin_getName(), 'P');
+    EXPECT_EQ(command().ascii_getName(), "");
+    EXPECT_EQ(PWriteCmd::getInstance(), PWriteCmd::getInstance());
+}
+
+TEST_F(PWriteCmdTest, WritesOutputsAndNothingElse) {
+    const std::string before = allLevels();
+    for (const Port& port : kPorts) {
+        SCOPED_TRACE(port.name);
+        const Bytes high = m_frontEnd.send({6, 'P', 0xE3, 1, port.number, 0x04});
+        if (port.type != kOutput) {
+            EXPECT_THAT(high, ElementsAre(8, 'P', 0xE3, 1, 0x27, 0, 0, 0x40));
+            EXPECT_THAT(m_frontEnd.frames, ElementsAre(debugFrame("Port " + std::to_string(port.number) +
+                                                                  " is not an Output Port")));
+            EXPECT_EQ(allLevels(), before);
+            continue;
+        }
+        std::string expected = before;
+        expected[port.number] = '1';
+        EXPECT_THAT(high, ElementsAre(8, 'P', 0xE3, 1, 0, 0, 0, 0));
+        EXPECT_EQ(allLevels(), expected);
+        EXPECT_THAT(m_frontEnd.send({6, 'P', 0xE3, 1, port.number, 0x00}),
+                    ElementsAre(8, 'P', 0xE3, 1, 0, 0, 0, 0));
+        EXPECT_EQ(allLevels(), before);
+        EXPECT_THAT(m_frontEnd.frames, IsEmpty());
+    }
+}
+
+TEST_F(PWriteCmdTest, OnlyBitTwoOfTheValueCounts) {
+    for (int value = 0; value <= 0xFF; ++value) {
+        SCOPED_TRACE(value);
+        setLevel(kPorts[18], "z");
+        const Response response = writePort(18, static_cast<unsigned char>(value));
+        EXPECT_EQ(response->code, 0u);
+        EXPECT_EQ(response->message, "");
+        EXPECT_EQ(response->protocol, 't');
+        EXPECT_EQ(levelOf(kPorts[18]), (value / 4) % 2 == 1 ? "1" : "0");
+    }
+}
+
+TEST_F(PWriteCmdTest, WritesTheFirstCharacterAndLeavesTheRest) {
+    setLevel(kPorts[10], "0\nrest");
+    EXPECT_EQ(writePort(10, 0x04)->code, 0u);
+    EXPECT_EQ(levelOf(kPorts[10]), "1\nrest");
+    setLevel(kPorts[10], "");
+    EXPECT_EQ(writePort(10, 0x00)->code, 0u);
+    EXPECT_EQ(levelOf(kPorts[10]), "0");
+}
+
+TEST_F(PWriteCmdTest, AnInputIsNotEvenOpened) {
+    relink(kPorts[1], nullptr);
+    expectError(writePort(1, 0x04), kNotAnOutput, "Port 1 is not an Output Port");
+    relink(kPorts[1], kSomeFolder);
+    expectError(writePort(1, 0x04), kNotAnOutput, "Port 1 is not an Output Port");
+}
+
+TEST_F(PWriteCmdTest, APortThatCannotBeOpenedIsReported) {
+    const OddNode nodes[] = {
+        {kSomeFolder, 21, "Is a directory"},
+        {kLinkToItself, 40, "Too many levels of symbolic links"},
+        {kBehindAFile, 20, "Not a directory"},
+        {kSocket, 6, "No such device or address"},
+    };
+    const std::size_t before = openDescriptors();
+    for (const OddNode& odd : nodes) {
+        SCOPED_TRACE(odd.target);
+        relink(kPorts[6], odd.target);
+        expectError(writePort(6, 0x04), kAccessFailed,
+                    "Open Port 6 results in Error " + std::to_string(odd.error) + ": " + odd.reason);
+    }
+    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_THAT(m_frontEnd.send({6, 'P', 0xE3, 1, 6, 4}), ElementsAre(8, 'P', 0xE3, 1, 0x27, 0, 0, 0));
+}
+
+TEST_F(PWriteCmdTest, APortThatMustNotBeOpenedIsReported) {
+    inFreshProcess([] {
+        refuseSystemCalls({SYS_openat}, EACCES);
+        expectError(writePort(3, 0x04), kAccessFailed,
+                    "Open Port 3 results in Error 13: Permission denied");
+    });
+}
+
+TEST_F(PWriteCmdTest, AnAbsentPortIsNotMade) {
+    relink(kPorts[16], nullptr);
+    expectError(writePort(16, 0x04), kNotAvailable, "Port 16 does not exist on this Hardware");
+    EXPECT_FALSE(exists(node(kPorts[16])));
+    relink(kPorts[16], kNothing);
+    expectError(writePort(16, 0x04), kNotAvailable, "Port 16 does not exist on this Hardware");
+    EXPECT_FALSE(exists(kNothing));
+    remove(kFolder);
+    EXPECT_THAT(m_frontEnd.send({6, 'P', 0xE3, 1, 0, 4}), ElementsAre(8, 'P', 0xE3, 1, 0x40, 0, 0, 1));
+    EXPECT_THAT(m_frontEnd.frames, ElementsAre(debugFrame("Port 0 does not exist on this Hardware")));
+}
+
+TEST_F(PWriteCmdTest, AFailedWriteIsReported) {
+    const std::size_t before = openDescriptors();
+    relink(kPorts[13], "/dev/full");
+    expectError(writePort(13, 0x04), kWriteFailed,
+                "Writing to Port 13 results in Error 28: No space left on device");
+    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_THAT(m_frontEnd.send({6, 'P', 0xE3, 1, 13, 0}),
+                ElementsAre(8, 'P', 0xE3, 1, 0x27, 0x01, 0, 0));
+    relink(kPorts[13], nullptr);
+    setLevel(kPorts[13], "0");
+    EXPECT_EQ(writePort(13, 0x04)->code, 0u);
+    EXPECT_EQ(levelOf(kPorts[13]), "1");
+}
+
+TEST_F(PWriteCmdTest, WhatIsNoRequestForItIsRefused) {
+    struct Row {
+        Bytes request;
+        unsigned int code;
+        const char* text;
+    };
+    const char* const noCommand = "Command not supported";
+    const Row rows[] = {
+        {{2, 'P'}, kGenericError, noCommand},
+        {{3, 'P', 0xE3}, kGenericError, noCommand},
+        {{4, 'P', 0xE3, 0}, kGenericError, noCommand},
+        {{6, 'P', 0xE3, 2, 3, 4}, kGenericError, noCommand},
+        {{6, 'P', 0xE2, 1, 3, 4}, kGenericError, noCommand},
+        {{4, 'P', 0xE3, 1}, kGenericError, "Invalid Command Length: Expected a Length of 6, get 4"},
+        {{5, 'P', 0xE3, 1, 3}, kGenericError, "Invalid Command Length: Expected a Length of 6, get 5"},
+        {{7, 'P', 0xE3, 1, 3, 4, 4},
+         kGenericError,
+         "Invalid Command Length: Expected a Length of 6, get 7"},
+        {{6, 'P', 0xE3, 1, 21, 4}, kOutOfRange, "Invalid Port: 21. Allowed port range is: [0,20]"},
+        {{6, 'P', 0xE3, 1, 255, 4}, kOutOfRange, "Invalid Port: 255. Allowed port range is: [0,20]"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.request));
+        expectError(process(row.request), row.code, row.text);
+    }
+    EXPECT_EQ(allLevels(), std::string(21, '0'));
+}
+
+TEST_F(PWriteCmdTest, ARequestWithNothingToEchoIsReportedAndThrown) {
+    EXPECT_THROW(m_frontEnd.send({3, 'P', 0xE3}), std::out_of_range);
+    EXPECT_THAT(m_frontEnd.frames,
+                ElementsAre(debugFrame("Command not supported"), debugFrame("request size < 4")));
+}
+
+TEST_F(PWriteCmdTest, LinesOfTextWriteThroughTheOtherCommand) {
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{}, {"port"}, {"port", "write", "3", "1"}}) {
+        SCOPED_TRACE(words.size());
+        Tokens list = tokens(words);
+        expectError(Response(command().process(list)), kGenericError, "Implemented in port command");
+    }
+    EXPECT_EQ(levelOf(kPorts[3]), "0");
+    EXPECT_EQ(m_frontEnd.sendWords({"", "write", "3", "1"}), "Error Error 0x10")
+        << "it has no name to be called by";
+}
+
+TEST_F(PWriteCmdTest, NoResponseIsLeftOver) {
+    const unsigned int before = ProcessResponse::m_counter;
+    m_frontEnd.send({6, 'P', 0xE3, 1, 3, 4});
+    m_frontEnd.send({6, 'P', 0xE3, 1, 1, 4});
+    EXPECT_EQ(ProcessResponse::m_counter, before);
+}

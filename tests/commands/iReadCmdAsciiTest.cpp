@@ -1,0 +1,349 @@
+// The bus over the ASCII protocol: reads and writes, and its attributes.
+#include "commands/iReadCmd.h"
+#include "support/I2cUnit.h"
+
+using ::testing::IsEmpty;
+
+namespace {
+
+constexpr unsigned kBusError = 0x07000001;
+constexpr unsigned kNoSuchBus = 0x07000005;
+constexpr unsigned kUnknownAttribute = 0x0700000B;
+constexpr unsigned kSpeedError = 0x0700000D;
+
+class iReadCmdAsciiTest : public I2cUnit {
+protected:
+    static Response process(const Tokens& list) { return run(*iReadCmd::getInstance(), list); }
+
+    /// Both the response and what is sent.
+    void expectTokensRefused(const Tokens& list, unsigned code, const std::string& text) {
+        SCOPED_TRACE(text);
+        expectError(process(list), code, text);
+        if (!list.empty())
+            expectErrorLine(list, code, text);
+    }
+
+    void expectRefused(const std::vector<std::string>& texts, unsigned code, const std::string& text) {
+        expectTokensRefused(tokens(texts), code, text);
+    }
+};
+
+/// The line's tokens, with bytes as its last one.
+std::vector<std::vector<char>> withData(const std::vector<std::string>& texts, const Bytes& data) {
+    std::vector<std::vector<char>> list = tokens(texts);
+    list.emplace_back(data.begin(), data.end());
+    return list;
+}
+
+} // namespace
+
+TEST_F(iReadCmdAsciiTest, ALineNeedsASubCommandThatIsKnown) {
+    expectRefused({"i2c"}, kGenericError, "Expected a subcommand!");
+    expectError(process({}), kGenericError, "Expected a subcommand!");
+    for (const char* word : {"", "rea", "readx", "Read", "%s%n", "getattribute", "WRITE"})
+        expectRefused({"i2c", word, "0", "1", "0x50"}, kGenericError,
+                      std::string("unknown subcommand '") + word + "'");
+    expectTokensRefused({token("i2c"), {'x', 'y'}}, kGenericError, "unknown subcommand 'xy'");
+    expectTokensRefused({token("i2c"), {}}, kGenericError, "unknown subcommand ''");
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(iReadCmdAsciiTest, AReadAnswersTheBytesInHexadecimal) {
+    struct Row {
+        const char* count;
+        const char* address;
+        Bytes data;
+        unsigned char sentAddress;
+        const char* line;
+    };
+    const Row rows[] = {
+        {"1", "0x50", {0xA1}, 0x50, "i2c hex(A1)"},
+        {"3", "80", {0, 0x0F, 0xFF}, 0x50, "i2c hex(000FFF)"},
+        {"0x2", "0120", {1, 2}, 0x50, "i2c hex(0102)"},
+        {"2", "0", {1, 2}, 0, "i2c hex(0102)"},
+        {"2", "127", {}, 127, "i2c hex(0000)"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.line);
+        m_manager->willAnswer(0, readReply(row.data));
+        EXPECT_EQ(send(tokens({"i2c", "read", "0", row.count, row.address})), row.line);
+        const auto count = static_cast<std::uint32_t>(std::stoi(row.count, nullptr, 0));
+        EXPECT_EQ(m_manager->lastRequest(), readRequest(row.sentAddress, count));
+    }
+    EXPECT_THAT(m_listener.lines, IsEmpty());
+}
+
+TEST_F(iReadCmdAsciiTest, UpTo247BytesAreRead) {
+    m_manager->willAnswer(0, readReply(Bytes(247, 0xAB)));
+    std::string digits;
+    for (int byte = 0; byte < 247; ++byte)
+        digits += "AB";
+    const Response response = process(tokens({"i2c", "read", "0", "247", "0x50"}));
+    EXPECT_EQ(response->code, 0u);
+    EXPECT_EQ(answerOf(*response), "hex(" + digits + ")");
+}
+
+TEST_F(iReadCmdAsciiTest, TheSixthTokenIsWrittenFirst) {
+    const auto expectSent = [this](const Tokens& list, const Bytes& sent) {
+        SCOPED_TRACE(::testing::PrintToString(list));
+        m_manager->willAnswer(0, transferReply({0xA1, 0xA2}));
+        EXPECT_EQ(send(list), "i2c hex(A1A2)");
+        EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, sent, 2));
+    };
+    const std::vector<std::string> line = {"i2c", "read", "0", "2", "0x50"};
+    expectSent(withData(line, {0x10}), {0x10});
+    expectSent(withData(line, {0, 1, 0xFF}), {0, 1, 0xFF});
+    expectSent(withData(line, counting(255)), counting(255));
+}
+
+TEST_F(iReadCmdAsciiTest, OfMoreThanSixTokensNoneIsWritten) {
+    m_manager->willAnswer(0, readReply({7}));
+    EXPECT_EQ(send(tokens({"i2c", "read", "0", "1", "0x50", "x", "y"})), "i2c hex(07)");
+    EXPECT_EQ(m_manager->lastRequest(), readRequest(0x50, 1));
+    m_manager->willAnswer(0, readReply({7}));
+    Tokens list = withData({"i2c", "read", "0", "1", "0x50"}, Bytes(300));
+    list.push_back({});
+    EXPECT_EQ(send(list), "i2c hex(07)");
+    EXPECT_EQ(m_manager->lastRequest(), readRequest(0x50, 1));
+}
+
+TEST_F(iReadCmdAsciiTest, DataToWriteFirstThatCannotBeSentIsRefusedAndNothingHappens) {
+    for (const std::size_t size : {0, 256, 257, 511, 65536, 65537}) {
+        SCOPED_TRACE(size);
+        const Tokens list = withData({"i2c", "read", "0", "1", "0x50"}, Bytes(size));
+        const Response response = process(list);
+        EXPECT_EQ(response->code, kGenericError);
+        EXPECT_NE(response->message, "");
+        EXPECT_EQ(send(list), "i2c Error 0x1010000");
+    }
+    EXPECT_THAT(m_manager->requests(), IsEmpty());
+}
+
+TEST_F(iReadCmdAsciiTest, AReadNeedsFourParameters) {
+    expectRefused({"i2c", "read"}, kGenericError, "Expected at Least 4 Parameter, received: 1");
+    expectRefused({"i2c", "read", "9", "999"}, kGenericError,
+                  "Expected at Least 4 Parameter, received: 3");
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(iReadCmdAsciiTest, TheCountIsCheckedBeforeTheBus) {
+    struct Row {
+        const char* token;
+        const char* count;
+    };
+    const Row rows[] = {{"0", "0"},
+                        {"248", "248"},
+                        {"256", "256"},
+                        {"257", "257"},
+                        {"-1", "-1"},
+                        {"-255", "-255"},
+                        {"0x101", "257"},
+                        {"abc", "0"},
+                        {"", "0"},
+                        {"65537", "65537"},
+                        {"2147483647", "2147483647"}};
+    for (const Row& row : rows) {
+        for (const char* bus : {"0", "9"})
+            expectRefused({"i2c", "read", bus, row.token, "0x50"}, kGenericError,
+                          std::string("Overflow of allowed Range of Bytes to Read [1,247], "
+                                      "should Read: ") +
+                              row.count);
+    }
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(iReadCmdAsciiTest, ThereIsOneBus) {
+    for (const char* bus : {"1", "2", "0xFF"}) {
+        const std::string text =
+            "Bus number " + std::to_string(std::stoi(bus, nullptr, 0)) + " is invalid";
+        expectRefused({"i2c", "read", bus, "1", "0x50"}, kNoSuchBus, text);
+        expectRefused({"i2c", "getattributes", bus, "9"}, kNoSuchBus, text);
+        expectRefused({"i2c", "setattributes", bus, "9", "00"}, kNoSuchBus, text);
+        expectTokensRefused(withData({"i2c", "write", bus, "0x50"}, {1}), kNoSuchBus, text);
+    }
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(iReadCmdAsciiTest, ABusThatCannotBeOpenedIsTold) {
+    removeBus();
+    constexpr char kLong[] = "Open Error for /dev/i2c0: No such file or directory 2, errorcode: 2";
+    constexpr char kShort[] = "Failed to open Bus with Error-Code 2";
+    expectRefused({"i2c", "read", "0", "1", "0x50"}, kBusError, kShort);
+    expectRefused({"i2c", "getattributes", "0", "9"}, kBusError, kShort);
+    expectRefused({"i2c", "setattributes", "0", "9", "00"}, kBusError, kLong);
+    expectTokensRefused(withData({"i2c", "write", "0", "0x50"}, {1}), kBusError, kLong);
+    comeBack();
+    EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "0"})), "i2c hex(01)");
+}
+
+TEST_F(iReadCmdAsciiTest, AttributesAreReadInHexadecimal) {
+    EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "0"})), "i2c hex(01)");
+    EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "1"})), "i2c hex(0064)");
+    EXPECT_THAT(m_manager->requests(), IsEmpty());
+    expectRefused({"i2c", "getattributes", "0", "2"}, kUnknownAttribute, "Attribute ID 2 is unknown");
+    expectRefused({"i2c", "getattributes", "0", "255"}, kUnknownAttribute,
+                  "Attribute ID 255 is unknown");
+    expectRefused({"i2c", "getattributes"}, kGenericError, "Expected 3 Parameter, received: 1");
+    expectRefused({"i2c", "getattributes", "9"}, kGenericError, "Expected 3 Parameter, received: 2");
+    expectRefused({"i2c", "getattributes", "9", "0", "0"}, kGenericError,
+                  "Expected 3 Parameter, received: 4");
+}
+
+TEST_F(iReadCmdAsciiTest, TheStopConditionIsSwitched) {
+    struct Row {
+        const char* value;
+        bool stop;
+    };
+    const Row rows[] = {{"00", false}, {"01", true},     {"0", false},    {"01FF", true},
+                        {"", false},   {"00 01", false}, {"0x01", false}, {"zz", false}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.value);
+        send(tokens({"i2c", "setattributes", "0", "0", row.stop ? "00" : "01"}));
+        EXPECT_EQ(stopCondition(), !row.stop);
+        EXPECT_EQ(send(tokens({"i2c", "setattributes", "0", "0", row.value})), "i2c ok");
+        EXPECT_EQ(stopCondition(), row.stop);
+        EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "0"})),
+                  row.stop ? "i2c hex(01)" : "i2c hex(00)");
+        m_manager->willAnswer(0);
+        EXPECT_EQ(send(withData({"i2c", "write", "0", "0x50"}, {1})), "i2c ok");
+        EXPECT_EQ(m_manager->lastRequest(), writeRequest(0x50, {1}, row.stop ? 1 : 0));
+    }
+    EXPECT_THAT(m_listener.lines, IsEmpty());
+    for (const char* value : {"02", "FF", "0200"}) {
+        const std::string number = std::to_string(std::stoi(std::string(value, 2), nullptr, 16));
+        expectRefused({"i2c", "setattributes", "0", "0", value}, kGenericError,
+                      "Attribute Value " + number + " for AttributeId 0 is unknown");
+    }
+    EXPECT_FALSE(stopCondition());
+}
+
+TEST_F(iReadCmdAsciiTest, TheSpeedIsSetInKiloHertz) {
+    struct Row {
+        const char* value;
+        unsigned speed;
+        const char* answer;
+    };
+    for (const Row& row : {Row{"0190", 400000, "i2c hex(0190)"}, Row{"0064", 100000, "i2c hex(0064)"},
+                           Row{"01 90 FF", 400000, "i2c hex(0190)"}}) {
+        SCOPED_TRACE(row.value);
+        m_manager->willAnswer(0);
+        EXPECT_EQ(send(tokens({"i2c", "setattributes", "0", "1", row.value})), "i2c ok");
+        EXPECT_EQ(m_manager->lastRequest(), speedRequest(row.speed));
+        EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "1"})), row.answer);
+    }
+}
+
+TEST_F(iReadCmdAsciiTest, OtherSpeedsAreRefusedAndMissingBytesAreZero) {
+    struct Row {
+        const char* value;
+        const char* speed;
+    };
+    const Row rows[] = {{"00C8", "200"}, {"0000", "0"},   {"", "0"},         {"01", "256"},
+                        {"64", "25600"}, {"190", "6400"}, {"FFFF", "65535"}, {"0065", "101"},
+                        {"0063", "99"},  {"018F", "399"}, {"0191", "401"}};
+    for (const Row& row : rows)
+        expectRefused({"i2c", "setattributes", "0", "1", row.value}, kSpeedError,
+                      std::string("Clockspeed of ") + row.speed + " is not supported");
+    EXPECT_EQ(busSpeed(), 100000u);
+    EXPECT_THAT(m_manager->requests(), IsEmpty());
+}
+
+TEST_F(iReadCmdAsciiTest, ASpeedThatTheBusDoesNotTakeIsTold) {
+    m_manager->willAnswer(22);
+    m_manager->willAnswer(22);
+    expectRefused({"i2c", "setattributes", "0", "1", "0190"}, kBusError,
+                  "setBusSpeed Error on Device /dev/i2c0: Bad message format, errorcode: 22");
+    m_manager->willAnswer(5);
+    m_manager->willAnswer(5);
+    expectRefused({"i2c", "setattributes", "0", "1", "0190"}, kBusError,
+                  "setBusSpeed Error on Device /dev/i2c0: Input/output error, errorcode: 5");
+    EXPECT_EQ(busSpeed(), 100000u);
+}
+
+TEST_F(iReadCmdAsciiTest, SettingAnAttributeTakesThreeParametersAndAKnownOne) {
+    expectRefused({"i2c", "setattributes"}, kGenericError, "Expected at Least 4 Parameter, received: 1");
+    expectRefused({"i2c", "setattributes", "9", "0"}, kGenericError,
+                  "Expected at Least 4 Parameter, received: 3");
+    expectRefused({"i2c", "setattributes", "9", "0", "00", "x"}, kGenericError,
+                  "Expected at Least 4 Parameter, received: 5");
+    EXPECT_EQ(m_manager->connections(), 0);
+    expectRefused({"i2c", "setattributes", "0", "2", "00"}, kUnknownAttribute,
+                  "Attribute ID 2 is unknown");
+    expectRefused({"i2c", "setattributes", "0", "255", ""}, kUnknownAttribute,
+                  "Attribute ID 255 is unknown");
+}
+
+TEST_F(iReadCmdAsciiTest, AWriteSendsTheBytesOfItsToken) {
+    const auto expectSent = [this](const char* address, unsigned char number, const Bytes& data) {
+        SCOPED_TRACE(data.size());
+        m_manager->willAnswer(0);
+        EXPECT_EQ(send(withData({"i2c", "write", "0", address}, data)), "i2c ok");
+        EXPECT_TRUE(m_manager->lastRequest() == writeRequest(number, data));
+    };
+    expectSent("0x50", 0x50, {7});
+    expectSent("80", 80, {0});
+    expectSent("0x7F", 127, {0, 0xFF, 0});
+    expectSent("0", 0, counting(251));
+    expectSent("0x50", 0x50, counting(256));
+    expectSent("0x50", 0x50, counting(100000));
+    const Response response = [this] {
+        m_manager->willAnswer(0);
+        return process(withData({"i2c", "write", "0", "1"}, {1}));
+    }();
+    EXPECT_EQ(response->code, 0u);
+    EXPECT_EQ(answerOf(*response), "ok");
+    EXPECT_THAT(m_listener.lines, IsEmpty());
+}
+
+TEST_F(iReadCmdAsciiTest, AWriteWithoutDataIsRefused) {
+    const Tokens list = withData({"i2c", "write", "0", "0x50"}, {});
+    const Response response = process(list);
+    EXPECT_EQ(response->code, kGenericError);
+    EXPECT_NE(response->message, "");
+    EXPECT_EQ(send(list), "i2c Error 0x1010000");
+    EXPECT_THAT(m_manager->requests(), IsEmpty());
+}
+
+TEST_F(iReadCmdAsciiTest, AWriteTakesThreeParameters) {
+    expectRefused({"i2c", "write"}, kGenericError, "Expected at Least 4 Parameter, received: 1");
+    expectRefused({"i2c", "write", "9", "0x50"}, kGenericError,
+                  "Expected at Least 4 Parameter, received: 3");
+    expectRefused({"i2c", "write", "9", "0x50", "x", "y"}, kGenericError,
+                  "Expected at Least 4 Parameter, received: 5");
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(iReadCmdAsciiTest, AFailingTransactionIsToldWithItsTextAndItsCode) {
+    struct Row {
+        int result;
+        const char* write;
+        const char* read;
+    };
+    const Row rows[] = {
+        {1, "The master is locked by another connection", "Operation not permitted"},
+        {5, "The master send failed", "bad slave address/ bad bus speed/ bus is busy"},
+        {12, "Insufficient memory", "The master is locked by another connection"},
+        {14, "An error occurred while accessing the data buffer", "Bad address"},
+        {22, "Bad message format", "Bad message format"},
+        {16, "Device or resource busy", "Device or resource busy"},
+    };
+    for (const Row& row : rows) {
+        for (int time = 0; time < 6; ++time)
+            m_manager->willAnswer(row.result);
+        const std::string end = ", errorcode: " + std::to_string(row.result);
+        expectTokensRefused(withData({"i2c", "write", "0", "0x50"}, {1}), kBusError,
+                            std::string("Write Error on Device /dev/i2c0: ") + row.write + end);
+        expectRefused({"i2c", "read", "0", "3", "0x50"}, kBusError,
+                      std::string("Read Error on Device /dev/i2c0: ") + row.read + end);
+        expectTokensRefused(withData({"i2c", "read", "0", "3", "0x50"}, {1}), kBusError,
+                            std::string("Transfer Error on Device /dev/i2c0: ") + row.write + end);
+    }
+    EXPECT_EQ(m_manager->connections(), 1) << "the bus stays open";
+}
+
+TEST_F(iReadCmdAsciiTest, ADataTokenThatTheSocketCannotTakeIsAnErrorAndTheBusGoesOn) {
+    expectErrorLine(withData({"i2c", "write", "0", "0x50"}, Bytes(8 << 20)), kBusError,
+                    "Write Error on Device /dev/i2c0: Message too long, errorcode: 90");
+    m_manager->willAnswer(0);
+    EXPECT_EQ(send(withData({"i2c", "write", "0", "0x50"}, {1})), "i2c ok");
+}

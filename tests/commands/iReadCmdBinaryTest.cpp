@@ -1,0 +1,224 @@
+// Reading from the bus, and its attributes, over the binary protocol.
+#include "commands/IWriteCmd.h"
+#include "commands/iReadCmd.h"
+#include "support/I2cUnit.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+constexpr unsigned kBusError = 0x07000001;
+constexpr unsigned kNoSuchBus = 0x07000005;
+constexpr unsigned kUnknownAttribute = 0x0700000B;
+
+class iReadCmdBinaryTest : public I2cUnit {
+protected:
+    static iReadCmd& command() { return *iReadCmd::getInstance(); }
+    static Response process(const Bytes& request) { return run(command(), request); }
+
+    /// Both the response and what is sent.
+    void expectRefused(const Bytes& request, unsigned code, const std::string& text) {
+        SCOPED_TRACE(::testing::PrintToString(request));
+        expectError(process(request), code, text);
+        if (request.size() >= 4)
+            expectErrorFrame(request, code, text);
+    }
+};
+
+Bytes answerFrame(unsigned char bus, unsigned char count, const Bytes& payload) {
+    const auto size = static_cast<unsigned char>(8 + payload.size());
+    return joined({{size, 'i', bus, count, 0, 0, 0, 0}, payload});
+}
+
+} // namespace
+
+TEST_F(iReadCmdBinaryTest, HasItsIdAndName) {
+    EXPECT_EQ(command().tavrin_getName(), 'i');
+    EXPECT_EQ(command().ascii_getName(), "i2c");
+    EXPECT_EQ(iReadCmd::getInstance(), iReadCmd::getInstance());
+}
+
+TEST_F(iReadCmdBinaryTest, FiveBytesAreAPlainRead) {
+    m_manager->willAnswer(0, readReply({0xA1, 0xA2, 0xA3}));
+    EXPECT_THAT(send({5, 'i', 0, 3, 0x50}), ElementsAre(11, 'i', 0, 3, 0, 0, 0, 0, 0xA1, 0xA2, 0xA3));
+    EXPECT_EQ(m_manager->lastRequest(), readRequest(0x50, 3));
+    EXPECT_THAT(m_listener.frames, IsEmpty());
+}
+
+TEST_F(iReadCmdBinaryTest, MoreBytesAreWrittenFirst) {
+    m_manager->willAnswer(0, transferReply({0xA1}));
+    EXPECT_THAT(send({6, 'i', 0, 1, 0x50, 0x10}), ElementsAre(9, 'i', 0, 1, 0, 0, 0, 0, 0xA1));
+    EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, {0x10}, 1));
+
+    const Bytes most = counting(250);
+    m_manager->willAnswer(0, transferReply({0xA1}));
+    const Response response = process(joined({{255, 'i', 0, 1, 0x7F}, most}));
+    EXPECT_EQ(response->code, 0u);
+    EXPECT_EQ(frameOf(*response), answerFrame(0, 1, {0xA1}));
+    EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x7F, most, 1));
+}
+
+TEST_F(iReadCmdBinaryTest, UpTo247BytesAreRead) {
+    for (const unsigned char count : Bytes{1, 2, 246, 247}) {
+        SCOPED_TRACE(int(count));
+        const Bytes data = counting(count, 0x80);
+        m_manager->willAnswer(0, readReply(data));
+        EXPECT_EQ(send({5, 'i', 0, count, 0xFF}), answerFrame(0, count, data));
+        EXPECT_EQ(m_manager->lastRequest(), readRequest(0xFF, count));
+    }
+}
+
+TEST_F(iReadCmdBinaryTest, WhatTheManagerDoesNotSendIsZeroAndTheRestIsDropped) {
+    struct Row {
+        Bytes reply;
+        Bytes payload;
+    };
+    const Row rows[] = {
+        {{}, {0, 0, 0}},
+        {Bytes(16, 0xEE), {0, 0, 0}},
+        {readReply({1}), {1, 0, 0}},
+        {readReply(counting(3)), {1, 2, 3}},
+        {readReply(counting(1000)), {1, 2, 3}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.reply.size());
+        m_manager->willAnswer(0, row.reply);
+        EXPECT_EQ(send({5, 'i', 0, 3, 0x50}), answerFrame(0, 3, row.payload));
+    }
+}
+
+TEST_F(iReadCmdBinaryTest, TooShortARequestIsRefused) {
+    expectRefused({2, 'i'}, kGenericError, "Expected at Least 5 Bytes, received: 2");
+    expectRefused({3, 'i', 0}, kGenericError, "Expected at Least 5 Bytes, received: 3");
+    expectRefused({4, 'i', 0, 0}, kGenericError, "Expected at Least 5 Bytes, received: 4");
+    expectRefused({4, 'i', 9, 248}, kGenericError, "Expected at Least 5 Bytes, received: 4");
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(iReadCmdBinaryTest, TheCountIsCheckedBeforeTheBus) {
+    for (const unsigned char bus : Bytes{0, 9}) {
+        for (const unsigned char count : Bytes{0, 248, 255})
+            expectRefused({5, 'i', bus, count, 0x50}, kGenericError,
+                          "Overflow of allowed Range of Bytes to Read [1,247], should Read: " +
+                              std::to_string(count));
+    }
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(iReadCmdBinaryTest, ThereIsOneBus) {
+    for (const unsigned char bus : Bytes{1, 2, 254})
+        expectRefused({5, 'i', bus, 1, 0x50}, kNoSuchBus,
+                      "Bus number " + std::to_string(bus) + " is invalid");
+    for (const unsigned char bus : Bytes{1, 255})
+        expectRefused({5, 'i', 255, bus, 9}, kNoSuchBus,
+                      "Bus number " + std::to_string(bus) + " is invalid");
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(iReadCmdBinaryTest, ABusThatCannotBeOpenedIsTold) {
+    removeBus();
+    expectRefused({5, 'i', 0, 1, 0x50}, kBusError, "Failed to open Bus with Error-Code 2");
+    expectRefused({6, 'i', 0, 1, 0x50, 1}, kBusError, "Failed to open Bus with Error-Code 2");
+    expectRefused({5, 'i', 255, 0, 9}, kBusError, "Failed to open Bus with Error-Code 2");
+    comeBack();
+    m_manager->willAnswer(0, readReply({7}));
+    EXPECT_EQ(send({5, 'i', 0, 1, 0x50}), answerFrame(0, 1, {7}));
+}
+
+TEST_F(iReadCmdBinaryTest, AFailingTransactionIsToldWithItsTextAndItsCode) {
+    struct Row {
+        int result;
+        const char* read;
+        const char* transfer;
+    };
+    const Row rows[] = {
+        {1, "Operation not permitted", "The master is locked by another connection"},
+        {5, "bad slave address/ bad bus speed/ bus is busy", "The master send failed"},
+        {12, "The master is locked by another connection", "Insufficient memory"},
+        {14, "Bad address", "An error occurred while accessing the data buffer"},
+        {22, "Bad message format", "Bad message format"},
+        {16, "Device or resource busy", "Device or resource busy"},
+        {-1, "Unknown error -1", "Unknown error -1"},
+    };
+    for (const Row& row : rows) {
+        for (int time = 0; time < 4; ++time)
+            m_manager->willAnswer(row.result, Bytes(300));
+        const std::string end = ", errorcode: " + std::to_string(row.result);
+        expectRefused({5, 'i', 0, 3, 0x50}, kBusError,
+                      std::string("Read Error on Device /dev/i2c0: ") + row.read + end);
+        expectRefused({7, 'i', 0, 3, 0x50, 1, 2}, kBusError,
+                      std::string("Transfer Error on Device /dev/i2c0: ") + row.transfer + end);
+    }
+    m_manager->willAnswer(0, readReply({7}));
+    EXPECT_EQ(send({5, 'i', 0, 1, 0x50}), answerFrame(0, 1, {7}));
+    EXPECT_EQ(m_manager->connections(), 1) << "the bus stays open";
+}
+
+TEST_F(iReadCmdBinaryTest, AManagerThatGoesDuringARequestIsToldAndReachedAgain) {
+    m_manager->willVanish();
+    expectErrorFrame({5, 'i', 0, 3, 0x50}, kBusError,
+                     "Read Error on Device /dev/i2c0: Broken pipe, errorcode: 32");
+    expectErrorFrame({5, 'i', 0, 3, 0x50}, kBusError,
+                     "Read Error on Device /dev/i2c0: No such file or directory, errorcode: 2");
+    comeBack();
+    m_manager->willAnswer(0, readReply({7}));
+    EXPECT_EQ(send({5, 'i', 0, 1, 0x50}), answerFrame(0, 1, {7}));
+}
+
+TEST_F(iReadCmdBinaryTest, AttributesAreReadWithoutAskingTheManager) {
+    EXPECT_THAT(send({5, 'i', 255, 0, 0}), ElementsAre(9, 'i', 255, 0, 0, 0, 0, 0, 1));
+    EXPECT_THAT(send({5, 'i', 255, 0, 1}), ElementsAre(10, 'i', 255, 0, 0, 0, 0, 0, 0x00, 0x64));
+    EXPECT_THAT(m_manager->requests(), IsEmpty());
+    EXPECT_THAT(m_listener.frames, IsEmpty());
+}
+
+TEST_F(iReadCmdBinaryTest, AttributesAreWhatWasSetLast) {
+    m_manager->willAnswer(0);
+    send({7, 'I', 255, 0, 1, 0x01, 0x90});
+    send({6, 'I', 255, 0, 0, 0});
+    EXPECT_THAT(send({5, 'i', 255, 0, 0}), ElementsAre(9, 'i', 255, 0, 0, 0, 0, 0, 0));
+    EXPECT_THAT(send({5, 'i', 255, 0, 1}), ElementsAre(10, 'i', 255, 0, 0, 0, 0, 0, 0x01, 0x90));
+    m_manager->willAnswer(0);
+    send({5, 'i', 0, 1, 0x50});
+    EXPECT_EQ(m_manager->lastRequest(), readRequest(0x50, 1, 0));
+    m_manager->willAnswer(0);
+    send({6, 'i', 0, 1, 0x50, 9});
+    EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, {9}, 1, 0));
+}
+
+TEST_F(iReadCmdBinaryTest, OtherAttributesAreUnknown) {
+    for (const unsigned char attribute : Bytes{2, 3, 128, 255})
+        expectRefused({5, 'i', 255, 0, attribute}, kUnknownAttribute,
+                      "Attribute ID " + std::to_string(attribute) + " is unknown");
+}
+
+TEST_F(iReadCmdBinaryTest, ARequestForAnAttributeHasFiveBytes) {
+    expectRefused({3, 'i', 255}, kGenericError, "Expect a Command Length of 5 but get 3");
+    expectRefused({4, 'i', 255, 0}, kGenericError, "Expect a Command Length of 5 but get 4");
+    expectRefused({6, 'i', 255, 0, 0, 0}, kGenericError, "Expect a Command Length of 5 but get 6");
+    Bytes longest(255, 9);
+    longest[0] = 255;
+    longest[1] = 'i';
+    longest[2] = 255;
+    expectRefused(longest, kGenericError, "Expect a Command Length of 5 but get 255");
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(iReadCmdBinaryTest, TheSharedCoresCanBeCalled) {
+    Bytes out(2);
+    m_manager->willAnswer(0, transferReply({1, 2}));
+    EXPECT_EQ(Response(command().readBus(0, 2, 0x50, true, "xy", 2, &out))->code, 0u);
+    EXPECT_THAT(out, ElementsAre(1, 2));
+    EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, {'x', 'y'}, 2));
+    expectError(Response(command().readBus(0, 248, 0x50, false, nullptr, 0, &out)), kGenericError,
+                "Overflow of allowed Range of Bytes to Read [1,247], should Read: 248");
+    expectError(Response(command().readBus(0, 0, 0x50, false, nullptr, 0, &out)), kGenericError,
+                "Overflow of allowed Range of Bytes to Read [1,247], should Read: 0");
+    out.clear();
+    EXPECT_EQ(Response(command().getAttribute(0, 1, &out))->code, 0u);
+    EXPECT_THAT(out, ElementsAre(0, 100));
+    out = {9, 9, 9};
+    EXPECT_EQ(Response(command().getAttribute(0, 0, &out))->code, 0u);
+    EXPECT_THAT(out, ElementsAre(1));
+}

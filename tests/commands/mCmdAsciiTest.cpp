@@ -1,0 +1,189 @@
+// Block devices over the ASCII protocol.
+#include <filesystem>
+
+#include "support/BlockUnit.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+constexpr std::uint32_t kBlock = BlockFile::kBlock;
+
+constexpr char kError[] = "blockdev Error 0x1010000";
+constexpr char kInvalidLength[] = "Invalid Command Length";
+constexpr char kInvalidSubCommand[] = "Invalid Subcommand";
+
+class mCmdAsciiTest : public BlockUnit {
+protected:
+    void expectRefused(const Words& words, const std::string& text) {
+        Tokens list = tokens(words);
+        const Response response(command().process(list));
+        EXPECT_EQ(response->code, kGenericError);
+        EXPECT_EQ(response->message, text);
+        EXPECT_EQ(response->protocol, 0);
+        EXPECT_EQ(m_frontEnd.sendWords(words), kError);
+        EXPECT_THAT(m_frontEnd.lines, ElementsAre(infoLine(text)));
+    }
+
+    void expectAnswer(const Words& words, const std::string& answer) {
+        EXPECT_EQ(m_frontEnd.sendWords(words), "blockdev " + answer);
+        EXPECT_THAT(m_frontEnd.lines, IsEmpty());
+    }
+};
+
+} // namespace
+
+TEST_F(mCmdAsciiTest, MovesBlocksFromOneDeviceToAnother) {
+    BlockFile disc(kOpticalPath, 15);
+    const BlockFile flash(kFlashPath, 15);
+    disc.fill(10, 'k');
+    disc.fill(13, 'n');
+    expectAnswer({"blockdev", "open", "178", "0"}, "ok");
+    expectAnswer({"blockdev", "open", "180", "1"}, "ok");
+    expectAnswer({"blockdev", "read", "178", "0", "10", "4", "0x2001"}, "base64(AABAAA==)");
+    EXPECT_EQ(scratch(0x2001, 4 * kBlock), disc.blocks(10, 4));
+    expectAnswer({"blockdev", "write", "180", "1", "0", "1", "0x2001"}, "base64(AAAQAA==)");
+    EXPECT_EQ(flash.blocks(0, 2), blocksOf('k') + blocksOf('\0'));
+    expectAnswer({"blockdev", "close", "178", "0"}, "ok");
+    expectAnswer({"blockdev", "close", "180", "1"}, "ok");
+}
+
+TEST_F(mCmdAsciiTest, AnswersTheBytesThatWereMoved) {
+    BlockFile card(kCardPath, 15);
+    expectAnswer({"blockdev", "open", "180", "0"}, "ok");
+    expectAnswer({"blockdev", "read", "180", "0", "3", "0", "0"}, "base64(AAAAAA==)");
+    expectAnswer({"blockdev", "write", "180", "0", "3", "0", "0"}, "base64(AAAAAA==)");
+    expectAnswer({"blockdev", "read", "180", "0", "0", "14", "0"}, "base64(AADgAA==)");
+    card.resize(kBlock + 0x234);
+    expectAnswer({"blockdev", "read", "180", "0", "0", "14", "0"}, "base64(AAASNA==)");
+}
+
+TEST_F(mCmdAsciiTest, NumbersComeInAnyNotation) {
+    BlockFile card(kCardPath, 15);
+    card.fill(10, 'k');
+    setScratch(0, blocksOf('.', 3));
+    expectAnswer({"blockdev", "open", "0xB4", "0x0"}, "ok");
+    expectAnswer({"blockdev", "read", "0264", "00", "012", "0x1", "010000"}, "base64(AAAQAA==)");
+    EXPECT_EQ(scratch(0, 3 * kBlock), blocksOf('.') + blocksOf('k') + blocksOf('.'));
+    expectAnswer({"blockdev", "read", "180", "none", "none", "none", "none"}, "base64(AAAAAA==)");
+}
+
+TEST_F(mCmdAsciiTest, NegativeAndLargeNumbersAreOutOfRange) {
+    BlockFile card(kCardPath, 15);
+    card.fill(0, 'a');
+    expectAnswer({"blockdev", "open", "180", "0"}, "ok");
+    setScratch(0, blocksOf('.'));
+    struct Row {
+        const char* first;
+        const char* count;
+        const char* offset;
+        const char* readText;
+        const char* writeText;
+    };
+    const char* const noStart = "Startblock does not Exist on Device, errorCode: 16842752";
+    const char* const noEnd = "Endblock does not exist on Device, errorCode: 16842752";
+    const char* const noData = "Number of Bytes to Read overrides internal Memory, errorCode: 16842752";
+    const char* const noOffset = "Memoryoffset out of Range";
+    const Row rows[] = {
+        {"15", "1", "0", noStart, noStart},
+        {"-1", "1", "0", noStart, noStart},
+        {"0xFFFFFFFF", "2", "0", noStart, noStart},
+        {"10", "5", "0", noEnd, noEnd},
+        {"1", "-1", "0", noEnd, noEnd},
+        {"0", "-2147483648", "0", noEnd, noEnd},
+        {"0", "1", "0x8000000", noOffset, noData},
+        {"0", "1", "-1", noOffset, noData},
+        {"0", "1", "0xF0000000", noOffset, noData},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.first) + " " + row.count + " " + row.offset);
+        expectRefused({"blockdev", "read", "180", "0", row.first, row.count, row.offset}, row.readText);
+        expectRefused({"blockdev", "write", "180", "0", row.first, row.count, row.offset},
+                      row.writeText);
+    }
+    EXPECT_EQ(card.block(0), blocksOf('a'));
+    EXPECT_EQ(scratch(0, kBlock), blocksOf('.'));
+}
+
+TEST_F(mCmdAsciiTest, SubcommandsAreRecognisedByTheirBeginning) {
+    const BlockFile card(kCardPath, 3);
+    expectAnswer({"blockdev", "opening", "180", "0"}, "ok");
+    expectAnswer({"blockdev", "reader", "180", "0", "0", "1", "0"}, "base64(AAAQAA==)");
+    expectAnswer({"blockdev", "writeback", "180", "0", "0", "1", "0"}, "base64(AAAQAA==)");
+    expectAnswer({"blockdev", "closed", "180", "0"}, "ok");
+    const Tokens bare = {token("blockdev"), {'o', 'p', 'e', 'n'}, {'1', '8', '0'}, {'0'}};
+    EXPECT_EQ(m_frontEnd.send(bare), "blockdev ok") << "without zero bytes";
+    const Tokens cut = {token("blockdev"), {'o', 'p', 'e'}, {'1', '8', '0'}, {'0'}};
+    EXPECT_EQ(m_frontEnd.send(cut), kError);
+    EXPECT_THAT(m_frontEnd.lines, ElementsAre(infoLine(kInvalidSubCommand)));
+}
+
+TEST_F(mCmdAsciiTest, WhatIsNoRequestForItIsRefused) {
+    const BlockFile card(kCardPath, 3);
+    struct Row {
+        Words words;
+        const char* text;
+    };
+    const Row rows[] = {
+        {{"blockdev"}, kInvalidLength},
+        {{"blockdev", "open"}, kInvalidLength},
+        {{"blockdev", "open", "180"}, kInvalidLength},
+        {{"blockdev", "jump", "7"}, kInvalidLength},
+        {{"blockdev", "open", "180", "0", "0"}, kInvalidLength},
+        {{"blockdev", "close", "180", "0", "0"}, kInvalidLength},
+        {{"blockdev", "read", "180", "0"}, kInvalidLength},
+        {{"blockdev", "read", "180", "0", "0", "1"}, kInvalidLength},
+        {{"blockdev", "read", "180", "0", "0", "1", "0", "0"}, kInvalidLength},
+        {{"blockdev", "write", "180", "0", "0", "1"}, kInvalidLength},
+        {{"blockdev", "write", "180", "0", "0", "1", "0", "0"}, kInvalidLength},
+        {{"blockdev", "ope", "180", "0"}, kInvalidSubCommand},
+        {{"blockdev", "OPEN", "180", "0"}, kInvalidSubCommand},
+        {{"blockdev", "clos", "180", "0"}, kInvalidSubCommand},
+        {{"blockdev", "writ", "180", "0", "0", "1", "0"}, kInvalidSubCommand},
+        {{"blockdev", "", "180", "0"}, kInvalidSubCommand},
+        {{"blockdev", "%s", "180", "0", "0", "1", "0", "0"}, kInvalidSubCommand},
+        {{"blockdev", "jump", "180", "2"}, "Device ID does not exist"},
+        {{"blockdev", "open", "181", "0"}, "Device Type is unknown"},
+        {{"blockdev", "open", "card", "0"}, "Device Type is unknown"},
+        {{"blockdev", "open", "179", "1"}, "No Device inserted"},
+        {{"blockdev", "open", "176", "0"}, "Probably due to failures no such Device was registered"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.words));
+        expectRefused(row.words, row.text);
+    }
+    Tokens none;
+    const Response response(command().process(none));
+    EXPECT_EQ(response->code, kGenericError);
+    EXPECT_EQ(response->message, kInvalidLength);
+}
+
+TEST_F(mCmdAsciiTest, AFailureIsReportedWithItsErrorCode) {
+    expectRefused({"blockdev", "open", "178", "0"}, "Device not inserted, errorCode: 16842752");
+    expectRefused({"blockdev", "close", "178", "0"}, "Device not inserted, errorCode: 16842752");
+    const BlockFile disc(kOpticalPath, 3);
+    expectRefused({"blockdev", "read", "178", "0", "0", "1", "0"},
+                  "Device is not properly opened, file descriptor is invalid, errorCode: 16842752");
+    expectRefused({"blockdev", "write", "178", "0", "0", "1", "0"},
+                  "Device is not proprely opened, file descriptor is invalid, errorCode: 16842752");
+    expectAnswer({"blockdev", "open", "178", "0"}, "ok");
+    expectRefused({"blockdev", "write", "178", "0", "0", "1", "0"},
+                  "Device is Read-Only declared, errorCode: 16842752");
+    std::filesystem::create_directory(kCardPath);
+    expectRefused({"blockdev", "open", "180", "0"},
+                  "Failed to open Device /dev/mnand0: Is a directory, errorCode: 21");
+}
+
+TEST_F(mCmdAsciiTest, NoResponseIsLeftOver) {
+    const BlockFile card(kCardPath, 3);
+    const unsigned int before = ProcessResponse::m_counter;
+    for (const Words& words :
+         {Words{"blockdev", "open", "180", "0"}, Words{"blockdev", "read", "180", "0", "0", "1", "0"},
+          Words{"blockdev", "write", "180", "0", "9", "1", "0"}, Words{"blockdev", "close", "180", "0"},
+          Words{"blockdev", "open", "0", "0"}})
+        m_frontEnd.sendWords(words);
+    EXPECT_EQ(ProcessResponse::m_counter, before);
+}

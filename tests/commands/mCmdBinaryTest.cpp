@@ -1,0 +1,281 @@
+// Block devices over the binary protocol.
+#include <filesystem>
+#include <stdexcept>
+
+#include "support/BlockUnit.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+enum Operation : unsigned char { Open = 1, Close = 2, Read = 3, Write = 4 };
+
+constexpr std::uint32_t kBlock = BlockFile::kBlock;
+constexpr std::uint32_t kScratchBytes = 0x8000000;
+
+constexpr char kInvalidLength[] = "Invalid Command Length";
+constexpr char kInvalidSubCommand[] = "Invalid Subcommand";
+constexpr char kOffsetOutOfRange[] = "Memoryoffset out of Range";
+constexpr char kNoSpace[] = "Not Enough Memory to save read Data, errorCode: 16842752";
+constexpr char kNoData[] = "Number of Bytes to Read overrides internal Memory, errorCode: 16842752";
+constexpr char kNotInserted[] = "Device not inserted, errorCode: 16842752";
+
+Bytes inFourBytes(std::uint32_t number) {
+    return {static_cast<unsigned char>(number >> 24), static_cast<unsigned char>(number >> 16),
+            static_cast<unsigned char>(number >> 8), static_cast<unsigned char>(number)};
+}
+
+Bytes request(unsigned char type, unsigned char id, Operation operation) {
+    return {5, 'm', type, id, operation};
+}
+
+Bytes transfer(unsigned char type, unsigned char id, Operation operation, std::uint32_t first,
+               std::uint32_t count, std::uint32_t offset) {
+    Bytes frame = {17, 'm', type, id, operation};
+    for (const std::uint32_t number : {first, count, offset}) {
+        const Bytes bytes = inFourBytes(number);
+        frame.insert(frame.end(), bytes.begin(), bytes.end());
+    }
+    return frame;
+}
+
+Bytes success(unsigned char type, unsigned char id) {
+    return {8, 'm', type, id, 0, 0, 0, 0};
+}
+
+Bytes moved(unsigned char type, unsigned char id, std::uint32_t count) {
+    Bytes frame = {12, 'm', type, id, 0, 0, 0, 0};
+    const Bytes bytes = inFourBytes(count);
+    frame.insert(frame.end(), bytes.begin(), bytes.end());
+    return frame;
+}
+
+class mCmdBinaryTest : public BlockUnit {
+protected:
+    static Response process(Bytes frame) { return Response(command().tavrin_preCheck(&frame)); }
+
+    void expectRefused(const Bytes& frame, const std::string& text) {
+        const Response response = process(frame);
+        EXPECT_EQ(response->code, kGenericError);
+        EXPECT_EQ(response->message, text);
+        EXPECT_EQ(response->protocol, 0);
+        EXPECT_THAT(m_frontEnd.send(frame), ElementsAre(8, 'm', frame[2], frame[3], 1, 1, 0, 0));
+        EXPECT_THAT(m_frontEnd.frames, ElementsAre(debugFrame(text)));
+    }
+
+    void expectAnswer(const Bytes& frame, const Bytes& answer) {
+        EXPECT_EQ(m_frontEnd.send(frame), answer);
+        EXPECT_THAT(m_frontEnd.frames, IsEmpty());
+    }
+};
+
+} // namespace
+
+TEST_F(mCmdBinaryTest, MovesBlocksFromOneDeviceToAnother) {
+    BlockFile disc(kOpticalPath, 15);
+    const BlockFile card(kCardPath, 15);
+    for (unsigned block = 0; block < 15; ++block)
+        disc.fill(block, static_cast<char>('a' + block));
+    setScratch(0x1000, blocksOf('.', 6));
+    expectAnswer(request(kOptical, 0, Open), success(kOptical, 0));
+    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
+    expectAnswer(transfer(kOptical, 0, Read, 10, 4, 0x1001), moved(kOptical, 0, 4 * kBlock));
+    EXPECT_EQ(scratch(0x1000, 6 * kBlock), "." + disc.blocks(10, 4) + blocksOf('.', 2).substr(1));
+    expectAnswer(transfer(kCard, 0, Write, 2, 4, 0x1001), moved(kCard, 0, 4 * kBlock));
+    EXPECT_EQ(card.blocks(0, 15), blocksOf('\0', 2) + disc.blocks(10, 4) + blocksOf('\0', 9));
+    expectAnswer(request(kOptical, 0, Close), success(kOptical, 0));
+    expectAnswer(request(kCard, 0, Close), success(kCard, 0));
+}
+
+TEST_F(mCmdBinaryTest, ASuccessIsAFrameOfItsOwn) {
+    const BlockFile card(kCardPath, 3);
+    const Response opened = process(request(kCard, 0, Open));
+    EXPECT_EQ(opened->code, 0u);
+    EXPECT_EQ(opened->message, "");
+    EXPECT_EQ(frameOf(*opened), success(kCard, 0));
+    EXPECT_EQ(frameOf(*process(transfer(kCard, 0, Read, 0, 1, 0))), moved(kCard, 0, kBlock));
+    EXPECT_EQ(frameOf(*process(transfer(kCard, 0, Write, 0, 1, 0))), moved(kCard, 0, kBlock));
+    EXPECT_EQ(frameOf(*process(request(kCard, 0, Close))), success(kCard, 0));
+}
+
+TEST_F(mCmdBinaryTest, TheDevicesIdIsEchoed) {
+    const BlockFile flash(kFlashPath, 3);
+    expectAnswer(request(kCard, 1, Open), success(kCard, 1));
+    expectAnswer(request(kCard, 1, Open), success(kCard, 1));
+    expectAnswer(transfer(kCard, 1, Read, 0, 0, 0), moved(kCard, 1, 0));
+    expectAnswer(transfer(kCard, 1, Write, 0, 2, 0), moved(kCard, 1, 2 * kBlock));
+    expectAnswer(request(kCard, 1, Close), success(kCard, 1));
+    expectAnswer(request(kCard, 1, Close), success(kCard, 1));
+}
+
+TEST_F(mCmdBinaryTest, NumbersComeMostSignificantByteFirst) {
+    BlockFile card(kCardPath, 0x01020400);
+    card.fill(0x20304, 'x'); // where block 0x01020304 begins, less 64 GiB
+    setScratch(0x01020300, blocksOf('.', 0x11));
+    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
+    expectAnswer(transfer(kCard, 0, Read, 0x01020304, 0x10, 0x01020300), moved(kCard, 0, 0x10000));
+    EXPECT_EQ(scratch(0x01020300, 0x11 * kBlock), blocksOf('x') + blocksOf('\0', 0xF) + blocksOf('.'));
+}
+
+TEST_F(mCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
+    const BlockFile card(kCardPath, 3);
+    Bytes tooLong = transfer(kCard, 0, Read, 0, 1, 0);
+    tooLong.push_back(0);
+    tooLong[0] = 18;
+    Bytes tooShort = transfer(kCard, 0, Write, 0, 1, 0);
+    tooShort.pop_back();
+    tooShort[0] = 16;
+    Bytes longOpen = transfer(kCard, 0, Open, 0, 1, 0);
+    struct Row {
+        Bytes frame;
+        const char* text;
+    };
+    const Row rows[] = {
+        {{4, 'm', kCard, 0}, kInvalidLength},
+        {{4, 'm', 0, 0}, kInvalidLength},
+        {{6, 'm', kCard, 0, Open, 0}, kInvalidLength},
+        {{6, 'm', kCard, 0, Close, 0}, kInvalidLength},
+        {longOpen, kInvalidLength},
+        {{5, 'm', kCard, 0, Read}, kInvalidLength},
+        {{5, 'm', kCard, 0, Write}, kInvalidLength},
+        {tooLong, kInvalidLength},
+        {tooShort, kInvalidLength},
+        {{5, 'm', kCard, 0, 0}, kInvalidSubCommand},
+        {{5, 'm', kCard, 0, 5}, kInvalidSubCommand},
+        {{6, 'm', kCard, 0, 255, 0}, kInvalidSubCommand},
+        {{5, 'm', kCard, 2, 0}, "Device ID does not exist"},
+        {{6, 'm', kStick, 1, Open, 0}, "No Device inserted"},
+        {{5, 'm', 176, 0, Open}, "Probably due to failures no such Device was registered"},
+        {{5, 'm', 181, 0, Read}, "Device Type is unknown"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.frame));
+        expectRefused(row.frame, row.text);
+    }
+}
+
+TEST_F(mCmdBinaryTest, ARequestWithNothingToEchoIsReportedAndThrown) {
+    EXPECT_THROW(m_frontEnd.send({3, 'm', kCard}), std::out_of_range);
+    EXPECT_THAT(m_frontEnd.frames,
+                ElementsAre(debugFrame(kInvalidLength), debugFrame("request size < 4")));
+}
+
+TEST_F(mCmdBinaryTest, AFailureIsReportedWithItsErrorCode) {
+    expectRefused(request(kCard, 0, Open), kNotInserted);
+    expectRefused(request(kCard, 0, Close), kNotInserted);
+    expectRefused(transfer(kCard, 0, Read, 0, 1, 0), kNotInserted);
+    expectRefused(transfer(kCard, 0, Write, 0, 1, 0), kNotInserted);
+    std::filesystem::create_directory(kCardPath);
+    expectRefused(request(kCard, 0, Open),
+                  "Failed to open Device /dev/mnand0: Is a directory, errorCode: 21");
+    remove(kCardPath);
+
+    const BlockFile card(kCardPath, 15);
+    expectRefused(transfer(kCard, 0, Read, 0, 1, 0),
+                  "Device is not properly opened, file descriptor is invalid, errorCode: 16842752");
+    expectRefused(transfer(kCard, 0, Write, 0, 1, 0),
+                  "Device is not proprely opened, file descriptor is invalid, errorCode: 16842752");
+    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
+    expectRefused(transfer(kCard, 0, Read, 15, 1, 0),
+                  "Startblock does not Exist on Device, errorCode: 16842752");
+    expectRefused(transfer(kCard, 0, Read, 10, 5, 0),
+                  "Endblock does not exist on Device, errorCode: 16842752");
+    expectRefused(transfer(kCard, 0, Write, 10, 10, 0),
+                  "Endblock does not exist on Device, errorCode: 16842752");
+    expectRefused(transfer(kCard, 0, Write, 1, 0xFFFFFFFF, 0),
+                  "Endblock does not exist on Device, errorCode: 16842752");
+    expectAnswer(transfer(kCard, 0, Read, 10, 4, 0), moved(kCard, 0, 4 * kBlock));
+}
+
+TEST_F(mCmdBinaryTest, AReadOnlyDeviceIsNotWrittenTo) {
+    const BlockFile disc(kOpticalPath, 3);
+    expectAnswer(request(kOptical, 0, Open), success(kOptical, 0));
+    setScratch(0, blocksOf('x'));
+    expectRefused(transfer(kOptical, 0, Write, 0, 1, 0),
+                  "Device is Read-Only declared, errorCode: 16842752");
+    EXPECT_EQ(disc.blocks(0, 3), blocksOf('\0', 3));
+}
+
+TEST_F(mCmdBinaryTest, AReadStaysInsideTheScratchBuffer) {
+    // Whatever the device: the offset is looked at first.
+    for (const std::uint32_t offset : {kScratchBytes, kScratchBytes + 1, 0x80000000U, 0xFFFFFFFFU}) {
+        SCOPED_TRACE(offset);
+        expectRefused(transfer(kCard, 0, Read, 0, 1, offset), kOffsetOutOfRange);
+    }
+    BlockFile card(kCardPath, 0x200000);
+    card.fill(0, 'a');
+    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
+    setScratch(kScratchBytes - 2 * kBlock, blocksOf('.', 2));
+    for (const std::uint32_t offset : {kScratchBytes - kBlock + 1, kScratchBytes - 1}) {
+        SCOPED_TRACE(offset);
+        expectRefused(transfer(kCard, 0, Read, 0, 1, offset), kNoSpace);
+    }
+    // In 32 bits these are 0, 4096 and nearly 4 GiB.
+    for (const std::uint32_t count : {0x100000U, 0x100001U, 0xFFFFFU}) {
+        SCOPED_TRACE(count);
+        expectRefused(transfer(kCard, 0, Read, 0, count, 0), kNoSpace);
+    }
+    expectRefused(transfer(kCard, 0, Read, 0, kScratchBytes / kBlock + 1, 0), kNoSpace);
+    expectRefused(transfer(kCard, 0, Read, 0, kScratchBytes / kBlock, 1), kNoSpace);
+    EXPECT_EQ(scratch(kScratchBytes - 2 * kBlock, 2 * kBlock), blocksOf('.', 2));
+    expectAnswer(transfer(kCard, 0, Read, 0, 1, kScratchBytes - kBlock), moved(kCard, 0, kBlock));
+    EXPECT_EQ(scratch(kScratchBytes - 2 * kBlock, 2 * kBlock), blocksOf('.') + blocksOf('a'));
+    card.resize(2 * kBlock); // so that not all of it has to be moved
+    expectAnswer(transfer(kCard, 0, Read, 0, kScratchBytes / kBlock, 0), moved(kCard, 0, 2 * kBlock));
+}
+
+TEST_F(mCmdBinaryTest, AWriteStaysInsideTheScratchBuffer) {
+    const BlockFile card(kCardPath, 0x200000);
+    expectRefused(transfer(kCard, 0, Write, 0, 1, 0xFFFFFFFF),
+                  "Device is not proprely opened, file descriptor is invalid, errorCode: 16842752");
+    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
+    // At the later ones the space that is left is a positive number, if it wraps.
+    for (const std::uint32_t offset : {kScratchBytes - kBlock + 1, kScratchBytes, kScratchBytes + 1,
+                                       0x88000000U, 0x88000001U, 0xF0000000U, 0xFFFFFFFFU}) {
+        SCOPED_TRACE(offset);
+        expectRefused(transfer(kCard, 0, Write, 0, 1, offset), kNoData);
+    }
+    expectRefused(transfer(kCard, 0, Write, 0, 0, kScratchBytes + 1), kNoData);
+    for (const std::uint32_t count : {0x100000U, 0x100001U, kScratchBytes / kBlock + 1}) {
+        SCOPED_TRACE(count);
+        expectRefused(transfer(kCard, 0, Write, 0, count, 0), kNoData);
+    }
+    EXPECT_EQ(card.block(0), blocksOf('\0'));
+    setScratch(kScratchBytes - kBlock, blocksOf('z'));
+    expectAnswer(transfer(kCard, 0, Write, 0, 1, kScratchBytes - kBlock), moved(kCard, 0, kBlock));
+    EXPECT_EQ(card.blocks(0, 2), blocksOf('z') + blocksOf('\0'));
+}
+
+TEST_F(mCmdBinaryTest, ADeviceThatGivesLessIsBelieved) {
+    BlockFile card(kCardPath, 15);
+    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
+    card.resize(kBlock + 0x123);
+    expectAnswer(transfer(kCard, 0, Read, 0, 3, 0), moved(kCard, 0, 0x1123));
+    card.resize(0);
+    expectAnswer(transfer(kCard, 0, Read, 0, 3, 0), moved(kCard, 0, 0));
+}
+
+TEST_F(mCmdBinaryTest, ARemovedDeviceIsOpenedAgainOnceItIsBack) {
+    BlockFile(kStickPath, 3).fill(0, 'a');
+    expectAnswer(request(kStick, 0, Open), success(kStick, 0));
+    remove(kStickPath);
+    expectRefused(transfer(kStick, 0, Read, 0, 1, 0), kNotInserted);
+    expectRefused(transfer(kStick, 0, Write, 0, 1, 0), kNotInserted);
+    expectRefused(request(kStick, 0, Close), kNotInserted);
+    expectRefused(request(kStick, 0, Open), kNotInserted);
+    BlockFile(kStickPath, 3).fill(0, 'b');
+    expectAnswer(request(kStick, 0, Open), success(kStick, 0));
+    expectAnswer(transfer(kStick, 0, Read, 0, 1, 0), moved(kStick, 0, kBlock));
+    EXPECT_EQ(scratch(0, kBlock), blocksOf('b'));
+}
+
+TEST_F(mCmdBinaryTest, NoResponseIsLeftOver) {
+    const BlockFile card(kCardPath, 3);
+    const unsigned int before = ProcessResponse::m_counter;
+    for (const Bytes& frame :
+         {request(kCard, 0, Open), transfer(kCard, 0, Read, 0, 1, 0), transfer(kCard, 0, Write, 9, 1, 0),
+          transfer(kCard, 0, Read, 0, 1, kScratchBytes), request(kCard, 0, Close), request(0, 0, Open)})
+        m_frontEnd.send(frame);
+    EXPECT_EQ(ProcessResponse::m_counter, before);
+}

@@ -1,0 +1,261 @@
+// Reading ports over the binary protocol.
+#include "commands/pReadCmd.h"
+
+#include <sys/syscall.h>
+
+#include <cerrno>
+#include <stdexcept>
+
+#include "support/PortFixture.h"
+#include "support/RefusedCalls.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+constexpr unsigned int kOutOfRange = 0x27000010;
+constexpr unsigned int kAccessFailed = 0x27000000;
+
+class pReadCmdBinaryTest : public PortFixture {
+protected:
+    static pReadCmd& command() { return *pReadCmd::getInstance(); }
+
+    static Response process(Bytes request) { return Response(command().tavrin_preCheck(&request)); }
+    static Response readPort(unsigned char port) { return process({5, 'p', 0xE3, 1, port}); }
+    static Response readConfig() { return process({4, 'p', 0xE3, 0}); }
+
+    static void expectError(const Response& response, unsigned int code, const std::string& text) {
+        EXPECT_EQ(response->code, code);
+        EXPECT_EQ(response->message, text);
+        EXPECT_EQ(response->protocol, 0);
+    }
+};
+
+Bytes portFrame(unsigned char port, unsigned char attributes) {
+    return {10, 'p', 0xE3, 1, 0, 0, 0, 0, port, attributes};
+}
+
+Bytes configFrame(const Bytes& pairs) {
+    Bytes frame = {21, 'p', 0xE3, 0, 0, 0, 0, 0, 0x00, 0x15};
+    frame.insert(frame.end(), pairs.begin(), pairs.end());
+    return frame;
+}
+
+const Bytes kAllLow = {0x13, 0x31, 0x33, 0x13, 0x11, 0x13, 0x31, 0x11, 0x33, 0x13, 0x03};
+const Bytes kAllHigh = {0x57, 0x75, 0x77, 0x57, 0x55, 0x57, 0x75, 0x55, 0x77, 0x57, 0x07};
+
+const OddNode kUnreadable[] = {
+    {nullptr, 2, "No such file or directory"},
+    {kNothing, 2, "No such file or directory"},
+    {kSomeFolder, 21, "Is a directory"},
+    {kLinkToItself, 40, "Too many levels of symbolic links"},
+    {kBehindAFile, 20, "Not a directory"},
+    {kSocket, 6, "No such device or address"},
+    {"/proc/self/mem", 5, "Input/output error"}, // opens, but nothing is at its beginning
+};
+
+} // namespace
+
+TEST_F(pReadCmdBinaryTest, HasItsIdAndName) {
+    EXPECT_EQ(command().tavrin_getName(), 'p');
+    EXPECT_EQ(command().ascii_getName(), "port");
+    EXPECT_EQ(pReadCmd::getInstance(), pReadCmd::getInstance());
+}
+
+TEST_F(pReadCmdBinaryTest, ReadsEachPort) {
+    for (const Port& port : kPorts) {
+        SCOPED_TRACE(port.name);
+        EXPECT_EQ(m_frontEnd.send({5, 'p', 0xE3, 1, port.number}), portFrame(port.number, port.type));
+        setLevel(port, "1");
+        EXPECT_EQ(m_frontEnd.send({5, 'p', 0xE3, 1, port.number}),
+                  portFrame(port.number, port.type | 0x04));
+        EXPECT_THAT(m_frontEnd.frames, IsEmpty());
+        EXPECT_EQ(levelOf(port), "1");
+        setLevel(port, "0");
+    }
+}
+
+TEST_F(pReadCmdBinaryTest, OnlyTheNodesFirstCharacterCounts) {
+    struct Row {
+        std::string content;
+        unsigned char attributes;
+    };
+    const Row rows[] = {{"", 1},   {"0", 1},  {"1", 5},    {"1\n", 5},
+                        {"10", 5}, {"x", 1},  {"\n1", 1},  {std::string("\0001", 2), 1},
+                        {"01", 1}, {" 1", 1}, {"\x31", 5}, {"\xB1", 1}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.content);
+        setLevel(kPorts[7], row.content);
+        EXPECT_EQ(frameOf(*readPort(7)), portFrame(7, row.attributes));
+    }
+}
+
+TEST_F(pReadCmdBinaryTest, ReadsTheAttributesOfAllPorts) {
+    EXPECT_EQ(m_frontEnd.send({4, 'p', 0xE3, 0}), configFrame(kAllLow));
+    setAll("1");
+    EXPECT_EQ(m_frontEnd.send({4, 'p', 0xE3, 0}), configFrame(kAllHigh));
+    EXPECT_THAT(m_frontEnd.frames, IsEmpty());
+}
+
+TEST_F(pReadCmdBinaryTest, EachPortHasItsPlaceAmongTheAttributes) {
+    for (const Port& port : kPorts) {
+        SCOPED_TRACE(port.name);
+        setLevel(port, "1");
+        Bytes pairs = kAllLow;
+        pairs[port.number / 2] |= port.number % 2 == 0 ? 0x04 : 0x40;
+        EXPECT_EQ(frameOf(*readConfig()), configFrame(pairs));
+        setLevel(port, "0");
+    }
+}
+
+TEST_F(pReadCmdBinaryTest, APortThatCannotBeReadIsReported) {
+    const std::size_t before = openDescriptors();
+    for (const OddNode& node : kUnreadable) {
+        for (const unsigned char number : Bytes{0, 1, 20}) {
+            SCOPED_TRACE(std::to_string(number) + " " + (node.target == nullptr ? "-" : node.target));
+            const std::string port = std::to_string(number);
+            const std::string code = std::to_string(node.error);
+            relink(kPorts[number], node.target);
+            expectError(readPort(number), kAccessFailed,
+                        "Reading from Port " + port + " results in Error-Code " + code);
+            expectError(readConfig(), kAccessFailed,
+                        "Failed to read Port " + port + ": " + node.reason + ", errorcode: " + code);
+            relink(kPorts[number], nullptr);
+            setLevel(kPorts[number], "0");
+        }
+    }
+    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(frameOf(*readConfig()), configFrame(kAllLow));
+}
+
+TEST_F(pReadCmdBinaryTest, APortThatMustNotBeOpenedIsReported) {
+    inFreshProcess([] {
+        setLevel(kPorts[3], "1");
+        refuseSystemCalls({SYS_openat}, EACCES);
+        expectError(readPort(3), kAccessFailed, "Reading from Port 3 results in Error-Code 13");
+        expectError(readConfig(), kAccessFailed,
+                    "Failed to read Port 0: Permission denied, errorcode: 13");
+    });
+}
+
+TEST_F(pReadCmdBinaryTest, TheFirstUnreadablePortEndsTheList) {
+    relink(kPorts[5], nullptr);
+    relink(kPorts[2], kSomeFolder);
+    EXPECT_THAT(m_frontEnd.send({4, 'p', 0xE3, 0}), ElementsAre(8, 'p', 0xE3, 0, 0x27, 0, 0, 0));
+    EXPECT_THAT(m_frontEnd.frames,
+                ElementsAre(debugFrame("Failed to read Port 2: Is a directory, errorcode: 21")));
+}
+
+TEST_F(pReadCmdBinaryTest, WithoutTheFolderThereAreNoPorts) {
+    remove(kFolder);
+    EXPECT_THAT(m_frontEnd.send({5, 'p', 0xE3, 1, 20}), ElementsAre(8, 'p', 0xE3, 1, 0x27, 0, 0, 0));
+    EXPECT_THAT(m_frontEnd.frames,
+                ElementsAre(debugFrame("Reading from Port 20 results in Error-Code 2")));
+    expectError(readConfig(), kAccessFailed,
+                "Failed to read Port 0: No such file or directory, errorcode: 2");
+}
+
+TEST_F(pReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
+    struct Row {
+        Bytes request;
+        unsigned int code;
+        const char* text;
+    };
+    const char* const noCommand = "Command is not supported";
+    const Row rows[] = {
+        {{2, 'p'}, kGenericError, noCommand},
+        {{3, 'p', 0xE3}, kGenericError, noCommand},
+        {{4, 'p', 0xE2, 0}, kGenericError, noCommand},
+        {{5, 'p', 0x00, 1, 0}, kGenericError, noCommand},
+        {{4, 'p', 0xE3, 2}, kGenericError, noCommand},
+        {{5, 'p', 0xE3, 0xFF, 0}, kGenericError, noCommand},
+        {{5, 'p', 0xE3, 0, 0}, kGenericError, "Invalid Command Length: Expected a Length of 4, get 5"},
+        {{4, 'p', 0xE3, 1}, kGenericError, "Expected at a Command Length of 5, received 4"},
+        {{6, 'p', 0xE3, 1, 3, 4}, kGenericError, "Expected at a Command Length of 5, received 6"},
+        {{6, 'p', 0xE3, 1, 21, 4}, kGenericError, "Expected at a Command Length of 5, received 6"},
+        {{5, 'p', 0xE3, 1, 21}, kOutOfRange, "Invalid Port: 21. Allowed port range is: [0,20]"},
+        {{5, 'p', 0xE3, 1, 128}, kOutOfRange, "Invalid Port: 128. Allowed port range is: [0,20]"},
+        {{5, 'p', 0xE3, 1, 255}, kOutOfRange, "Invalid Port: 255. Allowed port range is: [0,20]"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.request));
+        expectError(process(row.request), row.code, row.text);
+    }
+    Bytes longest = {255, 'p', 0xE3, 0};
+    longest.resize(255);
+    expectError(process(longest), kGenericError,
+                "Invalid Command Length: Expected a Length of 4, get 255");
+}
+
+TEST_F(pReadCmdBinaryTest, ARefusalIsAnsweredByItsTextAndItsCode) {
+    EXPECT_THAT(m_frontEnd.send({5, 'p', 0xE3, 1, 21}), ElementsAre(8, 'p', 0xE3, 1, 0x27, 0, 0, 0x10));
+    EXPECT_THAT(m_frontEnd.frames,
+                ElementsAre(debugFrame("Invalid Port: 21. Allowed port range is: [0,20]")));
+    EXPECT_THAT(m_frontEnd.send({6, 'p', 0xE3, 1, 3, 4}),
+                ElementsAre(8, 'p', 0xE3, 1, 0x01, 0x01, 0, 0));
+    EXPECT_THAT(m_frontEnd.frames,
+                ElementsAre(debugFrame("Expected at a Command Length of 5, received 6")));
+}
+
+TEST_F(pReadCmdBinaryTest, ARequestWithNothingToEchoIsReportedAndThrown) {
+    EXPECT_THROW(m_frontEnd.send({3, 'p', 0xE3}), std::out_of_range);
+    EXPECT_THAT(m_frontEnd.frames,
+                ElementsAre(debugFrame("Command is not supported"), debugFrame("request size < 4")));
+    EXPECT_EQ(m_frontEnd.send({5, 'p', 0xE3, 1, 0}), portFrame(0, 3)) << "the next one is answered";
+}
+
+TEST_F(pReadCmdBinaryTest, AValueIsReadByItself) {
+    char value = 'z';
+    EXPECT_EQ(command().readPortValue(8, value), 0u);
+    EXPECT_EQ(value, '0');
+    setLevel(kPorts[8], "1");
+    EXPECT_EQ(command().readPortValue(8, value), 0u);
+    EXPECT_EQ(value, '1');
+    relink(kPorts[8], nullptr);
+    EXPECT_EQ(command().readPortValue(8, value), 2u);
+    EXPECT_EQ(value, '0');
+}
+
+TEST_F(pReadCmdBinaryTest, WhatIsReadIsAddedToTheData) {
+    Bytes data = {0xAA};
+    setLevel(kPorts[6], "1");
+    EXPECT_EQ(Response(command().readPort(6, &data))->code, 0u);
+    EXPECT_EQ(Response(command().readPort(7, &data))->code, 0u);
+    EXPECT_THAT(data, ElementsAre(0xAA, 6, 0x07, 7, 0x01));
+    relink(kPorts[6], nullptr);
+    EXPECT_EQ(Response(command().readPort(6, &data))->code, kAccessFailed);
+    EXPECT_THAT(data, ElementsAre(0xAA, 6, 0x07, 7, 0x01));
+}
+
+TEST_F(pReadCmdBinaryTest, PacksANibbleIntoEitherHalf) {
+    using Info = AbstractPCmd::PortInfo;
+    struct Row {
+        unsigned char before;
+        Info::Type type;
+        char value;
+        bool low;
+        unsigned char after;
+    };
+    const Row rows[] = {
+        {0x00, Info::None, '0', true, 0x00},   {0xFF, Info::None, '0', true, 0x00},
+        {0xFF, Info::Input, '0', true, 0x01},  {0xFF, Info::Output, '1', true, 0x07},
+        {0x00, Info::Input, 'x', true, 0x01},  {0x00, Info::None, '1', true, 0x04},
+        {0x07, Info::Input, '0', false, 0x17}, {0x03, Info::Output, '1', false, 0x73},
+        {0x85, Info::None, '0', false, 0x85},  {0x00, Info::Input, '\1', false, 0x10},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(static_cast<int>(row.after)));
+        unsigned char byte = row.before;
+        command().setAttributes(byte, row.type, row.value, row.low);
+        EXPECT_EQ(byte, row.after);
+    }
+}
+
+TEST_F(pReadCmdBinaryTest, NoResponseIsLeftOver) {
+    const unsigned int before = ProcessResponse::m_counter;
+    m_frontEnd.send({4, 'p', 0xE3, 0});
+    m_frontEnd.send({5, 'p', 0xE3, 1, 0});
+    m_frontEnd.send({5, 'p', 0xE3, 1, 21});
+    EXPECT_EQ(ProcessResponse::m_counter, before);
+}

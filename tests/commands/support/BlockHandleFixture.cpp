@@ -1,0 +1,34 @@
+#include "support/BlockHandleFixture.h"
+
+#include <cstdlib>
+
+namespace fs = std::filesystem;
+
+BlockHandleFixture::BlockHandleFixture() {
+    std::string pattern = (fs::temp_directory_path() / "block-handle-XXXXXX").string();
+    EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
+    m_folder = fs::canonical(pattern);
+}
+
+BlockHandleFixture::~BlockHandleFixture() {
+    fs::remove_all(m_folder);
+}
+
+int descriptorOf(const std::string& path) {
+    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code error;
+        if (fs::read_symlink(entry.path(), error) == path && !error)
+            return std::stoi(entry.path().filename().string());
+    }
+    return -1;
+}
+
+void expectSuccess(const DeviceResult& result) {
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.message, "");
+}
+
+void expectFailure(const DeviceResult& result, const std::string& text, int code) {
+    EXPECT_EQ(result.code, code);
+    EXPECT_EQ(result.message, text);
+}

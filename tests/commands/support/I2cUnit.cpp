@@ -1,0 +1,114 @@
+#include "support/I2cUnit.h"
+
+#include "commands/IWriteCmd.h"
+#include "commands/iReadCmd.h"
+#include "core/StringFormat.h"
+#include "devices/I2CHandler.h"
+
+using ::testing::ElementsAre;
+
+namespace {
+
+constexpr std::uint32_t kSetBusSpeed = 0x80040502;
+constexpr std::uint32_t kSend = 0x80100505;
+constexpr std::uint32_t kReceive = 0xC0100506;
+constexpr std::uint32_t kSendReceive = 0xC0140507;
+
+constexpr std::uint32_t kHeader = 16;
+constexpr std::uint32_t kCombinedHeader = 20;
+constexpr std::uint32_t kSevenBits = 2;
+
+I2c& bus() {
+    I2CHandler::BusInfo* info = nullptr;
+    I2CHandler::getBusInfo(0, &info);
+    return *info->i2c;
+}
+
+} // namespace
+
+I2cUnit::I2cUnit() {
+    iReadCmd::getInstance();
+    IWriteCmd::getInstance();
+    if (!handler().isValid())
+        handler().start();
+    // Cases may also share a process.
+    remove(kBusNode);
+    bus().close();
+    comeBack();
+}
+
+void I2cUnit::removeBus() {
+    m_manager.reset();
+    remove(kBusNode);
+}
+
+void I2cUnit::comeBack() {
+    m_manager.reset();
+    m_manager = std::make_unique<ScriptedManager>(kBusNode);
+}
+
+bool I2cUnit::stopCondition() {
+    return bus().isStopBitEnabled();
+}
+
+unsigned I2cUnit::busSpeed() {
+    unsigned speed = 0;
+    EXPECT_EQ(bus().getBusSpeed(speed).code, 0);
+    return speed;
+}
+
+Response I2cUnit::run(AbstractCmd& command, Bytes request) {
+    return Response(command.tavrin_preCheck(&request));
+}
+
+Response I2cUnit::run(AbstractCmd& command, Tokens list) {
+    return Response(command.process(list));
+}
+
+void I2cUnit::expectError(const Response& response, unsigned code, const std::string& text) {
+    EXPECT_EQ(response->code, code);
+    EXPECT_EQ(response->message, text);
+    EXPECT_EQ(response->protocol, 0);
+}
+
+void I2cUnit::expectErrorFrame(const Bytes& request, unsigned code, const std::string& text) {
+    m_listener.frames.clear();
+    EXPECT_THAT(send(request), ElementsAre(8, request[1], request[2], request[3], code >> 24,
+                                           code >> 16 & 0xFF, code >> 8 & 0xFF, code & 0xFF));
+    EXPECT_THAT(m_listener.frames, ElementsAre(debugFrame(text)));
+}
+
+void I2cUnit::expectErrorLine(const Tokens& list, unsigned code, const std::string& text) {
+    m_listener.lines.clear();
+    EXPECT_EQ(send(list), string_format("i2c Error 0x%X", code));
+    EXPECT_THAT(m_listener.lines, ElementsAre("Info \"" + text + "\""));
+}
+
+Bytes writeRequest(std::uint32_t address, const Bytes& data, std::uint32_t stop) {
+    const auto size = static_cast<std::uint32_t>(data.size());
+    return joined({littleEndian({kSend, kHeader + size, 0, 0, address, kSevenBits, size, stop}), data});
+}
+
+Bytes readRequest(std::uint32_t address, std::uint32_t count, std::uint32_t stop) {
+    return littleEndian({kReceive, kHeader, kHeader + count, 0, address, kSevenBits, count, stop});
+}
+
+Bytes transferRequest(std::uint32_t address, const Bytes& data, std::uint32_t count,
+                      std::uint32_t stop) {
+    const auto size = static_cast<std::uint32_t>(data.size());
+    return joined({littleEndian({kSendReceive, kCombinedHeader + size, kCombinedHeader + count, 0,
+                                 address, kSevenBits, size, count, stop}),
+                   data});
+}
+
+Bytes speedRequest(std::uint32_t speed) {
+    return littleEndian({kSetBusSpeed, sizeof speed, 0, 0, speed});
+}
+
+Bytes readReply(const Bytes& data) {
+    return joined({Bytes(kHeader, 0xEE), data});
+}
+
+Bytes transferReply(const Bytes& data) {
+    return joined({Bytes(kCombinedHeader, 0xEE), data});
+}

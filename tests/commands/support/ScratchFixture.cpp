@@ -1,0 +1,87 @@
+#include "support/ScratchFixture.h"
+
+#include <algorithm>
+#include <atomic>
+
+#include "core/AbstractCmd.h"
+
+using ::testing::ElementsAre;
+
+namespace {
+
+std::atomic<bool> s_refused{false};
+
+unsigned char preparedAt(unsigned int address) {
+    return static_cast<unsigned char>(address * 7 + address / 256 + 3);
+}
+
+} // namespace
+
+extern "C" {
+
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+    return s_refused && count * size == kScratchBytes ? nullptr : __real_calloc(count, size);
+}
+
+} // extern "C"
+
+void refuseScratchMemory(bool refused) {
+    s_refused = refused;
+}
+
+Bytes bigEndian(unsigned int number) {
+    return {static_cast<unsigned char>(number >> 24), static_cast<unsigned char>(number >> 16),
+            static_cast<unsigned char>(number >> 8), static_cast<unsigned char>(number)};
+}
+
+Bytes joined(Bytes first, const Bytes& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+std::vector<char> dataToken(const Bytes& bytes) {
+    return {bytes.begin(), bytes.end()};
+}
+
+ScratchFixture::ScratchFixture() {
+    unsigned char* const buffer = AbstractCmd::getGlobalBuffer();
+    for (unsigned int at = 0; at < kPrepared; ++at) {
+        buffer[at] = preparedAt(at);
+        buffer[kScratchBytes - kPrepared + at] = preparedAt(kPrepared + at);
+    }
+}
+
+void ScratchFixture::store(unsigned int address, const Bytes& bytes) {
+    std::copy(bytes.begin(), bytes.end(), AbstractCmd::getGlobalBuffer() + address);
+}
+
+Bytes ScratchFixture::stored(unsigned int address, std::size_t count) {
+    const unsigned char* const begin = AbstractCmd::getGlobalBuffer() + address;
+    return {begin, begin + count};
+}
+
+Bytes ScratchFixture::allStored() {
+    return joined(stored(0, kPrepared), stored(kScratchBytes - kPrepared, kPrepared));
+}
+
+void ScratchFixture::expectError(const ProcessResponse& response, unsigned int code,
+                                 const std::string& text) {
+    EXPECT_EQ(response.code, code);
+    EXPECT_EQ(response.message, text);
+    EXPECT_EQ(response.protocol, 0);
+}
+
+void ScratchFixture::expectErrorFrames(const Bytes& request, unsigned int code,
+                                       const std::string& text) {
+    m_listener.frames.clear();
+    EXPECT_EQ(send(request), joined({8, request[1], request[2], request[3]}, bigEndian(code)));
+    EXPECT_THAT(m_listener.frames, ElementsAre(debugFrame(text)));
+}
+
+void ScratchFixture::expectErrorLines(const Tokens& list, const std::string& line,
+                                      const std::string& text) {
+    m_listener.lines.clear();
+    EXPECT_EQ(send(list), line);
+    EXPECT_THAT(m_listener.lines, ElementsAre("Info \"" + text + "\""));
+}

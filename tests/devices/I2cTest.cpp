@@ -1,0 +1,373 @@
+// The bus in front of its manager: each request byte for byte, and what each result is called.
+#include "devices/I2c.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+#include "manager/ScriptedManager.h"
+#include "support/GuardedBuffer.h"
+#include "support/Results.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = ScriptedManager::Bytes;
+
+constexpr std::uint32_t kSetBusSpeed = 0x80040502;
+constexpr std::uint32_t kSend = 0x80100505;
+constexpr std::uint32_t kReceive = 0xC0100506;
+constexpr std::uint32_t kSendReceive = 0xC0140507;
+
+constexpr char kNotOpen[] = "Trying to get bus speed on an unitialized handler";
+
+Bytes speedRequest(std::uint32_t speed) {
+    return littleEndian({kSetBusSpeed, 4, 0, 0, speed});
+}
+
+Bytes writeRequest(std::uint32_t address, const Bytes& data, std::uint32_t stop = 1) {
+    const auto length = static_cast<std::uint32_t>(data.size());
+    return joined({littleEndian({kSend, 16 + length, 0, 0, address, 2, length, stop}), data});
+}
+
+Bytes readRequest(std::uint32_t address, std::uint32_t length, std::uint32_t stop = 1) {
+    return littleEndian({kReceive, 16, 16 + length, 0, address, 2, length, stop});
+}
+
+Bytes transferRequest(std::uint32_t address, const Bytes& data, std::uint32_t length,
+                      std::uint32_t stop = 1) {
+    const auto sent = static_cast<std::uint32_t>(data.size());
+    return joined(
+        {littleEndian({kSendReceive, 20 + sent, 20 + length, 0, address, 2, sent, length, stop}), data});
+}
+
+class I2cTest : public ::testing::Test {
+protected:
+    I2cTest() {
+        std::string pattern = (fs::temp_directory_path() / "i2c-XXXXXX").string();
+        EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
+        m_folder = pattern;
+        m_path = m_folder / "bus";
+        m_manager = std::make_unique<ScriptedManager>(m_path);
+    }
+
+    ~I2cTest() override {
+        m_manager.reset();
+        fs::remove_all(m_folder);
+    }
+
+    void open() { ASSERT_THAT(m_bus.open(m_path), isSuccess()); }
+
+    std::string text(const std::string& lead, const std::string& suffix) const {
+        return lead + m_path + suffix;
+    }
+
+    unsigned speed() {
+        unsigned value = 4711;
+        EXPECT_THAT(m_bus.getBusSpeed(value), isSuccess());
+        return value;
+    }
+
+    DeviceResult write() { return m_bus.write(0x50, kData.data(), 2); }
+    DeviceResult read() { return m_bus.read(0x50, m_buffer.data(), 8); }
+    DeviceResult transfer() { return m_bus.transfer(0x50, kData.data(), 2, m_buffer.data(), 8); }
+
+    void expectClosed() {
+        EXPECT_FALSE(m_bus.isOpen());
+        unsigned value = 4711;
+        EXPECT_THAT(m_bus.getBusSpeed(value), isFailure(0x400, kNotOpen));
+        EXPECT_EQ(value, 4711u);
+        EXPECT_THAT(m_bus.setBusSpeed(400000), isFailure(0x400, kNotOpen));
+        EXPECT_THAT(write(), isFailure(1024, kNotOpen));
+        EXPECT_THAT(read(), isFailure(1024, kNotOpen));
+        EXPECT_THAT(transfer(), isFailure(1024, kNotOpen));
+        EXPECT_TRUE(m_buffer.isUntouchedBut(0));
+        EXPECT_EQ(m_bus.close(), 0);
+    }
+
+    const Bytes kData = {7, 8};
+    fs::path m_folder;
+    std::string m_path;
+    std::unique_ptr<ScriptedManager> m_manager;
+    GuardedBuffer<8> m_buffer;
+    I2c m_bus;
+};
+
+} // namespace
+
+TEST_F(I2cTest, IsClosedUntilItIsOpened) {
+    expectClosed();
+    EXPECT_FALSE(m_bus.isStopBitEnabled());
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(I2cTest, OpenedItHasItsStopConditionAndItsSpeedWithoutAskingTheDevice) {
+    open();
+    EXPECT_TRUE(m_bus.isOpen());
+    EXPECT_TRUE(m_bus.isStopBitEnabled());
+    EXPECT_EQ(speed(), 100000u);
+    EXPECT_THAT(m_manager->requests(), IsEmpty());
+}
+
+TEST_F(I2cTest, AnOpenBusIsNotOpenedAgain) {
+    open();
+    m_bus.disableStopBit();
+    m_manager->willAnswer(0);
+    ASSERT_THAT(m_bus.setBusSpeed(400000), isSuccess());
+    EXPECT_THAT(m_bus.open(m_path), isSuccess());
+    EXPECT_THAT(m_bus.open(m_folder / "none"), isSuccess());
+    EXPECT_FALSE(m_bus.isStopBitEnabled());
+    EXPECT_EQ(speed(), 400000u);
+    m_manager->willAnswer(5);
+    EXPECT_THAT(write(), isFailure(5, text("Write Error on Device ", ": The master send failed")));
+    EXPECT_EQ(m_manager->connections(), 1);
+}
+
+TEST_F(I2cTest, ABusThatCannotBeOpenedSaysWhyAndStaysClosed) {
+    struct Row {
+        std::string path;
+        int error;
+        const char* suffix;
+    };
+    const Row rows[] = {
+        {m_folder / "none", ENOENT, ": No such file or directory 2"},
+        {m_folder, EISDIR, ": Is a directory 21"},
+        {"", ENOENT, ": No such file or directory 2"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.path);
+        EXPECT_THAT(m_bus.open(row.path),
+                    isFailure(row.error, "Open Error for " + row.path + row.suffix));
+        EXPECT_FALSE(m_bus.isStopBitEnabled());
+        expectClosed();
+    }
+    open();
+    EXPECT_TRUE(m_bus.isOpen());
+}
+
+TEST_F(I2cTest, AClosedBusCanBeOpenedAgain) {
+    open();
+    m_bus.disableStopBit();
+    m_manager->willAnswer(0);
+    ASSERT_THAT(m_bus.setBusSpeed(400000), isSuccess());
+    EXPECT_EQ(m_bus.close(), 0);
+    EXPECT_TRUE(m_manager->isLeftAlone());
+    expectClosed();
+    open();
+    EXPECT_TRUE(m_bus.isStopBitEnabled());
+    EXPECT_EQ(speed(), 100000u);
+    m_manager->willAnswer(0);
+    EXPECT_THAT(write(), isSuccess());
+    EXPECT_EQ(m_manager->lastRequest(), writeRequest(0x50, {7, 8}));
+}
+
+TEST_F(I2cTest, ABusThatGoesAwayIsClosed) {
+    {
+        I2c bus;
+        ASSERT_THAT(bus.open(m_path), isSuccess());
+        m_manager->willAnswer(0);
+        ASSERT_THAT(bus.write(1, "x", 1), isSuccess());
+    }
+    EXPECT_TRUE(m_manager->isLeftAlone());
+}
+
+TEST_F(I2cTest, AWriteSendsItsHeaderAndItsData) {
+    open();
+    const Bytes data = counting(300);
+    struct Row {
+        unsigned address;
+        unsigned length;
+    };
+    for (const Row& row :
+         {Row{0x50, 1}, Row{0, 2}, Row{0x7F, 251}, Row{0xFF, 300}, Row{0xFEDCBA98, 3}, Row{0x50, 0}}) {
+        SCOPED_TRACE(row.length);
+        m_manager->willAnswer(0);
+        EXPECT_THAT(m_bus.write(row.address, data.data(), row.length), isSuccess());
+        EXPECT_EQ(m_manager->lastRequest(),
+                  writeRequest(row.address, Bytes(data.begin(), data.begin() + row.length)));
+    }
+    m_manager->willAnswer(0);
+    EXPECT_THAT(m_bus.write(0x50, "\xA1\xA2", 2), isSuccess());
+    EXPECT_THAT(m_manager->lastRequest(),
+                ElementsAre(0x05, 0x05, 0x10, 0x80, 18, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, // request
+                            0x50, 0, 0, 0, 2, 0, 0, 0, 2, 0, 0, 0, 1, 0, 0, 0,           // header
+                            0xA1, 0xA2));
+}
+
+TEST_F(I2cTest, AReadHandsItsHeaderOverAsItsFirstReplyPart) {
+    open();
+    for (const unsigned address : {0x50u, 0u, 0x7Fu, 0xFEDCBA98u}) {
+        m_manager->willAnswer(0, joined({Bytes(16), counting(8)}));
+        EXPECT_THAT(m_bus.read(address, m_buffer.data(), 8), isSuccess());
+        EXPECT_EQ(m_manager->lastRequest(), readRequest(address, 8));
+    }
+    EXPECT_EQ(m_buffer.first(8), "\x01\x02\x03\x04\x05\x06\x07\x08");
+    EXPECT_TRUE(m_buffer.isUntouchedBut(8));
+    EXPECT_THAT(m_manager->requests()[0],
+                ElementsAre(0x06, 0x05, 0x10, 0xC0, 16, 0, 0, 0, 24, 0, 0, 0, 0, 0, 0, 0, // request
+                            0x50, 0, 0, 0, 2, 0, 0, 0, 8, 0, 0, 0, 1, 0, 0, 0));          // header
+}
+
+TEST_F(I2cTest, ATransferSendsItsHeaderAndItsDataAndReceives) {
+    open();
+    m_manager->willAnswer(0, joined({Bytes(20), counting(8)}));
+    EXPECT_THAT(transfer(), isSuccess());
+    EXPECT_EQ(m_buffer.first(8), "\x01\x02\x03\x04\x05\x06\x07\x08");
+    EXPECT_TRUE(m_buffer.isUntouchedBut(8));
+    EXPECT_THAT(
+        m_manager->lastRequest(),
+        ElementsAre(0x07, 0x05, 0x14, 0xC0, 22, 0, 0, 0, 28, 0, 0, 0, 0, 0, 0, 0,          // request
+                    0x50, 0, 0, 0, 2, 0, 0, 0, 2, 0, 0, 0, 8, 0, 0, 0, 1, 0, 0, 0, 7, 8)); // and header
+    const Bytes data = counting(255);
+    m_manager->willAnswer(0);
+    EXPECT_THAT(m_bus.transfer(0xFEDCBA98, data.data(), 255, m_buffer.data(), 1), isSuccess());
+    EXPECT_EQ(m_manager->lastRequest(), transferRequest(0xFEDCBA98, data, 1));
+}
+
+TEST_F(I2cTest, NothingLandsBeyondTheBufferWhateverComes) {
+    open();
+    for (const unsigned count : {0u, 1u, 7u, 8u, 9u, 64u, 5000u}) {
+        SCOPED_TRACE(count);
+        m_buffer = {};
+        m_manager->willAnswer(0, joined({Bytes(16, 0xEE), counting(count)}));
+        EXPECT_THAT(read(), isSuccess());
+        EXPECT_TRUE(m_buffer.isUntouchedBut(std::min(count, 8u)));
+        m_buffer = {};
+        m_manager->willAnswer(0, joined({Bytes(20, 0xEE), counting(count)}));
+        EXPECT_THAT(transfer(), isSuccess());
+        EXPECT_TRUE(m_buffer.isUntouchedBut(std::min(count, 8u)));
+    }
+    for (const unsigned count : {0u, 1u, 15u}) {
+        SCOPED_TRACE(count);
+        m_buffer = {};
+        m_manager->willAnswer(0, Bytes(count, 0xEE));
+        EXPECT_THAT(read(), isSuccess()) << "within the header";
+        m_manager->willAnswer(0, Bytes(count, 0xEE));
+        EXPECT_THAT(transfer(), isSuccess());
+        m_manager->willAnswer(0, Bytes(1000, 0xEE));
+        EXPECT_THAT(write(), isSuccess());
+        EXPECT_TRUE(m_buffer.isUntouchedBut(0));
+    }
+    EXPECT_EQ(m_manager->connections(), 1);
+}
+
+TEST_F(I2cTest, EachResultHasItsText) {
+    struct Row {
+        int result;
+        const char* write;
+        const char* read;
+        const char* transfer;
+        const char* speed;
+    };
+    constexpr char kLocked[] = ": The master is locked by another connection";
+    constexpr char kSendFailed[] = ": The master send failed";
+    constexpr char kBadBuffer[] = ": An error occurred while accessing the data buffer";
+    constexpr char kBadFormat[] = ": Bad message format";
+    const Row rows[] = {
+        {1, kLocked, ": Operation not permitted", kLocked, ": Operation not permitted"},
+        {5, kSendFailed, ": bad slave address/ bad bus speed/ bus is busy", kSendFailed,
+         ": Input/output error"},
+        {12, ": Insufficient memory", kLocked, ": Insufficient memory", ": Cannot allocate memory"},
+        {14, kBadBuffer, ": Bad address", kBadBuffer, ": Bad address"},
+        {22, kBadFormat, kBadFormat, kBadFormat, kBadFormat},
+        {2, ": No such file or directory", ": No such file or directory", ": No such file or directory",
+         ": No such file or directory"},
+        {110, ": Connection timed out", ": Connection timed out", ": Connection timed out",
+         ": Connection timed out"},
+        {4711, ": Unknown error 4711", ": Unknown error 4711", ": Unknown error 4711",
+         ": Unknown error 4711"},
+        {-5, ": Unknown error -5", ": Unknown error -5", ": Unknown error -5", ": Unknown error -5"},
+    };
+    open();
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.result);
+        for (int request = 0; request < 4; ++request)
+            m_manager->willAnswer(row.result, Bytes(100, 0xEE));
+        EXPECT_THAT(write(), isFailure(row.result, text("Write Error on Device ", row.write)));
+        EXPECT_THAT(read(), isFailure(row.result, text("Read Error on Device ", row.read)));
+        EXPECT_THAT(transfer(), isFailure(row.result, text("Transfer Error on Device ", row.transfer)));
+        EXPECT_THAT(m_bus.setBusSpeed(400000),
+                    isFailure(row.result, text("setBusSpeed Error on Device ", row.speed)));
+        EXPECT_TRUE(m_buffer.isUntouchedBut(0));
+        EXPECT_TRUE(m_bus.isOpen());
+        EXPECT_TRUE(m_bus.isStopBitEnabled());
+        EXPECT_EQ(speed(), 100000u);
+    }
+}
+
+TEST_F(I2cTest, TheStopConditionIsInEveryHeaderAndStaysAsItWasSet) {
+    open();
+    const auto expectStop = [this](bool stop) {
+        SCOPED_TRACE(stop);
+        EXPECT_EQ(m_bus.isStopBitEnabled(), stop);
+        for (const int result : {0, 5, 0}) {
+            const std::size_t before = m_manager->requests().size();
+            for (int request = 0; request < 4; ++request)
+                m_manager->willAnswer(result);
+            write();
+            read();
+            transfer();
+            m_bus.setBusSpeed(100000);
+            ASSERT_THAT(m_manager->requests(), SizeIs(before + 4));
+            EXPECT_EQ(m_manager->requests()[before], writeRequest(0x50, {7, 8}, stop ? 1 : 0));
+            EXPECT_EQ(m_manager->requests()[before + 1], readRequest(0x50, 8, stop ? 1 : 0));
+            EXPECT_EQ(m_manager->requests()[before + 2], transferRequest(0x50, {7, 8}, 8, stop ? 1 : 0));
+        }
+        EXPECT_EQ(m_bus.isStopBitEnabled(), stop);
+    };
+    expectStop(true);
+    m_bus.disableStopBit();
+    expectStop(false);
+    m_bus.disableStopBit();
+    expectStop(false);
+    m_bus.enableStopBit();
+    expectStop(true);
+}
+
+TEST_F(I2cTest, ASpeedThatWasSetIsKept) {
+    open();
+    for (const unsigned value : {400000u, 100000u, 1u, 0xFEDCBA98u}) {
+        m_manager->willAnswer(0);
+        EXPECT_THAT(m_bus.setBusSpeed(value), isSuccess());
+        EXPECT_EQ(m_manager->lastRequest(), speedRequest(value));
+        EXPECT_EQ(speed(), value);
+    }
+    EXPECT_THAT(m_manager->requests()[0],
+                ElementsAre(0x02, 0x05, 0x04, 0x80, 4, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, // request
+                            0x80, 0x1A, 0x06, 0x00));                                   // 400000
+    m_manager->willAnswer(22);
+    m_bus.setBusSpeed(100000);
+    EXPECT_EQ(speed(), 0xFEDCBA98u) << "a failure leaves it";
+    EXPECT_THAT(m_manager->requests(), SizeIs(5));
+}
+
+TEST_F(I2cTest, AManagerThatGoesDuringARequestIsAFailureAndTheBusStaysOpen) {
+    open();
+    m_bus.disableStopBit();
+    m_manager->willHangUp();
+    EXPECT_THAT(write(), isFailure(EPIPE, text("Write Error on Device ", ": Broken pipe")));
+    m_manager->willHangUp();
+    EXPECT_THAT(read(), isFailure(EPIPE, text("Read Error on Device ", ": Broken pipe")));
+    m_manager->willHangUp();
+    EXPECT_THAT(transfer(), isFailure(EPIPE, text("Transfer Error on Device ", ": Broken pipe")));
+    m_manager->willVanish();
+    EXPECT_THAT(m_bus.setBusSpeed(400000),
+                isFailure(EPIPE, text("setBusSpeed Error on Device ", ": Broken pipe")));
+    EXPECT_THAT(write(),
+                isFailure(ENOENT, text("Write Error on Device ", ": No such file or directory")));
+    EXPECT_TRUE(m_bus.isOpen());
+    EXPECT_EQ(speed(), 100000u);
+    EXPECT_TRUE(m_buffer.isUntouchedBut(0));
+
+    m_manager.reset();
+    m_manager = std::make_unique<ScriptedManager>(m_path);
+    m_manager->willAnswer(0);
+    EXPECT_THAT(write(), isSuccess());
+    EXPECT_EQ(m_manager->lastRequest(), writeRequest(0x50, {7, 8}, 0));
+}

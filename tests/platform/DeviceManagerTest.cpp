@@ -1,0 +1,477 @@
+// Devices behind a manager's socket, and what is opened when there is none.
+#include "platform/DeviceManager.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "manager/KernelCalls.h"
+#include "manager/ScriptedManager.h"
+#include "support/DescriptorLimit.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = ScriptedManager::Bytes;
+
+constexpr std::uint32_t kNoData = 0x00000001;
+constexpr std::uint32_t kTowards = 0x80040502;
+constexpr std::uint32_t kBack = 0x40040503;
+constexpr std::uint32_t kBoth = 0xC0040504;
+
+constexpr unsigned char kGuard = 0x5A;
+
+class DeviceManagerTest : public ::testing::Test {
+protected:
+    DeviceManagerTest() {
+        std::string pattern = (fs::temp_directory_path() / "manager-XXXXXX").string();
+        EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
+        m_folder = pattern;
+        m_path = m_folder / "bus";
+        m_manager = std::make_unique<ScriptedManager>(m_path);
+    }
+
+    ~DeviceManagerTest() override {
+        m_manager.reset();
+        fs::remove_all(m_folder);
+    }
+
+    void open() {
+        m_device = System::openDevice(m_path.c_str());
+        ASSERT_TRUE(m_device) << std::strerror(errno);
+    }
+
+    /// The manager goes, if it is there, and another one takes its place.
+    void comeBack() {
+        m_manager.reset();
+        m_manager = std::make_unique<ScriptedManager>(m_path);
+    }
+    void comeBackAs(const std::string& ownName) {
+        m_manager.reset();
+        m_manager = std::make_unique<ScriptedManager>(m_path, m_folder / ownName);
+    }
+
+    int request(std::uint32_t command = kNoData) {
+        return System::requestDevice(m_device.get(), command, {}, {});
+    }
+
+    /// A request that is answered, and comes as it should.
+    void expectWorking() {
+        m_manager->willAnswer(0, {0xAB});
+        unsigned char answer = 0;
+        EXPECT_EQ(System::requestDevice(m_device.get(), kBack, {}, {{&answer, 1}}), 0);
+        EXPECT_EQ(answer, 0xAB);
+        EXPECT_EQ(m_manager->lastRequest(), littleEndian({kBack, 0, 1, 0}));
+    }
+
+    fs::path m_folder;
+    fs::path m_path;
+    std::unique_ptr<ScriptedManager> m_manager;
+    System::Descriptor m_device;
+};
+
+std::size_t openDescriptors() {
+    std::size_t count = 0;
+    for ([[maybe_unused]] const auto& entry : fs::directory_iterator("/proc/self/fd"))
+        ++count;
+    return count;
+}
+
+} // namespace
+
+TEST_F(DeviceManagerTest, AManagersSocketIsConnectedTo) {
+    open();
+    EXPECT_NE(::fcntl(m_device.get(), F_GETFD) & FD_CLOEXEC, 0);
+    EXPECT_NE(::fcntl(m_device.get(), F_GETFL) & O_NONBLOCK, 0);
+    expectWorking();
+    EXPECT_EQ(m_manager->connections(), 1);
+}
+
+TEST_F(DeviceManagerTest, AManagersSocketMayStandBehindALink) {
+    fs::create_symlink(m_path, m_folder / "link");
+    m_device = System::openDevice((m_folder / "link").c_str());
+    ASSERT_TRUE(m_device);
+    expectWorking();
+}
+
+TEST_F(DeviceManagerTest, AnythingElseIsOpenedForReadingAndWritingWithoutWaiting) {
+    const std::string pipe = m_folder / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& path : {std::string("/dev/null"), pipe}) {
+        SCOPED_TRACE(path);
+        const System::Descriptor device = System::openDevice(path.c_str());
+        ASSERT_TRUE(device);
+        const int flags = ::fcntl(device.get(), F_GETFL);
+        EXPECT_EQ(flags & O_ACCMODE, O_RDWR);
+        EXPECT_NE(flags & O_NONBLOCK, 0);
+        EXPECT_NE(::fcntl(device.get(), F_GETFD) & FD_CLOEXEC, 0);
+    }
+}
+
+TEST_F(DeviceManagerTest, WhatCannotBeOpenedIsEmptyAndSaysWhy) {
+    m_manager.reset();
+    const auto expectRefused = [](const fs::path& path, int error) {
+        SCOPED_TRACE(path);
+        errno = 0;
+        EXPECT_FALSE(System::openDevice(path.c_str()));
+        EXPECT_EQ(errno, error);
+    };
+    expectRefused(m_path, ENOENT);
+    expectRefused(m_folder / "none" / "bus", ENOENT);
+    expectRefused(m_folder, EISDIR);
+    expectRefused("", ENOENT);
+}
+
+TEST_F(DeviceManagerTest, ASocketThatCannotBeConnectedToIsEmptyAndSaysWhy) {
+    const auto socketAt = [this](const char* name, int type) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        (m_folder / name).string().copy(address.sun_path, sizeof address.sun_path - 1);
+        System::Descriptor socket(::socket(AF_UNIX, type | SOCK_CLOEXEC, 0));
+        EXPECT_EQ(::bind(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+        return socket;
+    };
+    const auto expectRefused = [this](const char* name, int error) {
+        SCOPED_TRACE(name);
+        const std::size_t before = openDescriptors();
+        errno = 0;
+        EXPECT_FALSE(System::openDevice((m_folder / name).c_str()));
+        EXPECT_EQ(errno, error);
+        EXPECT_EQ(openDescriptors(), before);
+    };
+    socketAt("left", SOCK_SEQPACKET);
+    expectRefused("left", ECONNREFUSED);
+    const System::Descriptor stream = socketAt("stream", SOCK_STREAM);
+    ASSERT_EQ(::listen(stream.get(), 1), 0);
+    expectRefused("stream", EPROTOTYPE);
+    const System::Descriptor busy = socketAt("busy", SOCK_SEQPACKET);
+    ASSERT_EQ(::listen(busy.get(), 0), 0);
+    const System::Descriptor first = System::openDevice((m_folder / "busy").c_str());
+    EXPECT_TRUE(first);
+    expectRefused("busy", EAGAIN);
+    const std::string longName(120, 'x');
+    fs::create_symlink(m_path, m_folder / longName);
+    expectRefused(longName.c_str(), ENAMETOOLONG);
+}
+
+TEST_F(DeviceManagerTest, WithoutADescriptorLeftNothingIsOpened) {
+    const NoMoreDescriptors none;
+    EXPECT_FALSE(System::openDevice(m_path.c_str()));
+    EXPECT_EQ(errno, EMFILE);
+}
+
+TEST_F(DeviceManagerTest, ARequestCarriesItsSizesAndItsPartsInOrder) {
+    open();
+    const Bytes first = counting(3);
+    const Bytes second = counting(2, 0xF0);
+    std::array<unsigned char, 4> one{};
+    std::array<unsigned char, 300> two{};
+    const System::SendPart parts[] = {{first.data(), first.size()}, {second.data(), second.size()}};
+    struct Row {
+        std::uint32_t command;
+        std::vector<System::SendPart> send;
+        std::vector<System::ReplyPart> reply;
+        Bytes packet;
+    };
+    const Row rows[] = {
+        {kNoData, {}, {}, littleEndian({1, 0, 0, 0})},
+        {0, {}, {}, littleEndian({0, 0, 0, 0})},
+        {0xFEDCBA98, {parts[0]}, {}, joined({littleEndian({0xFEDCBA98, 3, 0, 0}), first})},
+        {kTowards, {parts[0], parts[1]}, {}, joined({littleEndian({kTowards, 5, 0, 0}), first, second})},
+        {kTowards, {parts[1], parts[0]}, {}, joined({littleEndian({kTowards, 5, 0, 0}), second, first})},
+        {kTowards, {{nullptr, 0}, parts[0]}, {}, joined({littleEndian({kTowards, 3, 0, 0}), first})},
+        {kBack, {}, {{one.data(), 4}}, littleEndian({kBack, 0, 4, 0})},
+        {kBoth,
+         {parts[1]},
+         {{one.data(), 4}, {two.data(), 300}},
+         joined({littleEndian({kBoth, 2, 304, 0}), second})},
+        {kTowards, {}, {}, littleEndian({kTowards, 0, 0, 0})},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.command);
+        m_manager->willAnswer(0);
+        EXPECT_EQ(System::requestDevice(m_device.get(), row.command, row.send, row.reply), 0);
+        EXPECT_EQ(m_manager->lastRequest(), row.packet);
+    }
+    EXPECT_THAT(m_manager->requests(), SizeIs(std::size(rows)));
+    EXPECT_EQ(m_manager->connections(), 1);
+}
+
+TEST_F(DeviceManagerTest, WithoutASendPartTheFirstReplyPartIsTheInputOfWhatGoesTowardsTheDevice) {
+    open();
+    Bytes header = counting(4);
+    Bytes room(2, 0);
+    struct Row {
+        std::uint32_t command;
+        Bytes packet;
+    };
+    const Row rows[] = {
+        {kBoth, joined({littleEndian({kBoth, 4, 6, 0}), counting(4)})},
+        {kTowards, joined({littleEndian({kTowards, 4, 6, 0}), counting(4)})},
+        {kBack, littleEndian({kBack, 0, 6, 0})},
+        {0, littleEndian({0, 0, 6, 0})},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.command);
+        m_manager->willAnswer(0);
+        EXPECT_EQ(System::requestDevice(m_device.get(), row.command, {},
+                                        {{header.data(), header.size()}, {room.data(), room.size()}}),
+                  0);
+        EXPECT_EQ(m_manager->lastRequest(), row.packet);
+    }
+    EXPECT_EQ(header, counting(4));
+}
+
+TEST_F(DeviceManagerTest, OneBlockOfDataGoesWhicheverWayTheCommandSays) {
+    open();
+    struct Row {
+        std::uint32_t command;
+        Bytes packet;
+        bool comesBack;
+    };
+    const Row rows[] = {
+        {kNoData, littleEndian({kNoData, 0, 0, 0}), false},
+        {kTowards, joined({littleEndian({kTowards, 4, 0, 0}), counting(4)}), false},
+        {kBack, littleEndian({kBack, 0, 4, 0}), true},
+        {kBoth, joined({littleEndian({kBoth, 4, 4, 0}), counting(4)}), true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.command);
+        Bytes data = counting(4);
+        m_manager->willAnswer(0, counting(4, 0x80));
+        EXPECT_EQ(System::requestDevice(m_device.get(), row.command, data.data(), data.size()), 0);
+        EXPECT_EQ(m_manager->lastRequest(), row.packet);
+        EXPECT_EQ(data, row.comesBack ? counting(4, 0x80) : counting(4));
+    }
+}
+
+TEST_F(DeviceManagerTest, AnAnswerFillsThePartsInOrderAndNothingElse) {
+    open();
+    for (const std::size_t size : {0, 1, 2, 3, 4, 5, 6, 7, 8, 1000, 100000}) {
+        SCOPED_TRACE(size);
+        // Two parts of 3 and 4 bytes, each between guards.
+        std::array<unsigned char, 16> bytes{};
+        bytes.fill(kGuard);
+        auto expected = bytes;
+        for (std::size_t at = 0; at < std::min<std::size_t>(size, 7); ++at)
+            expected[(at < 3 ? 2 : 8 - 3) + at] = static_cast<unsigned char>(at + 1);
+        m_manager->willAnswer(0, counting(size));
+        EXPECT_EQ(System::requestDevice(m_device.get(), kBack, {}, {{&bytes[2], 3}, {&bytes[8], 4}}), 0);
+        EXPECT_EQ(bytes, expected);
+    }
+    expectWorking();
+    EXPECT_EQ(m_manager->connections(), 1) << "what was too much is forgotten";
+}
+
+TEST_F(DeviceManagerTest, TheResultIsTheManagers) {
+    open();
+    for (const int result : {0, 1, 5, 12, 14, 22, 255, 256, 0x7FFFFFFF, -1, -22}) {
+        SCOPED_TRACE(result);
+        m_manager->willAnswer(result);
+        EXPECT_EQ(request(), result);
+    }
+    EXPECT_EQ(m_manager->connections(), 1);
+}
+
+TEST_F(DeviceManagerTest, AnAnswerWithoutAWholeResultIsAFailure) {
+    open();
+    for (const std::size_t size : {1, 2, 3}) {
+        SCOPED_TRACE(size);
+        unsigned char byte = kGuard;
+        m_manager->willSend(Bytes(size, 0));
+        EXPECT_EQ(System::requestDevice(m_device.get(), kBack, {}, {{&byte, 1}}), EPROTO);
+        EXPECT_EQ(byte, kGuard);
+        expectWorking();
+    }
+    m_manager->willSend({});
+    EXPECT_NE(request(), 0);
+    expectWorking();
+}
+
+TEST_F(DeviceManagerTest, AManagerThatGoesDuringARequestIsAnErrorAndMayComeBack) {
+    open();
+    for (int time = 0; time < 3; ++time) {
+        unsigned char byte = kGuard;
+        m_manager->willVanish();
+        EXPECT_EQ(System::requestDevice(m_device.get(), kBack, {}, {{&byte, 1}}), EPIPE);
+        EXPECT_EQ(byte, kGuard);
+        EXPECT_EQ(request(), ENOENT) << "there is nobody";
+        EXPECT_EQ(request(), ENOENT) << "there is still nobody";
+        comeBack();
+        expectWorking();
+        EXPECT_EQ(m_manager->connections(), 1);
+    }
+}
+
+TEST_F(DeviceManagerTest, AManagerThatGoesBetweenRequestsAndComesBackIsNotMissed) {
+    open();
+    expectWorking();
+    comeBack();
+    expectWorking();
+    m_manager->hangUp();
+    expectWorking();
+    EXPECT_EQ(m_manager->connections(), 2);
+    m_manager.reset();
+    EXPECT_EQ(request(), ENOENT);
+    comeBack();
+    expectWorking();
+}
+
+TEST_F(DeviceManagerTest, AManagerThatGoesBeforeTheFirstRequestIsReachedLater) {
+    open();
+    m_manager.reset();
+    EXPECT_EQ(request(), ENOENT);
+    comeBack();
+    expectWorking();
+}
+
+TEST_F(DeviceManagerTest, AManagerThatEndsTheConnectionIsConnectedToAnew) {
+    open();
+    m_manager->willHangUp();
+    EXPECT_EQ(request(), EPIPE);
+    expectWorking();
+    EXPECT_EQ(m_manager->connections(), 2);
+}
+
+TEST_F(DeviceManagerTest, ANewConnectionTakesThePlaceOfTheOldOne) {
+    open();
+    expectWorking();
+    const int number = m_device.get();
+    const std::size_t before = openDescriptors();
+    for (int time = 0; time < 3; ++time) {
+        m_manager->willHangUp();
+        EXPECT_EQ(request(), EPIPE);
+        expectWorking();
+    }
+    EXPECT_EQ(m_device.get(), number);
+    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_NE(::fcntl(number, F_GETFD) & FD_CLOEXEC, 0);
+    EXPECT_NE(::fcntl(number, F_GETFL) & O_NONBLOCK, 0);
+    m_device.reset();
+    EXPECT_TRUE(m_manager->isLeftAlone());
+}
+
+TEST_F(DeviceManagerTest, AManagerIsFoundAgainByThePathThatWasOpened) {
+    comeBackAs("own");
+    open();
+    expectWorking();
+    m_manager->willHangUp();
+    EXPECT_EQ(request(), EPIPE);
+    expectWorking();
+    comeBackAs("another");
+    expectWorking();
+}
+
+TEST_F(DeviceManagerTest, AManagerThatDoesNotAnswerIsGivenUp) {
+    open();
+    KernelCalls calls;
+    calls.passNext(KernelCalls::Poll); // the look at whether it has gone
+    calls.timeOutNext();
+    m_manager->willSayNothing();
+    EXPECT_EQ(request(), ETIMEDOUT);
+    EXPECT_TRUE(m_manager->hasHeard(1));
+    ASSERT_THAT(calls.pollLimits(), SizeIs(2));
+    EXPECT_EQ(calls.pollLimits()[0], 0);
+    EXPECT_GT(calls.pollLimits()[1], 5000);
+    EXPECT_LE(calls.pollLimits()[1], 10000);
+    EXPECT_TRUE(m_manager->isLeftAlone());
+    expectWorking();
+    EXPECT_EQ(m_manager->connections(), 2);
+}
+
+TEST_F(DeviceManagerTest, ALateAnswerIsNotTakenForThatOfTheNextRequest) {
+    open();
+    KernelCalls calls;
+    calls.passNext(KernelCalls::Poll);
+    calls.timeOutNext();
+    m_manager->willSayNothing();
+    EXPECT_EQ(request(), ETIMEDOUT);
+    EXPECT_TRUE(m_manager->hasHeard(1));
+    m_manager->say(littleEndian({5}));
+    expectWorking();
+}
+
+TEST_F(DeviceManagerTest, WhatTheManagerSaysUnaskedIsNotTakenForAnAnswer) {
+    open();
+    expectWorking();
+    m_manager->say(littleEndian({5}));
+    expectWorking();
+}
+
+TEST_F(DeviceManagerTest, InterruptionsAndEarlyWakingAreNotFailures) {
+    open();
+    KernelCalls calls;
+    calls.passNext(KernelCalls::Poll);
+    for (const int error : {EINTR, EINTR})
+        calls.failNext(KernelCalls::Poll, error);
+    for (const int error : {EINTR, EAGAIN, EINTR, EAGAIN}) {
+        calls.failNext(KernelCalls::Send, error);
+        calls.failNext(KernelCalls::Receive, error);
+    }
+    expectWorking();
+    EXPECT_THAT(m_manager->requests(), SizeIs(1));
+    EXPECT_EQ(m_manager->connections(), 1);
+}
+
+TEST_F(DeviceManagerTest, AFailingSystemCallIsTheResult) {
+    open();
+    KernelCalls calls;
+    calls.failNext(KernelCalls::Send, ENOBUFS);
+    EXPECT_EQ(request(), ENOBUFS);
+    expectWorking();
+    calls.failNext(KernelCalls::Receive, ENOMEM);
+    m_manager->willAnswer(0);
+    EXPECT_EQ(request(), ENOMEM);
+    expectWorking();
+    calls.passNext(KernelCalls::Poll);
+    calls.failNext(KernelCalls::Poll, ENOMEM);
+    m_manager->willSayNothing();
+    const std::size_t before = m_manager->requests().size();
+    EXPECT_EQ(request(), ENOMEM);
+    EXPECT_TRUE(m_manager->hasHeard(before + 1));
+    expectWorking();
+    calls.failNext(KernelCalls::Send, EAGAIN);
+    calls.passNext(KernelCalls::Poll);
+    calls.timeOutNext();
+    EXPECT_EQ(request(), ETIMEDOUT) << "it takes no request";
+    expectWorking();
+}
+
+TEST_F(DeviceManagerTest, ARequestThatTheSocketCannotTakeIsAnError) {
+    open();
+    const Bytes much(8 << 20);
+    EXPECT_EQ(System::requestDevice(m_device.get(), kTowards, {{much.data(), much.size()}}, {}),
+              EMSGSIZE);
+    expectWorking();
+}
+
+TEST_F(DeviceManagerTest, ALongRequestComesWhole) {
+    open();
+    const Bytes data = counting(100000);
+    m_manager->willAnswer(0);
+    EXPECT_EQ(System::requestDevice(m_device.get(), kTowards, {{data.data(), data.size()}}, {}), 0);
+    EXPECT_TRUE(m_manager->lastRequest() == joined({littleEndian({kTowards, 100000, 0, 0}), data}));
+}
+
+TEST_F(DeviceManagerTest, ADeviceThatIsNeitherAManagerNorABusKnowsNoCommands) {
+    m_device = System::openDevice("/dev/null");
+    ASSERT_TRUE(m_device);
+    EXPECT_EQ(request(), ENOTTY);
+    EXPECT_EQ(request(kBoth), ENOTTY);
+    EXPECT_THAT(m_manager->requests(), IsEmpty());
+}
