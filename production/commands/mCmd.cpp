@@ -169,6 +169,7 @@ DeviceResult mCmd::Handle::check(unsigned firstBlock, int blockCount, int space,
 }
 
 DeviceResult mCmd::Handle::seek(const Extent& extent) const {
+    errno = 0;
     if (::lseek(m_device.get(), static_cast<off_t>(extent.position), SEEK_SET) ==
         static_cast<off_t>(extent.position))
         return {};
@@ -312,7 +313,8 @@ ProcessResponse* mCmd::process(std::vector<unsigned char>* request) {
     if (length < kShortestRequest)
         return genericError(kInvalidLength);
     Handle* handle = nullptr;
-    if (const DeviceResult result = device(&handle, (*request)[2], (*request)[3]); result.failed())
+    if (const DeviceResult result = device(&handle, (*request)[2], (*request)[3]);
+        result.failed() || handle == nullptr)
         return new ProcessResponse(static_cast<unsigned>(result.code), "%s", result.message.c_str());
     const unsigned char operation = (*request)[4];
     if (operation < Open || operation > Write)
@@ -343,7 +345,7 @@ ProcessResponse* mCmd::process(std::vector<std::vector<char>>& tokens) {
     Handle* handle = nullptr;
     const DeviceResult found = device(&handle, static_cast<unsigned char>(ascii_getInt(tokens[2])),
                                       static_cast<unsigned char>(ascii_getInt(tokens[3])));
-    if (found.failed())
+    if (found.failed() || handle == nullptr)
         return new ProcessResponse(static_cast<unsigned>(found.code), "%s", found.message.c_str());
     const bool isOpen = beginsWith(tokens[1], "open");
     const bool isRead = beginsWith(tokens[1], "read");

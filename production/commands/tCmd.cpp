@@ -1,5 +1,6 @@
 #include "commands/tCmd.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -66,17 +67,17 @@ unsigned char sumOf(const unsigned char* bytes, std::size_t count) {
 
 /// What the binary codes and the ASCII keywords stand for.
 struct Access {
-    int code;
     const char* operation;
     const char* keyword;
+    int code;
     unsigned char width;
     bool withChecksum;
 };
 
 constexpr Access kAccesses[] = {
-    {0, kRead, "8bit", 1, false},   {1, kWrite, "8bit", 1, false},  {2, kRead, "16bit", 2, false},
-    {3, kWrite, "16bit", 2, false}, {4, kRead, "32bit", 4, false},  {5, kWrite, "32bit", 4, false},
-    {6, kRead, kChecked, 1, true},  {7, kWrite, kChecked, 1, true},
+    {kRead, "8bit", 0, 1, false},   {kWrite, "8bit", 1, 1, false},  {kRead, "16bit", 2, 2, false},
+    {kWrite, "16bit", 3, 2, false}, {kRead, "32bit", 4, 4, false},  {kWrite, "32bit", 5, 4, false},
+    {kRead, kChecked, 6, 1, true},  {kWrite, kChecked, 7, 1, true},
 };
 
 bool isRead(const Access& access) {
@@ -153,7 +154,7 @@ ProcessResponse* tCmd::readBehind(std::size_t header, std::vector<unsigned char>
         return refusal;
     const unsigned char* source = getGlobalBuffer() + address;
     data->assign(header + total, 0);
-    std::memcpy(data->data() + header, source, total);
+    std::copy_n(source, total, data->begin() + static_cast<std::ptrdiff_t>(header));
     checksum = sumOf(source, total);
     return success();
 }
@@ -250,7 +251,7 @@ ProcessResponse* tCmd::writeAscii(std::vector<std::vector<char>>& tokens,
         return new ProcessResponse(ProcessResponse::kGenericError, kBadData, total,
                                    static_cast<int>(bytes.size()));
     data->assign(bytes.begin(), bytes.begin() + total);
-    std::memcpy(getGlobalBuffer() + address, data->data(), data->size());
+    std::copy(data->begin(), data->end(), getGlobalBuffer() + address);
     if (!withChecksum)
         return success();
     const int expected = ascii_getInt(tokens[6]);

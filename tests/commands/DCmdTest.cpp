@@ -90,20 +90,20 @@ TEST_F(DCmdTest, HasItsIdAndName) {
 
 TEST_F(DCmdTest, AnswersTheChecksumOfARange) {
     struct Row {
-        unsigned int offset;
         Bytes content;
+        unsigned int offset;
         unsigned int checksum;
         const char* base64;
     };
     const Row rows[] = {
-        {0, digits(), 0x74527081, "dFJwgQ=="},
-        {3, digits(), 0x74527081, "dFJwgQ=="},
-        {kScratchBytes - 10, digits(), 0x74527081, "dFJwgQ=="},
-        {0x100000, Bytes(4096, 0), 0x9120DC06, "kSDcBg=="},
-        {64, inOrder(), 0xB756E3A8, "t1bjqA=="},
-        {1, {0x12, 0x34, 0x56, 0x78}, 0x12345678, "EjRWeA=="},
-        {kScratchBytes - 5, {0xFF, 0xFF, 0xFF, 0xFF}, 0xFFFFFFFF, "/////w=="},
-        {0, {0, 0, 0, 0}, 0, "AAAAAA=="},
+        {digits(), 0, 0x74527081, "dFJwgQ=="},
+        {digits(), 3, 0x74527081, "dFJwgQ=="},
+        {digits(), kScratchBytes - 10, 0x74527081, "dFJwgQ=="},
+        {Bytes(4096, 0), 0x100000, 0x9120DC06, "kSDcBg=="},
+        {inOrder(), 64, 0xB756E3A8, "t1bjqA=="},
+        {{0x12, 0x34, 0x56, 0x78}, 1, 0x12345678, "EjRWeA=="},
+        {{0xFF, 0xFF, 0xFF, 0xFF}, kScratchBytes - 5, 0xFFFFFFFF, "/////w=="},
+        {{0, 0, 0, 0}, 0, 0, "AAAAAA=="},
     };
     for (const Row& row : rows) {
         const auto length = static_cast<unsigned int>(row.content.size());

@@ -1,96 +1,23 @@
-// Devices behind a manager's socket, and what is opened when there is none.
-#include "platform/DeviceManager.h"
-
+// Devices behind a manager's socket: what is opened, and what goes to and fro.
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <memory>
-#include <string>
 
-#include "manager/KernelCalls.h"
-#include "manager/ScriptedManager.h"
+#include "manager/ManagerFixture.h"
 #include "support/DescriptorLimit.h"
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 namespace {
 
 namespace fs = std::filesystem;
-using Bytes = ScriptedManager::Bytes;
 
-constexpr std::uint32_t kNoData = 0x00000001;
-constexpr std::uint32_t kTowards = 0x80040502;
-constexpr std::uint32_t kBack = 0x40040503;
-constexpr std::uint32_t kBoth = 0xC0040504;
-
-constexpr unsigned char kGuard = 0x5A;
-
-class DeviceManagerTest : public ::testing::Test {
-protected:
-    DeviceManagerTest() {
-        std::string pattern = (fs::temp_directory_path() / "manager-XXXXXX").string();
-        EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
-        m_folder = pattern;
-        m_path = m_folder / "bus";
-        m_manager = std::make_unique<ScriptedManager>(m_path);
-    }
-
-    ~DeviceManagerTest() override {
-        m_manager.reset();
-        fs::remove_all(m_folder);
-    }
-
-    void open() {
-        m_device = System::openDevice(m_path.c_str());
-        ASSERT_TRUE(m_device) << std::strerror(errno);
-    }
-
-    /// The manager goes, if it is there, and another one takes its place.
-    void comeBack() {
-        m_manager.reset();
-        m_manager = std::make_unique<ScriptedManager>(m_path);
-    }
-    void comeBackAs(const std::string& ownName) {
-        m_manager.reset();
-        m_manager = std::make_unique<ScriptedManager>(m_path, m_folder / ownName);
-    }
-
-    int request(std::uint32_t command = kNoData) {
-        return System::requestDevice(m_device.get(), command, {}, {});
-    }
-
-    /// A request that is answered, and comes as it should.
-    void expectWorking() {
-        m_manager->willAnswer(0, {0xAB});
-        unsigned char answer = 0;
-        EXPECT_EQ(System::requestDevice(m_device.get(), kBack, {}, {{&answer, 1}}), 0);
-        EXPECT_EQ(answer, 0xAB);
-        EXPECT_EQ(m_manager->lastRequest(), littleEndian({kBack, 0, 1, 0}));
-    }
-
-    fs::path m_folder;
-    fs::path m_path;
-    std::unique_ptr<ScriptedManager> m_manager;
-    System::Descriptor m_device;
-};
-
-std::size_t openDescriptors() {
-    std::size_t count = 0;
-    for ([[maybe_unused]] const auto& entry : fs::directory_iterator("/proc/self/fd"))
-        ++count;
-    return count;
-}
+class DeviceManagerTest : public ManagerFixture {};
 
 } // namespace
 
@@ -286,170 +213,6 @@ TEST_F(DeviceManagerTest, TheResultIsTheManagers) {
         EXPECT_EQ(request(), result);
     }
     EXPECT_EQ(m_manager->connections(), 1);
-}
-
-TEST_F(DeviceManagerTest, AnAnswerWithoutAWholeResultIsAFailure) {
-    open();
-    for (const std::size_t size : {1, 2, 3}) {
-        SCOPED_TRACE(size);
-        unsigned char byte = kGuard;
-        m_manager->willSend(Bytes(size, 0));
-        EXPECT_EQ(System::requestDevice(m_device.get(), kBack, {}, {{&byte, 1}}), EPROTO);
-        EXPECT_EQ(byte, kGuard);
-        expectWorking();
-    }
-    m_manager->willSend({});
-    EXPECT_NE(request(), 0);
-    expectWorking();
-}
-
-TEST_F(DeviceManagerTest, AManagerThatGoesDuringARequestIsAnErrorAndMayComeBack) {
-    open();
-    for (int time = 0; time < 3; ++time) {
-        unsigned char byte = kGuard;
-        m_manager->willVanish();
-        EXPECT_EQ(System::requestDevice(m_device.get(), kBack, {}, {{&byte, 1}}), EPIPE);
-        EXPECT_EQ(byte, kGuard);
-        EXPECT_EQ(request(), ENOENT) << "there is nobody";
-        EXPECT_EQ(request(), ENOENT) << "there is still nobody";
-        comeBack();
-        expectWorking();
-        EXPECT_EQ(m_manager->connections(), 1);
-    }
-}
-
-TEST_F(DeviceManagerTest, AManagerThatGoesBetweenRequestsAndComesBackIsNotMissed) {
-    open();
-    expectWorking();
-    comeBack();
-    expectWorking();
-    m_manager->hangUp();
-    expectWorking();
-    EXPECT_EQ(m_manager->connections(), 2);
-    m_manager.reset();
-    EXPECT_EQ(request(), ENOENT);
-    comeBack();
-    expectWorking();
-}
-
-TEST_F(DeviceManagerTest, AManagerThatGoesBeforeTheFirstRequestIsReachedLater) {
-    open();
-    m_manager.reset();
-    EXPECT_EQ(request(), ENOENT);
-    comeBack();
-    expectWorking();
-}
-
-TEST_F(DeviceManagerTest, AManagerThatEndsTheConnectionIsConnectedToAnew) {
-    open();
-    m_manager->willHangUp();
-    EXPECT_EQ(request(), EPIPE);
-    expectWorking();
-    EXPECT_EQ(m_manager->connections(), 2);
-}
-
-TEST_F(DeviceManagerTest, ANewConnectionTakesThePlaceOfTheOldOne) {
-    open();
-    expectWorking();
-    const int number = m_device.get();
-    const std::size_t before = openDescriptors();
-    for (int time = 0; time < 3; ++time) {
-        m_manager->willHangUp();
-        EXPECT_EQ(request(), EPIPE);
-        expectWorking();
-    }
-    EXPECT_EQ(m_device.get(), number);
-    EXPECT_EQ(openDescriptors(), before);
-    EXPECT_NE(::fcntl(number, F_GETFD) & FD_CLOEXEC, 0);
-    EXPECT_NE(::fcntl(number, F_GETFL) & O_NONBLOCK, 0);
-    m_device.reset();
-    EXPECT_TRUE(m_manager->isLeftAlone());
-}
-
-TEST_F(DeviceManagerTest, AManagerIsFoundAgainByThePathThatWasOpened) {
-    comeBackAs("own");
-    open();
-    expectWorking();
-    m_manager->willHangUp();
-    EXPECT_EQ(request(), EPIPE);
-    expectWorking();
-    comeBackAs("another");
-    expectWorking();
-}
-
-TEST_F(DeviceManagerTest, AManagerThatDoesNotAnswerIsGivenUp) {
-    open();
-    KernelCalls calls;
-    calls.passNext(KernelCalls::Poll); // the look at whether it has gone
-    calls.timeOutNext();
-    m_manager->willSayNothing();
-    EXPECT_EQ(request(), ETIMEDOUT);
-    EXPECT_TRUE(m_manager->hasHeard(1));
-    ASSERT_THAT(calls.pollLimits(), SizeIs(2));
-    EXPECT_EQ(calls.pollLimits()[0], 0);
-    EXPECT_GT(calls.pollLimits()[1], 5000);
-    EXPECT_LE(calls.pollLimits()[1], 10000);
-    EXPECT_TRUE(m_manager->isLeftAlone());
-    expectWorking();
-    EXPECT_EQ(m_manager->connections(), 2);
-}
-
-TEST_F(DeviceManagerTest, ALateAnswerIsNotTakenForThatOfTheNextRequest) {
-    open();
-    KernelCalls calls;
-    calls.passNext(KernelCalls::Poll);
-    calls.timeOutNext();
-    m_manager->willSayNothing();
-    EXPECT_EQ(request(), ETIMEDOUT);
-    EXPECT_TRUE(m_manager->hasHeard(1));
-    m_manager->say(littleEndian({5}));
-    expectWorking();
-}
-
-TEST_F(DeviceManagerTest, WhatTheManagerSaysUnaskedIsNotTakenForAnAnswer) {
-    open();
-    expectWorking();
-    m_manager->say(littleEndian({5}));
-    expectWorking();
-}
-
-TEST_F(DeviceManagerTest, InterruptionsAndEarlyWakingAreNotFailures) {
-    open();
-    KernelCalls calls;
-    calls.passNext(KernelCalls::Poll);
-    for (const int error : {EINTR, EINTR})
-        calls.failNext(KernelCalls::Poll, error);
-    for (const int error : {EINTR, EAGAIN, EINTR, EAGAIN}) {
-        calls.failNext(KernelCalls::Send, error);
-        calls.failNext(KernelCalls::Receive, error);
-    }
-    expectWorking();
-    EXPECT_THAT(m_manager->requests(), SizeIs(1));
-    EXPECT_EQ(m_manager->connections(), 1);
-}
-
-TEST_F(DeviceManagerTest, AFailingSystemCallIsTheResult) {
-    open();
-    KernelCalls calls;
-    calls.failNext(KernelCalls::Send, ENOBUFS);
-    EXPECT_EQ(request(), ENOBUFS);
-    expectWorking();
-    calls.failNext(KernelCalls::Receive, ENOMEM);
-    m_manager->willAnswer(0);
-    EXPECT_EQ(request(), ENOMEM);
-    expectWorking();
-    calls.passNext(KernelCalls::Poll);
-    calls.failNext(KernelCalls::Poll, ENOMEM);
-    m_manager->willSayNothing();
-    const std::size_t before = m_manager->requests().size();
-    EXPECT_EQ(request(), ENOMEM);
-    EXPECT_TRUE(m_manager->hasHeard(before + 1));
-    expectWorking();
-    calls.failNext(KernelCalls::Send, EAGAIN);
-    calls.passNext(KernelCalls::Poll);
-    calls.timeOutNext();
-    EXPECT_EQ(request(), ETIMEDOUT) << "it takes no request";
-    expectWorking();
 }
 
 TEST_F(DeviceManagerTest, ARequestThatTheSocketCannotTakeIsAnError) {

@@ -30,8 +30,7 @@ protected:
         const ShellRun shell = run(m_processes.in(GetParam().script));
         EXPECT_EQ(shell.result.outcome, ShellOutcome::Ended);
         EXPECT_LT(shell.took, kPromptly);
-        // A copy of the shell may still carry the mark on its way to become the process.
-        ASSERT_TRUE(eventually([this] { return m_processes.alive().size() == 1; }));
+        ASSERT_TRUE(eventually([this] { return m_processes.sleeping().size() == 1; }));
     }
 
     MarkedProcesses m_processes;

@@ -5,7 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 
 MarkedProcesses::MarkedProcesses() {
     static int count = 0;
@@ -26,14 +26,26 @@ std::string MarkedProcesses::in(std::string script) const {
 }
 
 std::vector<pid_t> MarkedProcesses::alive() const {
+    return having([this](const std::string& line) { return line.find(m_mark) != std::string::npos; });
+}
+
+std::vector<pid_t> MarkedProcesses::sleeping() const {
+    const std::string command = std::string("sleep") + '\0' + m_mark + '\0';
+    return having([&command](const std::string& line) { return line == command; });
+}
+
+std::vector<pid_t> MarkedProcesses::having(
+    const std::function<bool(const std::string& commandLine)>& property) {
     std::vector<pid_t> found;
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
         const std::string name = entry.path().filename();
         if (name.find_first_not_of("0123456789") != std::string::npos)
             continue;
-        std::ifstream file(entry.path() / "cmdline");
-        const std::string line((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-        if (line.find(m_mark) != std::string::npos)
+        const std::ifstream file(entry.path() / "cmdline");
+        // A process may go between the opening and the reading; the copying takes that for the end.
+        std::ostringstream line;
+        line << file.rdbuf();
+        if (property(line.str()))
             found.push_back(static_cast<pid_t>(std::stoi(name)));
     }
     return found;

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,13 @@ public:
     /// Those that are alive now.
     std::vector<pid_t> alive() const;
 
+    /// Those that have become the sleeping command. A shell's copy on its way there carries the mark
+    /// too, but has no command line at all for a moment.
+    std::vector<pid_t> sleeping() const;
+
 private:
+    static std::vector<pid_t> having(
+        const std::function<bool(const std::string& commandLine)>& property);
+
     std::string m_mark;
 };
