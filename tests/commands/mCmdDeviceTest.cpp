@@ -111,16 +111,16 @@ TEST_F(mCmdDeviceTest, OnlyWhatIsRegisteredIsFound) {
 
 TEST_F(mCmdDeviceTest, EachDeviceHasItsPlaceAndItsPermission) {
     struct Row {
+        const char* path;
         unsigned char type;
         unsigned char id;
-        const char* path;
         bool isWritable;
         char content;
     };
-    const Row rows[] = {{178, 0, "/dev/cd0", false, 'c'},
-                        {179, 0, "/dev/umass/umass0", true, 'u'},
-                        {180, 0, "/dev/mnand0", true, 'n'},
-                        {180, 1, "/dev/fs0", true, 'f'}};
+    const Row rows[] = {{"/dev/cd0", 178, 0, false, 'c'},
+                        {"/dev/umass/umass0", 179, 0, true, 'u'},
+                        {"/dev/mnand0", 180, 0, true, 'n'},
+                        {"/dev/fs0", 180, 1, true, 'f'}};
     for (const Row& row : rows)
         makeDisk(row.path, row.content);
     for (const Row& row : rows) {

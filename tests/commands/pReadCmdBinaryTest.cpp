@@ -231,18 +231,18 @@ TEST_F(pReadCmdBinaryTest, WhatIsReadIsAddedToTheData) {
 TEST_F(pReadCmdBinaryTest, PacksANibbleIntoEitherHalf) {
     using Info = AbstractPCmd::PortInfo;
     struct Row {
-        unsigned char before;
         Info::Type type;
+        unsigned char before;
         char value;
         bool low;
         unsigned char after;
     };
     const Row rows[] = {
-        {0x00, Info::None, '0', true, 0x00},   {0xFF, Info::None, '0', true, 0x00},
-        {0xFF, Info::Input, '0', true, 0x01},  {0xFF, Info::Output, '1', true, 0x07},
-        {0x00, Info::Input, 'x', true, 0x01},  {0x00, Info::None, '1', true, 0x04},
-        {0x07, Info::Input, '0', false, 0x17}, {0x03, Info::Output, '1', false, 0x73},
-        {0x85, Info::None, '0', false, 0x85},  {0x00, Info::Input, '\1', false, 0x10},
+        {Info::None, 0x00, '0', true, 0x00},   {Info::None, 0xFF, '0', true, 0x00},
+        {Info::Input, 0xFF, '0', true, 0x01},  {Info::Output, 0xFF, '1', true, 0x07},
+        {Info::Input, 0x00, 'x', true, 0x01},  {Info::None, 0x00, '1', true, 0x04},
+        {Info::Input, 0x07, '0', false, 0x17}, {Info::Output, 0x03, '1', false, 0x73},
+        {Info::None, 0x85, '0', false, 0x85},  {Info::Input, 0x00, '\1', false, 0x10},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(::testing::PrintToString(static_cast<int>(row.after)));
