@@ -167,15 +167,15 @@ TEST_F(DeviceManagerTest, WithoutASendPartTheFirstReplyPartIsTheInputOfWhatGoesT
 TEST_F(DeviceManagerTest, OneBlockOfDataGoesWhicheverWayTheCommandSays) {
     open();
     struct Row {
-        std::uint32_t command;
         Bytes packet;
+        std::uint32_t command;
         bool comesBack;
     };
     const Row rows[] = {
-        {kNoData, littleEndian({kNoData, 0, 0, 0}), false},
-        {kTowards, joined({littleEndian({kTowards, 4, 0, 0}), counting(4)}), false},
-        {kBack, littleEndian({kBack, 0, 4, 0}), true},
-        {kBoth, joined({littleEndian({kBoth, 4, 4, 0}), counting(4)}), true},
+        {littleEndian({kNoData, 0, 0, 0}), kNoData, false},
+        {joined({littleEndian({kTowards, 4, 0, 0}), counting(4)}), kTowards, false},
+        {littleEndian({kBack, 0, 4, 0}), kBack, true},
+        {joined({littleEndian({kBoth, 4, 4, 0}), counting(4)}), kBoth, true},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.command);
