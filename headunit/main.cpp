@@ -25,7 +25,7 @@ constexpr char kExamples[] =
     "  headunit run --unit ./unit                  the same; its files stay in ./unit\n"
     "  headunit exec -- ls /dev/nvgpio             a command in a fresh unit\n"
     "  headunit exec --daemon -- station status    the same with the daemon running in it\n"
-    "  headunit control --unit ./unit state        what the serial lines of a running unit do\n"
+    "  headunit control --unit ./unit state        what the devices of a running unit do\n"
     "  headunit control unplug station             the same from inside it, pulling a plug\n"
     "Exit status: 2 for a wrong command line; 'run' 0 after Ctrl-C, 1 otherwise; 'exec' that of the\n"
     "command, 128+N when a signal ended it, 125 when there is no unit to run it in; 'control' 1 when the\n"
@@ -33,7 +33,9 @@ constexpr char kExamples[] =
 
 constexpr char kControlWords[] =
     "unplug LINE, plug LINE, state, position LATITUDE LONGITUDE, modem signal|registration|pin|late|silent "
-    "VALUE, loopback on|off, receiver on|off; LINE is station, loopback, modem or receiver";
+    "VALUE, loopback on|off, receiver on|off; i2c manager|late|result|chip|temperature|pins|eeprom VALUE, "
+    "insert MEDIUM, remove MEDIUM, ports, port NAME 0|1|unreadable|gone|back, audio active|inactive|stopped; "
+    "LINE is station, loopback, modem or receiver, MEDIUM is sda0, sdb0, cd0, umass0, mnand0 or fs0";
 
 struct Options {
     headunit::RunOptions run;
@@ -62,6 +64,14 @@ void addSupplier(CLI::App& command, std::optional<std::string>& supplier,
         option->needs(daemon);
 }
 
+void addMedia(CLI::App& command, std::vector<std::string>& media) {
+    command
+        .add_option("--insert", media,
+                    "A block medium that is there from the beginning, for the hard disks sda0 and sdb0")
+        ->type_name("MEDIUM")
+        ->expected(1);
+}
+
 void addRun(CLI::App& app, headunit::RunOptions& options) {
     CLI::App* run = app.add_subcommand("run", "Run the daemon in a simulated unit until Ctrl-C");
     CLI::Option* unit =
@@ -70,6 +80,7 @@ void addRun(CLI::App& app, headunit::RunOptions& options) {
     run->add_option("--daemon-path", options.daemonPath, "The daemon (default: beside headunit)")
         ->type_name("PATH");
     addSupplier(*run, options.supplier);
+    addMedia(*run, options.wantedMedia);
     CLI::Option* inPlace = run->add_flag("--in-place", options.inPlace,
                                          "Set the unit up on this machine itself; for disposable "
                                          "containers that forbid namespaces");
@@ -91,6 +102,7 @@ CLI::App* addExec(CLI::App& app, headunit::ExecOptions& options) {
     exec->add_option("--daemon-path", options.daemonPath, "The daemon (default: beside headunit)")
         ->type_name("PATH");
     addSupplier(*exec, options.supplier, daemon);
+    addMedia(*exec, options.wantedMedia);
     return exec;
 }
 
@@ -98,6 +110,7 @@ CLI::App* addInside(CLI::App& app, headunit::InsideOptions& options) {
     CLI::App* inside = app.add_subcommand("inside", "What 'run' and 'exec' start inside the unit");
     inside->group("");
     inside->add_option("--stderr", options.standardError)->required();
+    inside->add_option("--audio", options.audioDriver);
     inside->add_option("--daemon", options.daemonPath);
     inside->add_option("--supplier", options.supplier);
     return inside;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "commands/AudioStart.h"
 #include "commands/UnitPeers.h"
 #include "commands/UnitSetup.h"
 #include "devices/DeviceList.h"
@@ -26,7 +27,8 @@ SandboxLayout layoutFor(const ExecOptions& options, const UnitFolder& folder) {
 std::vector<std::string> launcherFor(const ExecOptions& options) {
     std::vector<std::string> launcher = {ownProgram(), "inside"};
     if (options.withDaemon)
-        launcher.insert(launcher.end(), {"--daemon", options.daemonPath});
+        launcher.insert(launcher.end(),
+                        {"--audio", audioDriverProgram(), "--daemon", options.daemonPath});
     passOn(options.supplier, launcher);
     return launcher;
 }
@@ -40,7 +42,7 @@ int execCommand(const ExecOptions& options) {
     UnitFolder folder = openUnitFolder(options.unitFolder);
     const DeviceList devices = allDevices();
     install(devices, folder);
-    const UnitPeers peers(folder);
+    const UnitPeers peers(folder, options.wantedMedia);
 
     const Descendants descendants;
     Sandbox sandbox(layoutFor(options, folder), launcherFor(options), options.command);

@@ -14,7 +14,8 @@ struct ExecOptions {
     std::string unitFolder; ///< kept; a temporary one when empty
     bool withDaemon = false;
     std::string daemonPath;
-    std::optional<std::string> supplier; ///< FIRST_TIER_SUPPLIER of the daemon, else as it is here
+    std::optional<std::string> supplier;  ///< FIRST_TIER_SUPPLIER of the daemon, else as it is here
+    std::vector<std::string> wantedMedia; ///< block media that are there from the beginning
     std::vector<std::string> command;
 };
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <iostream>
 
+#include "commands/AudioStart.h"
 #include "commands/DaemonStart.h"
 #include "commands/UnitSetup.h"
 #include "unit/ChildProcess.h"
@@ -16,6 +17,8 @@ int insideCommand(const InsideOptions& options) {
     enteredSandbox(options.standardError);
     const auto environment =
         options.supplier.empty() ? Environment() : daemonEnvironment(options.supplier.substr(1));
+    if (!options.audioDriver.empty())
+        startAudioDriver(options.audioDriver);
     if (options.daemonPath.empty()) {
         const int error = executeInPlace(options.command, environment);
         std::cerr << "headunit: " << options.command.front() << ": " << std::strerror(error) << '\n';

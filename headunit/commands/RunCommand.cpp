@@ -7,6 +7,7 @@
 #include <iomanip>
 #include <iostream>
 
+#include "commands/AudioStart.h"
 #include "commands/DaemonStart.h"
 #include "commands/UnitPeers.h"
 #include "commands/UnitSetup.h"
@@ -85,7 +86,7 @@ int runInSandbox(const RunOptions& options, StopSignals& signals) {
     UnitFolder folder = openUnitFolder(options.unitFolder);
     const DeviceList devices = allDevices();
     install(devices, folder);
-    const UnitPeers peers(folder);
+    const UnitPeers peers(folder, options.wantedMedia);
 
     SandboxLayout layout = layoutOnThisHost();
     layout.unitFolder = folder.path();
@@ -94,7 +95,7 @@ int runInSandbox(const RunOptions& options, StopSignals& signals) {
     layout.workingDirectory = "/";
     shareFolderOf(options.daemonPath, layout);
 
-    std::vector<std::string> launcher = {ownProgram(), "inside"};
+    std::vector<std::string> launcher = {ownProgram(), "inside", "--audio", audioDriverProgram()};
     passOn(options.supplier, launcher);
     const Descendants descendants;
     Sandbox sandbox(layout, launcher, {options.daemonPath});
@@ -102,14 +103,23 @@ int runInSandbox(const RunOptions& options, StopSignals& signals) {
     return attend(signals, reach, [&] { return sandbox.ended(); });
 }
 
+/// The tools beside headunit come first, as they do in a unit of its own.
+std::string searchPathOfUnit() {
+    const SandboxLayout layout = layoutOnThisHost();
+    return layout.programFolder + (layout.searchPath.empty() ? "" : ":" + layout.searchPath);
+}
+
 int runInPlace(const RunOptions& options, StopSignals& signals) {
     InPlaceTree tree;
     const DeviceList devices = allDevices();
     install(devices, tree);
-    const UnitPeers peers(tree);
+    const UnitPeers peers(tree, options.wantedMedia);
 
     const Descendants descendants;
-    ChildProcess daemon({options.daemonPath}, -1, daemonEnvironment(options.supplier));
+    startAudioDriver(audioDriverProgram());
+    Environment environment = daemonEnvironment(options.supplier);
+    environment["PATH"] = searchPathOfUnit();
+    ChildProcess daemon({options.daemonPath}, -1, environment);
     const Reach reach{"this machine", peers.stationPath(), ""};
     return attend(signals, reach, [&] { return daemon.ended(); });
 }

@@ -2,13 +2,15 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace headunit {
 
 struct RunOptions {
     std::string unitFolder; ///< kept; a temporary one when empty
     std::string daemonPath;
-    std::optional<std::string> supplier; ///< FIRST_TIER_SUPPLIER of the daemon, else as it is here
+    std::optional<std::string> supplier;  ///< FIRST_TIER_SUPPLIER of the daemon, else as it is here
+    std::vector<std::string> wantedMedia; ///< block media that are there from the beginning
     bool inPlace = false;
     bool changeThisMachine = false;
 };

@@ -2,8 +2,9 @@
 
 namespace headunit {
 
-UnitPeers::UnitPeers(UnitTree& tree) : m_control(m_loop, tree, m_commands) {
-    m_lines.install(tree);
+UnitPeers::UnitPeers(UnitTree& tree, const std::vector<std::string>& wantedMedia)
+    : m_control(m_loop, tree, m_commands) {
+    m_devices.install(tree, wantedMedia);
     m_thread = std::thread([this] { m_loop.run(); });
 }
 

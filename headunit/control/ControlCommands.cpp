@@ -1,13 +1,10 @@
 #include "control/ControlCommands.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <cstdlib>
 #include <iterator>
-#include <optional>
 #include <sstream>
 
+#include "control/ControlWords.h"
 #include "unit/UnitError.h"
 
 namespace headunit {
@@ -15,85 +12,47 @@ namespace headunit {
 struct ControlCommands::Command {
     std::string_view word;
     Answer (ControlCommands::*handler)(const Words& words);
-    std::size_t arguments;
+    std::size_t leastArguments;
+    std::size_t mostArguments;
     const char* usage;
 };
 
-struct ControlCommands::ModemKey {
-    std::string_view key;
-    Answer (ControlCommands::*handler)(const std::string& value);
-};
-
-namespace {
-
-using Answer = ControlCommands::Answer;
-
-constexpr char kLines[] = "one of station, loopback, modem, receiver";
-constexpr int kLongestLate = 600000; // milliseconds
-
-Answer refused(const std::string& why) {
-    return {false, why};
-}
-
-Answer refusedValue(const std::string& value, const std::string& wanted) {
-    return refused("'" + value + "' is not " + wanted);
-}
-
-std::optional<int> wholeNumber(const std::string& text) {
-    int number = 0;
-    const char* end = text.data() + text.size();
-    const auto [stopped, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || stopped != end)
-        return std::nullopt;
-    return number;
-}
-
-std::optional<double> decimalNumber(const std::string& text) {
-    if (text.empty() || text.find_first_not_of("+-.0123456789") != std::string::npos)
-        return std::nullopt; // nothing that strtod takes beyond decimals
-    char* end = nullptr;
-    const double number = std::strtod(text.c_str(), &end);
-    if (end != text.c_str() + text.size())
-        return std::nullopt;
-    return number;
-}
-
-std::optional<bool> onOrOff(const std::string& text) {
-    if (text != "on" && text != "off")
-        return std::nullopt;
-    return text == "on";
-}
-
-} // namespace
-
 const ControlCommands::Command ControlCommands::kCommands[] = {
-    {"unplug", &ControlCommands::unplug, 1, "unplug LINE"},
-    {"plug", &ControlCommands::plug, 1, "plug LINE"},
-    {"state", &ControlCommands::state, 0, "state"},
-    {"position", &ControlCommands::position, 2, "position LATITUDE LONGITUDE"},
-    {"modem", &ControlCommands::modem, 2, "modem signal|registration|pin|late|silent VALUE"},
-    {"loopback", &ControlCommands::loopback, 1, "loopback on|off"},
-    {"receiver", &ControlCommands::receiver, 1, "receiver on|off"},
+    {"unplug", &ControlCommands::unplug, 1, 1, "unplug LINE"},
+    {"plug", &ControlCommands::plug, 1, 1, "plug LINE"},
+    {"state", &ControlCommands::state, 0, 0, "state"},
+    {"position", &ControlCommands::position, 2, 2, "position LATITUDE LONGITUDE"},
+    {"modem", &ControlCommands::modem, 2, 2, "modem signal|registration|pin|late|silent VALUE"},
+    {"loopback", &ControlCommands::loopback, 1, 1, "loopback on|off"},
+    {"receiver", &ControlCommands::receiver, 1, 1, "receiver on|off"},
+    {"i2c", &ControlCommands::i2c, 1, 3,
+     "i2c manager|late|result|chip|temperature|pins|eeprom VALUE [VALUE]"},
+    {"insert", &ControlCommands::insert, 1, 1, "insert MEDIUM"},
+    {"remove", &ControlCommands::remove, 1, 1, "remove MEDIUM"},
+    {"ports", &ControlCommands::ports, 0, 0, "ports"},
+    {"port", &ControlCommands::port, 2, 2, "port NAME 0|1|unreadable|gone|back"},
+    {"audio", &ControlCommands::audio, 1, 1, "audio active|inactive|stopped"},
 };
 
-const ControlCommands::ModemKey ControlCommands::kModemKeys[] = {
-    {"signal", &ControlCommands::setSignal}, {"registration", &ControlCommands::setRegistration},
-    {"pin", &ControlCommands::setCard},      {"late", &ControlCommands::setLate},
-    {"silent", &ControlCommands::setSilent},
-};
+std::string ControlCommands::allWords() {
+    std::string all;
+    for (const Command& command : kCommands)
+        all.append(all.empty() ? "" : ", ").append(command.word);
+    return all;
+}
 
-Answer ControlCommands::run(std::string_view line) {
+ControlCommands::Answer ControlCommands::run(std::string_view line) {
     std::istringstream stream{std::string(line)};
     Words words{std::istream_iterator<std::string>(stream), {}};
     if (words.empty())
         return refused("there is no word");
-    const auto command = std::find_if(std::begin(kCommands), std::end(kCommands),
-                                      [&](const Command& known) { return known.word == words.front(); });
+    const auto* const command =
+        std::find_if(std::begin(kCommands), std::end(kCommands),
+                     [&](const Command& known) { return known.word == words.front(); });
     if (command == std::end(kCommands))
-        return refusedValue(words.front(),
-                            "one of unplug, plug, state, position, modem, loopback, receiver");
+        return refusedValue(words.front(), "one of " + allWords());
     words.erase(words.begin());
-    if (words.size() != command->arguments)
+    if (words.size() < command->leastArguments || words.size() > command->mostArguments)
         return refused(std::string("usage: ") + command->usage);
     try {
         return (this->*command->handler)(words);
@@ -102,112 +61,24 @@ Answer ControlCommands::run(std::string_view line) {
     }
 }
 
-Answer ControlCommands::unplug(const Words& words) {
-    SerialLine* line = m_lines.find(words.front());
-    if (line == nullptr)
-        return refusedValue(words.front(), kLines);
-    if (!line->isPlugged())
-        return refused(words.front() + " is unplugged already");
-    line->unplug();
-    return {};
-}
-
-Answer ControlCommands::plug(const Words& words) {
-    SerialLine* line = m_lines.find(words.front());
-    if (line == nullptr)
-        return refusedValue(words.front(), kLines);
-    if (line->isPlugged())
-        return refused(words.front() + " is plugged in already");
-    line->plug();
-    return {};
-}
-
-Answer ControlCommands::state(const Words& /*words*/) {
+ControlCommands::Answer ControlCommands::state(const Words& /*words*/) {
     std::ostringstream text;
     for (const SerialLine* line : m_lines.all())
-        text << (text.tellp() > 0 ? "\n" : "") << line->name() << ' ' << line->unitPath() << ' '
+        text << line->name() << ' ' << line->unitPath() << ' '
              << (line->isPlugged() ? "plugged" : "unplugged") << " from-unit " << line->bytesFromUnit()
-             << " to-unit " << line->bytesToUnit();
+             << " to-unit " << line->bytesToUnit() << '\n';
+    I2cBus& bus = m_devices.i2c.bus();
+    text << "i2c " << I2cManager::kNode << (m_devices.i2c.isThere() ? " on" : " off") << " speed "
+         << bus.speed() << (bus.isHeld() ? " held" : " free") << " requests " << bus.requests()
+         << " refused " << bus.refused() << '\n';
+    for (const I2cBus::Chip& chip : bus.chips())
+        text << chip.name << " 0x" << hexText(static_cast<std::uint8_t>(chip.address))
+             << (chip.present ? " on " : " off ") << chip.slave.description() << '\n';
+    for (const BlockMedium& medium : m_devices.media.all())
+        text << medium.name() << ' ' << medium.unitPath()
+             << (medium.isInserted() ? " inserted" : " removed") << '\n';
+    text << "audio " << AudioDriver::kProcess << ' ' << nameOf(m_devices.audio.state());
     return {true, text.str()};
-}
-
-Answer ControlCommands::position(const Words& words) {
-    const auto latitude = decimalNumber(words[0]);
-    const auto longitude = decimalNumber(words[1]);
-    if (!latitude || !longitude || !isOnEarth({*latitude, *longitude}))
-        return refusedValue(words[0] + " " + words[1],
-                            "a latitude within 90 and a longitude within 180 degrees");
-    m_lines.receiver.setPosition({*latitude, *longitude});
-    return {};
-}
-
-Answer ControlCommands::modem(const Words& words) {
-    const auto key = std::find_if(std::begin(kModemKeys), std::end(kModemKeys),
-                                  [&](const ModemKey& known) { return known.key == words[0]; });
-    if (key == std::end(kModemKeys))
-        return refusedValue(words[0], "one of signal, registration, pin, late, silent");
-    return (this->*key->handler)(words[1]);
-}
-
-Answer ControlCommands::setSignal(const std::string& value) {
-    const auto strength = wholeNumber(value);
-    if (!strength || !m_lines.modem.commands().setSignal(*strength))
-        return refusedValue(value, "a signal strength: 0 to 31, or 99 for unknown");
-    return {};
-}
-
-Answer ControlCommands::setRegistration(const std::string& value) {
-    const auto state = wholeNumber(value);
-    if (!state || !m_lines.modem.commands().setRegistration(*state))
-        return refusedValue(value, "a registration state: 0 to 5");
-    m_lines.modem.say(m_lines.modem.commands().registrationReport());
-    return {};
-}
-
-Answer ControlCommands::setCard(const std::string& value) {
-    using Card = ModemCommands::Card;
-    constexpr std::pair<std::string_view, Card> kCards[] = {{"ready", Card::ready},
-                                                            {"wanted", Card::wantsPin},
-                                                            {"blocked", Card::blocked},
-                                                            {"absent", Card::absent}};
-    const auto* const card = std::find_if(std::begin(kCards), std::end(kCards),
-                                          [&](const auto& known) { return known.first == value; });
-    if (card == std::end(kCards))
-        return refusedValue(value, "one of ready, wanted, blocked, absent");
-    m_lines.modem.commands().setCard(card->second);
-    return {};
-}
-
-Answer ControlCommands::setLate(const std::string& value) {
-    const auto late = wholeNumber(value);
-    if (!late || *late < 0 || *late > kLongestLate)
-        return refusedValue(value, "a number of milliseconds: 0 to " + std::to_string(kLongestLate));
-    m_lines.modem.setLate(std::chrono::milliseconds(*late));
-    return {};
-}
-
-Answer ControlCommands::setSilent(const std::string& value) {
-    const auto silent = onOrOff(value);
-    if (!silent)
-        return refusedValue(value, "on or off");
-    m_lines.modem.setSilent(*silent);
-    return {};
-}
-
-Answer ControlCommands::loopback(const Words& words) {
-    const auto connected = onOrOff(words.front());
-    if (!connected)
-        return refusedValue(words.front(), "on or off");
-    m_lines.loopback.setConnected(*connected);
-    return {};
-}
-
-Answer ControlCommands::receiver(const Words& words) {
-    const auto on = onOrOff(words.front());
-    if (!on)
-        return refusedValue(words.front(), "on or off");
-    m_lines.receiver.setOn(*on);
-    return {};
 }
 
 } // namespace headunit

@@ -4,12 +4,12 @@
 #include <string_view>
 #include <vector>
 
-#include "devices/SerialLines.h"
+#include "devices/UnitDevices.h"
 
 namespace headunit {
 
 /// What a user may ask of a running unit: one line of words in, one answer out. For the event loop's
-/// thread; nothing here blocks. The lines outlive it.
+/// thread; nothing here blocks. The devices outlive it.
 class ControlCommands {
 public:
     struct Answer {
@@ -17,7 +17,7 @@ public:
         std::string text; ///< without its last line end; why not, when it was not done
     };
 
-    explicit ControlCommands(SerialLines& lines) : m_lines(lines) {}
+    explicit ControlCommands(UnitDevices& devices) : m_devices(devices), m_lines(devices.lines) {}
 
     /// Runs one line of words that blanks separate.
     Answer run(std::string_view line);
@@ -26,10 +26,15 @@ private:
     using Words = std::vector<std::string>;
     struct Command;
     struct ModemKey;
+    struct I2cKey;
 
+    static std::string allWords();
+
+    Answer state(const Words& words);
+
+    // SerialControl.cpp
     Answer unplug(const Words& words);
     Answer plug(const Words& words);
-    Answer state(const Words& words);
     Answer position(const Words& words);
     Answer modem(const Words& words);
     Answer loopback(const Words& words);
@@ -40,10 +45,29 @@ private:
     Answer setLate(const std::string& value);
     Answer setSilent(const std::string& value);
 
+    // I2cControl.cpp
+    Answer i2c(const Words& words);
+    Answer setI2cManager(const Words& words);
+    Answer setI2cLate(const Words& words);
+    Answer orderI2cResult(const Words& words);
+    Answer setChip(const Words& words);
+    Answer setTemperature(const Words& words);
+    Answer setPins(const Words& words);
+    Answer eeprom(const Words& words);
+
+    // BoardControl.cpp
+    Answer insert(const Words& words);
+    Answer remove(const Words& words);
+    Answer ports(const Words& words);
+    Answer port(const Words& words);
+    Answer audio(const Words& words);
+
     static const Command kCommands[];
     static const ModemKey kModemKeys[];
+    static const I2cKey kI2cKeys[];
 
-    SerialLines& m_lines;
+    UnitDevices& m_devices;
+    SerialLines& m_lines; ///< of the devices
 };
 
 } // namespace headunit

@@ -3,7 +3,6 @@
 #include <string>
 
 #include "devices/BoardIdentity.h"
-#include "devices/GpioPorts.h"
 #include "devices/SoftwareVersions.h"
 #include "unit/UnitError.h"
 
@@ -13,7 +12,6 @@ DeviceList allDevices() {
     DeviceList devices;
     devices.push_back(std::make_unique<BoardIdentity>());
     devices.push_back(std::make_unique<SoftwareVersions>());
-    devices.push_back(std::make_unique<GpioPorts>());
     return devices;
 }
 

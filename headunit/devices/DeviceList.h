@@ -9,7 +9,7 @@ namespace headunit {
 
 using DeviceList = std::vector<std::unique_ptr<Device>>;
 
-/// One of each device that a unit has, not installed yet, in the order of installation.
+/// One of each device of a unit that is only its files, not installed yet, in the order of installation.
 DeviceList allDevices();
 
 /// Installs each in turn. Throws UnitError that names the device which failed.

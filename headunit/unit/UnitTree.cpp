@@ -32,12 +32,14 @@ void writeAll(const std::string& path, int flags, const std::string& content) {
 
 } // namespace
 
-void UnitTree::createFile(const std::string& unitPath, const std::string& content) {
+void UnitTree::createFile(const std::string& unitPath, const std::string& content, std::uint64_t size) {
     const std::string path = claim(unitPath);
     struct stat present {};
     if (::lstat(path.c_str(), &present) == 0)
         return;
     writeAll(path, O_CREAT | O_EXCL, content);
+    if (size > content.size() && ::truncate(path.c_str(), static_cast<off_t>(size)) != 0)
+        throw systemError("cannot enlarge " + path, errno);
 }
 
 std::string readHostFile(const std::string& path) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace headunit {
@@ -20,9 +21,10 @@ public:
     /// socket. Throws UnitError when the name is not free for this unit or a folder cannot be made.
     virtual std::string claim(const std::string& unitPath) = 0;
 
-    /// Makes the file with exactly these bytes, mode 0644 less the umask. A file that the unit has
-    /// already is left as it is: it is the state that somebody prepared. Throws UnitError.
-    void createFile(const std::string& unitPath, const std::string& content);
+    /// Makes the file with exactly these bytes, mode 0644 less the umask. A file of less than `size`
+    /// bytes is filled up with zeros that take no room on the disk. A file that the unit has already is
+    /// left as it is: it is the state that somebody prepared. Throws UnitError.
+    void createFile(const std::string& unitPath, const std::string& content, std::uint64_t size = 0);
 };
 
 /// All bytes of a file on the host. Throws UnitError.

@@ -54,12 +54,18 @@ const std::string kNoKey = " is not one of signal, registration, pin, late, sile
 const std::string kNoSignal = " is not a signal strength: 0 to 31, or 99 for unknown";
 const std::string kNoTime = " is not a number of milliseconds: 0 to 600000";
 
+const std::string kNoI2cKey = " is not one of manager, late, result, chip, temperature, pins, eeprom";
+const std::string kNoBytes =
+    " is not an address, 00 to FF, and bytes in hexadecimal that fit in after it";
+const std::string kNoMedium = " is not one of sda0, sdb0, cd0, umass0, mnand0, fs0";
+
 INSTANTIATE_TEST_SUITE_P(
     Lines, Refused,
     testing::Values(
         RefusedCase{"empty", "", "there is no word"}, RefusedCase{"blank", "  ", "there is no word"},
         RefusedCase{"unknownWord", "fly",
-                    "'fly' is not one of unplug, plug, state, position, modem, loopback, receiver"},
+                    "'fly' is not one of unplug, plug, state, position, modem, loopback, receiver, i2c, "
+                    "insert, remove, ports, port, audio"},
         RefusedCase{"unplugNothing", "unplug", "usage: unplug LINE"},
         RefusedCase{"unplugTwo", "unplug station modem", "usage: unplug LINE"},
         RefusedCase{"unplugUnknown", "unplug it", "'it'" + kNoLine},
@@ -90,26 +96,94 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"loopbackHow", "loopback 1", "'1' is not on or off"},
         RefusedCase{"receiverNothing", "receiver", "usage: receiver on|off"},
         RefusedCase{"receiverHow", "receiver ON", "'ON' is not on or off"},
+        RefusedCase{"i2cNothing", "i2c",
+                    "usage: i2c manager|late|result|chip|temperature|pins|eeprom VALUE [VALUE]"},
+        RefusedCase{"i2cUnknown", "i2c fly 1", "'fly'" + kNoI2cKey},
+        RefusedCase{"i2cManagerHow", "i2c manager 1", "'1' is not on or off"},
+        RefusedCase{"i2cManagerNothing", "i2c manager", "usage: i2c manager on|off"},
+        RefusedCase{"i2cLateNegative", "i2c late -1", "'-1'" + kNoTime},
+        RefusedCase{"i2cLateTwo", "i2c late 1 2", "usage: i2c late MILLISECONDS"},
+        RefusedCase{"i2cResultText", "i2c result EIO",
+                    "'EIO' is not a result: a whole number of 32 bits"},
+        RefusedCase{"i2cResultHuge", "i2c result 2147483648",
+                    "'2147483648' is not a result: a whole number of 32 bits"},
+        RefusedCase{"i2cResultCount", "i2c result 5 -1",
+                    "'-1' is not a number of requests: 0 to 1000000"},
+        RefusedCase{"i2cChipUnknown", "i2c chip it on", "'it' is not one of eeprom, sensor, expander"},
+        RefusedCase{"i2cChipHow", "i2c chip sensor gone", "'gone' is not on or off"},
+        RefusedCase{"i2cTooCold", "i2c temperature -56",
+                    "'-56' is not a temperature in degrees Celsius: -55 to 125"},
+        RefusedCase{"i2cPinsTooMany", "i2c pins 0FF", "'0FF' is not the levels of eight pins: 00 to FF"},
+        RefusedCase{"i2cPinsSigned", "i2c pins -1", "'-1' is not the levels of eight pins: 00 to FF"},
+        RefusedCase{"i2cEepromHalf", "i2c eeprom 00", "usage: i2c eeprom [ADDRESS HEX]"},
+        RefusedCase{"i2cEepromBeyond", "i2c eeprom FF 0102", "'FF 0102'" + kNoBytes},
+        RefusedCase{"i2cEepromNoHex", "i2c eeprom 00 0g", "'00 0g'" + kNoBytes},
+        RefusedCase{"insertUnknown", "insert it", "'it'" + kNoMedium},
+        RefusedCase{"removeUnknown", "remove it", "'it'" + kNoMedium},
+        RefusedCase{"removeNothing", "remove", "usage: remove MEDIUM"},
+        RefusedCase{"portUnknown", "port it 1", "'it' is not a port"},
+        RefusedCase{"portHow", "port nad_reset 2", "'2' is not one of 0, 1, unreadable, gone, back"},
+        RefusedCase{"portsOfOne", "ports nad_reset", "usage: ports"},
+        RefusedCase{"audioHow", "audio on", "'on' is not one of active, inactive, stopped"},
+        RefusedCase{"audioNone", "audio active", "the audio driver does not run"},
         RefusedCase{"longLine", std::string(513, 'x'), "the line is too long"},
         RefusedCase{"veryLongLine", std::string(100000, 'x'), "the line is too long"},
         RefusedCase{"longestLine", std::string(512, ' '), "there is no word"}),
     [](const testing::TestParamInfo<RefusedCase>& info) { return info.param.title; });
 
 TEST_F(ControlTest, doesEverythingThatItKnows) {
-    for (const char* line : {"unplug station",   "plug station",          "unplug loopback",
-                             "plug loopback",    "unplug modem",          "plug modem",
-                             "unplug receiver",  "plug receiver",         "state",
-                             "position 90 180",  "position -90.0 -180.0", "modem signal 0",
-                             "modem signal 99",  "modem registration 0",  "modem registration 5",
-                             "modem pin ready",  "modem pin wanted",      "modem pin blocked",
-                             "modem pin absent", "modem late 0",          "modem late 600000",
-                             "modem silent on",  "modem silent off",      "loopback off",
-                             "loopback on",      "receiver off",          "receiver on",
-                             "  receiver   on "})
+    for (const char* line : {"unplug station",
+                             "plug station",
+                             "unplug loopback",
+                             "plug loopback",
+                             "unplug modem",
+                             "plug modem",
+                             "unplug receiver",
+                             "plug receiver",
+                             "state",
+                             "position 90 180",
+                             "position -90.0 -180.0",
+                             "modem signal 0",
+                             "modem signal 99",
+                             "modem registration 0",
+                             "modem registration 5",
+                             "modem pin ready",
+                             "modem pin wanted",
+                             "modem pin blocked",
+                             "modem pin absent",
+                             "modem late 0",
+                             "modem late 600000",
+                             "modem silent on",
+                             "modem silent off",
+                             "loopback off",
+                             "loopback on",
+                             "receiver off",
+                             "receiver on",
+                             "  receiver   on ",
+                             "i2c manager off",
+                             "i2c manager on",
+                             "i2c late 600000",
+                             "i2c late 0",
+                             "i2c result -2147483648",
+                             "i2c result 5 0",
+                             "i2c chip eeprom off",
+                             "i2c chip eeprom on",
+                             "i2c temperature 1.5",
+                             "i2c pins ff",
+                             "i2c eeprom ff 01",
+                             "i2c eeprom",
+                             "remove fs0",
+                             "insert fs0",
+                             "ports",
+                             "port nad_reset 1",
+                             "port nad_reset 0",
+                             "port nad_reset unreadable",
+                             "port nad_reset gone",
+                             "port nad_reset back"})
         tell(line);
 }
 
-TEST_F(ControlTest, tellsTheStateOfEveryLine) {
+TEST_F(ControlTest, tellsTheStateOfEveryDevice) {
     tell("receiver off");
     const Line line(node("/dev/ser1"));
     ASSERT_TRUE(line.write("abc"));
@@ -120,7 +194,18 @@ TEST_F(ControlTest, tellsTheStateOfEveryLine) {
               "station /dev/usbserialadapter1 plugged from-unit 0 to-unit 0\n"
               "loopback /dev/ser1 plugged from-unit 3 to-unit 3\n"
               "modem /dev/NAD/AT_port unplugged from-unit 0 to-unit 0\n"
-              "receiver /dev/ser3 plugged from-unit 0 to-unit 0");
+              "receiver /dev/ser3 plugged from-unit 0 to-unit 0\n"
+              "i2c /dev/i2c0 on speed 100000 free requests 0 refused 0\n"
+              "eeprom 0x50 on pointer 0\n"
+              "sensor 0x48 on temperature 25\n"
+              "expander 0x20 on outputs FF pins FF\n"
+              "sda0 /dev/sda0 removed\n"
+              "sdb0 /dev/sdb0 removed\n"
+              "cd0 /dev/cd0 inserted\n"
+              "umass0 /dev/umass/umass0 inserted\n"
+              "mnand0 /dev/mnand0 inserted\n"
+              "fs0 /dev/fs0 inserted\n"
+              "audio deva-nvaudio stopped");
 }
 
 TEST_F(ControlTest, refusesToPlugALineWhoseNameIsTaken) {

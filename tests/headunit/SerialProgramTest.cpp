@@ -138,8 +138,9 @@ TEST_F(SerialProgramTest, aKeptFolderIsUsedAgainAfterAKilledRun) {
     EXPECT_EQ(killed.wait(), 128 + SIGKILL);
     EXPECT_TRUE(fs::is_symlink(unit + "/dev/ser1"));
     Program next(
-        exec({"--unit", unit, "--", "sh", "-c",
-              "exec 3<>/dev/ser1; echo round >&3; head -c 6 <&3; headunit control state | wc -l"}),
+        exec(
+            {"--unit", unit, "--", "sh", "-c",
+             "exec 3<>/dev/ser1; echo round >&3; head -c 6 <&3; headunit control state | grep -c plugged"}),
         surroundings());
     EXPECT_EQ(next.wait(), 0) << next.error();
     EXPECT_EQ(next.output(), "round\n4\n");

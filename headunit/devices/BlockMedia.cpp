@@ -1,0 +1,29 @@
+#include "devices/BlockMedia.h"
+
+#include <algorithm>
+
+#include "unit/UnitError.h"
+
+namespace headunit {
+
+void BlockMedia::install(UnitTree& tree, const std::vector<std::string>& wanted) {
+    for (const std::string& name : wanted)
+        if (find(name) == nullptr)
+            throw UnitError("'" + name + "' is not one of sda0, sdb0, cd0, umass0, mnand0, fs0");
+    for (std::size_t i = 0; i < m_media.size(); ++i) {
+        BlockMedium& medium = m_media[i];
+        medium.install(tree);
+        const bool isWanted = std::find(wanted.begin(), wanted.end(), medium.name()) != wanted.end();
+        const bool belongs = i >= kOptional && !medium.isAside();
+        if ((isWanted || belongs) && !medium.isInserted())
+            medium.insert();
+    }
+}
+
+BlockMedium* BlockMedia::find(std::string_view name) {
+    auto* const medium = std::find_if(m_media.begin(), m_media.end(),
+                                      [&](const BlockMedium& known) { return known.name() == name; });
+    return medium == m_media.end() ? nullptr : medium;
+}
+
+} // namespace headunit

@@ -1,0 +1,138 @@
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "support/Line.h"
+#include "support/Program.h"
+
+namespace headunit_test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr char kState[] = "headunit control state | tail -n 1";
+
+/// The finished programs in a unit; each case has a TMPDIR of its own.
+class AudioTest : public testing::Test {
+protected:
+    Program::Surroundings surroundings() const { return {"", {{"TMPDIR", m_temporary.path()}}}; }
+
+    /// Waits in a script until the driver has this state.
+    static std::string until(const std::string& state) {
+        return "until " + std::string(kState) + " | grep -q ' " + state + "$'; do :; done; ";
+    }
+
+    /// The output of a shell script in a fresh unit with the options.
+    std::string outputOf(const std::string& script, const std::vector<std::string>& options = {}) {
+        std::vector<std::string> command = {HEADUNIT_PROGRAM, "exec"};
+        command.insert(command.end(), options.begin(), options.end());
+        command.insert(command.end(), {"--", "sh", "-c", script});
+        Program program(command, surroundings());
+        EXPECT_EQ(program.wait(), 0) << program.error();
+        m_error = program.error();
+        return program.output();
+    }
+
+    std::string outputWithDaemon(const std::string& script) {
+        return outputOf(script, {"--daemon", "--daemon-path", STANDIN_DAEMON});
+    }
+
+    void TearDown() override { EXPECT_THAT(m_temporary.names(), IsEmpty()); }
+
+    TestFolder m_temporary;
+    std::string m_error;
+};
+
+TEST_F(AudioTest, theDriverRunsWithTheDaemon) {
+    EXPECT_EQ(outputWithDaemon(kState), "audio deva-nvaudio inactive\n");
+    EXPECT_EQ(outputOf(kState), "audio deva-nvaudio stopped\n");
+}
+
+TEST_F(AudioTest, theDriverFollowsSignals) {
+    EXPECT_EQ(outputWithDaemon("slay -s SIGUSR1 deva-nvaudio; echo $?; " + until("active") +
+                               "slay -s SIGUSR2 deva-nvaudio; echo $?; " + until("inactive") +
+                               "slay deva-nvaudio; echo $?; " + until("stopped") +
+                               "slay -s SIGUSR1 deva-nvaudio; echo $?"),
+              "1\n1\n1\n0\n");
+}
+
+TEST_F(AudioTest, theDriverIsControlled) {
+    EXPECT_EQ(outputWithDaemon("headunit control audio active; " + until("active") +
+                               "headunit control audio inactive; " + until("inactive") +
+                               "headunit control audio stopped; " + until("stopped") +
+                               "headunit control audio active 2>&1; deva-nvaudio; " + kState),
+              "ok\nok\nok\nheadunit: the audio driver does not run\naudio deva-nvaudio inactive\n");
+}
+
+TEST_F(AudioTest, thereIsOneDriver) {
+    EXPECT_EQ(outputWithDaemon("deva-nvaudio; echo $?; slay -s 0 deva-nvaudio; echo $?"), "1\n1\n");
+    EXPECT_THAT(m_error, HasSubstr("deva-nvaudio: another audio driver runs "
+                                   "(/run/headunit/audio is locked)\n"));
+}
+
+TEST_F(AudioTest, slayCountsTheProcessesOfAName) {
+    EXPECT_EQ(outputOf("sleep 1000 & sleep 1000 & sleep 1000 & "
+                       "until slay -s 0 sleep; [ $? = 3 ]; do :; done; "
+                       "slay -s SIGTERM sleep; echo $?; wait; slay -s SIGTERM sleep; echo $?"),
+              "3\n0\n");
+    EXPECT_EQ(m_error, "");
+}
+
+TEST_F(AudioTest, slayDoesNotReachOutOfTheUnit) {
+    Program outside({"sleep", "1000"});
+    EXPECT_EQ(outputOf("slay -s SIGKILL sleep; echo $?"), "0\n");
+    EXPECT_EQ(::kill(outside.pid(), 0), 0);
+    outside.signal(SIGTERM);
+    EXPECT_EQ(outside.wait(), 128 + SIGTERM) << "and not SIGKILL";
+}
+
+TEST_F(AudioTest, slayExplainsItself) {
+    for (const char* words : {"", "-s", "-s SIGUSR1", "-s SIGNONE name", "a b", "-x"}) {
+        EXPECT_EQ(outputOf(std::string("slay ") + words + "; echo $?"), "0\n") << words;
+        EXPECT_THAT(m_error, HasSubstr("usage: slay [-s SIGNAL] NAME\n")) << words;
+    }
+}
+
+TEST_F(AudioTest, theDriverRunsBesideARunningDaemon) {
+    const TestFolder folder;
+    const std::string unit = folder / "unit";
+    Program program({PRIVATE_HOST, HEADUNIT_PROGRAM, "run", "--daemon-path", STANDIN_DAEMON, "--unit",
+                     unit, "--insert", "sda0"},
+                    surroundings());
+    ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
+    const auto control = [&](const std::vector<std::string>& words) {
+        std::vector<std::string> command = {HEADUNIT_PROGRAM, "control", "--unit", unit};
+        command.insert(command.end(), words.begin(), words.end());
+        Program asked(command);
+        EXPECT_EQ(asked.wait(), 0) << asked.error();
+        return asked.output();
+    };
+    EXPECT_THAT(control({"state"}), HasSubstr("sda0 /dev/sda0 inserted\n"));
+    EXPECT_THAT(control({"state"}), HasSubstr("audio deva-nvaudio inactive\n"));
+    EXPECT_EQ(control({"audio", "active"}), "ok\n");
+    EXPECT_TRUE(eventually(
+        [&] { return control({"state"}).find("audio deva-nvaudio active\n") != std::string::npos; }));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0) << program.error();
+    EXPECT_TRUE(fs::is_empty(unit + "/run/headunit"));
+}
+
+TEST_F(AudioTest, theDriverRunsInPlace) {
+    const TestFolder root;
+    Program program({PRIVATE_HOST, "--root", root.path(), HEADUNIT_PROGRAM, "run", "--in-place",
+                     "--yes-change-this-machine", "--daemon-path", STANDIN_DAEMON});
+    ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
+    EXPECT_EQ(contentOf(root / "run/headunit/audio").substr(0, 9), "inactive ");
+    EXPECT_TRUE(fs::is_socket(root / "dev/i2c0"));
+    EXPECT_EQ(fs::file_size(root / "dev/umass/umass0"), 64u * 1024 * 1024);
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0) << program.error();
+    EXPECT_FALSE(fs::exists(root / "dev/umass"));
+    EXPECT_TRUE(fs::is_empty(root / "run"));
+}
+
+} // namespace
+} // namespace headunit_test

@@ -1,0 +1,213 @@
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <chrono>
+#include <optional>
+
+#include "support/I2cPackets.h"
+#include "support/Peers.h"
+#include "unit/LocalSocket.h"
+
+namespace headunit_test {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using testing::HasSubstr;
+
+constexpr int kDeadline = 30000; // milliseconds
+constexpr std::size_t kLongestAnswer = 70000;
+
+/// A connection to the manager's socket.
+class Bus {
+public:
+    explicit Bus(const std::string& folder)
+        : m_socket(headunit::connectIn(headunit::openFolder(folder).get(), "i2c0", SOCK_SEQPACKET)) {}
+
+    bool isOpen() const { return static_cast<bool>(m_socket); }
+    void close() { m_socket.reset(); }
+
+    bool send(const std::string& packet) const {
+        return ::send(m_socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL) ==
+               static_cast<ssize_t>(packet.size());
+    }
+
+    bool hasAnswer(int longest) const {
+        pollfd waited{m_socket.get(), POLLIN, 0};
+        return ::poll(&waited, 1, longest) == 1;
+    }
+
+    /// Nothing when the manager has hung up or the deadline passed.
+    std::optional<std::string> receive() const {
+        std::string packet(kLongestAnswer, '\0');
+        if (!hasAnswer(kDeadline))
+            return std::nullopt;
+        const ssize_t count = ::recv(m_socket.get(), packet.data(), packet.size(), 0);
+        if (count <= 0)
+            return std::nullopt;
+        packet.resize(static_cast<std::size_t>(count));
+        return packet;
+    }
+
+    std::optional<std::string> ask(const std::string& packet) const {
+        return send(packet) ? receive() : std::nullopt;
+    }
+
+private:
+    System::Descriptor m_socket;
+};
+
+class I2cManagerTest : public PeersTest {
+protected:
+    Bus connect() const { return Bus(node("/dev")); }
+
+    bool stateHas(const std::string& text) const {
+        return ask("state").text.find(text) != std::string::npos;
+    }
+};
+
+const std::string kDone = numbers({0});
+const std::string kReadTemperature = combinedPacket(0x48, std::string(1, '\0'), 2);
+const std::string kTemperatureHeader = numbers({0x48, 2, 1, 2, 1});
+
+TEST_F(I2cManagerTest, answersAtItsNode) {
+    EXPECT_TRUE(std::filesystem::is_socket(node("/dev/i2c0")));
+    const Bus bus = connect();
+    EXPECT_EQ(bus.ask(kReadTemperature), kDone + kTemperatureHeader + std::string("\x19\x00", 2));
+    tell("i2c temperature -0.0625");
+    EXPECT_EQ(bus.ask(kReadTemperature), kDone + kTemperatureHeader + "\xFF\xF0");
+    EXPECT_EQ(bus.ask(receivePacket(0x33, 1)), numbers({EIO}));
+}
+
+TEST_F(I2cManagerTest, showsAndTakesTheStateOfItsChips) {
+    const Bus bus = connect();
+    EXPECT_EQ(bus.ask(sendPacket(0x50, std::string("\x10hello"))), kDone);
+    EXPECT_EQ(bus.ask(sendPacket(0x20, "\x3C")), kDone);
+    EXPECT_EQ(bus.ask(speedPacket(400000)), kDone);
+    EXPECT_THAT(ask("i2c eeprom").text, HasSubstr("\n10: 68 65 6C 6C 6F FF FF"));
+    tell("i2c eeprom 00 4142");
+    EXPECT_EQ(bus.ask(combinedPacket(0x50, std::string(1, '\0'), 2)),
+              kDone + numbers({0x50, 2, 1, 2, 1}) + "AB");
+    tell("i2c pins 0F");
+    tell("i2c chip sensor off");
+    EXPECT_EQ(bus.ask(kReadTemperature), numbers({EIO}));
+    EXPECT_THAT(ask("state").text, HasSubstr("i2c /dev/i2c0 on speed 400000 free requests 5 refused 1\n"
+                                             "eeprom 0x50 on pointer 2\n"
+                                             "sensor 0x48 off temperature 25\n"
+                                             "expander 0x20 on outputs 3C pins 0C\n"));
+    tell("i2c chip sensor on");
+    EXPECT_EQ(bus.ask(kReadTemperature)->substr(0, 4), kDone);
+}
+
+TEST_F(I2cManagerTest, givesTheResultsThatItWasToldTo) {
+    const Bus bus = connect();
+    tell("i2c result 14");
+    EXPECT_EQ(bus.ask(kReadTemperature), numbers({14}));
+    EXPECT_EQ(bus.ask(kReadTemperature)->substr(0, 4), kDone);
+    tell("i2c result 22 2");
+    EXPECT_EQ(bus.ask(kReadTemperature), numbers({22}));
+    EXPECT_EQ(connect().ask(kReadTemperature), numbers({22}));
+    EXPECT_EQ(bus.ask(kReadTemperature)->substr(0, 4), kDone);
+}
+
+TEST_F(I2cManagerTest, keepsTheBusForAClientUntilItLeaves) {
+    Bus holder = connect();
+    const Bus other = connect();
+    EXPECT_EQ(holder.ask(sendPacket(0x20, "\x01", false)), kDone);
+    EXPECT_EQ(other.ask(receivePacket(0x20, 1)), numbers({EPERM}));
+    EXPECT_TRUE(stateHas(" held "));
+    holder.close();
+    EXPECT_TRUE(eventually([&] { return stateHas(" free "); }));
+    EXPECT_EQ(other.ask(receivePacket(0x20, 1))->substr(0, 4), kDone);
+}
+
+TEST_F(I2cManagerTest, answersLate) {
+    const Bus bus = connect();
+    tell("i2c late 300");
+    const auto start = steady_clock::now();
+    ASSERT_TRUE(bus.send(kReadTemperature));
+    EXPECT_TRUE(ask("state").done) << "nobody else waits for it";
+    EXPECT_EQ(bus.receive()->substr(0, 4), kDone);
+    EXPECT_GE(steady_clock::now() - start, milliseconds(300));
+    tell("i2c late 600000");
+    ASSERT_TRUE(bus.send(kReadTemperature));
+    EXPECT_TRUE(eventually([&] { return stateHas(" requests 2 "); }));
+    tell("i2c late 0");
+    EXPECT_EQ(connect().ask(kReadTemperature)->substr(0, 4), kDone);
+    EXPECT_FALSE(bus.hasAnswer(0));
+}
+
+TEST_F(I2cManagerTest, survivesClientsWhoDoNotWait) {
+    tell("i2c late 600000");
+    {
+        const Bus bus = connect();
+        ASSERT_TRUE(bus.send(sendPacket(0x20, "\x01", false)));
+        ASSERT_TRUE(eventually([&] { return stateHas(" held "); }));
+    }
+    EXPECT_TRUE(eventually([&] { return stateHas(" free "); }));
+    tell("i2c late 0");
+    for (int i = 0; i < 200; ++i)
+        ASSERT_TRUE(connect().send(kReadTemperature)) << i;
+    EXPECT_EQ(connect().ask(kReadTemperature)->substr(0, 4), kDone);
+}
+
+TEST_F(I2cManagerTest, goesAwayInTheMiddleOfARequestAndComesBack) {
+    const Bus bus = connect();
+    tell("i2c late 600000");
+    ASSERT_TRUE(bus.send(sendPacket(0x20, "\x42")));
+    ASSERT_TRUE(eventually([&] { return stateHas(" requests 1 "); }));
+    tell("i2c manager off");
+    EXPECT_EQ(bus.receive(), std::nullopt);
+    EXPECT_FALSE(std::filesystem::exists(node("/dev/i2c0")));
+    EXPECT_FALSE(connect().isOpen());
+    EXPECT_TRUE(stateHas("i2c /dev/i2c0 off "));
+    tell("i2c manager off");
+    tell("i2c late 0");
+    tell("i2c manager on");
+    tell("i2c manager on");
+    EXPECT_EQ(connect().ask(receivePacket(0x20, 1)), kDone + numbers({0x20, 2, 1, 1}) + "\x42");
+}
+
+TEST_F(I2cManagerTest, doesNotComeBackOverSomethingElse) {
+    tell("i2c manager off");
+    writeFile(node("/dev/i2c0"), "theirs");
+    EXPECT_EQ(ask("i2c manager on").text,
+              node("/dev/i2c0") + " exists and is no socket; it is left as it is");
+    EXPECT_EQ(contentOf(node("/dev/i2c0")), "theirs");
+    std::filesystem::remove(node("/dev/i2c0"));
+    tell("i2c manager on");
+    EXPECT_TRUE(connect().isOpen());
+}
+
+TEST_F(I2cManagerTest, takesPacketsOfAllSizes) {
+    const Bus bus = connect();
+    for (const std::string& packet :
+         {std::string(), std::string("x"), std::string(15, '\0'), std::string(100000, '\xFF')})
+        EXPECT_EQ(bus.ask(packet), numbers({EINVAL})) << packet.size();
+    EXPECT_EQ(bus.ask(sendPacket(0x50, std::string(65536, 'x'))), kDone);
+    EXPECT_EQ(bus.ask(sendPacket(0x50, std::string(65537, 'x'))), numbers({ENOMEM}));
+    EXPECT_EQ(bus.ask(receivePacket(0x50, 65536))->size(), 4u + 16u + 65536u);
+}
+
+TEST_F(I2cManagerTest, servesManyClientsAtOnce) {
+    std::vector<Bus> clients;
+    for (int i = 0; i < 60; ++i)
+        clients.push_back(connect());
+    for (const Bus& bus : clients)
+        ASSERT_TRUE(bus.send(kReadTemperature));
+    for (const Bus& bus : clients)
+        EXPECT_EQ(bus.receive().value_or("").substr(0, 4), kDone);
+}
+
+TEST_F(I2cManagerTest, leavesNothingAtTheEnd) {
+    const Bus bus = connect();
+    ASSERT_EQ(bus.ask(kReadTemperature)->substr(0, 4), kDone);
+    m_peers.reset();
+    EXPECT_EQ(bus.receive(), std::nullopt);
+    EXPECT_FALSE(std::filesystem::exists(node("/dev/i2c0")));
+}
+
+} // namespace
+} // namespace headunit_test
