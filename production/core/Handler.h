@@ -67,8 +67,8 @@ private:
     std::map<std::string, AbstractCmd*> m_commandsByName;
     System::Mutex m_registryLock;
     System::Condition m_requestReady;
-    System::Mutex m_requestLock;                    // guards m_pending
-    System::Mutex m_doneLock;                       // guards Request::done of every request
+    System::Mutex m_requestLock; // guards m_pending
+    System::Mutex m_doneLock;    // taken to set Request::done and to sleep until it is set
     std::deque<std::shared_ptr<Request>> m_pending; // in the order of arrival
 
     static System::Mutex s_singleton_mutex;

@@ -16,6 +16,9 @@ public:
     /// 0 when the clock cannot be read.
     std::uint64_t elapsedMs() const;
 
+    /// True when a command has been running for longer than `kLongRuntimeMs`.
+    bool isLong() const { return elapsedMs() > kLongRuntimeMs; }
+
     /// Warns on standard error when `command` has been running for longer than `kLongRuntimeMs`.
     void warnIfLong(const char* command) const;
 

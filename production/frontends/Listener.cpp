@@ -4,6 +4,7 @@
 #include <exception>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "commands/ErrorCmd.h"
 #include "commands/sReadCmd.h"
@@ -105,7 +106,9 @@ Listener::Wait Listener::waitOnce(unsigned char& length) {
         printLoopError(m_channel, result);
         return Wait::Unusable;
     }
-    if (!m_device.waitFor(port->devicePath().c_str(), StationLine::kDeviceWait))
+    // Looking for the node costs every request some time: a line that has just worked is there.
+    if (!std::exchange(m_isLineProven, false) &&
+        !m_device.waitFor(port->devicePath().c_str(), StationLine::kDeviceWait))
         return Wait::TryAgain;
     bool open = false;
     if (const DeviceResult result = port->isOpen(open); result.failed()) {
@@ -165,7 +168,9 @@ bool Listener::serve(unsigned char length) {
 
 /// False when the channel is unusable.
 bool Listener::answer(std::vector<unsigned char>& response) {
-    if (send(response, true) != 0)
+    const int sent = send(response, true);
+    m_isLineProven = sent > 0;
+    if (sent != 0)
         return true;
     Comm::Handle* port = nullptr;
     if (const DeviceResult result = comm()->device(&port, m_channel); result.failed()) {
@@ -280,6 +285,8 @@ bool Listener::isToBeHandled(const DeviceResult& result) {
 }
 
 void Listener::notifyInterruptCommand(const std::vector<unsigned char>* frame) {
+    if (!m_clock.isLong())
+        return; // the usual case needs no name
     std::string name = "?";
     if (frame != nullptr && frame->size() >= kShortestRequest)
         name = Handler::getInstance()->getHandlerName((*frame)[1]);

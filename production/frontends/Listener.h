@@ -57,6 +57,7 @@ private:
     unsigned m_channel;
     System::PathWait m_device;
     RetryPause m_pause;
+    bool m_isLineProven = false; // an acknowledgement has just come over it
 
     static std::vector<unsigned char> command; // the acknowledgement
     static std::atomic<bool> errsend;          // a channel error has been reported
