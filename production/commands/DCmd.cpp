@@ -56,13 +56,9 @@ ProcessResponse* DCmd::process(std::vector<unsigned char>* request) {
     if (tavrin_getRequestLen(request) != kRequestLength)
         return genericError(kInvalidLength);
     std::vector<unsigned char> result(kResultBytes);
-    std::unique_ptr<ProcessResponse> response(
-        processData((*request)[3], bigEndian32(*request, 4), bigEndian32(*request, 8), result));
-    if (response->code != ProcessResponse::kSuccess)
-        return response.release();
-    auto answer = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kSuccess, "");
-    tavrin_fillDefaultResponse(request, answer.get(), result);
-    return answer.release();
+    ProcessResponse* response =
+        processData((*request)[3], bigEndian32(*request, 4), bigEndian32(*request, 8), result);
+    return tavrin_answer(request, response, result);
 }
 
 ProcessResponse* DCmd::process(std::vector<std::vector<char>>& tokens) {
@@ -71,15 +67,10 @@ ProcessResponse* DCmd::process(std::vector<std::vector<char>>& tokens) {
     if (!beginsWith(tokens[1], kChecksumWord))
         return genericError(kInvalidSubCommand);
     std::vector<unsigned char> result(kResultBytes);
-    std::unique_ptr<ProcessResponse> response(
-        processData(static_cast<unsigned char>(ascii_getInt(tokens[2])),
-                    static_cast<unsigned int>(ascii_getInt(tokens[3])),
-                    static_cast<unsigned int>(ascii_getInt(tokens[4])), result));
-    if (response->code != ProcessResponse::kSuccess)
-        return response.release();
-    auto answer = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
-    answer->answer = std::string(kChecksumWord) + " " + ascii_buildBase64String(result);
-    return answer.release();
+    ProcessResponse* response = processData(static_cast<unsigned char>(ascii_getInt(tokens[2])),
+                                            static_cast<unsigned int>(ascii_getInt(tokens[3])),
+                                            static_cast<unsigned int>(ascii_getInt(tokens[4])), result);
+    return ascii_answer(response, std::string(kChecksumWord) + " " + ascii_buildBase64String(result));
 }
 
 ProcessResponse* DCmd::processData(unsigned char memType, unsigned int offset, unsigned int length,

@@ -123,7 +123,7 @@ ProcessResponse* iReadCmd::readBusClassic(std::vector<unsigned char>* request) {
     ProcessResponse* result =
         readBus((*request)[2], count, (*request)[4], length > kReadHeader, request->data() + kReadHeader,
                 static_cast<unsigned char>(length - kReadHeader), &bytes);
-    return answerBinary(request, result, bytes);
+    return tavrin_answer(request, result, bytes);
 }
 
 ProcessResponse* iReadCmd::getAttributeClassic(std::vector<unsigned char>* request) {
@@ -132,7 +132,7 @@ ProcessResponse* iReadCmd::getAttributeClassic(std::vector<unsigned char>* reque
         return new ProcessResponse(ProcessResponse::kGenericError, kWrongLength, length);
     std::vector<unsigned char> value;
     ProcessResponse* result = getAttribute((*request)[3], (*request)[4], &value);
-    return answerBinary(request, result, value);
+    return tavrin_answer(request, result, value);
 }
 
 unsigned char iReadCmd::byteToken(const std::vector<char>& token) const {
@@ -155,7 +155,7 @@ ProcessResponse* iReadCmd::readBus(std::vector<std::vector<char>>& tokens) {
     ProcessResponse* result =
         readBus(byteToken(tokens[2]), static_cast<unsigned char>(count), byteToken(tokens[4]),
                 writeFirst, data.data(), static_cast<unsigned char>(data.size()), &bytes);
-    return answerHex(result, bytes);
+    return ascii_answer(result, ascii_buildHexString(bytes, true));
 }
 
 ProcessResponse* iReadCmd::getAttribute(std::vector<std::vector<char>>& tokens) {
@@ -163,7 +163,7 @@ ProcessResponse* iReadCmd::getAttribute(std::vector<std::vector<char>>& tokens) 
         return wrongTokenCount(kExactlyThree, tokens);
     std::vector<unsigned char> value;
     ProcessResponse* result = getAttribute(byteToken(tokens[2]), byteToken(tokens[3]), &value);
-    return answerHex(result, value);
+    return ascii_answer(result, ascii_buildHexString(value, true));
 }
 
 ProcessResponse* iReadCmd::setAttribute(std::vector<std::vector<char>>& tokens) {
@@ -205,23 +205,4 @@ ProcessResponse* iReadCmd::writeBus(std::vector<std::vector<char>>& tokens) {
     if (result.failed())
         return I2CAccess::outcome(result);
     return new ProcessResponseAscii(ProcessResponse::kSuccess, "");
-}
-
-ProcessResponse* iReadCmd::answerBinary(std::vector<unsigned char>* request, ProcessResponse* result,
-                                        std::vector<unsigned char>& payload) {
-    std::unique_ptr<ProcessResponse> owned(result);
-    if (owned->code != ProcessResponse::kSuccess)
-        return owned.release();
-    auto answer = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kSuccess, "");
-    tavrin_fillDefaultResponse(request, answer.get(), payload);
-    return answer.release();
-}
-
-ProcessResponse* iReadCmd::answerHex(ProcessResponse* result, const std::vector<unsigned char>& bytes) {
-    std::unique_ptr<ProcessResponse> owned(result);
-    if (owned->code != ProcessResponse::kSuccess)
-        return owned.release();
-    auto answer = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
-    answer->answer = ascii_buildHexString(bytes, true);
-    return answer.release();
 }

@@ -33,9 +33,6 @@ private:
     ProcessResponse* writeBus(std::vector<std::vector<char>>& tokens);
 
     unsigned char byteToken(const std::vector<char>& token) const;
-    ProcessResponse* answerBinary(std::vector<unsigned char>* request, ProcessResponse* result,
-                                  std::vector<unsigned char>& payload);
-    ProcessResponse* answerHex(ProcessResponse* result, const std::vector<unsigned char>& bytes);
 
     static System::Mutex s_singleton_mutex;
 };

@@ -323,20 +323,16 @@ ProcessResponse* mCmd::process(std::vector<unsigned char>* request) {
     if (length != (isTransfer ? kTransferLength : kShortestRequest))
         return genericError(kInvalidLength);
     std::vector<unsigned char> count;
-    std::unique_ptr<ProcessResponse> result;
+    ProcessResponse* result = nullptr;
     if (isTransfer) {
         const auto transfer = operation == Read ? &mCmd::read : &mCmd::write;
-        result.reset((this->*transfer)(handle, bigEndian32(*request, kFirstBlockAt),
-                                       bigEndian32(*request, kBlockCountAt),
-                                       bigEndian32(*request, kOffsetAt), count));
+        result = (this->*transfer)(handle, bigEndian32(*request, kFirstBlockAt),
+                                   bigEndian32(*request, kBlockCountAt),
+                                   bigEndian32(*request, kOffsetAt), count);
     } else {
-        result.reset(operation == Open ? open(handle) : close(handle));
+        result = operation == Open ? open(handle) : close(handle);
     }
-    if (result->code != ProcessResponse::kSuccess)
-        return result.release();
-    auto answer = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kSuccess, "");
-    tavrin_fillDefaultResponse(request, answer.get(), count);
-    return answer.release();
+    return tavrin_answer(request, result, count);
 }
 
 ProcessResponse* mCmd::process(std::vector<std::vector<char>>& tokens) {
@@ -361,11 +357,6 @@ ProcessResponse* mCmd::process(std::vector<std::vector<char>>& tokens) {
     const auto number = [&](std::size_t at) { return static_cast<unsigned>(ascii_getInt(tokens[at])); };
     std::vector<unsigned char> count;
     const auto transfer = isRead ? &mCmd::read : &mCmd::write;
-    std::unique_ptr<ProcessResponse> result(
-        (this->*transfer)(handle, number(4), number(5), number(6), count));
-    if (result->code != ProcessResponse::kSuccess)
-        return result.release();
-    auto answer = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
-    answer->answer = ascii_buildBase64String(count);
-    return answer.release();
+    ProcessResponse* result = (this->*transfer)(handle, number(4), number(5), number(6), count);
+    return ascii_answer(result, ascii_buildBase64String(count));
 }

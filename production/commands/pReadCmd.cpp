@@ -62,12 +62,8 @@ pReadCmd::pReadCmd() : AbstractPCmd('p', "port") {}
 
 ProcessResponse* pReadCmd::process(std::vector<unsigned char>* request) {
     std::vector<unsigned char> data;
-    std::unique_ptr<ProcessResponse> result(runBinary(request, &data));
-    if (result->code != ProcessResponse::kSuccess)
-        return result.release();
-    auto answer = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kSuccess, "");
-    tavrin_fillDefaultResponse(request, answer.get(), data);
-    return answer.release();
+    ProcessResponse* result = runBinary(request, &data);
+    return tavrin_answer(request, result, data);
 }
 
 ProcessResponse* pReadCmd::runBinary(std::vector<unsigned char>* request,
@@ -159,25 +155,17 @@ ProcessResponse* pReadCmd::process(std::vector<std::vector<char>>& tokens) {
         const auto port = static_cast<unsigned char>(ascii_getInt(tokens[2]));
         if (ProcessResponse* refusal = checkRange(port))
             return refusal;
-        return answerHex(readPort(port, &data), data);
+        ProcessResponse* result = readPort(port, &data);
+        return ascii_answer(result, ascii_buildHexString(data, true));
     }
-    if (beginsWith(tokens[1], kAttributesWord))
-        return answerHex(getConfig(&data), data);
+    if (beginsWith(tokens[1], kAttributesWord)) {
+        ProcessResponse* result = getConfig(&data);
+        return ascii_answer(result, ascii_buildHexString(data, true));
+    }
     if (beginsWith(tokens[1], kWriteWord))
         return writePort(tokens);
     return new ProcessResponse(ProcessResponse::kGenericError, kUnknownSubCommand,
                                tokenText(tokens[1]).c_str());
-}
-
-/// Turns a success into the answer with these bytes; a failure stays what it is.
-ProcessResponse* pReadCmd::answerHex(ProcessResponse* result, const std::vector<unsigned char>& data) {
-    const std::unique_ptr<ProcessResponse> owned(result->code == ProcessResponse::kSuccess ? result
-                                                                                           : nullptr);
-    if (!owned)
-        return result;
-    auto answer = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
-    answer->answer = ascii_buildHexString(data, true);
-    return answer.release();
 }
 
 ProcessResponse* pReadCmd::writePort(std::vector<std::vector<char>>& tokens) {

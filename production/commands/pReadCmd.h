@@ -35,7 +35,6 @@ private:
     pReadCmd();
 
     ProcessResponse* runBinary(std::vector<unsigned char>* request, std::vector<unsigned char>* data);
-    ProcessResponse* answerHex(ProcessResponse* result, const std::vector<unsigned char>& data);
 
     static System::Mutex s_singleton_mutex;
 };

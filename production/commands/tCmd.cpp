@@ -231,9 +231,7 @@ ProcessResponse* tCmd::readAscii(std::vector<unsigned char>* data, unsigned char
         return result.release();
     if (withChecksum)
         data->front() = checksum;
-    auto answer = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
-    answer->answer = "hex(" + ascii_buildHexString(*data, false) + ")";
-    return answer.release();
+    return ascii_answer(result.release(), "hex(" + ascii_buildHexString(*data, false) + ")");
 }
 
 ProcessResponse* tCmd::writeAscii(std::vector<std::vector<char>>& tokens,

@@ -159,6 +159,26 @@ void AbstractCmd::tavrin_fillDefaultResponse(const std::vector<unsigned char>* r
                                    payload.data());
 }
 
+ProcessResponse* AbstractCmd::tavrin_answer(const std::vector<unsigned char>* request,
+                                            ProcessResponse* result,
+                                            std::vector<unsigned char>& payload) {
+    std::unique_ptr<ProcessResponse> owned(result);
+    if (owned->code != ProcessResponse::kSuccess)
+        return owned.release();
+    auto answer = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kSuccess, "");
+    tavrin_fillDefaultResponse(request, answer.get(), payload);
+    return answer.release();
+}
+
+ProcessResponse* AbstractCmd::ascii_answer(ProcessResponse* result, std::string text) const {
+    std::unique_ptr<ProcessResponse> owned(result);
+    if (owned->code != ProcessResponse::kSuccess)
+        return owned.release();
+    auto answer = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
+    answer->answer = std::move(text);
+    return answer.release();
+}
+
 ProcessResponseTavrin* AbstractCmd::tavrin_generateGenericError(
     const std::vector<unsigned char>* request, const std::string& text) {
     auto response = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kGenericError, "");

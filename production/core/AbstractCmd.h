@@ -94,6 +94,12 @@ public:
 protected:
     AbstractListener* listener() const { return m_listener; }
 
+    /// The answers to a request that was carried out: a successful `result` becomes one with these bytes
+    /// or this text, any other stays what it is. They take `result` over.
+    ProcessResponse* tavrin_answer(const std::vector<unsigned char>* request, ProcessResponse* result,
+                                   std::vector<unsigned char>& payload);
+    ProcessResponse* ascii_answer(ProcessResponse* result, std::string text) const;
+
 private:
     std::string errorLine(const ProcessResponse& response);
 

@@ -6,15 +6,16 @@
 
 #include "core/StringFormat.h"
 #include "platform/DeviceManager.h"
+#include "platform/I2cRequests.h"
 
 namespace {
 
-constexpr std::uint32_t kSetBusSpeed = 0x80040502;
-constexpr std::uint32_t kSend = 0x80100505;
-constexpr std::uint32_t kReceive = 0xC0100506;
-constexpr std::uint32_t kSendReceive = 0xC0140507;
+using System::I2cRequest::kReceive;
+using System::I2cRequest::kSend;
+using System::I2cRequest::kSendReceive;
+using System::I2cRequest::kSetBusSpeed;
+using System::I2cRequest::kSevenBits;
 
-constexpr std::uint32_t kSevenBits = 2;
 constexpr unsigned kFirstSpeed = 100000;
 
 constexpr char kNotOpen[] = "Trying to get bus speed on an unitialized handler";

@@ -14,7 +14,6 @@ namespace {
 namespace fs = std::filesystem;
 using headunit::bootSector;
 using headunit::UnitError;
-using headunit::UnitPeers;
 using testing::HasSubstr;
 
 constexpr std::uint64_t kSize = 64 * 1024 * 1024;

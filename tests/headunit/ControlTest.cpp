@@ -230,9 +230,9 @@ TEST_F(ControlTest, takesALineInPieces) {
 }
 
 TEST_F(ControlTest, isNotHeldUpByUsersWhoSayNothing) {
-    std::vector<System::Descriptor> mute;
-    for (int i = 0; i < 20; ++i)
-        mute.push_back(connect());
+    std::vector<System::Descriptor> mute(20);
+    for (System::Descriptor& user : mute)
+        user = connect();
     EXPECT_TRUE(ask("state").done) << "once the first of them have been sent away";
 }
 

@@ -192,8 +192,10 @@ TEST_F(I2cManagerTest, takesPacketsOfAllSizes) {
 }
 
 TEST_F(I2cManagerTest, servesManyClientsAtOnce) {
+    constexpr std::size_t kClients = 60;
     std::vector<Bus> clients;
-    for (int i = 0; i < 60; ++i)
+    clients.reserve(kClients);
+    for (std::size_t i = 0; i < kClients; ++i)
         clients.push_back(connect());
     for (const Bus& bus : clients)
         ASSERT_TRUE(bus.send(kReadTemperature));

@@ -9,13 +9,15 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/I2cRequests.h"
+
 namespace System::I2cDriver {
 namespace {
 
-constexpr std::uint32_t kSetBusSpeed = 0x80040502;
-constexpr std::uint32_t kSend = 0x80100505;
-constexpr std::uint32_t kReceive = 0xC0100506;
-constexpr std::uint32_t kSendReceive = 0xC0140507;
+using I2cRequest::kReceive;
+using I2cRequest::kSend;
+using I2cRequest::kSendReceive;
+using I2cRequest::kSetBusSpeed;
 
 constexpr std::size_t kHeaderNumbers = 4;
 constexpr std::size_t kCombinedHeaderNumbers = 5;
