@@ -17,6 +17,7 @@ namespace Measuring {
 namespace {
 
 constexpr int kFailed = 127;
+constexpr int kSignalBase = 128;
 
 void becomeQuiet() {
     const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
@@ -48,10 +49,18 @@ ChildProcess ChildProcess::running(const std::function<void()>& body) {
 }
 
 ChildProcess ChildProcess::program(const std::string& path) {
-    return running([&path] {
+    return command({path});
+}
+
+ChildProcess ChildProcess::command(const std::vector<std::string>& words) {
+    return running([&words] {
+        std::vector<char*> arguments;
+        for (const std::string& word : words)
+            arguments.push_back(const_cast<char*>(word.c_str()));
+        arguments.push_back(nullptr);
         becomeQuiet();
-        ::execl(path.c_str(), path.c_str(), nullptr);
-        throw failure("cannot run " + path);
+        ::execv(arguments.front(), arguments.data());
+        throw failure("cannot run " + words.front());
     });
 }
 
@@ -69,6 +78,15 @@ bool ChildProcess::isAlive() const {
     siginfo_t ended{};
     return ::waitid(P_PID, static_cast<id_t>(m_pid), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
            ended.si_pid == 0;
+}
+
+int ChildProcess::waitForEnd() {
+    int status = 0;
+    while (::waitpid(m_pid, &status, 0) < 0)
+        if (errno != EINTR)
+            throw failure("cannot wait for a process");
+    m_pid = -1;
+    return WIFSIGNALED(status) ? kSignalBase + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 } // namespace Measuring

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace Measuring {
 
@@ -17,6 +18,9 @@ public:
     /// The program, without arguments, its standard streams on /dev/null.
     static ChildProcess program(const std::string& path);
 
+    /// The program `words[0]` with the other words as its arguments, its standard streams on /dev/null.
+    static ChildProcess command(const std::vector<std::string>& words);
+
     ChildProcess(ChildProcess&& other) noexcept;
     ChildProcess& operator=(ChildProcess&&) = delete;
     ~ChildProcess();
@@ -25,6 +29,9 @@ public:
 
     /// Whether it has not ended yet.
     bool isAlive() const;
+
+    /// Waits for its end. The exit status, or 128 plus the signal that ended it.
+    int waitForEnd();
 
 private:
     explicit ChildProcess(pid_t pid) : m_pid(pid) {}

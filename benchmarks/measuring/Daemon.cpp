@@ -40,13 +40,17 @@ ChildProcess startAlone(const std::string& program) {
 
 } // namespace
 
-std::string daemonBesideThisProgram() {
+std::string programBesideThis(const std::string& name) {
     std::array<char, 4096> path{};
     const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
     if (length < 0)
         throw failure("cannot tell where this program is");
     const std::string self(path.data(), static_cast<std::size_t>(length));
-    return self.substr(0, self.rfind('/')) + "/production";
+    return self.substr(0, self.rfind('/') + 1) + name;
+}
+
+std::string daemonBesideThisProgram() {
+    return programBesideThis("production");
 }
 
 Daemon::Daemon(const std::string& program) : m_process(startAlone(program)) {

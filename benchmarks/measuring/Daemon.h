@@ -8,6 +8,9 @@
 
 namespace Measuring {
 
+/// The path of the program of this name that lies beside the one that is running.
+std::string programBesideThis(const std::string& name);
+
 /// The daemon's program, beside the one that is running.
 std::string daemonBesideThisProgram();
 

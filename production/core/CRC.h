@@ -20,7 +20,7 @@ public:
 private:
     static bool buildTable();
 
-    /// Eight tables of 256; the first is the polynomial's own, number k+1 is number k shifted by a byte.
+    /// The tables of CRCDivision, from the first use on.
     static std::uint32_t* crcTab;
 };
 

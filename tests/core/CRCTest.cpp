@@ -11,10 +11,12 @@
 #include <string>
 #include <vector>
 
+#include "core/CRCDivision.h"
 #include "support/FreshProcess.h"
 #include "support/TableMemory.h"
 
 using System::CRC;
+namespace CRCDivision = System::CRCDivision;
 
 namespace {
 
@@ -119,29 +121,6 @@ TEST(CRCTest, FewerBytesAreTooFew) {
     EXPECT_EQ(CRC::calc(nullptr, 0, &crc), 1024u);
 }
 
-TEST(CRCTest, EveryLengthIsDividedInFull) {
-    for (const unsigned int seed : {1u, 2u, 3u}) {
-        const Bytes bytes = randomBytes(64, seed);
-        for (std::size_t length = 4; length <= bytes.size(); ++length)
-            EXPECT_EQ(checksum(bytes.data(), length), plainChecksum(bytes.data(), length)) << length;
-    }
-}
-
-TEST(CRCTest, AnyRangeAtAnyAlignmentIsDividedInFull) {
-    const Bytes bytes = randomBytes(8192, 4);
-    std::mt19937 random(5);
-    std::uniform_int_distribution<std::size_t> anyStart(0, 4095);
-    std::uniform_int_distribution<std::size_t> shortLength(4, 300);
-    std::uniform_int_distribution<std::size_t> longLength(4, 4096);
-    int wrong = 0;
-    for (int range = 0; range < 100000; ++range) {
-        const unsigned char* const start = bytes.data() + anyStart(random);
-        const std::size_t length = range % 100 == 0 ? longLength(random) : shortLength(random);
-        wrong += checksum(start, length) == plainChecksum(start, length) ? 0 : 1;
-    }
-    EXPECT_EQ(wrong, 0);
-}
-
 TEST(CRCTest, EachBitCounts) {
     for (const std::size_t length : {4u, 11u, 12u, 13u, 33u}) {
         Bytes bytes = randomBytes(length, 6);
@@ -152,19 +131,6 @@ TEST(CRCTest, EachBitCounts) {
             EXPECT_NE(checksum(bytes), before) << length << " bytes, bit " << bit;
             bytes[bit / 8] ^= mask;
         }
-    }
-}
-
-TEST(CRCTest, NothingOutsideTheRangeIsRead) {
-    FencedPages pages(2);
-    const Bytes content = randomBytes(static_cast<std::size_t>(pages.end() - pages.begin()), 7);
-    std::memcpy(pages.begin(), content.data(), content.size());
-    for (std::size_t length = 4; length <= 64; ++length) {
-        SCOPED_TRACE(length);
-        EXPECT_EQ(checksum(pages.begin(), length), plainChecksum(content.data(), length));
-        const std::size_t skipped = content.size() - length;
-        EXPECT_EQ(checksum(pages.end() - length, length),
-                  plainChecksum(content.data() + skipped, length));
     }
 }
 
@@ -191,3 +157,97 @@ TEST(CRCTest, TheTableIsBuiltOnce) {
         EXPECT_EQ(checksum(bytesOf("123456789")), 0x74527081u);
     });
 }
+
+namespace {
+
+/// A way to the checksum.
+struct Way {
+    std::string name;
+    std::uint32_t (*calculate)(const unsigned char* data, std::size_t length);
+};
+
+std::uint32_t portableChecksum(const unsigned char* data, std::size_t length) {
+    static const std::vector<std::uint32_t> tables = [] {
+        std::vector<std::uint32_t> filled(CRCDivision::kTables * CRCDivision::kTableEntries);
+        CRCDivision::fillTables(filled.data());
+        return filled;
+    }();
+    return CRCDivision::portable(tables.data(), data, length);
+}
+
+/// All that this program was built with.
+std::vector<Way> ways() {
+    std::vector<Way> all = {{"calc", checksum}, {"portable", portableChecksum}};
+    if (CRCDivision::library != nullptr)
+        all.push_back({"library", CRCDivision::library});
+    return all;
+}
+
+class CRCWaysTest : public testing::TestWithParam<Way> {
+protected:
+    static std::uint32_t calculated(const unsigned char* data, std::size_t length) {
+        return GetParam().calculate(data, length);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, CRCWaysTest, testing::ValuesIn(ways()),
+                         [](const auto& info) { return info.param.name; });
+
+TEST_P(CRCWaysTest, GivesTheKnownValues) {
+    const Bytes digits = bytesOf("123456789");
+    const Bytes zeros(4096, 0);
+    Bytes inOrder(256);
+    std::iota(inOrder.begin(), inOrder.end(), static_cast<unsigned char>(0));
+    EXPECT_EQ(calculated(digits.data(), digits.size()), 0x74527081u);
+    EXPECT_EQ(calculated(zeros.data(), zeros.size()), 0x9120DC06u);
+    EXPECT_EQ(calculated(inOrder.data(), inOrder.size()), 0xB756E3A8u);
+    EXPECT_EQ(calculated(inOrder.data(), 4), 0x00010203u);
+}
+
+TEST_P(CRCWaysTest, EveryLengthAtEveryAlignmentIsDividedInFull) {
+    constexpr std::size_t kAlignments = 64;
+    constexpr std::size_t kLongest = 600;
+    const Bytes bytes = randomBytes(kAlignments + kLongest, 1);
+    int wrong = 0;
+    for (std::size_t start = 0; start < kAlignments; ++start)
+        for (std::size_t length = 4; length <= kLongest; ++length)
+            wrong +=
+                calculated(bytes.data() + start, length) == plainChecksum(bytes.data() + start, length)
+                    ? 0
+                    : 1;
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_P(CRCWaysTest, AMillionRangesAreDividedAsByteByByte) {
+    constexpr int kRanges = 1'000'000;
+    constexpr int kOneLongIn = 2'000;
+    constexpr std::size_t kSize = 65536;
+    const Bytes bytes = randomBytes(kSize, 4);
+    std::mt19937 random(5);
+    std::uniform_int_distribution<std::size_t> anyStart(0, kSize / 2);
+    std::uniform_int_distribution<std::size_t> shortLength(4, 80);
+    std::uniform_int_distribution<std::size_t> longLength(4, kSize / 2);
+    int wrong = 0;
+    for (int range = 0; range < kRanges; ++range) {
+        const unsigned char* const start = bytes.data() + anyStart(random);
+        const std::size_t length = range % kOneLongIn == 0 ? longLength(random) : shortLength(random);
+        wrong += calculated(start, length) == plainChecksum(start, length) ? 0 : 1;
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_P(CRCWaysTest, NothingOutsideTheRangeIsRead) {
+    constexpr std::size_t kLongest = 600;
+    FencedPages pages(2);
+    const Bytes content = randomBytes(static_cast<std::size_t>(pages.end() - pages.begin()), 7);
+    std::memcpy(pages.begin(), content.data(), content.size());
+    for (std::size_t length = 4; length <= kLongest; ++length) {
+        SCOPED_TRACE(length);
+        EXPECT_EQ(calculated(pages.begin(), length), plainChecksum(content.data(), length));
+        const std::size_t skipped = content.size() - length;
+        EXPECT_EQ(calculated(pages.end() - length, length),
+                  plainChecksum(content.data() + skipped, length));
+    }
+}
+
+} // namespace

@@ -1,0 +1,78 @@
+#include "core/CRCDivision.h"
+
+#ifdef PRODUCTION_ISAL
+#include <isa-l/crc.h>
+#endif
+
+namespace System::CRCDivision {
+namespace {
+
+constexpr std::uint32_t kPolynomial = 0x04C11DB7;
+constexpr std::uint32_t kTopBit = 0x80000000;
+// So many bytes at the end are shifted in without being divided, which is the same as adding them.
+constexpr std::size_t kUndivided = 4;
+
+std::uint32_t bigEndianAt(const unsigned char* bytes) {
+    return static_cast<std::uint32_t>(bytes[0]) << 24 | static_cast<std::uint32_t>(bytes[1]) << 16 |
+           static_cast<std::uint32_t>(bytes[2]) << 8 | bytes[3];
+}
+
+std::uint32_t dividedByte(std::uint32_t byte) {
+    std::uint32_t value = byte << 24;
+    for (int bit = 0; bit < 8; ++bit)
+        value = (value & kTopBit) != 0 ? value << 1 ^ kPolynomial : value << 1;
+    return value;
+}
+
+/// The register after further bytes, eight at a time: what each of them contributes is looked up apart,
+/// so that no look-up waits for the one before it.
+std::uint32_t divide(const std::uint32_t* tables, std::uint32_t crc, const unsigned char* data,
+                     std::size_t length) {
+    const auto slice = [tables](std::size_t number, std::uint32_t byte) {
+        return tables[number * kTableEntries + (byte & 0xFF)];
+    };
+    for (; length >= kTables; length -= kTables, data += kTables) {
+        const std::uint32_t high = crc ^ bigEndianAt(data);
+        const std::uint32_t low = bigEndianAt(data + 4);
+        crc = slice(7, high >> 24) ^ slice(6, high >> 16) ^ slice(5, high >> 8) ^ slice(4, high) ^
+              slice(3, low >> 24) ^ slice(2, low >> 16) ^ slice(1, low >> 8) ^ slice(0, low);
+    }
+    for (; length > 0; --length, ++data)
+        crc = crc << 8 ^ slice(0, crc >> 24 ^ *data);
+    return crc;
+}
+
+#ifdef PRODUCTION_ISAL
+
+std::uint32_t byLibrary(const unsigned char* data, std::size_t length) {
+    const std::size_t divided = length - kUndivided;
+    // The library inverts its register at both ends, as the checksum does. It is not asked for nothing.
+    const std::uint32_t remainder = divided == 0 ? 0 : ::crc32_ieee(0, data, std::uint64_t{divided});
+    return remainder ^ bigEndianAt(data + divided);
+}
+
+#endif
+
+} // namespace
+
+void fillTables(std::uint32_t* tables) {
+    for (std::uint32_t byte = 0; byte < kTableEntries; ++byte)
+        tables[byte] = dividedByte(byte);
+    for (std::size_t at = kTableEntries; at < kTables * kTableEntries; ++at) {
+        const std::uint32_t before = tables[at - kTableEntries];
+        tables[at] = before << 8 ^ tables[before >> 24];
+    }
+}
+
+std::uint32_t portable(const std::uint32_t* tables, const unsigned char* data, std::size_t length) {
+    const std::size_t divided = length - kUndivided;
+    return ~divide(tables, ~std::uint32_t{0}, data, divided) ^ bigEndianAt(data + divided);
+}
+
+#ifdef PRODUCTION_ISAL
+std::uint32_t (*const library)(const unsigned char*, std::size_t) = byLibrary;
+#else
+std::uint32_t (*const library)(const unsigned char*, std::size_t) = nullptr;
+#endif
+
+} // namespace System::CRCDivision

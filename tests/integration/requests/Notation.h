@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "requests/Dice.h"
+
+/// How requests and answers write numbers and bytes.
+
+/// Upper-case hexadecimal digits.
+std::string hexDigits(std::string_view bytes);
+
+/// "hex(...)" with upper-case digits, as answers have it.
+std::string hexText(std::string_view bytes);
+
+/// "base64(...)".
+std::string base64Text(std::string_view bytes);
+
+/// Decimal, hexadecimal or octal.
+std::string anyNumber(Dice& dice, std::uint32_t number);
+
+/// A token of a request that stands for these bytes.
+std::string anyData(Dice& dice, std::string_view bytes);
+
+/// Two and four bytes, the most significant first.
+std::string bigEndian16(std::uint32_t number);
+std::string bigEndian32(std::uint32_t number);
+
+char asByte(std::uint32_t number);
