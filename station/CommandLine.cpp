@@ -22,6 +22,20 @@ Arguments:
   bytes as base64: also for text with a double quotation mark or a control character
       station i2c write 0 0x50 "base64(AB8K)"
 
+Scratch buffer, ports, I2C, block devices and audio; asked and answered alike over every link:
+  station memory write 8bit 4 0x100 "hex(01 02 03 04)"
+  station memory read 32bit 1 0x100
+  station memory read 8bitcrc 4 0x100
+  station diag cksum 0 0x100 4
+  station port read 3
+  station port write 3 1
+  station port getattributes
+  station i2c read 0 16 0x50 "hex(00)"
+  station i2c setattributes 0 1 0190
+  station blockdev open 179 0
+  station blockdev read 179 0 0 8 0x1000
+  station audio activate
+
 Where to and how:
   station --target tcp:unit.example:15051 status
   station --target tcp:[::1]:15051 status
@@ -37,13 +51,17 @@ Serial line, 115200 baud, binary frames unless told otherwise:
   station --target serial:/dev/ttyUSB0 raw "hex(03 73 01)"
   station --target serial:/dev/ttyUSB0 --protocol ascii status 03
   STATION_TARGET=serial:/dev/ttyUSB0 STATION_PROTOCOL=ascii station status
-status, status 01, status 02, exec command and ack have a binary form. raw sends any bytes as they are and
-prints the frames that come back until nothing comes for 200 ms after an answer; the last answer's code
-counts. The result of exec and status 01 is printed as text when it is printable, as hex(...) when not; a
-frame holds its first 246 bytes. A unit that opens its port announces itself: "startup status ...". Within
-500 ms of that, a request that comes before the announcement is acknowledged can be lost; --wait-startup
-waits for the announcement first. ack is never answered on this line: it succeeds after 200 ms, in which
-debug texts are still shown.
+Every command has a binary form. status 03 and status 04 have none, nor have numbers too large for their
+field, texts too long for a frame, and other characters than 20 to 7E in the text of exec. An i2c write has
+one when DATA begins with the byte ADDRESS, which a unit sends first there; otherwise
+  station --target serial:/dev/ttyUSB0 i2c read 0 1 0x50 "hex(00 1F)"
+writes DATA, too, and then reads a byte. The result of exec, status 01 and status 02 is printed as text
+when it is printable, as hex(...) when not; a frame holds its first 246 bytes. raw sends any bytes as they
+are and prints the frames that come back until nothing comes for 200 ms after an answer; the last answer's
+code counts. A unit that opens its port announces itself: "startup status ...". Within 500 ms of that, a
+request that comes before the announcement is acknowledged can be lost; --wait-startup waits for the
+announcement first. ack is never answered on this line: it succeeds after 200 ms, in which debug texts are
+still shown.
 
 The answer goes to standard output, Info lines, debug texts and errors to standard error; with --json
 everything is in one object on standard output.

@@ -16,7 +16,8 @@ struct Answer {
     /// The unit's status code: 0 on success, never 0 when it refused.
     std::uint32_t code = 0;
 
-    /// The result as the bytes that travelled, over a binary link only; empty when the unit refused.
+    /// The result as the bytes that travelled, over a binary link only. A refusal mostly has none; that
+    /// of a wrong checksum has the right one.
     std::optional<std::string> payload = std::nullopt;
 
     bool isRefusal() const { return code != 0; }

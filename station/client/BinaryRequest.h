@@ -6,21 +6,17 @@
 
 #include "client/Answer.h"
 #include "client/UnitFrame.h"
+#include "client/forms/BinaryForm.h"
 
 namespace station {
 
 /// One command as it travels over a binary link, and what its answer looks like. Immutable: any thread.
 class BinaryRequest {
 public:
-    /// The frame for a command by its name, with the arguments of its ASCII form:
-    ///
-    ///     status [01|02]                         02 73, 03 73 01, 03 73 02
-    ///     exec command SECONDS TEXT              length 63 01 SECONDS (two bytes) TEXT
-    ///     ack                                    02 06
-    ///
-    /// Throws `Failure` (`InvalidRequest`), saying what to do instead, for what has no binary form:
-    /// other names and arguments, SECONDS outside 0..65535, a TEXT of no or more than 250 characters or
-    /// with one outside 20..7E. TEXT may be `hex(...)` or `base64(...)`.
+    /// The frame for a command by its name, with the arguments of its ASCII form; the answer reads the
+    /// same in both forms, but for the files of `status` and the output of `exec`, which are shown as
+    /// text. See `binaryForm` for what has a binary form. Throws `Failure` (`InvalidRequest`), saying
+    /// what to do instead, for what has none.
     static BinaryRequest encode(std::string_view name, const std::vector<std::string>& arguments);
 
     /// The given bytes as they are: nothing is checked, also not the length byte. The argument is
@@ -41,20 +37,18 @@ public:
     /// True when an answer frame is one to this request, a refusal included.
     bool isAnsweredBy(const UnitFrame& frame) const;
 
-    /// What such a frame says. The text is the status in words, other payload as text when it is
-    /// printable and as hex(...) when not, "Error 0x..." for a refusal, and empty for raw bytes.
+    /// What such a frame says; the text is "Error 0x..." for a refusal, and empty for raw bytes. Throws
+    /// `Failure` (`MalformedAnswer`) for a success with a payload that this request cannot have.
     Answer answer(const UnitFrame& frame) const;
 
 private:
-    enum class Kind { Status, Text, Ack, Raw };
+    enum class Kind { Status, Command, Raw };
 
-    BinaryRequest(Kind kind, std::string bytes);
-    static BinaryRequest encodeStatus(const std::vector<std::string>& arguments);
-    static BinaryRequest encodeExec(const std::vector<std::string>& arguments);
-    static BinaryRequest encodeAck(const std::vector<std::string>& arguments);
+    BinaryRequest(Kind kind, std::string bytes, AnswerText text);
 
     Kind m_kind;
     std::string m_bytes;
+    AnswerText m_text;
 };
 
 } // namespace station

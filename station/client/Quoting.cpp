@@ -131,7 +131,11 @@ std::string decodeBase64(std::string_view argument) {
 } // namespace
 
 bool isEncodedArgument(std::string_view argument) {
-    return beginsWith(argument, kHexOpening) || beginsWith(argument, kBase64Opening);
+    return beginsWith(argument, kHexOpening) || isBase64Argument(argument);
+}
+
+bool isBase64Argument(std::string_view argument) {
+    return beginsWith(argument, kBase64Opening);
 }
 
 std::string argumentBytes(std::string_view argument) {

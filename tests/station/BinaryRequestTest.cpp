@@ -71,9 +71,14 @@ TEST_P(BinaryRequestRefuses, WhatHasNoBinaryForm) {
 
 INSTANTIATE_TEST_SUITE_P(
     Arguments, BinaryRequestRefuses,
-    Values(Refused{"i2c", {"read"}, "'i2c' has no binary form here"},
-           Refused{
-               "i2c", {}, "send its frame with raw \"hex(...)\", or use the ASCII form: --target tcp"},
+    Values(Refused{"graph",
+                   {},
+                   "'graph' has no binary form here (there is one for ack, audio, blockdev, "
+                   "diag, exec, i2c, memory, port, status)"},
+           Refused{"graph",
+                   {"x"},
+                   "send its frame with raw \"hex(...)\", or use the ASCII form: --target tcp"},
+           Refused{"Memory", {"read", "8bit", "1", "0"}, "'Memory' has no binary form"},
            Refused{"", {}, "'' has no binary form"},
            Refused{"Status", {}, "'Status' has no binary form"},
            Refused{"status", {"03"}, "status 03 has no binary form"},

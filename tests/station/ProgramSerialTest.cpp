@@ -73,6 +73,38 @@ TEST(ProgramSerial, TellsARefusalAndTheDebugTexts) {
     EXPECT_EQ(outcome.errors, "Info \"two\nlines\"\nInfo \"b\"\nstation: refused: Error 0x1010000\n");
 }
 
+TEST(ProgramSerial, PrintsTheBytesOfAReadAsTheAsciiFormDoes) {
+    const Outcome outcome = exchange(std::string("\x08t\0\x02\0\0\x01\0", 8),
+                                     unitFrame(std::string("t\0\x02\0\0\0\0", 7) + "\x01\xFF"),
+                                     {"--json", "memory", "read", "8bit", "2", "0x100"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    const json object = json::parse(outcome.output);
+    EXPECT_EQ(object["answer"], "hex(01FF)");
+    EXPECT_EQ(object["payload"], "01FF");
+}
+
+TEST(ProgramSerial, TellsAPayloadThatCannotBe) {
+    const Outcome outcome = exchange(std::string("\x08t\0\x02\0\0\x01\0", 8),
+                                     unitFrame(std::string("t\0\x02\0\0\0\0", 7) + "\x01"),
+                                     {"memory", "read", "8bit", "2", "0x100"});
+    EXPECT_EQ(outcome.exitCode, 6);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors,
+              "station: malformed answer: expected a payload of 2 bytes, and not 1: hex(01)\n");
+}
+
+TEST(ProgramSerial, TellsAWrongChecksum) {
+    const Outcome outcome =
+        exchange(std::string("\x0Dt\x07\x02\0\0\x01\0\0\0\x09\x01\x02", 13),
+                 unitFrame(std::string("t\x07\x02\x08\0\x04\0\0\0\x03", 10)),
+                 {"--json", "memory", "write", "8bitcrc", "2", "0x100", "hex(01 02)", "9"});
+    EXPECT_EQ(outcome.exitCode, 5);
+    const json object = json::parse(outcome.output);
+    EXPECT_EQ(object["answer"], "Error 0x8000400");
+    EXPECT_EQ(object["code"], 0x08000400);
+    EXPECT_EQ(object["payload"], "000003");
+}
+
 TEST(ProgramSerial, SendsAckWithoutAnAnswer) {
     const FakeLine line;
     const Outcome outcome = runOn(line, {"ack"});
@@ -287,7 +319,9 @@ INSTANTIATE_TEST_SUITE_P(
                     Misuse{{"status", "03"}, "status 03 has no binary form"},
                     Misuse{{"exec", "command", "5", std::string(251, 'a')}, "the text has 251 bytes"},
                     Misuse{{"exec", "command", "-1", "ls"}, "0 to 65535 seconds"},
-                    Misuse{{"i2c", "read"}, "'i2c' has no binary form here"},
+                    Misuse{{"foo", "read"}, "'foo' has no binary form here"},
+                    Misuse{{"i2c", "write", "0", "0x50", "hex(00)"}, "DATA has to begin with 50"},
+                    Misuse{{"memory", "read", "8bit", "256", "0"}, "COUNT has to be a number"},
                     Misuse{{"raw"}, "raw takes the bytes of one frame"},
                     Misuse{{"raw", "0273"}, "raw takes the bytes of one frame"},
                     Misuse{{"--protocol", "ascii", "raw", "hex(02 73)"},
@@ -328,7 +362,8 @@ TEST(ProgramSerial, HelpsWithAnExampleForEachForm) {
           "station --target serial:/dev/ttyUSB0 --wait-startup status",
           "station --target serial:/dev/ttyUSB0 raw \"hex(03 73 01)\"",
           "station --target serial:/dev/ttyUSB0 --protocol ascii status 03",
-          "STATION_TARGET=serial:/dev/ttyUSB0 STATION_PROTOCOL=ascii station status", "200 ms"})
+          "STATION_TARGET=serial:/dev/ttyUSB0 STATION_PROTOCOL=ascii station status", "200 ms",
+          "Every command has a binary form. status 03 and status 04 have none"})
         EXPECT_THAT(outcome.output, HasSubstr(part));
 }
 

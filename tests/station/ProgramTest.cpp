@@ -312,6 +312,9 @@ TEST(Program, HelpsWithAnExampleForEachForm) {
           "station exec command -1 \"ls -l /dev\"", "\"hex(00 1F)\"", "\"base64(AB8K)\"",
           "station --target tcp:unit.example:15051 status", "station --target tcp:[::1]:15051 status",
           "station --timeout 2.5 status", "station --json status",
+          "station memory write 8bit 4 0x100 \"hex(01 02 03 04)\"", "station diag cksum 0 0x100 4",
+          "station port read 3", "station i2c read 0 16 0x50 \"hex(00)\"", "station blockdev open 179 0",
+          "station audio activate",
           "STATION_TARGET=tcp:127.0.0.1:15052 STATION_TIMEOUT=5 station status"})
         EXPECT_THAT(outcome.output, HasSubstr(part));
 }

@@ -1,0 +1,16 @@
+#include "client/RequestFrame.h"
+#include "client/forms/AnswerTexts.h"
+#include "client/forms/Forms.h"
+#include "client/forms/Refusal.h"
+
+namespace station {
+
+// ack      02 06, never answered
+
+BinaryForm ackForm(const std::vector<std::string>& arguments) {
+    if (!arguments.empty())
+        refuseForm("ack takes no arguments in the binary form");
+    return {requestFrame(kAckId, {}), printedText()};
+}
+
+} // namespace station

@@ -1,0 +1,85 @@
+#include "FormTables.h"
+
+#include <ostream>
+
+#include "FailureKind.h"
+#include "FakeLine.h"
+#include "client/BinaryRequest.h"
+#include "client/Hex.h"
+#include "client/Quoting.h"
+
+namespace station {
+
+namespace {
+
+BinaryRequest encode(const FormCommand& command) {
+    return BinaryRequest::encode(command.name, command.arguments);
+}
+
+/// The frame with which a unit answers the request.
+UnitFrame answerTo(const BinaryRequest& request, const std::string& payload) {
+    const std::string kOk(4, '\0');
+    const std::string bytes = payload.empty() ? "" : argumentBytes("hex(" + payload + ")");
+    return UnitFrame(unitFrame(request.bytes().substr(1, 3) + kOk + bytes));
+}
+
+void print(const FormCommand& command, std::ostream* out) {
+    *out << command.name;
+    for (const std::string& argument : command.arguments)
+        *out << ' ' << argument;
+}
+
+} // namespace
+
+void PrintTo(const SentForm& row, std::ostream* out) {
+    print(row.command, out);
+}
+void PrintTo(const RefusedForm& row, std::ostream* out) {
+    print(row.command, out);
+}
+void PrintTo(const ShownForm& row, std::ostream* out) {
+    print(row.command, out);
+}
+void PrintTo(const MalformedForm& row, std::ostream* out) {
+    print(row.command, out);
+    *out << " <- " << row.payload;
+}
+
+std::string repeated(const std::string& digits, std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i)
+        text += (i == 0 ? "" : " ") + digits;
+    return text;
+}
+
+TEST_P(FormIsSent, As) {
+    const BinaryRequest request = encode(GetParam().command);
+    EXPECT_EQ(hexArgument(request.bytes()), "hex(" + GetParam().frame + ")");
+    EXPECT_TRUE(request.isAnswered());
+    EXPECT_FALSE(request.isRaw());
+    EXPECT_FALSE(request.asksForStatus());
+}
+
+TEST_P(FormIsRefused, AndSaidWhatToDo) {
+    EXPECT_THAT(failureOf([] { encode(GetParam().command); }),
+                FailsWith(Failure::Kind::InvalidRequest, GetParam().message));
+}
+
+TEST_P(FormIsShown, As) {
+    const BinaryRequest request = encode(GetParam().command);
+    const UnitFrame frame = answerTo(request, GetParam().payload);
+    EXPECT_TRUE(request.isAnsweredBy(frame));
+    const Answer answer = request.answer(frame);
+    EXPECT_EQ(answer.text, GetParam().text);
+    EXPECT_EQ(answer.code, 0U);
+    EXPECT_EQ(answer.payload, frame.payload());
+}
+
+TEST_P(FormIsMalformed, AndTold) {
+    const BinaryRequest request = encode(GetParam().command);
+    const UnitFrame frame = answerTo(request, GetParam().payload);
+    EXPECT_THAT(failureOf([&] { request.answer(frame); }),
+                FailsWith(Failure::Kind::MalformedAnswer, GetParam().message));
+}
+
+} // namespace station
