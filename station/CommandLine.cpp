@@ -4,6 +4,8 @@
 #include <iostream>
 #include <memory>
 
+#include "transfer/OrderLine.h"
+
 namespace station {
 
 namespace {
@@ -75,7 +77,8 @@ public:
     // The command's name and arguments are no options of the parser, which would leave them out.
     std::string make_usage(const CLI::App*, std::string) const override {
         return "Usage: station [--target TARGET] [--protocol binary|ascii] [--timeout SECONDS]\n"
-               "               [--wait-startup] [--json] NAME [ARG...]\n";
+               "               [--wait-startup] [--json] [--progress auto|bar|plain|none]\n"
+               "               NAME [ARG...]\n";
     }
 };
 
@@ -89,7 +92,7 @@ ExitCode refuseUsage(const std::string& message) {
 std::optional<ExitCode> CommandLine::parse(int argc, const char* const* argv) {
     CLI::App app(kDescription, "station");
     app.formatter(std::make_shared<HelpFormatter>());
-    app.footer(kFooter);
+    app.footer(std::string(kFooter) + '\n' + kTransferHelp);
     app.set_version_flag("--version", "station " STATION_VERSION);
     app.add_option("--target", target, "Where the unit is reached")
         ->type_name("tcp:HOST:PORT|serial:PATH")
@@ -106,6 +109,9 @@ std::optional<ExitCode> CommandLine::parse(int argc, const char* const* argv) {
     app.add_flag("--wait-startup", waitStartup, "Wait for the unit to announce itself first (binary)");
     app.add_flag("--json", json,
                  "Print one JSON object: name, answer, info, code, milliseconds; binary: payload");
+    app.add_option("--progress", progress, "How a transfer of a whole file is shown")
+        ->type_name("auto|bar|plain|none")
+        ->capture_default_str();
     app.prefix_command();
 
     try {

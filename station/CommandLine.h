@@ -16,6 +16,7 @@ struct CommandLine {
     std::string timeout = "30";
     bool waitStartup = false;
     bool json = false;
+    std::string progress = "auto"; ///< how a transfer is shown
     std::string name;
     std::vector<std::string> arguments;
 

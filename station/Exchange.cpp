@@ -8,6 +8,7 @@
 #include "client/Hex.h"
 #include "client/SerialLink.h"
 #include "client/TcpLink.h"
+#include "transfer/LinkSession.h"
 
 namespace station {
 
@@ -78,6 +79,34 @@ Answer exchangeAscii(const CommandLine& line, const SerialTarget& target, Report
     return client.execute(request, deadline, infoSink(report));
 }
 
+std::unique_ptr<Session> openBinary(const CommandLine& line, const SerialTarget& target,
+                                    const Interruption& interruption, const Session::InfoSink& onInfo) {
+    const Seconds timeout = parseTimeout(line.timeout);
+    auto link = std::make_unique<SerialLink>(SerialLink::open(target));
+    auto session = std::make_unique<BinarySession>(std::move(link), timeout, interruption);
+    if (line.waitStartup)
+        session->waitForStartup(onInfo);
+    return session;
+}
+
+std::unique_ptr<Session> openAscii(const CommandLine& line, const TcpTarget& target,
+                                   const Interruption& interruption, const Session::InfoSink&) {
+    const Seconds timeout = parseTimeout(line.timeout);
+    auto link = std::make_unique<TcpLink>(TcpLink::connect(target, Deadline::after(timeout)));
+    return std::make_unique<AsciiSession>(std::move(link), timeout, interruption,
+                                          Client::EmptyAnswer::Sent);
+}
+
+std::unique_ptr<Session> openAscii(const CommandLine& line, const SerialTarget& target,
+                                   const Interruption& interruption, const Session::InfoSink& onInfo) {
+    const Seconds timeout = parseTimeout(line.timeout);
+    auto link = std::make_unique<SerialLink>(SerialLink::open(target));
+    auto session = std::make_unique<AsciiSession>(std::move(link), timeout, interruption,
+                                                  Client::EmptyAnswer::NotSent);
+    session->takeArrived(onInfo);
+    return session;
+}
+
 } // namespace
 
 Answer exchange(const CommandLine& line, Report& report) {
@@ -86,6 +115,16 @@ Answer exchange(const CommandLine& line, Report& report) {
         return exchangeBinary(line, std::get<SerialTarget>(target), report);
     checkNeedsNoBinary(line);
     return std::visit([&](const auto& place) { return exchangeAscii(line, place, report); }, target);
+}
+
+std::unique_ptr<Session> openSession(const CommandLine& line, const Interruption& interruption,
+                                     const Session::InfoSink& onInfo) {
+    const Target target = parseTarget(line.target);
+    if (isBinary(line, target))
+        return openBinary(line, std::get<SerialTarget>(target), interruption, onInfo);
+    checkNeedsNoBinary(line);
+    return std::visit([&](const auto& place) { return openAscii(line, place, interruption, onInfo); },
+                      target);
 }
 
 } // namespace station

@@ -1,6 +1,8 @@
 #include "Report.h"
 
+#include <array>
 #include <cmath>
+#include <cstdio>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -73,7 +75,77 @@ private:
     std::string m_frames;
 };
 
+std::string checksumText(std::uint32_t checksum) {
+    std::array<char, sizeof "0xFFFFFFFF"> text = {};
+    std::snprintf(text.data(), text.size(), "0x%08X", checksum);
+    return text.data();
+}
+
+class TextTransferReport : public TransferReport {
+public:
+    void info(const std::string& message) override {
+        std::cerr << "Info \"" << message << "\"" << std::endl;
+    }
+
+    void note(const std::string& note) override { std::cerr << "station: " << note << std::endl; }
+
+    void done(const Figures& figures, double seconds) override {
+        std::array<char, 64> time = {};
+        std::snprintf(time.data(), time.size(), "%.3f", seconds);
+        std::cout << figures.done << " bytes in " << time.data() << " s, " << figures.retries
+                  << " retries";
+        if (figures.checksum)
+            std::cout << ", checksum " << checksumText(*figures.checksum);
+        std::cout << '\n';
+    }
+
+    void failed(const std::string& message, const Figures&, double) override { note(message); }
+};
+
+class JsonTransferReport : public TransferReport {
+public:
+    explicit JsonTransferReport(const Order& order) {
+        m_object = {{"name", order.name},
+                    {"file", order.file},
+                    {"bytes", 0},
+                    {"seconds", nullptr},
+                    {"retries", 0},
+                    {"checksum", nullptr},
+                    {"info", nlohmann::ordered_json::array()}};
+    }
+
+    void info(const std::string& message) override { m_object["info"].push_back(message); }
+    void note(const std::string& note) override { m_object["info"].push_back("station: " + note); }
+
+    void done(const Figures& figures, double seconds) override { print(figures, seconds); }
+
+    void failed(const std::string& message, const Figures& figures, double seconds) override {
+        m_object["error"] = message;
+        print(figures, seconds);
+    }
+
+private:
+    void print(const Figures& figures, double seconds) {
+        m_object["bytes"] = figures.done;
+        m_object["seconds"] = std::round(seconds * 1000) / 1000;
+        m_object["retries"] = figures.retries;
+        if (figures.checksum)
+            m_object["checksum"] = checksumText(*figures.checksum);
+        std::cout << m_object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    }
+
+    nlohmann::ordered_json m_object;
+};
+
 } // namespace
+
+std::unique_ptr<TransferReport> makeTextTransferReport() {
+    return std::make_unique<TextTransferReport>();
+}
+
+std::unique_ptr<TransferReport> makeJsonTransferReport(const Order& order) {
+    return std::make_unique<JsonTransferReport>(order);
+}
 
 std::unique_ptr<Report> makeTextReport() {
     return std::make_unique<TextReport>();

@@ -306,16 +306,26 @@ TEST(Program, HelpsWithAnExampleForEachForm) {
     const Outcome outcome = runStation({{"--help"}});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
-    for (const char* part :
-         {"station [--target TARGET] [--protocol binary|ascii] [--timeout SECONDS]",
-          "[--wait-startup] [--json] NAME [ARG...]", "station status 03",
-          "station exec command -1 \"ls -l /dev\"", "\"hex(00 1F)\"", "\"base64(AB8K)\"",
-          "station --target tcp:unit.example:15051 status", "station --target tcp:[::1]:15051 status",
-          "station --timeout 2.5 status", "station --json status",
-          "station memory write 8bit 4 0x100 \"hex(01 02 03 04)\"", "station diag cksum 0 0x100 4",
-          "station port read 3", "station i2c read 0 16 0x50 \"hex(00)\"", "station blockdev open 179 0",
-          "station audio activate",
-          "STATION_TARGET=tcp:127.0.0.1:15052 STATION_TIMEOUT=5 station status"})
+    for (const char* part : {"station [--target TARGET] [--protocol binary|ascii] [--timeout SECONDS]",
+                             "[--wait-startup] [--json] [--progress auto|bar|plain|none]",
+                             "NAME [ARG...]",
+                             "station status 03",
+                             "station memory upload FILE --at 0x1000",
+                             "station blockdev flash sd 1 FILE --at 16",
+                             "station exec command -1 \"ls -l /dev\"",
+                             "\"hex(00 1F)\"",
+                             "\"base64(AB8K)\"",
+                             "station --target tcp:unit.example:15051 status",
+                             "station --target tcp:[::1]:15051 status",
+                             "station --timeout 2.5 status",
+                             "station --json status",
+                             "station memory write 8bit 4 0x100 \"hex(01 02 03 04)\"",
+                             "station diag cksum 0 0x100 4",
+                             "station port read 3",
+                             "station i2c read 0 16 0x50 \"hex(00)\"",
+                             "station blockdev open 179 0",
+                             "station audio activate",
+                             "STATION_TARGET=tcp:127.0.0.1:15052 STATION_TIMEOUT=5 station status"})
         EXPECT_THAT(outcome.output, HasSubstr(part));
 }
 

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <signal.h>
+
+#include <atomic>
+#include <stdexcept>
+#include <string>
+
+namespace station {
+
+/// Whether somebody wants the transfer to end. Any thread, and signal handlers.
+class Interruption {
+public:
+    /// The number of the first signal that asked for it; 0 for none.
+    int signal() const { return m_signal.load(); }
+    void raise(int signal);
+
+private:
+    std::atomic<int> m_signal{0};
+    static_assert(std::atomic<int>::is_always_lock_free, "a signal handler sets it");
+};
+
+/// Turns SIGINT and SIGTERM into an interruption while the object lives; one at a time. A signal that
+/// was ignored stays so.
+class SignalWatch {
+public:
+    explicit SignalWatch(Interruption& interruption);
+    ~SignalWatch();
+    SignalWatch(const SignalWatch&) = delete;
+    SignalWatch& operator=(const SignalWatch&) = delete;
+
+private:
+    struct sigaction m_interrupt {};
+    struct sigaction m_terminate {};
+};
+
+/// Ends a transfer that was interrupted.
+class Interrupted : public std::runtime_error {
+public:
+    explicit Interrupted(int signal);
+
+    int signal() const { return m_signal; }
+
+private:
+    int m_signal;
+};
+
+} // namespace station

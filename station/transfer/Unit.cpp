@@ -1,0 +1,169 @@
+#include "transfer/Unit.h"
+
+#include <numeric>
+#include <utility>
+
+#include "client/Failure.h"
+#include "client/Quoting.h"
+#include "platform/Base64.h"
+
+namespace station {
+
+namespace {
+
+constexpr char kMemory[] = "memory";
+constexpr char kBlockDevice[] = "blockdev";
+constexpr char kDiagnostics[] = "diag";
+constexpr char kChecked[] = "8bitcrc";
+constexpr char kLinearMemory[] = "0";
+constexpr std::string_view kChecksumOpening = "cksum ";
+constexpr std::size_t kNumberBytes = 4;
+
+// How the unit says that written bytes do not have their sum: with a code of its own over a binary link,
+// with a message in an ASCII line.
+constexpr std::uint32_t kDamagedCode = 0x08000400;
+constexpr std::string_view kDamagedMessage = "Invalid checksum in write request";
+
+[[noreturn]] void failMalformed(const std::string& expected, const std::string& text) {
+    throw Failure(Failure::Kind::MalformedAnswer,
+                  "malformed answer: expected " + expected + ": " + text);
+}
+
+std::uint8_t sumOf(std::string_view bytes) {
+    const unsigned total = std::accumulate(bytes.begin(), bytes.end(), 0U, [](unsigned sum, char byte) {
+        return sum + static_cast<unsigned char>(byte);
+    });
+    return static_cast<std::uint8_t>(total);
+}
+
+std::string base64Argument(std::string_view bytes) {
+    return "base64(" +
+           System::encodeBase64(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()) +
+           ")";
+}
+
+/// Exactly so many bytes, from an answer that is hex(...) or base64(...).
+std::string bytesOf(const std::string& text, std::string_view encoded, std::size_t count,
+                    const std::string& expected) try {
+    std::string bytes = isEncodedArgument(encoded) ? argumentBytes(encoded) : std::string();
+    if (bytes.size() != count)
+        failMalformed(expected, text);
+    return bytes;
+} catch (const Failure&) {
+    failMalformed(expected, text);
+}
+
+std::uint32_t numberOf(const std::string& text, std::string_view encoded, const std::string& expected) {
+    std::uint32_t number = 0;
+    for (const char byte : bytesOf(text, encoded, kNumberBytes, expected))
+        number = number << 8 | static_cast<unsigned char>(byte);
+    return number;
+}
+
+std::string joined(const std::vector<std::string>& messages) {
+    std::string text;
+    for (const std::string& message : messages)
+        text += (text.empty() ? "" : "; ") + message;
+    return text;
+}
+
+} // namespace
+
+Refused::Refused(std::uint32_t code, std::string message)
+    : std::runtime_error("refused: " + refusalText(code) + (message.empty() ? "" : ": " + message)),
+      m_code(code),
+      m_message(std::move(message)) {}
+
+void Unit::stopIfInterrupted() const {
+    if (const int signal = m_interruption.signal(); signal != 0)
+        throw Interrupted(signal);
+}
+
+Answer Unit::execute(const std::string& name, const Arguments& arguments) {
+    std::vector<std::string> messages;
+    const auto keep = [&](const std::string& message) { messages.push_back(message); };
+    Answer answer;
+    try {
+        answer = m_session.execute(name, arguments, keep);
+    } catch (...) {
+        for (const std::string& message : messages)
+            m_onInfo(message);
+        throw;
+    }
+    if (answer.isRefusal())
+        throw Refused(answer.code, joined(messages));
+    for (const std::string& message : messages)
+        m_onInfo(message);
+    return answer;
+}
+
+bool Unit::writeMemory(std::uint64_t offset, std::string_view bytes) try {
+    stopIfInterrupted();
+    // One of them is long enough to be worth not being copied.
+    Arguments arguments = {"write", kChecked, std::to_string(bytes.size()), std::to_string(offset)};
+    arguments.push_back(base64Argument(bytes));
+    arguments.push_back(std::to_string(sumOf(bytes)));
+    execute(kMemory, arguments);
+    return true;
+} catch (const Refused& refusal) {
+    const bool isDamaged =
+        refusal.code() == kDamagedCode || refusal.message().find(kDamagedMessage) != std::string::npos;
+    if (!isDamaged)
+        throw;
+    return false;
+}
+
+std::optional<std::string> Unit::readMemory(std::uint64_t offset, std::size_t count) {
+    stopIfInterrupted();
+    const Answer answer =
+        execute(kMemory, {"read", kChecked, std::to_string(count), std::to_string(offset)});
+    std::string bytes = bytesOf(answer.text, answer.text, count + 1,
+                                "hex(...) with " + std::to_string(count) + " bytes and their sum");
+    const auto sum = static_cast<unsigned char>(bytes.front());
+    bytes.erase(0, 1);
+    if (sumOf(bytes) != sum)
+        return std::nullopt;
+    return bytes;
+}
+
+std::uint32_t Unit::checksum(std::uint64_t offset, std::uint64_t length) {
+    stopIfInterrupted();
+    const Answer answer =
+        execute(kDiagnostics, {"cksum", kLinearMemory, std::to_string(offset), std::to_string(length)});
+    const std::string expected = "cksum base64(...) with 4 bytes";
+    const std::string_view text = answer.text;
+    if (text.substr(0, kChecksumOpening.size()) != kChecksumOpening)
+        failMalformed(expected, answer.text);
+    return numberOf(answer.text, text.substr(kChecksumOpening.size()), expected);
+}
+
+void Unit::openDevice(const DeviceId& device) {
+    stopIfInterrupted();
+    execute(kBlockDevice, {"open", std::to_string(device.type), std::to_string(device.id)});
+}
+
+void Unit::closeDevice(const DeviceId& device) {
+    execute(kBlockDevice, {"close", std::to_string(device.type), std::to_string(device.id)});
+}
+
+std::uint64_t Unit::readBlocks(const DeviceId& device, std::uint64_t first, std::uint64_t count,
+                               std::uint64_t offset) {
+    return moveBlocks("read", device,
+                      {std::to_string(first), std::to_string(count), std::to_string(offset)});
+}
+
+std::uint64_t Unit::writeBlocks(const DeviceId& device, std::uint64_t first, std::uint64_t count,
+                                std::uint64_t offset) {
+    return moveBlocks("write", device,
+                      {std::to_string(first), std::to_string(count), std::to_string(offset)});
+}
+
+std::uint64_t Unit::moveBlocks(const char* operation, const DeviceId& device, const Arguments& rest) {
+    stopIfInterrupted();
+    Arguments arguments = {operation, std::to_string(device.type), std::to_string(device.id)};
+    arguments.insert(arguments.end(), rest.begin(), rest.end());
+    const Answer answer = execute(kBlockDevice, arguments);
+    return numberOf(answer.text, answer.text, "base64(...) with a count in 4 bytes");
+}
+
+} // namespace station

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "transfer/Interruption.h"
+#include "transfer/Session.h"
+
+namespace station {
+
+/// The unit's scratch buffer, in bytes. Its last byte is out of reach.
+constexpr std::uint64_t kBufferSize = std::uint64_t{128} * 1024 * 1024;
+
+/// The most that one memory request moves, in bytes.
+constexpr std::size_t kMostRequestBytes = 244;
+
+/// One of the unit's block devices.
+struct DeviceId {
+    unsigned type = 0; ///< 177 to 180
+    unsigned id = 0;
+};
+
+/// A command that the unit did not carry out; `what()` holds its message as well.
+class Refused : public std::runtime_error {
+public:
+    Refused(std::uint32_t code, std::string message);
+
+    std::uint32_t code() const { return m_code; }
+    /// What the unit said ahead of the answer; may be empty.
+    const std::string& message() const { return m_message; }
+
+private:
+    std::uint32_t m_code;
+    std::string m_message;
+};
+
+/// The unit's commands that a transfer consists of, each one request. Every call blocks until the answer
+/// and throws `Failure`, `Refused`, or `Interrupted` when an interruption came before the request or is
+/// not answered in time; only `closeDevice` is carried out in spite of one. Offsets are bytes in the
+/// scratch buffer. One thread at a time; the session must outlive the object.
+class Unit {
+public:
+    Unit(Session& session, const Interruption& interruption, Session::InfoSink onInfo)
+        : m_session(session), m_interruption(interruption), m_onInfo(std::move(onInfo)) {}
+
+    /// At most `kMostRequestBytes`. False when the unit says that they arrived damaged.
+    bool writeMemory(std::uint64_t offset, std::string_view bytes);
+
+    /// At most `kMostRequestBytes`. Nothing when they arrived damaged.
+    std::optional<std::string> readMemory(std::uint64_t offset, std::size_t count);
+
+    /// Of at least `Checksum::kFewestBytes`.
+    std::uint32_t checksum(std::uint64_t offset, std::uint64_t length);
+
+    void openDevice(const DeviceId& device);
+    void closeDevice(const DeviceId& device);
+
+    /// Between a device and the buffer. Return the number of bytes moved, which may be fewer than
+    /// wanted.
+    std::uint64_t readBlocks(const DeviceId& device, std::uint64_t first, std::uint64_t count,
+                             std::uint64_t offset);
+    std::uint64_t writeBlocks(const DeviceId& device, std::uint64_t first, std::uint64_t count,
+                              std::uint64_t offset);
+
+private:
+    using Arguments = std::vector<std::string>;
+
+    void stopIfInterrupted() const;
+    Answer execute(const std::string& name, const Arguments& arguments);
+    std::uint64_t moveBlocks(const char* operation, const DeviceId& device, const Arguments& rest);
+
+    Session& m_session;
+    const Interruption& m_interruption;
+    Session::InfoSink m_onInfo;
+};
+
+} // namespace station
