@@ -55,6 +55,7 @@ ChildProcess ChildProcess::program(const std::string& path) {
 ChildProcess ChildProcess::command(const std::vector<std::string>& words) {
     return running([&words] {
         std::vector<char*> arguments;
+        arguments.reserve(words.size() + 1);
         for (const std::string& word : words)
             arguments.push_back(const_cast<char*>(word.c_str()));
         arguments.push_back(nullptr);

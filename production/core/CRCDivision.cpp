@@ -11,6 +11,8 @@ constexpr std::uint32_t kPolynomial = 0x04C11DB7;
 constexpr std::uint32_t kTopBit = 0x80000000;
 // So many bytes at the end are shifted in without being divided, which is the same as adding them.
 constexpr std::size_t kUndivided = 4;
+// Of the bytes that are divided in one step.
+constexpr std::size_t kHalf = kTables / 2;
 
 std::uint32_t bigEndianAt(const unsigned char* bytes) {
     return static_cast<std::uint32_t>(bytes[0]) << 24 | static_cast<std::uint32_t>(bytes[1]) << 16 |
@@ -31,11 +33,24 @@ std::uint32_t divide(const std::uint32_t* tables, std::uint32_t crc, const unsig
     const auto slice = [tables](std::size_t number, std::uint32_t byte) {
         return tables[number * kTableEntries + (byte & 0xFF)];
     };
-    for (; length >= kTables; length -= kTables, data += kTables) {
-        const std::uint32_t high = crc ^ bigEndianAt(data);
-        const std::uint32_t low = bigEndianAt(data + 4);
-        crc = slice(7, high >> 24) ^ slice(6, high >> 16) ^ slice(5, high >> 8) ^ slice(4, high) ^
-              slice(3, low >> 24) ^ slice(2, low >> 16) ^ slice(1, low >> 8) ^ slice(0, low);
+    const auto upperHalf = [slice](std::uint32_t word) {
+        return slice(7, word >> 24) ^ slice(6, word >> 16) ^ slice(5, word >> 8) ^ slice(4, word);
+    };
+    const auto lowerHalf = [slice](std::uint32_t word) {
+        return slice(3, word >> 24) ^ slice(2, word >> 16) ^ slice(1, word >> 8) ^ slice(0, word);
+    };
+    if (length >= kTables) {
+        // The half that does not depend on the register is looked up one step ahead: the register then
+        // waits for the other half only.
+        std::uint32_t lower = lowerHalf(bigEndianAt(data + kHalf));
+        for (; length >= 2 * kTables; length -= kTables, data += kTables) {
+            const std::uint32_t next = lowerHalf(bigEndianAt(data + kTables + kHalf));
+            crc = upperHalf(crc ^ bigEndianAt(data)) ^ lower;
+            lower = next;
+        }
+        crc = upperHalf(crc ^ bigEndianAt(data)) ^ lower;
+        length -= kTables;
+        data += kTables;
     }
     for (; length > 0; --length, ++data)
         crc = crc << 8 ^ slice(0, crc >> 24 ^ *data);

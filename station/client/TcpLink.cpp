@@ -89,7 +89,9 @@ void TcpLink::send(std::string_view bytes, const Deadline& deadline) {
 
 std::optional<std::string> TcpLink::receiveBy(const Deadline& moment) {
     std::array<char, kReceiveSize> buffer;
-    for (;;) {
+    // An answer is seldom there already: waiting for it first saves a call that would find nothing.
+    for (bool isReady = waitUntilReady(m_socket.get(), POLLIN, moment);;
+         isReady = waitUntilReady(m_socket.get(), POLLIN, moment)) {
         const ssize_t received = ::recv(m_socket.get(), buffer.data(), buffer.size(), 0);
         const int error = errno;
         if (received >= 0)
@@ -99,7 +101,7 @@ std::optional<std::string> TcpLink::receiveBy(const Deadline& moment) {
         if (!isWorthWaiting(error))
             throw Failure(Failure::Kind::ConnectionLost,
                           "the connection was lost while waiting for the answer: " + describe(error));
-        if (!waitUntilReady(m_socket.get(), POLLIN, moment))
+        if (!isReady)
             return std::nullopt;
     }
 }
