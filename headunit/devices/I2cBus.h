@@ -9,6 +9,7 @@
 #include "devices/ManagerPackets.h"
 #include "devices/PortExpander.h"
 #include "devices/TemperatureSensor.h"
+#include "platform/I2cRequests.h"
 
 namespace headunit {
 
@@ -21,13 +22,14 @@ class I2cBus {
 public:
     using Client = const void*; ///< whatever tells one connection from another; never null
 
-    static constexpr std::uint32_t kSetSpeed = 0x80040502;
-    static constexpr std::uint32_t kSend = 0x80100505;
-    static constexpr std::uint32_t kReceive = 0xC0100506;
-    static constexpr std::uint32_t kCombined = 0xC0140507;
+    static constexpr std::uint32_t kSetSpeed = System::I2cRequest::kSetBusSpeed;
+    static constexpr std::uint32_t kSend = System::I2cRequest::kSend;
+    static constexpr std::uint32_t kReceive = System::I2cRequest::kReceive;
+    static constexpr std::uint32_t kCombined = System::I2cRequest::kSendReceive;
 
-    static constexpr std::uint32_t kSevenBitAddresses = 2; ///< the one address format
-    static constexpr std::uint32_t kSlowSpeed = 100000;    ///< bits per second
+    static constexpr std::uint32_t kSevenBitAddresses =
+        System::I2cRequest::kSevenBits;                 ///< the one address format
+    static constexpr std::uint32_t kSlowSpeed = 100000; ///< bits per second
     static constexpr std::uint32_t kFastSpeed = 400000;
     static constexpr std::uint32_t kLongestTransfer = 65536; ///< bytes each way; more gives ENOMEM
 

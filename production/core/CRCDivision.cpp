@@ -26,8 +26,30 @@ std::uint32_t dividedByte(std::uint32_t byte) {
     return value;
 }
 
-/// The register after further bytes, eight at a time: what each of them contributes is looked up apart,
-/// so that no look-up waits for the one before it.
+#ifdef PRODUCTION_ISAL
+
+std::uint32_t byLibrary(const unsigned char* data, std::size_t length) {
+    const std::size_t divided = length - kUndivided;
+    // The library inverts its register at both ends, as the checksum does. It is not asked for nothing.
+    const std::uint32_t remainder = divided == 0 ? 0 : ::crc32_ieee(0, data, std::uint64_t{divided});
+    return remainder ^ bigEndianAt(data + divided);
+}
+
+#endif
+
+} // namespace
+
+void fillTables(std::uint32_t* tables) {
+    for (std::uint32_t byte = 0; byte < kTableEntries; ++byte)
+        tables[byte] = dividedByte(byte);
+    for (std::size_t at = kTableEntries; at < kTables * kTableEntries; ++at) {
+        const std::uint32_t before = tables[at - kTableEntries];
+        tables[at] = before << 8 ^ tables[before >> 24];
+    }
+}
+
+// What each of eight bytes contributes is looked up apart, so that no look-up waits for the one before
+// it.
 std::uint32_t divide(const std::uint32_t* tables, std::uint32_t crc, const unsigned char* data,
                      std::size_t length) {
     const auto slice = [tables](std::size_t number, std::uint32_t byte) {
@@ -55,28 +77,6 @@ std::uint32_t divide(const std::uint32_t* tables, std::uint32_t crc, const unsig
     for (; length > 0; --length, ++data)
         crc = crc << 8 ^ slice(0, crc >> 24 ^ *data);
     return crc;
-}
-
-#ifdef PRODUCTION_ISAL
-
-std::uint32_t byLibrary(const unsigned char* data, std::size_t length) {
-    const std::size_t divided = length - kUndivided;
-    // The library inverts its register at both ends, as the checksum does. It is not asked for nothing.
-    const std::uint32_t remainder = divided == 0 ? 0 : ::crc32_ieee(0, data, std::uint64_t{divided});
-    return remainder ^ bigEndianAt(data + divided);
-}
-
-#endif
-
-} // namespace
-
-void fillTables(std::uint32_t* tables) {
-    for (std::uint32_t byte = 0; byte < kTableEntries; ++byte)
-        tables[byte] = dividedByte(byte);
-    for (std::size_t at = kTableEntries; at < kTables * kTableEntries; ++at) {
-        const std::uint32_t before = tables[at - kTableEntries];
-        tables[at] = before << 8 ^ tables[before >> 24];
-    }
 }
 
 std::uint32_t portable(const std::uint32_t* tables, const unsigned char* data, std::size_t length) {

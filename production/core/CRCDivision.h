@@ -16,7 +16,13 @@ constexpr std::size_t kTables = 8;
 /// by a byte.
 void fillTables(std::uint32_t* tables);
 
-/// The checksum of at least four bytes, eight bytes at a time with the eight tables.
+/// The register of a division after further bytes, eight at a time with the eight tables; it is all ones
+/// before the first. The checksum is this over all bytes but the last four, inverted, XOR those four as
+/// a big-endian number.
+std::uint32_t divide(const std::uint32_t* tables, std::uint32_t crc, const unsigned char* data,
+                     std::size_t length);
+
+/// The checksum of at least four bytes, by `divide`.
 std::uint32_t portable(const std::uint32_t* tables, const unsigned char* data, std::size_t length);
 
 /// The same by the processor's own multiplication of polynomials, through ISA-L. Null in a program that

@@ -138,6 +138,11 @@ bool isBase64Argument(std::string_view argument) {
     return beginsWith(argument, kBase64Opening);
 }
 
+std::string base64Argument(std::string_view bytes) {
+    const auto* const first = reinterpret_cast<const unsigned char*>(bytes.data());
+    return std::string(kBase64Opening) + System::encodeBase64(first, bytes.size()) + ")";
+}
+
 std::string argumentBytes(std::string_view argument) {
     if (beginsWith(argument, kHexOpening))
         return decodeHex(argument);

@@ -23,6 +23,9 @@ bool isEncodedArgument(std::string_view argument);
 /// True for one in the encoding base64(...).
 bool isBase64Argument(std::string_view argument);
 
+/// These bytes in the encoding base64(...).
+std::string base64Argument(std::string_view bytes);
+
 /// The bytes that an argument stands for where no line has to carry it: those of a `hex(...)` or a
 /// `base64(...)`, and every other argument's own. Throws `Failure` (`InvalidRequest`) for an encoding
 /// that is not what it says, an unpaired hex digit included.

@@ -2,17 +2,17 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace station {
 
-/// The checksum of the unit's `diag cksum`, over bytes that come piece by piece: a dump is larger than
-/// memory. CRC-32's polynomial, most significant bit first; the first four bytes, inverted, are the
-/// register's start, no zero bytes follow the last, and the result is inverted.
+/// The checksum of the unit's `diag cksum`, which is System::CRC's, over bytes that come piece by piece:
+/// a dump is larger than memory.
 class Checksum {
 public:
     /// The unit has no checksum of fewer bytes.
-    static constexpr std::uint64_t kFewestBytes = 4;
+    static constexpr std::size_t kFewestBytes = 4;
 
     void add(std::string_view bytes);
 
@@ -20,8 +20,8 @@ public:
     std::optional<std::uint32_t> value() const;
 
 private:
-    std::uint32_t m_register = 0;
-    std::uint64_t m_count = 0;
+    std::uint32_t m_register = ~std::uint32_t{0};
+    std::string m_last; // at most kFewestBytes: the last ones are not divided
 };
 
 /// Of one whole range.

@@ -5,7 +5,6 @@
 
 #include "client/Failure.h"
 #include "client/Quoting.h"
-#include "platform/Base64.h"
 
 namespace station {
 
@@ -34,12 +33,6 @@ std::uint8_t sumOf(std::string_view bytes) {
         return sum + static_cast<unsigned char>(byte);
     });
     return static_cast<std::uint8_t>(total);
-}
-
-std::string base64Argument(std::string_view bytes) {
-    return "base64(" +
-           System::encodeBase64(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()) +
-           ")";
 }
 
 /// Exactly so many bytes, from an answer that is hex(...) or base64(...).

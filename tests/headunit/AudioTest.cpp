@@ -5,6 +5,7 @@
 
 #include "support/Line.h"
 #include "support/Program.h"
+#include "support/Waiting.h"
 
 namespace headunit_test {
 namespace {

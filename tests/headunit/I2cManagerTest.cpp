@@ -8,6 +8,7 @@
 
 #include "support/I2cPackets.h"
 #include "support/Peers.h"
+#include "support/Waiting.h"
 #include "unit/LocalSocket.h"
 
 namespace headunit_test {

@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "support/Peers.h"
+#include "support/Waiting.h"
 
 namespace headunit_test {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "client/Failure.h"
 #include "client/Hex.h"
-#include "platform/Base64.h"
+#include "client/Quoting.h"
 
 namespace station {
 
@@ -14,11 +14,6 @@ constexpr char kDone[] = "ok";
 
 bool isTextCharacter(char c) {
     return (c >= 0x20 && c <= 0x7E) || c == '\n' || c == '\t' || c == '\r';
-}
-
-std::string base64Text(std::string_view payload) {
-    const std::vector<unsigned char> bytes(payload.begin(), payload.end());
-    return "base64(" + System::encodeBase64(bytes.data(), bytes.size()) + ")";
 }
 
 } // namespace
@@ -52,7 +47,7 @@ AnswerText hexTextOf(std::size_t length) {
 AnswerText base64TextOf(std::size_t length, std::string_view opening) {
     return [length, opening = std::string(opening)](std::string_view payload) {
         checkLength(payload, length);
-        return opening + base64Text(payload);
+        return opening + base64Argument(payload);
     };
 }
 

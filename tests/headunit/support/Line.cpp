@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <thread>
 
 namespace headunit_test {
 namespace {
@@ -18,7 +17,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kDeadline{30};
-constexpr std::chrono::milliseconds kBetweenLooks{2};
 
 /// Whether one of the events has come before the deadline.
 bool waitFor(int descriptor, short events, Clock::time_point deadline) {
@@ -95,16 +93,6 @@ bool Line::seesHangUp() const {
             return got == 0 || (got < 0 && errno == EIO);
         }
     return false;
-}
-
-bool eventually(const std::function<bool()>& condition) {
-    const auto deadline = Clock::now() + kDeadline;
-    while (!condition()) {
-        if (Clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(kBetweenLooks);
-    }
-    return true;
 }
 
 } // namespace headunit_test

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "platform/Descriptor.h"
@@ -36,8 +35,5 @@ public:
 private:
     System::Descriptor m_descriptor;
 };
-
-/// Looks until the condition holds. False when it still does not after a deadline.
-bool eventually(const std::function<bool()>& condition);
 
 } // namespace headunit_test
