@@ -97,7 +97,7 @@ TEST_F(IWriteCmdTest, TooShortARequestIsRefused) {
 TEST_F(IWriteCmdTest, TheCountIsCheckedBeforeTheBus) {
     for (const unsigned char bus : Bytes{0, 9}) {
         for (const unsigned char count : Bytes{0, 252, 253, 255})
-            for (const std::size_t there : {1, 251})
+            for (const std::size_t there : {1U, 251U})
                 expectRefused(writing(bus, count, Bytes(there)), kGenericError,
                               "Number of to by written Bytes must be in Range [1,250] but is " +
                                   std::to_string(count));

@@ -108,7 +108,7 @@ TEST_F(iReadCmdAsciiTest, OfMoreThanSixTokensNoneIsWritten) {
 }
 
 TEST_F(iReadCmdAsciiTest, DataToWriteFirstThatCannotBeSentIsRefusedAndNothingHappens) {
-    for (const std::size_t size : {0, 256, 257, 511, 65536, 65537}) {
+    for (const std::size_t size : {0U, 256U, 257U, 511U, 65536U, 65537U}) {
         SCOPED_TRACE(size);
         const Tokens list = withData({"i2c", "read", "0", "1", "0x50"}, Bytes(size));
         const Response response = process(list);
