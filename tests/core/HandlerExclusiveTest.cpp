@@ -131,7 +131,7 @@ TEST_F(HandlerExclusiveTest, ItWaitsForTheCommandThatRuns) {
 
 TEST_F(HandlerExclusiveTest, ItKeepsItsPlaceAmongTheRequests) {
     holdUpCommand();
-    const auto request = [this](const char* name) {
+    const auto request = [](const char* name) {
         RecordingListener listener;
         EXPECT_EQ(handler().handleCommand(tokens({"scripted", name}), &listener), "scripted ok");
     };
