@@ -1,7 +1,6 @@
 #include "core/AbstractCmd.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -218,8 +217,9 @@ std::string AbstractCmd::ascii_getName() const {
 int AbstractCmd::ascii_getInt(const std::vector<char>& token) const {
     // Copied, since decoded tokens carry no terminating zero.
     const std::string text(token.begin(), token.end());
-    int value = 0;
-    return std::sscanf(text.c_str(), "%i", &value) == 1 ? value : 0;
+    // What a scan for "%i" gives, without its cost: 0 when there is no number.
+    constexpr int kByPrefix = 0;
+    return static_cast<int>(std::strtol(text.c_str(), nullptr, kByPrefix));
 }
 
 std::string AbstractCmd::ascii_exec(ProcessResponse* response) {

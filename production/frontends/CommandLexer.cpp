@@ -21,11 +21,20 @@ struct ReleaseBuffer {
     void operator()(yy_buffer_state* buffer) const { yy_delete_buffer(buffer); }
 };
 
+using Buffer = std::unique_ptr<yy_buffer_state, ReleaseBuffer>;
+
 std::size_t bytesIn(const std::vector<std::vector<char>>& tokens) {
     std::size_t bytes = tokens.size() * sizeof(std::vector<char>);
     for (const auto& token : tokens)
         bytes += token.size();
     return bytes;
+}
+
+/// What is scanned next is `text` from there on.
+Buffer scanFrom(std::string& text, std::size_t begin) {
+    Buffer buffer(yy_scan_buffer(text.data() + begin, text.size() - begin));
+    yy_switch_to_buffer(buffer.get());
+    return buffer;
 }
 
 /// Scans `line` into `mylist`.
@@ -39,10 +48,11 @@ void fillList(std::string_view line) {
     std::string text;
     text.reserve(line.size() + kEndOfBuffer.size());
     text.append(line).append(kEndOfBuffer);
-    const std::unique_ptr<yy_buffer_state, ReleaseBuffer> buffer(
-        yy_scan_buffer(text.data(), text.size()));
-    yy_switch_to_buffer(buffer.get());
-    yylex();
+    Buffer buffer = scanFrom(text, 0);
+    while (yylex() == kBase64Begins) {
+        const auto begin = static_cast<std::size_t>(yytext - text.data() + yyleng);
+        buffer = scanFrom(text, begin + addBase64Run(line.substr(begin)));
+    }
     printList();
 }
 

@@ -2,10 +2,12 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 #include <utility>
 
 #include "core/HexDigit.h"
 #include "core/MemoryGuard.h"
+#include "frontends/Base64Quads.h"
 #include "platform/Base64.h"
 #include "platform/Memory.h"
 
@@ -56,11 +58,26 @@ void addHexToList(char* text) {
     }
 }
 
-void addBase64ToList(char* text) {
-    const std::size_t size = std::strlen(text) / kCharactersPerQuad * kBytesPerQuad;
-    std::vector<char>& bytes = append(size);
-    bytes.resize(size);
-    System::decodeBase64(text, reinterpret_cast<unsigned char*>(bytes.data()), size);
+void addBase64ToList(const char* text) {
+    addBase64Run(text);
+}
+
+std::size_t addBase64Run(std::string_view text) {
+    const std::size_t length = base64RunLength(text.data(), text.size());
+    if (length == 0)
+        return 0;
+    const std::size_t size = length / kCharactersPerQuad * kBytesPerQuad;
+    std::vector<char>& token = append(size);
+    token.resize(size);
+    auto* const bytes = reinterpret_cast<unsigned char*>(token.data());
+    const std::size_t quads = decodeBase64Quads(text.data(), length, bytes);
+    const std::size_t known = quads * kCharactersPerQuad;
+    if (known < length) {
+        const std::size_t decoded = quads * kBytesPerQuad;
+        const std::string rest(text.substr(known, length - known));
+        System::decodeBase64(rest.c_str(), bytes + decoded, size - decoded);
+    }
+    return length;
 }
 
 void printList() {}

@@ -1,10 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 #include <vector>
 
 /// What the generated scanner (`serial_lexer.l`) and its actions share. All of it is one process-wide
 /// state: use it through `CommandLexer`, which holds the lock.
+
+/// What the scanner returns behind "base64(", beside the 0 at the end of a command or a line: the
+/// characters that follow, often by far the most of a line, can be taken at once.
+constexpr int kBase64Begins = 1;
 
 /// The tokens of the last command, its name first. Only the next command's name empties it.
 extern std::vector<std::vector<char>> mylist;
@@ -15,7 +20,9 @@ void addToList(const char* text);
 void addHexToList(char* text);
 /// The decoded bytes in a buffer of three bytes for each four characters; what could not be decoded is
 /// 0.
-void addBase64ToList(char* text);
+void addBase64ToList(const char* text);
+/// The same for the base64 characters at the beginning of `text`, if there are any. Returns how many.
+std::size_t addBase64Run(std::string_view text);
 /// Walks the list; prints nothing.
 void printList();
 /// Writes text that no rule wants to standard output.

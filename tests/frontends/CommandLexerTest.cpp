@@ -188,6 +188,19 @@ TEST_F(CommandLexerTest, Base64IsOneArgumentPerRun) {
          commandLine("s base64(QUJDQ===)"),
          {token("s"), {'A', 'B', 'C', '\x40', '\0', '\0'}}},
         {"foreign signs", commandLine("s base64(!?)"), tokens({"s"}), "!?"},
+        {"several",
+         commandLine("s base64(QUJD)base64(REVG) x base64(QQ==) \"base64(QUJD)\""),
+         {token("s"),
+          decoded("ABC"),
+          decoded("DEF"),
+          token("x"),
+          {'A', '\0', '\0'},
+          token("base64(QUJD)")}},
+        {"ended by ETX",
+         commandLine("s base64(QUJD\x03"
+                     "REVG)"),
+         {token("s"), decoded("ABC")}},
+        {"begun anew", commandLine("s base64(QUJD\x02t x"), tokens({"t", "x"})},
         {"unterminated", commandLine("s base64(QUJD"), {token("s"), decoded("ABC")}},
     };
     expectAll(rows);
