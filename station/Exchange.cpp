@@ -9,6 +9,7 @@
 #include "client/SerialLink.h"
 #include "client/TcpLink.h"
 #include "transfer/LinkSession.h"
+#include "transfer/ParallelSession.h"
 
 namespace station {
 
@@ -92,9 +93,11 @@ std::unique_ptr<Session> openBinary(const CommandLine& line, const SerialTarget&
 std::unique_ptr<Session> openAscii(const CommandLine& line, const TcpTarget& target,
                                    const Interruption& interruption, const Session::InfoSink&) {
     const Seconds timeout = parseTimeout(line.timeout);
-    auto link = std::make_unique<TcpLink>(TcpLink::connect(target, Deadline::after(timeout)));
-    return std::make_unique<AsciiSession>(std::move(link), timeout, interruption,
-                                          Client::EmptyAnswer::Sent);
+    return std::make_unique<ParallelSession>([timeout, target, &interruption] {
+        auto link = std::make_unique<TcpLink>(TcpLink::connect(target, Deadline::after(timeout)));
+        return std::make_unique<AsciiSession>(std::move(link), timeout, interruption,
+                                              Client::EmptyAnswer::Sent);
+    });
 }
 
 std::unique_ptr<Session> openAscii(const CommandLine& line, const SerialTarget& target,

@@ -18,14 +18,22 @@ std::optional<std::string> messageOf(const std::string& line) {
 } // namespace
 
 Answer Client::execute(const Request& request, const Deadline& deadline, const InfoSink& onInfo) {
+    send(request, deadline);
+    return receive(request.name(), deadline, onInfo);
+}
+
+void Client::send(const Request& request, const Deadline& deadline) {
     m_link.send(request.bytes(), deadline);
-    const bool staysSilent = m_emptyAnswer == EmptyAnswer::NotSent && request.name() == kSilentCommand;
+}
+
+Answer Client::receive(const std::string& name, const Deadline& deadline, const InfoSink& onInfo) {
+    const bool staysSilent = m_emptyAnswer == EmptyAnswer::NotSent && name == kSilentCommand;
     const Deadline end =
         staysSilent ? Deadline::earlier(Deadline::after(kQuietTime), deadline) : deadline;
     while (const auto line = nextLine(end)) {
         const auto message = messageOf(*line);
         if (!message)
-            return parseAnswer(request.name(), *line);
+            return parseAnswer(name, *line);
         onInfo(*message);
     }
     if (!staysSilent)

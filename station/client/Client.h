@@ -38,6 +38,10 @@ public:
     /// the link will bring next, and neither client nor link may be used again.
     Answer execute(const Request& request, const Deadline& deadline, const InfoSink& onInfo);
 
+    /// The two halves of `execute`, for who has something else to do meanwhile.
+    void send(const Request& request, const Deadline& deadline);
+    Answer receive(const std::string& name, const Deadline& deadline, const InfoSink& onInfo);
+
 private:
     bool receiveMore(const Deadline& moment);
     std::optional<std::string> nextLine(const Deadline& moment);

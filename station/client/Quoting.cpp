@@ -1,6 +1,7 @@
 #include "client/Quoting.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <vector>
 
@@ -32,6 +33,25 @@ bool isHexCharacter(char c) {
 bool isBase64Character(char c) {
     return isLetter(c) || isDigit(c) || c == '+' || c == '/' || c == '=';
 }
+
+/// Which characters a test holds for, once and for all: uploads pass megabytes through it.
+class CharacterSet {
+public:
+    explicit CharacterSet(bool (*isMember)(char)) {
+        for (std::size_t code = 0; code < m_isMember.size(); ++code)
+            m_isMember[code] = isMember(static_cast<char>(code));
+    }
+
+    bool holdsAllOf(std::string_view text) const {
+        bool all = true;
+        for (const char c : text)
+            all &= m_isMember[static_cast<unsigned char>(c)];
+        return all;
+    }
+
+private:
+    std::array<bool, 256> m_isMember{};
+};
 bool isControlCharacter(char c) {
     return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
 }
@@ -77,11 +97,22 @@ void checkHex(std::string_view argument) {
                std::to_string(kLongestHexText) + "; send the bytes as base64(...)");
 }
 
+bool isBase64Text(std::string_view text) {
+    static const CharacterSet characters(isBase64Character);
+    return characters.holdsAllOf(text);
+}
+
 void checkBase64(std::string_view argument) {
-    if (!consistsOf(encodedBytes(argument, kBase64Opening), isBase64Character))
+    if (!isBase64Text(encodedBytes(argument, kBase64Opening)))
         refuse("argument " + quotedForMessage(argument) +
                " may hold only A-Z a-z 0-9 + / = between the parentheses; to send this very text, "
                "encode it as base64(...)");
+}
+
+/// What a transfer consists of, and so not looked at more often than needed.
+bool isSoundBase64(std::string_view argument) {
+    return beginsWith(argument, kBase64Opening) && argument.size() > kBase64Opening.size() + 1 &&
+           argument.back() == ')' && isBase64Text(encodedBytes(argument, kBase64Opening));
 }
 
 void checkQuotable(std::string_view argument) {
@@ -128,6 +159,22 @@ std::string decodeBase64(std::string_view argument) {
     return std::string(bytes.begin(), bytes.begin() + size);
 }
 
+/// False for an argument that is to be quoted. Throws for one that cannot travel.
+bool travelsAsItIs(std::string_view argument) {
+    const bool isWord = !argument.empty() && consistsOf(argument, isWordCharacter);
+    if (isWord || isSoundBase64(argument))
+        return true;
+    // Before the encoded forms, so that no message repeats a control character.
+    checkQuotable(argument);
+    const bool isHex = beginsWith(argument, kHexOpening);
+    if (isHex)
+        checkHex(argument);
+    const bool isBase64 = beginsWith(argument, kBase64Opening);
+    if (isBase64)
+        checkBase64(argument);
+    return isHex || isBase64;
+}
+
 } // namespace
 
 bool isEncodedArgument(std::string_view argument) {
@@ -140,7 +187,9 @@ bool isBase64Argument(std::string_view argument) {
 
 std::string base64Argument(std::string_view bytes) {
     const auto* const first = reinterpret_cast<const unsigned char*>(bytes.data());
-    return std::string(kBase64Opening) + System::encodeBase64(first, bytes.size()) + ")";
+    std::string argument = System::encodeBase64(first, bytes.size());
+    argument.reserve(kBase64Opening.size() + argument.size() + 1);
+    return argument.insert(0, kBase64Opening).append(1, ')');
 }
 
 std::string argumentBytes(std::string_view argument) {
@@ -152,19 +201,19 @@ std::string argumentBytes(std::string_view argument) {
 }
 
 std::string quoteArgument(std::string_view argument) {
-    if (!argument.empty() && consistsOf(argument, isWordCharacter))
-        return std::string(argument);
-    // Before the encoded forms, so that no message repeats a control character.
-    checkQuotable(argument);
-    if (beginsWith(argument, kHexOpening)) {
-        checkHex(argument);
-        return std::string(argument);
+    std::string text;
+    appendQuoted(text, argument);
+    return text;
+}
+
+void appendQuoted(std::string& text, std::string_view argument) {
+    if (travelsAsItIs(argument)) {
+        text += argument;
+        return;
     }
-    if (beginsWith(argument, kBase64Opening)) {
-        checkBase64(argument);
-        return std::string(argument);
-    }
-    return '"' + std::string(argument) + '"';
+    text += '"';
+    text += argument;
+    text += '"';
 }
 
 } // namespace station

@@ -17,6 +17,9 @@ namespace station {
 /// fine.
 std::string quoteArgument(std::string_view argument);
 
+/// Appends the same to `text`.
+void appendQuoted(std::string& text, std::string_view argument);
+
 /// True for an argument that gives bytes in one of the two encodings, hex(...) or base64(...).
 bool isEncodedArgument(std::string_view argument);
 

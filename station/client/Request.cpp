@@ -6,6 +6,11 @@
 
 namespace station {
 
+namespace {
+constexpr std::size_t kFrame = 3;  // what stands around the words
+constexpr std::size_t kQuotes = 3; // what an argument needs at most beside its own characters
+} // namespace
+
 bool isCommandName(std::string_view name) {
     constexpr std::string_view kAlphanumeric =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
@@ -16,9 +21,16 @@ Request::Request(std::string_view name, const std::vector<std::string>& argument
     if (!isCommandName(name))
         throw Failure(Failure::Kind::InvalidRequest,
                       "invalid command name '" + m_name + "': only letters and digits are allowed");
-    m_bytes = kStartOfText + m_name;
+    std::size_t size = m_name.size() + kFrame;
     for (const std::string& argument : arguments)
-        m_bytes += ' ' + quoteArgument(argument);
+        size += argument.size() + kQuotes;
+    m_bytes.reserve(size);
+    m_bytes += kStartOfText;
+    m_bytes += m_name;
+    for (const std::string& argument : arguments) {
+        m_bytes += ' ';
+        appendQuoted(m_bytes, argument);
+    }
     m_bytes += kEndOfText;
     m_bytes += kLineFeed;
 }

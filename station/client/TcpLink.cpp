@@ -1,12 +1,15 @@
 #include "client/TcpLink.h"
 
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <system_error>
 #include <utility>
 
@@ -19,6 +22,10 @@ namespace station {
 namespace {
 
 constexpr std::size_t kReceiveSize = 65536;
+
+// How long one call waits for an answer that may take longer. It spares the call that would only wait,
+// which of thousands of small requests is a good part.
+constexpr std::chrono::milliseconds kPatience{50};
 
 std::string describe(int error) {
     return std::system_category().message(error);
@@ -52,6 +59,14 @@ bool isConnectionEnd(int error) {
 
 } // namespace
 
+TcpLink::TcpLink(System::Descriptor socket) : m_socket(std::move(socket)) {
+    const int enabled = 1;
+    ::setsockopt(m_socket.get(), IPPROTO_TCP, TCP_NODELAY, &enabled, sizeof enabled);
+    const timeval patience = {0, std::chrono::microseconds(kPatience).count()};
+    ::setsockopt(m_socket.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    ::fcntl(m_socket.get(), F_SETFL, ::fcntl(m_socket.get(), F_GETFL) & ~O_NONBLOCK);
+}
+
 TcpLink TcpLink::connect(const TcpTarget& target, const Deadline& deadline) {
     const std::string activity = "connecting to " + target.text();
     const AddressList addresses = lookUp(target, deadline);
@@ -64,8 +79,6 @@ TcpLink TcpLink::connect(const TcpTarget& target, const Deadline& deadline) {
             error = connectSocket(socket.get(), *address, deadline, activity);
         if (error != 0)
             continue;
-        const int enabled = 1;
-        ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &enabled, sizeof enabled);
         return TcpLink(std::move(socket));
     }
     throw Failure(Failure::Kind::CannotConnect,
@@ -74,7 +87,8 @@ TcpLink TcpLink::connect(const TcpTarget& target, const Deadline& deadline) {
 
 void TcpLink::send(std::string_view bytes, const Deadline& deadline) {
     while (!bytes.empty()) {
-        const ssize_t sent = ::send(m_socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        const ssize_t sent =
+            ::send(m_socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
         const int error = errno;
         if (sent >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(sent));
@@ -89,10 +103,9 @@ void TcpLink::send(std::string_view bytes, const Deadline& deadline) {
 
 std::optional<std::string> TcpLink::receiveBy(const Deadline& moment) {
     std::array<char, kReceiveSize> buffer;
-    // An answer is seldom there already: waiting for it first saves a call that would find nothing.
-    for (bool isReady = waitUntilReady(m_socket.get(), POLLIN, moment);;
-         isReady = waitUntilReady(m_socket.get(), POLLIN, moment)) {
-        const ssize_t received = ::recv(m_socket.get(), buffer.data(), buffer.size(), 0);
+    for (;;) {
+        const bool isLongAway = moment.time() - Deadline::Clock::now() > kPatience;
+        const ssize_t received = readSome(buffer.data(), buffer.size(), isLongAway, moment);
         const int error = errno;
         if (received >= 0)
             return std::string(buffer.data(), static_cast<std::size_t>(received));
@@ -101,9 +114,16 @@ std::optional<std::string> TcpLink::receiveBy(const Deadline& moment) {
         if (!isWorthWaiting(error))
             throw Failure(Failure::Kind::ConnectionLost,
                           "the connection was lost while waiting for the answer: " + describe(error));
-        if (!isReady)
+        if (!isLongAway && moment.expired())
             return std::nullopt;
     }
+}
+
+ssize_t TcpLink::readSome(char* bytes, std::size_t size, bool isLongAway, const Deadline& moment) const {
+    if (isLongAway)
+        return ::recv(m_socket.get(), bytes, size, 0);
+    waitUntilReady(m_socket.get(), POLLIN, moment);
+    return ::recv(m_socket.get(), bytes, size, MSG_DONTWAIT);
 }
 
 } // namespace station

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <cstddef>
 #include <utility>
 
 #include "client/Link.h"
@@ -8,8 +11,8 @@
 
 namespace station {
 
-/// A TCP connection to a unit. Owns its socket, which is non-blocking, closed on exec and sends small
-/// packets at once. Never raises SIGPIPE.
+/// A TCP connection to a unit. Owns its socket, which is closed on exec and sends small packets at once.
+/// Never raises SIGPIPE.
 class TcpLink : public Link {
 public:
     /// Looks the host up and tries its addresses in turn; blocks until one takes the connection. Throws
@@ -20,7 +23,9 @@ public:
     std::optional<std::string> receiveBy(const Deadline& moment) override;
 
 private:
-    explicit TcpLink(System::Descriptor socket) : m_socket(std::move(socket)) {}
+    explicit TcpLink(System::Descriptor socket);
+
+    ssize_t readSome(char* bytes, std::size_t size, bool isLongAway, const Deadline& moment) const;
 
     System::Descriptor m_socket;
 };

@@ -24,7 +24,7 @@ private:
     std::string m_last; // at most kFewestBytes: the last ones are not divided
 };
 
-/// Of one whole range.
+/// Of one whole range below 4 GiB. One thread at a time.
 std::optional<std::uint32_t> checksumOf(std::string_view bytes);
 
 } // namespace station

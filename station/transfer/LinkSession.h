@@ -1,10 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "client/BinaryClient.h"
+#include "client/BinaryRequest.h"
 #include "client/Client.h"
 #include "transfer/InterruptibleLink.h"
 #include "transfer/Session.h"
@@ -15,15 +17,16 @@ namespace station {
 /// leaves open what the link will bring next, every further command fails with `ConnectionLost`.
 class LinkSession : public Session {
 public:
-    Answer execute(const std::string& name, const std::vector<std::string>& arguments,
-                   const InfoSink& onInfo) final;
+    void begin(const std::string& name, const std::vector<std::string>& arguments) final;
+    Answer finish(const InfoSink& onInfo) final;
 
 protected:
     LinkSession(std::unique_ptr<Link> link, Seconds timeout, const Interruption& interruption)
         : m_link(std::move(link), interruption), m_timeout(timeout) {}
 
-    virtual Answer exchange(const std::string& name, const std::vector<std::string>& arguments,
-                            const Deadline& deadline, const InfoSink& onInfo) = 0;
+    virtual void send(const std::string& name, const std::vector<std::string>& arguments,
+                      const Deadline& deadline) = 0;
+    virtual Answer receive(const Deadline& deadline, const InfoSink& onInfo) = 0;
 
     InterruptibleLink& link() { return m_link; }
     Deadline deadline() const { return Deadline::after(m_timeout); }
@@ -31,7 +34,8 @@ protected:
 private:
     InterruptibleLink m_link;
     Seconds m_timeout;
-    bool m_isLost = false;
+    Deadline m_end = Deadline::after(m_timeout); // of the command that is under way
+    bool m_isLost = false;                       // also while one is
 };
 
 /// Commands as lines of text.
@@ -44,9 +48,11 @@ public:
     void takeArrived(const InfoSink& onInfo);
 
 private:
-    Answer exchange(const std::string& name, const std::vector<std::string>& arguments,
-                    const Deadline& deadline, const InfoSink& onInfo) override;
+    void send(const std::string& name, const std::vector<std::string>& arguments,
+              const Deadline& deadline) override;
+    Answer receive(const Deadline& deadline, const InfoSink& onInfo) override;
 
+    std::string m_name; // of the command that is under way
     Client m_client;
 };
 
@@ -58,10 +64,12 @@ public:
     void waitForStartup(const InfoSink& onInfo);
 
 private:
-    Answer exchange(const std::string& name, const std::vector<std::string>& arguments,
-                    const Deadline& deadline, const InfoSink& onInfo) override;
+    void send(const std::string& name, const std::vector<std::string>& arguments,
+              const Deadline& deadline) override;
+    Answer receive(const Deadline& deadline, const InfoSink& onInfo) override;
 
-    InfoSink m_onInfo; // of the command that is under way
+    std::optional<BinaryRequest> m_request; // of the command that is under way
+    InfoSink m_onInfo;                      // of the same
     BinaryClient m_client;
 };
 

@@ -1,7 +1,5 @@
 #include "transfer/MemoryMover.h"
 
-#include <algorithm>
-
 #include "transfer/Checksum.h"
 
 namespace station {
@@ -28,10 +26,11 @@ void MemoryMover::upload(std::uint64_t offset, std::string_view slice, std::uint
 }
 
 std::string MemoryMover::download(std::uint64_t offset, std::size_t length, std::uint64_t position) {
+    const auto show = [&](std::size_t count) { m_watch.progress.at(position + count); };
     for (int attempt = 1;; ++attempt) {
-        std::string slice = tryDownload(offset, length, position);
-        if (slice.size() == length && isInBuffer(offset, slice))
-            return slice;
+        auto slice = m_unit.readMemory(offset, length, show);
+        if (slice && isInBuffer(offset, *slice))
+            return *std::move(slice);
         if (attempt == kMostAttempts)
             failUnverified(offset, length);
         ++m_figures.retries;
@@ -39,34 +38,14 @@ std::string MemoryMover::download(std::uint64_t offset, std::size_t length, std:
 }
 
 bool MemoryMover::tryUpload(std::uint64_t offset, std::string_view slice, std::uint64_t position) {
-    for (std::size_t at = 0; at < slice.size(); at += kMostRequestBytes) {
-        const std::string_view bytes = slice.substr(at, kMostRequestBytes);
-        if (!m_unit.writeMemory(offset + at, bytes))
-            return false;
-        m_watch.progress.at(position + at + bytes.size());
-    }
-    return isInBuffer(offset, slice);
-}
-
-/// Shorter than wanted when a part arrived damaged.
-std::string MemoryMover::tryDownload(std::uint64_t offset, std::size_t length, std::uint64_t position) {
-    std::string slice;
-    slice.reserve(length);
-    while (slice.size() < length) {
-        const std::size_t count = std::min(kMostRequestBytes, length - slice.size());
-        const auto bytes = m_unit.readMemory(offset + slice.size(), count);
-        if (!bytes)
-            break;
-        slice += *bytes;
-        m_watch.progress.at(position + slice.size());
-    }
-    return slice;
+    const auto show = [&](std::size_t count) { m_watch.progress.at(position + count); };
+    return m_unit.writeMemory(offset, slice, show) && isInBuffer(offset, slice);
 }
 
 bool MemoryMover::isInBuffer(std::uint64_t offset, std::string_view bytes) {
     const auto expected = checksumOf(bytes);
     if (!expected)
-        return m_unit.readMemory(offset, bytes.size()) == std::string(bytes);
+        return m_unit.readMemory(offset, bytes.size(), [](std::size_t) {}) == std::string(bytes);
     return m_unit.checksum(offset, bytes.size()) == *expected;
 }
 

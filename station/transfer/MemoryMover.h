@@ -34,7 +34,6 @@ public:
 
 private:
     bool tryUpload(std::uint64_t offset, std::string_view slice, std::uint64_t position);
-    std::string tryDownload(std::uint64_t offset, std::size_t length, std::uint64_t position);
 
     Unit& m_unit;
     Watch& m_watch;

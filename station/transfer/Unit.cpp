@@ -1,5 +1,6 @@
 #include "transfer/Unit.h"
 
+#include <algorithm>
 #include <numeric>
 #include <utility>
 
@@ -73,11 +74,16 @@ void Unit::stopIfInterrupted() const {
 }
 
 Answer Unit::execute(const std::string& name, const Arguments& arguments) {
+    m_session.begin(name, arguments);
+    return finish();
+}
+
+Answer Unit::finish() {
     std::vector<std::string> messages;
     const auto keep = [&](const std::string& message) { messages.push_back(message); };
     Answer answer;
     try {
-        answer = m_session.execute(name, arguments, keep);
+        answer = m_session.finish(keep);
     } catch (...) {
         for (const std::string& message : messages)
             m_onInfo(message);
@@ -90,14 +96,43 @@ Answer Unit::execute(const std::string& name, const Arguments& arguments) {
     return answer;
 }
 
-bool Unit::writeMemory(std::uint64_t offset, std::string_view bytes) try {
-    stopIfInterrupted();
-    // One of them is long enough to be worth not being copied.
-    Arguments arguments = {"write", kChecked, std::to_string(bytes.size()), std::to_string(offset)};
-    arguments.push_back(base64Argument(bytes));
-    arguments.push_back(std::to_string(sumOf(bytes)));
-    execute(kMemory, arguments);
+bool Unit::moveMemory(std::size_t total, const PieceRequest& request, const PieceAnswer& take) try {
+    const auto pieceAt = [total](std::size_t at) { return std::min(kMostRequestBytes, total - at); };
+    const std::size_t width = total > kMostRequestBytes ? m_session.widen() : 1;
+    std::size_t underWay = 0;
+    std::size_t asked = 0;
+    for (std::size_t done = 0; done < total; done += pieceAt(done)) {
+        for (; asked < total && underWay < width; ++underWay) {
+            stopIfInterrupted();
+            m_session.begin(kMemory, request(asked, pieceAt(asked)));
+            asked += pieceAt(asked);
+        }
+        const Answer answer = finish();
+        --underWay;
+        if (!take(done, pieceAt(done), answer)) {
+            m_session.abandon();
+            return false;
+        }
+    }
     return true;
+} catch (...) {
+    m_session.abandon();
+    throw;
+}
+
+bool Unit::writeMemory(std::uint64_t offset, std::string_view bytes, const Moved& onMoved) try {
+    const auto request = [&](std::size_t at, std::size_t count) {
+        const std::string_view piece = bytes.substr(at, count);
+        // One of them is long enough to be worth not being copied.
+        Arguments arguments = {"write", kChecked, std::to_string(count), std::to_string(offset + at)};
+        arguments.push_back(base64Argument(piece));
+        arguments.push_back(std::to_string(sumOf(piece)));
+        return arguments;
+    };
+    return moveMemory(bytes.size(), request, [&](std::size_t at, std::size_t count, const Answer&) {
+        onMoved(at + count);
+        return true;
+    });
 } catch (const Refused& refusal) {
     const bool isDamaged =
         refusal.code() == kDamagedCode || refusal.message().find(kDamagedMessage) != std::string::npos;
@@ -106,15 +141,25 @@ bool Unit::writeMemory(std::uint64_t offset, std::string_view bytes) try {
     return false;
 }
 
-std::optional<std::string> Unit::readMemory(std::uint64_t offset, std::size_t count) {
-    stopIfInterrupted();
-    const Answer answer =
-        execute(kMemory, {"read", kChecked, std::to_string(count), std::to_string(offset)});
-    std::string bytes = bytesOf(answer.text, answer.text, count + 1,
-                                "hex(...) with " + std::to_string(count) + " bytes and their sum");
-    const auto sum = static_cast<unsigned char>(bytes.front());
-    bytes.erase(0, 1);
-    if (sumOf(bytes) != sum)
+std::optional<std::string> Unit::readMemory(std::uint64_t offset, std::size_t count,
+                                            const Moved& onMoved) {
+    std::string bytes;
+    bytes.reserve(count);
+    const auto request = [&](std::size_t at, std::size_t size) {
+        return Arguments{"read", kChecked, std::to_string(size), std::to_string(offset + at)};
+    };
+    const auto take = [&](std::size_t, std::size_t size, const Answer& answer) {
+        const std::string piece =
+            bytesOf(answer.text, answer.text, size + 1,
+                    "hex(...) with " + std::to_string(size) + " bytes and their sum");
+        const std::string_view data = std::string_view(piece).substr(1);
+        if (sumOf(data) != static_cast<unsigned char>(piece.front()))
+            return false;
+        bytes += data;
+        onMoved(bytes.size());
+        return true;
+    };
+    if (!moveMemory(count, request, take))
         return std::nullopt;
     return bytes;
 }

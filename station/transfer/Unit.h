@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -39,8 +40,8 @@ private:
     std::string m_message;
 };
 
-/// The unit's commands that a transfer consists of, each one request. Every call blocks until the answer
-/// and throws `Failure`, `Refused`, or `Interrupted` when an interruption came before the request or is
+/// The unit's commands that a transfer consists of. Every call blocks until all is answered and
+/// throws `Failure`, `Refused`, or `Interrupted` when an interruption came before the request or is
 /// not answered in time; only `closeDevice` is carried out in spite of one. Offsets are bytes in the
 /// scratch buffer. One thread at a time; the session must outlive the object.
 class Unit {
@@ -48,11 +49,15 @@ public:
     Unit(Session& session, const Interruption& interruption, Session::InfoSink onInfo)
         : m_session(session), m_interruption(interruption), m_onInfo(std::move(onInfo)) {}
 
-    /// At most `kMostRequestBytes`. False when the unit says that they arrived damaged.
-    bool writeMemory(std::uint64_t offset, std::string_view bytes);
+    /// Hears how many bytes from the beginning have been moved.
+    using Moved = std::function<void(std::size_t count)>;
 
-    /// At most `kMostRequestBytes`. Nothing when they arrived damaged.
-    std::optional<std::string> readMemory(std::uint64_t offset, std::size_t count);
+    /// In as many requests as it takes, some of them at once where the session can do that. False when
+    /// the unit says that some bytes arrived damaged; then others may not have been sent.
+    bool writeMemory(std::uint64_t offset, std::string_view bytes, const Moved& onMoved);
+
+    /// The same the other way. Nothing when some bytes arrived damaged.
+    std::optional<std::string> readMemory(std::uint64_t offset, std::size_t count, const Moved& onMoved);
 
     /// Of at least `Checksum::kFewestBytes`.
     std::uint32_t checksum(std::uint64_t offset, std::uint64_t length);
@@ -70,8 +75,15 @@ public:
 private:
     using Arguments = std::vector<std::string>;
 
+    /// What the request for a piece of memory is.
+    using PieceRequest = std::function<Arguments(std::size_t at, std::size_t count)>;
+    /// Takes its answer. False when the piece arrived damaged.
+    using PieceAnswer = std::function<bool(std::size_t at, std::size_t count, const Answer& answer)>;
+
     void stopIfInterrupted() const;
     Answer execute(const std::string& name, const Arguments& arguments);
+    Answer finish();
+    bool moveMemory(std::size_t total, const PieceRequest& request, const PieceAnswer& take);
     std::uint64_t moveBlocks(const char* operation, const DeviceId& device, const Arguments& rest);
 
     Session& m_session;

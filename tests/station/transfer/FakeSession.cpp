@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <random>
+#include <utility>
 
 #include "client/Failure.h"
 #include "client/Hex.h"
@@ -46,8 +47,30 @@ std::string variedBytes(std::size_t count) {
 
 FakeSession::FakeSession() : m_buffer(static_cast<char*>(std::calloc(kBufferSize, 1)), &std::free) {}
 
-Answer FakeSession::execute(const std::string& name, const std::vector<std::string>& arguments,
-                            const InfoSink& onInfo) {
+void FakeSession::begin(const std::string& name, const std::vector<std::string>& arguments) {
+    Outcome outcome;
+    try {
+        outcome.answer = run(name, arguments,
+                             [&](const std::string& message) { outcome.messages.push_back(message); });
+    } catch (...) {
+        outcome.failure = std::current_exception();
+    }
+    m_underWay.push_back(std::move(outcome));
+    m_mostUnderWay = std::max(m_mostUnderWay, m_underWay.size());
+}
+
+Answer FakeSession::finish(const InfoSink& onInfo) {
+    const Outcome outcome = std::move(m_underWay.front());
+    m_underWay.pop_front();
+    for (const std::string& message : outcome.messages)
+        onInfo(message);
+    if (outcome.failure)
+        std::rethrow_exception(outcome.failure);
+    return outcome.answer;
+}
+
+Answer FakeSession::run(const std::string& name, const std::vector<std::string>& arguments,
+                        const InfoSink& onInfo) {
     std::string request = name;
     for (const std::string& argument : arguments)
         request += ' ' + (isEncodedArgument(argument) ? "DATA" : argument);

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <deque>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -22,8 +24,15 @@ public:
 
     FakeSession();
 
-    Answer execute(const std::string& name, const std::vector<std::string>& arguments,
-                   const InfoSink& onInfo) override;
+    std::size_t widen() override { return width; }
+    /// Carries the command out.
+    void begin(const std::string& name, const std::vector<std::string>& arguments) override;
+    Answer finish(const InfoSink& onInfo) override;
+    void abandon() override { m_underWay.clear(); }
+
+    std::size_t width = 1; ///< how many commands may be under way
+    std::size_t mostUnderWay() const { return m_mostUnderWay; }
+    bool isIdle() const { return m_underWay.empty(); }
 
     /// Called with the request's words and its number, from 1 on, before it is carried out. May throw,
     /// or give an answer in place of the unit's.
@@ -44,6 +53,15 @@ public:
     bool isOpen = false;
 
 private:
+    /// What the unit has said to a command, or why it has not.
+    struct Outcome {
+        std::vector<std::string> messages;
+        Answer answer;
+        std::exception_ptr failure;
+    };
+
+    Answer run(const std::string& name, const std::vector<std::string>& arguments,
+               const InfoSink& onInfo);
     Answer carryOut(const std::string& name, const std::vector<std::string>& arguments,
                     const InfoSink& onInfo);
     Answer memory(const std::vector<std::string>& arguments, const InfoSink& onInfo);
@@ -53,6 +71,8 @@ private:
     // Large and hardly touched: pages that nobody writes take no memory.
     std::unique_ptr<char, decltype(&std::free)> m_buffer;
     std::vector<std::string> m_requests;
+    std::deque<Outcome> m_underWay;
+    std::size_t m_mostUnderWay = 0;
 };
 
 /// An answer that refuses, after the message.

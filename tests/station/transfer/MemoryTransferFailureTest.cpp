@@ -92,6 +92,28 @@ TEST_F(MemoryTransferFailure, MovesASliceAgainOfWhichARequestWasDamaged) {
     EXPECT_EQ(session.bufferBytes(0, m_bytes.size()), m_bytes);
 }
 
+TEST_F(MemoryTransferFailure, LeavesNothingUnderWay) {
+    session.width = 4;
+    session.before = [](const std::string& request, std::size_t number) -> std::optional<Answer> {
+        if (number == 6)
+            return Answer{"Error 0x8000400", 0x08000400};
+        if (number == 10 && request.compare(0, 6, "memory") == 0)
+            return Answer{"Error 0x8000100", 0x08000100};
+        return std::nullopt;
+    };
+    EXPECT_EQ(failureOf<Refused>(upload()), "refused: Error 0x8000100");
+    EXPECT_TRUE(session.isIdle());
+    EXPECT_EQ(figures.retries, 1U) << "moved again after the damaged one";
+
+    cutAt(session.requests().size() + 3);
+    EXPECT_EQ(failureOf<Failure>(download()), "cut");
+    EXPECT_TRUE(session.isIdle());
+
+    interruptAt(session.requests().size() + 3);
+    EXPECT_EQ(failureOf<Interrupted>(upload()), "interrupted by SIGTERM");
+    EXPECT_TRUE(session.isIdle());
+}
+
 TEST_F(MemoryTransferFailure, ReadsASliceAgainOfWhichARequestWasDamaged) {
     bool isDamaged = false;
     session.after = [&](const std::string& request, Answer& answer) {

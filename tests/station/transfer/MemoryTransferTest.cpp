@@ -83,6 +83,20 @@ TEST_F(MemoryTransfer, BringsEachSizeThereAndBack) {
     }
 }
 
+TEST_F(MemoryTransfer, HasSeveralRequestsUnderWayWhereThatWorks) {
+    session.width = 4;
+    for (const std::size_t requests : {1U, 3U, 4U, 5U, 300U}) {
+        SCOPED_TRACE(requests);
+        const std::string bytes = variedBytes(requests * kMostRequestBytes - 1);
+        run(upload(bytes, 7));
+        EXPECT_TRUE(session.bufferBytes(7, bytes.size()) == bytes);
+        run(download(7, bytes.size()));
+        EXPECT_TRUE(contentOf(path("target")) == bytes);
+        EXPECT_TRUE(session.isIdle());
+    }
+    EXPECT_EQ(session.mostUnderWay(), 4U);
+}
+
 TEST_F(MemoryTransfer, ChecksSeveralSlicesAsAWhole) {
     const std::size_t size = MemoryMover::kMostSliceBytes + 10;
     run(upload(variedBytes(size), 7));
