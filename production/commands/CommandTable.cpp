@@ -1,7 +1,9 @@
 #include "commands/DCmd.h"
 #include "commands/ECmd.h"
+#include "commands/GCmd.h"
 #include "commands/IWriteCmd.h"
 #include "commands/PWriteCmd.h"
+#include "commands/SWriteCmd.h"
 #include "commands/ackCmd.h"
 #include "commands/cReadCmd.h"
 #include "commands/iReadCmd.h"
@@ -16,6 +18,7 @@ void Handler::initHandler() {
     ackCmd::getInstance();
     DCmd::getInstance();
     ECmd::getInstance();
+    GCmd::getInstance();
     iReadCmd::getInstance();
     IWriteCmd::getInstance();
     mCmd::getInstance();
@@ -23,6 +26,7 @@ void Handler::initHandler() {
     PWriteCmd::getInstance();
     sReadCmd::getInstance();
     cReadCmd::getInstance();
+    SWriteCmd::getInstance();
     tCmd::getInstance();
     start();
 }

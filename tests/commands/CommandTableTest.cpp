@@ -3,8 +3,10 @@
 #include "commands/DCmd.h"
 #include "commands/ECmd.h"
 #include "commands/ErrorCmd.h"
+#include "commands/GCmd.h"
 #include "commands/IWriteCmd.h"
 #include "commands/PWriteCmd.h"
+#include "commands/SWriteCmd.h"
 #include "commands/ackCmd.h"
 #include "commands/cReadCmd.h"
 #include "commands/iReadCmd.h"
@@ -36,11 +38,12 @@ TEST(CommandTableTest, EveryCommandIsReachableByItsIdAndItsName) {
     EXPECT_TRUE(eventually([&] { return handler.getState() == StatedThread::Started; }));
 
     const Entry entries[] = {
-        {ackCmd::getInstance(), 0x06, "ack"},     {DCmd::getInstance(), 'D', "diag"},
-        {ECmd::getInstance(), 'E', "audio"},      {iReadCmd::getInstance(), 'i', "i2c"},
-        {IWriteCmd::getInstance(), 'I', ""},      {mCmd::getInstance(), 'm', "blockdev"},
-        {pReadCmd::getInstance(), 'p', "port"},   {PWriteCmd::getInstance(), 'P', ""},
-        {sReadCmd::getInstance(), 's', "status"}, {cReadCmd::getInstance(), 'c', "exec"},
+        {ackCmd::getInstance(), 0x06, "ack"},   {DCmd::getInstance(), 'D', "diag"},
+        {ECmd::getInstance(), 'E', "audio"},    {GCmd::getInstance(), 'G', "graphic"},
+        {iReadCmd::getInstance(), 'i', "i2c"},  {IWriteCmd::getInstance(), 'I', ""},
+        {mCmd::getInstance(), 'm', "blockdev"}, {pReadCmd::getInstance(), 'p', "port"},
+        {PWriteCmd::getInstance(), 'P', ""},    {sReadCmd::getInstance(), 's', "status"},
+        {cReadCmd::getInstance(), 'c', "exec"}, {SWriteCmd::getInstance(), 'S', "serial"},
         {tCmd::getInstance(), 't', "memory"},
     };
     for (const Entry& entry : entries) {

@@ -17,15 +17,10 @@ bool isSocket(int descriptor) {
     return ::fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode);
 }
 
-bool isSocketAt(const char* path) {
-    struct stat status {};
-    return ::stat(path, &status) == 0 && S_ISSOCK(status.st_mode);
-}
-
 } // namespace
 
 Descriptor openDevice(const char* path) {
-    if (isSocketAt(path))
+    if (ManagerSocket::isAt(path))
         return ManagerSocket::connect(path);
     return Descriptor(::open(path, O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
 }

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -167,6 +168,11 @@ bool isOver(int socket) {
 }
 
 } // namespace
+
+bool isAt(const char* path) {
+    struct stat status {};
+    return ::stat(path, &status) == 0 && S_ISSOCK(status.st_mode);
+}
 
 Descriptor connect(const char* path) {
     Descriptor socket = connectTo(path);

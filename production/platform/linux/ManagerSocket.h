@@ -16,6 +16,9 @@ namespace ManagerSocket {
 /// The longest that a request waits for its answer.
 constexpr std::chrono::seconds kLongestAnswer{10};
 
+/// Whether a manager's socket is what the path leads to.
+bool isAt(const char* path);
+
 /// Empty and errno on failure.
 Descriptor connect(const char* path);
 

@@ -163,7 +163,9 @@ bool isListening() {
 
 bool isBannerOnly(const std::string& error) {
     const std::size_t end = error.find(kStartEnd);
-    return end != std::string::npos && end + std::strlen(kStartEnd) == error.size() &&
-           matchesWhole(error.substr(0, end),
-                        "Production Test Server \\(Build " + std::string(kBuildStampPattern) + "\\)\n");
+    return end != std::string::npos &&
+           matchesWhole(error.substr(0, end), "Production Test Server \\(Build " +
+                                                  std::string(kBuildStampPattern) + "\\)\n") &&
+           matchesWhole(error.substr(end + std::strlen(kStartEnd)),
+                        "(" + std::string(kSlowCommand) + ")*");
 }

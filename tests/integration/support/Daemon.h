@@ -78,5 +78,9 @@ constexpr char kStartEnd[] =
     "Prod.testserver: BlockDevice /dev/sda0 is not available\n"
     "Prod.testserver: BlockDevice /dev/sdb0 is not available\n";
 
+/// What it says when a command has taken long, which on a busy machine any may.
+constexpr char kSlowCommand[] =
+    "Prod\\.testserver: ### ATTENTION: Command-Runtime for \"[a-z0-9]*\": [0-9]+ ms\n";
+
 /// Everything that a daemon without trouble writes to standard error.
 bool isBannerOnly(const std::string& error);

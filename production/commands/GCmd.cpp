@@ -1,0 +1,101 @@
+#include "commands/GCmd.h"
+
+#include <new>
+
+#include "commands/cReadCmd.h"
+#include "core/Diagnostics.h"
+#include "core/ProcessResponseAscii.h"
+#include "core/TokenText.h"
+
+namespace {
+
+constexpr int kDisplay = 0xA0;
+constexpr int kDisplayLength = 5;
+constexpr int kCapture = 0xA1;
+constexpr int kCaptureLength = 6;
+constexpr std::size_t kFewestTokens = 2;
+constexpr std::size_t kTokens = 4;
+constexpr char kDisplayWord[] = "display";
+constexpr char kCaptureWord[] = "capture";
+
+constexpr char kImageVersion[] = "/mnt/app/img_ver.txt";
+
+constexpr char kInvalidLength[] = "Invalid Command Length";
+constexpr char kUnknownSubCommand[] = "Unknown 'G' subcommand: %02x";
+constexpr char kNoSubCommand[] = "Expected a subcommand!";
+constexpr char kUnknownWord[] = "Unknown 'graphic' subcommand: %s";
+constexpr char kNoPicture[] = "Expected an output channel and a picture index!";
+constexpr char kNoChannels[] = "Expected an input channel and an output channel!";
+constexpr char kNoVariant[] = "  \u00BB The variant could not be detected using the default variant %s";
+
+ProcessResponse* genericError(const char* text) {
+    return new ProcessResponse(ProcessResponse::kGenericError, "%s", text);
+}
+
+/// A text that does not fit into memory names no variant: the daemon has to start all the same.
+std::string imageVersion() {
+    try {
+        return readFileToString(kImageVersion);
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+} // namespace
+
+System::Mutex GCmd::s_singleton_mutex(System::Mutex::Normal);
+
+GCmd* GCmd::getInstance() {
+    const System::Lock lock(s_singleton_mutex);
+    static GCmd* const instance = new GCmd;
+    return instance;
+}
+
+GCmd::GCmd()
+    : AbstractCmd('G', "graphic", true),
+      m_variants{{PAG, "PAG"}, {G11, "G11"}, {G22, "G22"}, {G24, "G24"}, {G21, "G21"}} {
+    m_variant = getVariant();
+}
+
+GCmd::variant_type GCmd::getVariant() const {
+    const std::string text = imageVersion();
+    for (const auto& [variant, name] : m_variants) {
+        if (text.find(name) != std::string::npos)
+            return variant;
+    }
+    printDiagnostic(string_format(kNoVariant, m_variants.at(PAG).c_str()));
+    return PAG;
+}
+
+ProcessResponse* GCmd::process(std::vector<unsigned char>* request) {
+    const int subCommand = tavrin_getCommand(request);
+    if (subCommand != kDisplay && subCommand != kCapture)
+        return new ProcessResponse(ProcessResponse::kGenericError, kUnknownSubCommand,
+                                   static_cast<unsigned>(subCommand));
+    const bool isDisplay = subCommand == kDisplay;
+    if (tavrin_getRequestLen(request) != (isDisplay ? kDisplayLength : kCaptureLength))
+        return genericError(kInvalidLength);
+    const ProcessResponse result = isDisplay ? displayTestImage((*request)[3], (*request)[4])
+                                             : captureFrame((*request)[4], (*request)[5]);
+    if (result.code != ProcessResponse::kSuccess)
+        return new ProcessResponse(result);
+    return new ProcessResponseTavrin(ProcessResponse::kSuccess, "");
+}
+
+ProcessResponse* GCmd::process(std::vector<std::vector<char>>& tokens) {
+    if (tokens.size() < kFewestTokens)
+        return genericError(kNoSubCommand);
+    const bool isDisplay = beginsWith(tokens[1], kDisplayWord);
+    if (!isDisplay && !beginsWith(tokens[1], kCaptureWord))
+        return new ProcessResponse(ProcessResponse::kGenericError, kUnknownWord,
+                                   tokenText(tokens[1]).c_str());
+    if (tokens.size() < kTokens)
+        return genericError(isDisplay ? kNoPicture : kNoChannels);
+    const auto first = static_cast<unsigned char>(ascii_getInt(tokens[2]));
+    const auto second = static_cast<unsigned char>(ascii_getInt(tokens[3]));
+    const ProcessResponse result =
+        isDisplay ? displayTestImage(first, second) : captureFrame(first, second);
+    if (result.code != ProcessResponse::kSuccess)
+        return new ProcessResponse(result);
+    return new ProcessResponseAscii(ProcessResponse::kSuccess, "");
+}

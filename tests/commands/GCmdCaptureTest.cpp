@@ -1,0 +1,249 @@
+// Routing a video input: what reaches the two tools, in which order, and what a failing one leads to.
+#include "support/GraphicsUnit.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+constexpr unsigned int kInvalidOutput = 0x49000002;
+constexpr unsigned int kInvalidInput = 0x49000008;
+
+/// How an input's layer is made and shown.
+struct Input {
+    unsigned char number;
+    const char* make;
+    const char* show;
+    bool isRetried;
+};
+
+constexpr Input kInputs[] = {
+    {3, "dmdt|dc|99|-125", "dmdt|sc|0|99", false},
+    {0, "dmdt|dc|98|47", "dmdt|sc|0|98", false},
+    {2, "dmdt|dc|97|48", "dmdt|sc|0|97", true},
+};
+
+class GCmdCaptureTest : public GraphicsUnit {
+protected:
+    static std::string errorOutputOfOutputOne() {
+        ::testing::internal::CaptureStderr();
+        expectSuccess(graphics().captureFrame(0, 1));
+        return ::testing::internal::GetCapturedStderr();
+    }
+};
+
+} // namespace
+
+TEST_F(GCmdCaptureTest, EachInputHasALayerThatIsMadeOnce) {
+    inFreshProcess([] {
+        for (const Input& input : kInputs) {
+            SCOPED_TRACE(int{input.number});
+            expectSuccess(graphics().captureFrame(input.number, 0));
+            EXPECT_THAT(calls(), ElementsAre(input.make, input.show));
+            EXPECT_EQ(environment(),
+                      "/root/lib-target:/vrk/lib:/armle/lib:/armle/lib/dll /etc/vrk/production\n");
+        }
+        for (const Input& input : kInputs) {
+            SCOPED_TRACE(int{input.number});
+            expectSuccess(graphics().captureFrame(input.number, 0));
+            EXPECT_THAT(calls(), ElementsAre(input.show));
+        }
+    });
+}
+
+TEST_F(GCmdCaptureTest, ALayerThatCouldNotBeMadeIsTriedAgainForOneInputOnly) {
+    for (const Input& input : kInputs) {
+        SCOPED_TRACE(int{input.number});
+        inFreshProcess([&input] {
+            failAt({input.make});
+            expectToolFailure(graphics().captureFrame(input.number, 0));
+            EXPECT_THAT(calls(), ElementsAre(input.make));
+            failAt({});
+            expectSuccess(graphics().captureFrame(input.number, 0));
+            if (input.isRetried) {
+                EXPECT_THAT(calls(), ElementsAre(input.make, input.show));
+            } else {
+                EXPECT_THAT(calls(), ElementsAre(input.show));
+            }
+            expectSuccess(graphics().captureFrame(input.number, 0));
+            EXPECT_THAT(calls(), ElementsAre(input.show));
+        });
+    }
+}
+
+TEST_F(GCmdCaptureTest, ALayerThatKeepsFailingIsTriedEachTimeForOneInputOnly) {
+    for (const Input& input : kInputs) {
+        SCOPED_TRACE(int{input.number});
+        inFreshProcess([&input] {
+            failAt({input.make});
+            graphics().captureFrame(input.number, 0);
+            calls();
+            const ProcessResponse second = graphics().captureFrame(input.number, 0);
+            if (input.isRetried) {
+                expectToolFailure(second);
+                EXPECT_THAT(calls(), ElementsAre(input.make));
+            } else {
+                expectSuccess(second);
+                EXPECT_THAT(calls(), ElementsAre(input.show));
+            }
+        });
+    }
+}
+
+TEST_F(GCmdCaptureTest, ALayerThatCannotBeShownIsNotMadeAgain) {
+    for (const Input& input : kInputs) {
+        SCOPED_TRACE(int{input.number});
+        inFreshProcess([&input] {
+            failAt({input.show});
+            expectToolFailure(graphics().captureFrame(input.number, 0));
+            EXPECT_THAT(calls(), ElementsAre(input.make, input.show));
+            expectToolFailure(graphics().captureFrame(input.number, 0));
+            EXPECT_THAT(calls(), ElementsAre(input.show));
+            failAt({});
+            expectSuccess(graphics().captureFrame(input.number, 0));
+            EXPECT_THAT(calls(), ElementsAre(input.show));
+        });
+    }
+}
+
+TEST_F(GCmdCaptureTest, TheSecondOutputWarnsAndTakesTheFirstDisplay) {
+    inFreshProcess([] {
+        EXPECT_EQ(errorOutputOfOutputOne(),
+                  "Prod.testserver: GCmd: Failure in callig captureFrame function, invalid output "
+                  "channel: 1\n"
+                  "Prod.testserver: GCmd: Choosing LVDS0 as default output channel\n");
+        EXPECT_THAT(calls(), ElementsAre("dmdt|dc|98|47", "dmdt|sc|0|98"));
+    });
+}
+
+TEST_F(GCmdCaptureTest, TheFirstOutputDoesNotWarn) {
+    inFreshProcess([] {
+        graphics();
+        ::testing::internal::CaptureStderr();
+        expectSuccess(graphics().captureFrame(0, 0));
+        EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    });
+}
+
+TEST_F(GCmdCaptureTest, AViewerThatRunsIsEndedOnce) {
+    inFreshProcess([] {
+        graphics().displayTestImage(2, 0);
+        calls();
+        expectSuccess(graphics().captureFrame(3, 0));
+        EXPECT_THAT(calls(), ElementsAre("showimage|q", "dmdt|dc|99|-125", "dmdt|sc|0|99"));
+        expectSuccess(graphics().captureFrame(3, 0));
+        EXPECT_THAT(calls(), ElementsAre("dmdt|sc|0|99"));
+        expectSuccess(graphics().displayTestImage(2, 0));
+        EXPECT_EQ(calls(), joined({"showimage"}, showing(0, 4)));
+    });
+}
+
+TEST_F(GCmdCaptureTest, ARefusedRequestEndsTheViewerAllTheSame) {
+    struct Row {
+        unsigned char input;
+        unsigned char output;
+        unsigned int code;
+        const char* text;
+    };
+    const Row rows[] = {{3, 2, kInvalidOutput, "The output channel : 2 is invalid for video"},
+                        {1, 0, kInvalidInput, "The input channel : 1 is invalid for video"}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        inFreshProcess([&row] {
+            graphics().displayTestImage(2, 0);
+            calls();
+            expectError(graphics().captureFrame(row.input, row.output), row.code, row.text);
+            EXPECT_THAT(calls(), ElementsAre("showimage|q"));
+            expectError(graphics().captureFrame(row.input, row.output), row.code, row.text);
+            EXPECT_THAT(calls(), IsEmpty());
+        });
+    }
+}
+
+TEST_F(GCmdCaptureTest, AViewerThatCannotBeEndedIsNoHindrance) {
+    inFreshProcess([] {
+        graphics().displayTestImage(2, 0);
+        calls();
+        failAt({"showimage|q"});
+        expectSuccess(graphics().captureFrame(0, 0));
+        EXPECT_THAT(calls(), ElementsAre("showimage|q", "dmdt|dc|98|47", "dmdt|sc|0|98"));
+        expectSuccess(graphics().captureFrame(0, 0));
+        EXPECT_THAT(calls(), ElementsAre("dmdt|sc|0|98"));
+    });
+}
+
+TEST_F(GCmdCaptureTest, AViewerWhoseStartFailedIsEnded) {
+    inFreshProcess([] {
+        failAt({"showimage"});
+        expectToolFailure(graphics().displayTestImage(2, 0));
+        EXPECT_THAT(calls(), ElementsAre("showimage"));
+        expectSuccess(graphics().captureFrame(2, 0));
+        EXPECT_THAT(calls(), ElementsAre("showimage|q", "dmdt|dc|97|48", "dmdt|sc|0|97"));
+    });
+}
+
+TEST_F(GCmdCaptureTest, TheBlackLayerIsNoneOfTheInputs) {
+    inFreshProcess([] {
+        expectSuccess(graphics().switchToBlack(0));
+        EXPECT_THAT(calls(), ElementsAre("dmdt|dc|100|-9999", "dmdt|sc|0|100"));
+        expectSuccess(graphics().switchToBlack(1));
+        EXPECT_THAT(calls(), ElementsAre("dmdt|sc|1|100"));
+        expectSuccess(graphics().switchToBlack(4));
+        EXPECT_THAT(calls(), IsEmpty());
+        expectSuccess(graphics().captureFrame(0, 0));
+        EXPECT_THAT(calls(), ElementsAre("dmdt|dc|98|47", "dmdt|sc|0|98"));
+    });
+}
+
+TEST_F(GCmdCaptureTest, AToolHasFiveSeconds) {
+    inFreshProcess([] {
+        hangAt("dmdt|dc|97|48");
+        expectError(graphics().captureFrame(2, 0), kGenericError,
+                    "Process /vrk/bin/apps/dmdt dc 97 48 was killed after timeout\nstdout+err:\n\n");
+        EXPECT_THAT(calls(), ElementsAre("dmdt|dc|97|48"));
+    });
+}
+
+TEST_F(GCmdCaptureTest, AToolThatEndsWithAnErrorOrIsMissingIsNoFailure) {
+    inFreshProcess([] {
+        write("/vrk/bin/apps/dmdt", "#!/bin/sh\necho no display\nexit 1\n");
+        expectSuccess(graphics().captureFrame(3, 0));
+        EXPECT_EQ(read(kCaptureFile), "no display\n");
+        remove("/vrk/bin/apps/dmdt");
+        expectSuccess(graphics().captureFrame(3, 0));
+        EXPECT_THAT(read(kCaptureFile), ::testing::HasSubstr("not found"));
+    });
+}
+
+TEST_F(GCmdCaptureTest, BothProtocolsRouteInputs) {
+    inFreshProcess([this] {
+        graphics();
+        EXPECT_EQ(m_frontEnd.send(Bytes{0x06, 'G', 0xA1, 0x77, 3, 0}),
+                  (Bytes{8, 'G', 0xA1, 0x77, 0, 0, 0, 0}));
+        EXPECT_THAT(m_frontEnd.frames, IsEmpty());
+        EXPECT_THAT(calls(), ElementsAre("dmdt|dc|99|-125", "dmdt|sc|0|99"));
+        for (const Calls& words : {Calls{"graphic", "capture", "3", "0"},
+                                   Calls{"graphic", "captured", "0x3", "nothing", "more"},
+                                   Calls{"graphic", "capture", "259", "256"}}) {
+            SCOPED_TRACE(::testing::PrintToString(words));
+            EXPECT_EQ(m_frontEnd.sendWords(words), "graphic ok");
+            EXPECT_THAT(m_frontEnd.lines, IsEmpty());
+            EXPECT_THAT(calls(), ElementsAre("dmdt|sc|0|99"));
+        }
+    });
+}
+
+TEST_F(GCmdCaptureTest, TheSameResponseComesInEitherProtocol) {
+    const unsigned int before = ProcessResponse::m_counter;
+    {
+        Bytes request = {0x06, 'G', 0xA1, 0, 0, 0};
+        const Response binary(graphics().process(&request));
+        expectSuccess(*binary);
+        EXPECT_THAT(frameOf(*binary), IsEmpty());
+        std::vector<std::vector<char>> list = tokens({"graphic", "capture", "0", "0"});
+        const Response ascii(graphics().process(list));
+        expectSuccess(*ascii);
+        EXPECT_EQ(answerOf(*ascii), "ok");
+    }
+    EXPECT_EQ(ProcessResponse::m_counter, before);
+}

@@ -1,0 +1,190 @@
+// Showing a picture: what reaches the two tools, in which order, and what a failing one leads to.
+#include "support/GraphicsUnit.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+const Calls kMakeBlack = {"dmdt|dc|100|-9999"};
+const Calls kShowBlack = {"dmdt|sc|0|100"};
+const Calls kStart = {"showimage"};
+const Calls kQuit = {"showimage|q"};
+
+/// The first picture of a process, and a later one.
+const Calls kFirst = joined(joined(kMakeBlack, kShowBlack), joined(kStart, showing(0, 0)));
+const Calls kLater = joined(kShowBlack, showing(0, 0));
+
+/// So many steps of the first picture.
+Calls firstSteps(std::ptrdiff_t count) {
+    return {kFirst.begin(), kFirst.begin() + count};
+}
+
+constexpr char kEnvironment[] =
+    "/root/lib-target:/vrk/lib:/armle/lib:/armle/lib/dll /etc/vrk/production\n";
+
+class GCmdDisplayTest : public GraphicsUnit {};
+
+} // namespace
+
+TEST_F(GCmdDisplayTest, TheFirstPictureComesAfterABlackLayerAndTheStartOfTheViewer) {
+    inFreshProcess([] {
+        expectSuccess(graphics().displayTestImage(0, 0));
+        EXPECT_EQ(calls(), kFirst);
+        EXPECT_EQ(environment(), kEnvironment);
+        EXPECT_TRUE(read(unpackedPath(0)) == pictureContent(0));
+    });
+}
+
+TEST_F(GCmdDisplayTest, TheCommandLinesAreTheseLetterForLetter) {
+    inFreshProcess([] {
+        expectSuccess(graphics().displayTestImage(0, 2));
+        EXPECT_THAT(calls(),
+                    ElementsAre("dmdt|dc|100|-9999", "dmdt|sc|0|100", "showimage", "showimage|h|0",
+                                "showimage|h|4", "showimage|si|/tmp/greyscale_11bars_888_800x480.bmp",
+                                "showimage|s|0"));
+    });
+}
+
+TEST_F(GCmdDisplayTest, ALaterPictureFindsTheViewerRunning) {
+    inFreshProcess([] {
+        graphics().displayTestImage(0, 0);
+        calls();
+        for (int time = 0; time < 2; ++time) {
+            expectSuccess(graphics().displayTestImage(0, 0));
+            EXPECT_EQ(calls(), kLater);
+        }
+    });
+}
+
+TEST_F(GCmdDisplayTest, EachPictureHasItsFile) {
+    inFreshProcess([] {
+        graphics().displayTestImage(0, 0);
+        calls();
+        for (unsigned char index = 0; index < 3; ++index) {
+            SCOPED_TRACE(int{index});
+            expectSuccess(graphics().displayTestImage(0, index));
+            EXPECT_EQ(calls(), joined(kShowBlack, showing(index, 0)));
+            EXPECT_TRUE(read(unpackedPath(index)) == pictureContent(index));
+        }
+    });
+}
+
+TEST_F(GCmdDisplayTest, TheSecondOutputHasNoBlackLayer) {
+    inFreshProcess([] {
+        expectSuccess(graphics().displayTestImage(2, 1));
+        EXPECT_EQ(calls(), joined(kStart, showing(1, 4)));
+        EXPECT_EQ(environment(), kEnvironment);
+        expectSuccess(graphics().displayTestImage(2, 0));
+        EXPECT_EQ(calls(), showing(0, 4));
+        expectSuccess(graphics().displayTestImage(0, 0));
+        EXPECT_EQ(calls(), joined(kMakeBlack, kLater)) << "the viewer serves both outputs";
+    });
+}
+
+TEST_F(GCmdDisplayTest, AToolMayFailAtAnyStep) {
+    const Calls restart = joined(kShowBlack, joined(kStart, showing(0, 0)));
+    struct Row {
+        std::string failing;
+        Calls first;
+        Calls second; ///< of the next request, when nothing fails any more
+    };
+    const Row rows[] = {
+        {"dmdt|dc|100|-9999", kMakeBlack, restart},
+        {"dmdt|sc|0|100", joined(kMakeBlack, kShowBlack), restart},
+        {"showimage", joined(kMakeBlack, joined(kShowBlack, kStart)), kLater},
+        {"showimage|h|0", joined(firstSteps(4), kQuit), restart},
+        {"showimage|h|4", joined(firstSteps(5), kQuit), restart},
+        {kFirst[5], joined(firstSteps(6), kQuit), restart},
+        {"showimage|s|0", joined(kFirst, kQuit), restart},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.failing);
+        inFreshProcess([&row] {
+            failAt({row.failing});
+            expectToolFailure(graphics().displayTestImage(0, 0));
+            EXPECT_EQ(calls(), row.first);
+            failAt({});
+            expectSuccess(graphics().displayTestImage(0, 0));
+            EXPECT_EQ(calls(), row.second);
+        });
+    }
+}
+
+TEST_F(GCmdDisplayTest, AViewerThatRunsMayFailTooAndIsStartedAnew) {
+    inFreshProcess([] {
+        graphics().displayTestImage(2, 0);
+        calls();
+        failAt({"showimage|s|4"});
+        expectToolFailure(graphics().displayTestImage(2, 0));
+        EXPECT_EQ(calls(), joined(showing(0, 4), kQuit));
+        failAt({});
+        expectSuccess(graphics().displayTestImage(2, 0));
+        EXPECT_EQ(calls(), joined(kStart, showing(0, 4)));
+    });
+}
+
+TEST_F(GCmdDisplayTest, AnEndThatFailsTooChangesNothing) {
+    inFreshProcess([] {
+        remove(packedPath(0));
+        failAt({"showimage|q"});
+        expectError(graphics().displayTestImage(2, 0), kGenericError, "path to test image not found");
+        EXPECT_THAT(calls(), ElementsAre("showimage", "showimage|h|0", "showimage|h|4", "showimage|q"));
+        expectSuccess(graphics().displayTestImage(2, 1));
+        EXPECT_EQ(calls(), joined(kStart, showing(1, 4)));
+    });
+}
+
+TEST_F(GCmdDisplayTest, APictureThatIsMissingEndsTheViewer) {
+    inFreshProcess([] {
+        remove(packedPath(0));
+        expectError(graphics().displayTestImage(0, 0), kGenericError, "path to test image not found");
+        EXPECT_EQ(calls(), joined(firstSteps(5), kQuit));
+        EXPECT_FALSE(exists(unpackedPath(0)));
+        pack(packedPath(0), pictureContent(0));
+        expectSuccess(graphics().displayTestImage(0, 0));
+        EXPECT_EQ(calls(), joined(kShowBlack, joined(kStart, showing(0, 0))));
+    });
+}
+
+TEST_F(GCmdDisplayTest, BothProtocolsShowPictures) {
+    inFreshProcess([this] {
+        graphics();
+        EXPECT_EQ(m_frontEnd.send(Bytes{0x05, 'G', 0xA0, 2, 1}), (Bytes{8, 'G', 0xA0, 2, 0, 0, 0, 0}));
+        EXPECT_THAT(m_frontEnd.frames, IsEmpty());
+        EXPECT_EQ(calls(), joined(kStart, showing(1, 4)));
+        for (const Calls& words :
+             {Calls{"graphic", "display", "2", "1"},
+              Calls{"graphic", "displayed", "0x2", "0x01", "more"},
+              Calls{"graphic", "display", "258", "257"}, Calls{"graphic", "display", "-254", "-255"}}) {
+            SCOPED_TRACE(::testing::PrintToString(words));
+            EXPECT_EQ(m_frontEnd.sendWords(words), "graphic ok");
+            EXPECT_THAT(m_frontEnd.lines, IsEmpty());
+            EXPECT_EQ(calls(), showing(1, 4));
+        }
+    });
+}
+
+TEST_F(GCmdDisplayTest, BothProtocolsPassAFailureOn) {
+    graphics();
+    remove(packedPath(0));
+    EXPECT_EQ(m_frontEnd.send(Bytes{0x05, 'G', 0xA0, 2, 0}), (Bytes{8, 'G', 0xA0, 2, 1, 1, 0, 0}));
+    EXPECT_THAT(m_frontEnd.frames, ElementsAre(debugFrame("path to test image not found")));
+    EXPECT_EQ(m_frontEnd.sendWords({"graphic", "display", "2", "0"}), "graphic Error 0x1010000");
+    EXPECT_THAT(m_frontEnd.lines, ElementsAre(infoLine("path to test image not found")));
+}
+
+TEST_F(GCmdDisplayTest, TheSameResponseComesInEitherProtocol) {
+    const unsigned int before = ProcessResponse::m_counter;
+    {
+        Bytes request = {0x05, 'G', 0xA0, 2, 0};
+        const Response binary(graphics().process(&request));
+        expectSuccess(*binary);
+        EXPECT_THAT(frameOf(*binary), IsEmpty());
+        std::vector<std::vector<char>> list = tokens({"graphic", "display", "2", "0"});
+        const Response ascii(graphics().process(list));
+        expectSuccess(*ascii);
+        EXPECT_EQ(answerOf(*ascii), "ok");
+    }
+    EXPECT_EQ(ProcessResponse::m_counter, before);
+}

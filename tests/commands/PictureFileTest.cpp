@@ -1,0 +1,284 @@
+#include "commands/PictureFile.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "platform/Descriptor.h"
+#include "support/PackedPicture.h"
+#include "support/RefusedResources.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void write(const std::string& path, const std::string& content) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file << content;
+    ASSERT_TRUE(file.flush()) << path;
+}
+
+std::string read(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+bool exists(const std::string& path) {
+    return fs::exists(fs::symlink_status(path));
+}
+
+/// The number that the next descriptor will get.
+int nextDescriptor() {
+    return System::Descriptor(::dup(STDERR_FILENO)).get();
+}
+
+/// Files may not grow beyond so many bytes, which is how a full disk looks to whoever writes one.
+class FullDisk {
+public:
+    explicit FullDisk(rlim_t bytes) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        rlimit now = m_before;
+        now.rlim_cur = bytes;
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &now), 0);
+    }
+    ~FullDisk() { EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &m_before), 0); }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit m_before{};
+};
+
+class PictureFileTest : public ::testing::Test {
+protected:
+    PictureFileTest() {
+        std::string pattern = (fs::temp_directory_path() / "picture-file-XXXXXX").string();
+        EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
+        m_folder = fs::canonical(pattern);
+    }
+    ~PictureFileTest() override { fs::remove_all(m_folder); }
+
+    std::string in(const std::string& name) const { return (m_folder / name).string(); }
+    std::string packed() const { return in("picture.bmp.gz"); }
+    std::string unpacked() const { return in("picture.bmp"); }
+    std::string unpack() const { return PictureFile::unpack(packed().c_str(), unpacked().c_str()); }
+
+    /// That the packed file cannot be unpacked, and that nothing of it is left.
+    void expectRefused(const std::string& text) const {
+        EXPECT_EQ(unpack(), text);
+        EXPECT_FALSE(exists(unpacked()));
+        EXPECT_FALSE(PictureFile::isUnpacked(unpacked().c_str()));
+    }
+
+private:
+    fs::path m_folder;
+};
+
+} // namespace
+
+TEST_F(PictureFileTest, UnpacksAPicture) {
+    pack(packed(), pictureContent(1));
+    EXPECT_EQ(unpack(), "");
+    EXPECT_TRUE(read(unpacked()) == pictureContent(1));
+    EXPECT_TRUE(PictureFile::isUnpacked(unpacked().c_str()));
+    EXPECT_EQ(PictureFile::kBytes, static_cast<int>(kPictureBytes));
+}
+
+TEST_F(PictureFileTest, WhatIsBehindAPictureIsLeftOut) {
+    for (const std::size_t size : {kPictureBytes, kPictureBytes + 1, 2 * kPictureBytes}) {
+        SCOPED_TRACE(size);
+        const std::string content = pictureContent(2, size);
+        pack(packed(), content);
+        EXPECT_EQ(unpack(), "");
+        EXPECT_TRUE(read(unpacked()) == content.substr(0, kPictureBytes));
+    }
+}
+
+TEST_F(PictureFileTest, ALackOfBytesIsNotMadeUp) {
+    for (const std::size_t size : {std::size_t{1}, std::size_t{54}, kPictureBytes - 1}) {
+        SCOPED_TRACE(size);
+        pack(packed(), pictureContent(2, size));
+        const std::string reason =
+            packed() + " unpacks to " + std::to_string(size) + " bytes instead of 1152054\n";
+        expectRefused(reason);
+        write(unpacked(), std::string(10, 'o'));
+        expectRefused(reason);
+    }
+}
+
+TEST_F(PictureFileTest, AFileThatIsNotPackedIsTakenAsItIs) {
+    write(packed(), pictureContent(3));
+    EXPECT_EQ(unpack(), "");
+    EXPECT_TRUE(read(unpacked()) == pictureContent(3));
+}
+
+TEST_F(PictureFileTest, AFileInTheWayIsReplaced) {
+    pack(packed(), pictureContent(1));
+    for (const std::size_t size : {std::size_t{0}, std::size_t{10}, kPictureBytes + 4096}) {
+        SCOPED_TRACE(size);
+        write(unpacked(), std::string(size, 'o'));
+        EXPECT_EQ(unpack(), "");
+        EXPECT_TRUE(read(unpacked()) == pictureContent(1));
+    }
+}
+
+TEST_F(PictureFileTest, ASourceThatIsNotThereLeavesEverythingAsItWas) {
+    const std::string text = "cannot open " + packed() + " for gzread()ing: No such file or directory\n";
+    expectRefused(text);
+    write(unpacked(), "old");
+    EXPECT_EQ(unpack(), text);
+    EXPECT_EQ(read(unpacked()), "old");
+}
+
+TEST_F(PictureFileTest, ASourceThatCannotBeReadLeavesNoPicture) {
+    const std::string nothingRead = "read on " + packed() + " error " + std::strerror(0) + " occurred\n";
+    write(packed(), "");
+    expectRefused(nothingRead);
+    pack(packed(), "");
+    expectRefused(nothingRead);
+    write(packed(), brokenPacking().substr(0, 10));
+    expectRefused(nothingRead);
+    write(packed(), brokenPacking());
+    expectRefused("gzread on " + packed() + " error " + packed() + ": invalid block type occurred\n");
+    write(unpacked(), pictureContent(1));
+    expectRefused("gzread on " + packed() + " error " + packed() + ": invalid block type occurred\n");
+    fs::remove(packed());
+    fs::create_directory(packed());
+    expectRefused("gzread on " + packed() + " error " + packed() + ": Is a directory occurred\n");
+}
+
+TEST_F(PictureFileTest, APictureWhoseMiddleIsBrokenIsNotKept) {
+    pack(packed(), pictureContent(1));
+    std::string bytes = read(packed());
+    ASSERT_GT(bytes.size(), kPictureBytes / 2);
+    std::fill(bytes.begin() + kPictureBytes / 4, bytes.end(), '\xFF');
+    write(packed(), bytes);
+    EXPECT_THAT(unpack(), ::testing::StartsWith("gzread on " + packed() + " error " + packed() + ": "));
+    EXPECT_FALSE(exists(unpacked()));
+}
+
+TEST_F(PictureFileTest, OnlyARegularFileIsWrittenTo) {
+    pack(packed(), pictureContent(1));
+    const auto expectUntouched = [this](const std::string& reason) {
+        SCOPED_TRACE(reason);
+        EXPECT_EQ(unpack(), "cannot open " + unpacked() + " for writing: " + reason + "\n");
+        EXPECT_TRUE(exists(unpacked()));
+        EXPECT_FALSE(PictureFile::isUnpacked(unpacked().c_str()));
+        fs::remove_all(unpacked());
+    };
+    write(in("precious"), "precious");
+    fs::create_symlink(in("precious"), unpacked());
+    expectUntouched("Too many levels of symbolic links");
+    EXPECT_EQ(read(in("precious")), "precious");
+    fs::create_symlink(in("none"), unpacked());
+    expectUntouched("Too many levels of symbolic links");
+    EXPECT_FALSE(exists(in("none")));
+    fs::create_directory(unpacked());
+    expectUntouched("Is a directory");
+    ASSERT_EQ(::mkfifo(unpacked().c_str(), S_IRUSR | S_IWUSR), 0);
+    expectUntouched("No such device or address");
+    ASSERT_EQ(::mkfifo(unpacked().c_str(), S_IRUSR | S_IWUSR), 0);
+    const System::Descriptor reader(::open(unpacked().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    expectUntouched("Invalid argument");
+    char byte = 0;
+    EXPECT_EQ(::read(reader.get(), &byte, 1), 0) << "nothing has been written into the pipe";
+}
+
+TEST_F(PictureFileTest, ADeviceIsNotWrittenToAndStays) {
+    pack(packed(), pictureContent(1));
+    EXPECT_EQ(PictureFile::unpack(packed().c_str(), "/dev/null"),
+              "cannot open /dev/null for writing: Invalid argument\n");
+    EXPECT_TRUE(exists("/dev/null"));
+}
+
+TEST_F(PictureFileTest, AFolderThatIsNotThereIsNotMade) {
+    pack(packed(), pictureContent(1));
+    const std::string destination = in("none/picture.bmp");
+    EXPECT_EQ(PictureFile::unpack(packed().c_str(), destination.c_str()),
+              "cannot open " + destination + " for writing: No such file or directory\n");
+    EXPECT_FALSE(exists(in("none")));
+}
+
+TEST_F(PictureFileTest, AFullDiskLeavesNoPicture) {
+    pack(packed(), pictureContent(1));
+    for (const std::size_t room : {std::size_t{0}, std::size_t{4096}, kPictureBytes - 1}) {
+        SCOPED_TRACE(room);
+        const FullDisk disk(room);
+        expectRefused("cannot write " + unpacked() + ": File too large\n");
+    }
+    const FullDisk large(kPictureBytes);
+    EXPECT_EQ(unpack(), "");
+    EXPECT_TRUE(read(unpacked()) == pictureContent(1));
+}
+
+TEST_F(PictureFileTest, TooLittleMemoryLeavesNoPicture) {
+    pack(packed(), pictureContent(1));
+    refusePictureMemory(true);
+    expectRefused("cannot alloc 1152054 bytes");
+    refusePictureMemory(false);
+    EXPECT_EQ(unpack(), "");
+}
+
+TEST_F(PictureFileTest, NothingIsLeftOpen) {
+    const int before = nextDescriptor();
+    unpack();
+    pack(packed(), pictureContent(1));
+    unpack();
+    fs::remove(unpacked());
+    refusePictureMemory(true);
+    unpack();
+    refusePictureMemory(false);
+    fs::create_directory(unpacked());
+    unpack();
+    fs::remove(unpacked());
+    write(packed(), brokenPacking());
+    unpack();
+    write(packed(), "");
+    unpack();
+    EXPECT_EQ(nextDescriptor(), before);
+}
+
+TEST_F(PictureFileTest, OnlyAFileCanBePacked) {
+    const auto isPacked = [this] { return PictureFile::isPacked(packed().c_str()); };
+    EXPECT_FALSE(isPacked());
+    fs::create_directory(packed());
+    EXPECT_FALSE(isPacked());
+    fs::remove(packed());
+    ASSERT_EQ(::mkfifo(packed().c_str(), S_IRUSR | S_IWUSR), 0);
+    EXPECT_FALSE(isPacked());
+    fs::remove(packed());
+    write(in("stored"), "");
+    fs::create_symlink(in("stored"), packed());
+    EXPECT_TRUE(isPacked());
+    fs::remove(packed());
+    write(packed(), "");
+    EXPECT_TRUE(isPacked());
+}
+
+TEST_F(PictureFileTest, OnlyAFileOfTheRightSizeIsAnUnpackedPicture) {
+    const auto isUnpacked = [this] { return PictureFile::isUnpacked(unpacked().c_str()); };
+    EXPECT_FALSE(isUnpacked());
+    for (const std::size_t size : {std::size_t{0}, kPictureBytes - 1, kPictureBytes + 1}) {
+        write(unpacked(), std::string(size, 'p'));
+        EXPECT_FALSE(isUnpacked()) << size;
+    }
+    write(unpacked(), std::string(kPictureBytes, 'p'));
+    EXPECT_TRUE(isUnpacked());
+    fs::rename(unpacked(), in("elsewhere"));
+    fs::create_symlink(in("elsewhere"), unpacked());
+    EXPECT_FALSE(isUnpacked());
+    fs::remove(unpacked());
+    fs::create_directory(unpacked());
+    EXPECT_FALSE(isUnpacked());
+}

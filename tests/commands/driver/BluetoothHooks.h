@@ -1,0 +1,14 @@
+#pragma once
+
+// What the driver library calls in the program that has loaded it.
+extern "C" {
+
+void bluetoothLoaded();
+void bluetoothUnloaded();
+int bluetoothOpen(const char* path, int flags);
+int bluetoothClose(int handle);
+int bluetoothRead(int handle, unsigned char* type, unsigned char** data, int* length);
+int bluetoothWrite(int handle, int type, const void* data, int length);
+/// A thread is about to leave a read or a write.
+void bluetoothLeaves();
+}

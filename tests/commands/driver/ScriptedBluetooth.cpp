@@ -1,0 +1,301 @@
+#include "driver/ScriptedBluetooth.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <utility>
+
+#include "driver/BluetoothHooks.h"
+#include "support/Eventually.h"
+
+namespace {
+
+constexpr int kFailure = -1;
+
+std::atomic<ScriptedBluetooth*> s_current{nullptr};
+
+/// Tells of a thread that reads, from its first read to its end.
+struct Reader {
+    Reader() { s_current.load()->countReader(1); }
+    ~Reader() {
+        if (ScriptedBluetooth* current = s_current)
+            current->countReader(-1);
+    }
+};
+
+} // namespace
+
+ScriptedBluetooth::ScriptedBluetooth() {
+    s_current = this;
+}
+
+ScriptedBluetooth::~ScriptedBluetooth() {
+    for (const Point point : {InOpen, InRead, InWrite})
+        release(point);
+    ignoreClosing(false);
+    EXPECT_TRUE(waitUntilUnloaded()) << "the library is still loaded";
+    EXPECT_TRUE(eventually([this] {
+        const Lock lock(m_mutex);
+        return m_readers == 0;
+    })) << "a reader has not ended";
+    EXPECT_TRUE(m_open.empty()) << "a device is still open";
+    s_current = nullptr;
+}
+
+void ScriptedBluetooth::willOpenAs(const std::vector<int>& handles) {
+    const Lock lock(m_mutex);
+    m_nextHandles.insert(m_nextHandles.end(), handles.begin(), handles.end());
+}
+
+void ScriptedBluetooth::refuseToOpen(bool refused) {
+    const Lock lock(m_mutex);
+    m_refusesToOpen = refused;
+}
+
+void ScriptedBluetooth::willFailToRead(int times) {
+    {
+        const Lock lock(m_mutex);
+        m_failingReads = times;
+    }
+    m_changed.notify_all();
+}
+
+void ScriptedBluetooth::receive(unsigned char type, const Bytes& bytes) {
+    {
+        const Lock lock(m_mutex);
+        m_packets.push_back({type, bytes, static_cast<int>(bytes.size()), true});
+    }
+    m_changed.notify_all();
+}
+
+void ScriptedBluetooth::receiveOdd(unsigned char type, int length, bool hasBytes) {
+    {
+        const Lock lock(m_mutex);
+        m_packets.push_back({type, Bytes(16), length, hasBytes});
+    }
+    m_changed.notify_all();
+}
+
+void ScriptedBluetooth::willFailToWrite(int times) {
+    const Lock lock(m_mutex);
+    m_failingWrites = times;
+}
+
+void ScriptedBluetooth::ignoreClosing(bool ignored) {
+    {
+        const Lock lock(m_mutex);
+        m_ignoresClosing = ignored;
+    }
+    m_changed.notify_all();
+}
+
+void ScriptedBluetooth::holdUp(Point point) {
+    const Lock lock(m_mutex);
+    m_heldUp.insert(point);
+}
+
+void ScriptedBluetooth::release(Point point) {
+    {
+        const Lock lock(m_mutex);
+        m_heldUp.erase(point);
+    }
+    m_changed.notify_all();
+}
+
+bool ScriptedBluetooth::isLoaded() const {
+    const Lock lock(m_mutex);
+    return m_loaded > 0;
+}
+
+int ScriptedBluetooth::loads() const {
+    const Lock lock(m_mutex);
+    return m_loads;
+}
+
+int ScriptedBluetooth::openings() const {
+    const Lock lock(m_mutex);
+    return static_cast<int>(m_openings.size());
+}
+
+ScriptedBluetooth::Opening ScriptedBluetooth::lastOpening() const {
+    const Lock lock(m_mutex);
+    return m_openings.empty() ? Opening{"", -1} : m_openings.back();
+}
+
+std::vector<int> ScriptedBluetooth::closed() const {
+    const Lock lock(m_mutex);
+    return m_closed;
+}
+
+std::vector<ScriptedBluetooth::Write> ScriptedBluetooth::writes() const {
+    const Lock lock(m_mutex);
+    return m_writes;
+}
+
+int ScriptedBluetooth::reads() const {
+    const Lock lock(m_mutex);
+    return m_reads;
+}
+
+std::vector<ScriptedBluetooth::Clock::time_point> ScriptedBluetooth::failedReads() const {
+    const Lock lock(m_mutex);
+    return m_failedReads;
+}
+
+int ScriptedBluetooth::inside(Point point) const {
+    const Lock lock(m_mutex);
+    return static_cast<int>(m_inside.count(point));
+}
+
+int ScriptedBluetooth::readersWhenUnloaded() const {
+    const Lock lock(m_mutex);
+    return m_readersWhenUnloaded;
+}
+
+bool ScriptedBluetooth::waitUntilInside(Point point, int threads) const {
+    return eventually([&] { return inside(point) == threads; });
+}
+
+bool ScriptedBluetooth::waitUntilUnloaded() const {
+    return eventually([this] { return !isLoaded(); });
+}
+
+void ScriptedBluetooth::passBy(Point point, Lock& lock) {
+    m_changed.wait(lock, [&] { return m_heldUp.count(point) == 0; });
+}
+
+void ScriptedBluetooth::expectKnown(int handle) const {
+    EXPECT_EQ(m_known.count(handle), 1U) << "called with handle " << handle;
+}
+
+void ScriptedBluetooth::onLoad() {
+    const Lock lock(m_mutex);
+    ++m_loaded;
+    ++m_loads;
+}
+
+void ScriptedBluetooth::onUnload() {
+    const Lock lock(m_mutex);
+    --m_loaded;
+    EXPECT_EQ(m_insideLibrary, 0) << "unloaded while a thread is inside";
+    EXPECT_TRUE(m_open.empty()) << "unloaded with an open device";
+    m_readersWhenUnloaded = m_readers;
+}
+
+int ScriptedBluetooth::onOpen(const char* path, int flags) {
+    Lock lock(m_mutex);
+    m_inside.insert(InOpen);
+    m_openings.push_back({path, flags});
+    passBy(InOpen, lock);
+    m_inside.erase(m_inside.find(InOpen));
+    if (m_refusesToOpen)
+        return 0;
+    int handle = static_cast<int>(m_openings.size());
+    if (!m_nextHandles.empty()) {
+        handle = m_nextHandles.front();
+        m_nextHandles.pop_front();
+    }
+    m_known.insert(handle);
+    m_open.insert(handle);
+    return handle;
+}
+
+int ScriptedBluetooth::onClose(int handle) {
+    {
+        const Lock lock(m_mutex);
+        expectKnown(handle);
+        EXPECT_EQ(m_open.erase(handle), 1U) << "handle " << handle << " is closed again";
+        m_closed.push_back(handle);
+    }
+    m_changed.notify_all();
+    return 0;
+}
+
+int ScriptedBluetooth::onRead(int handle, unsigned char* type, unsigned char** data, int* length) {
+    static thread_local const Reader reader;
+    Lock lock(m_mutex);
+    expectKnown(handle);
+    ++m_insideLibrary;
+    ++m_reads;
+    m_inside.insert(InRead);
+    passBy(InRead, lock);
+    const auto isOver = [&] { return !m_ignoresClosing && m_open.count(handle) == 0; };
+    m_changed.wait(lock, [&] { return m_failingReads > 0 || !m_packets.empty() || isOver(); });
+    m_inside.erase(m_inside.find(InRead));
+    if (isOver())
+        return kFailure;
+    if (m_failingReads > 0) {
+        --m_failingReads;
+        m_failedReads.push_back(Clock::now());
+        return kFailure;
+    }
+    const Packet packet = std::move(m_packets.front());
+    m_packets.pop_front();
+    Bytes& lent = m_lent[handle];
+    lent = packet.bytes;
+    *type = packet.type;
+    *data = packet.hasBytes ? lent.data() : nullptr;
+    *length = packet.length;
+    return 0;
+}
+
+int ScriptedBluetooth::onWrite(int handle, int type, const void* data, int length) {
+    Lock lock(m_mutex);
+    expectKnown(handle);
+    EXPECT_EQ(m_open.count(handle), 1U) << "written to a closed device";
+    ++m_insideLibrary;
+    m_inside.insert(InWrite);
+    passBy(InWrite, lock);
+    m_inside.erase(m_inside.find(InWrite));
+    EXPECT_EQ(m_open.count(handle), 1U) << "closed while it is written to";
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    m_writes.push_back({handle, type, {bytes, bytes + length}});
+    if (m_failingWrites == 0)
+        return 0;
+    --m_failingWrites;
+    return kFailure;
+}
+
+void ScriptedBluetooth::onLeave() {
+    const Lock lock(m_mutex);
+    --m_insideLibrary;
+}
+
+void ScriptedBluetooth::countReader(int change) {
+    const Lock lock(m_mutex);
+    m_readers += change;
+}
+
+extern "C" {
+
+void bluetoothLoaded() {
+    s_current.load()->onLoad();
+}
+
+void bluetoothUnloaded() {
+    // At the end of the process there may be nobody left to tell.
+    if (ScriptedBluetooth* current = s_current)
+        current->onUnload();
+}
+
+int bluetoothOpen(const char* path, int flags) {
+    return s_current.load()->onOpen(path, flags);
+}
+
+int bluetoothClose(int handle) {
+    return s_current.load()->onClose(handle);
+}
+
+int bluetoothRead(int handle, unsigned char* type, unsigned char** data, int* length) {
+    return s_current.load()->onRead(handle, type, data, length);
+}
+
+int bluetoothWrite(int handle, int type, const void* data, int length) {
+    return s_current.load()->onWrite(handle, type, data, length);
+}
+
+void bluetoothLeaves() {
+    s_current.load()->onLeave();
+}
+
+} // extern "C"

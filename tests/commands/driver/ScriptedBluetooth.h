@@ -1,0 +1,127 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+/// The Bluetooth driver that the code under test loads, as the test says what it does: by itself it
+/// opens, waits in its reads for packets until it is closed, and takes what is written. It keeps what it
+/// was called with. What no driver must suffer fails the test: to be unloaded while somebody is inside
+/// it, to be left without being closed, to be called with a handle that it never gave. One at a time;
+/// any thread.
+class ScriptedBluetooth {
+public:
+    using Bytes = std::vector<unsigned char>;
+    using Clock = std::chrono::steady_clock;
+
+    struct Opening {
+        std::string path;
+        int flags;
+    };
+    struct Write {
+        int handle;
+        int type;
+        Bytes bytes;
+        bool operator==(const Write& other) const {
+            return handle == other.handle && type == other.type && bytes == other.bytes;
+        }
+    };
+
+    /// The points at which it can be held up.
+    enum Point { InOpen, InRead, InWrite };
+
+    ScriptedBluetooth();
+    /// Waits until it has been unloaded.
+    ~ScriptedBluetooth();
+    ScriptedBluetooth(const ScriptedBluetooth&) = delete;
+    ScriptedBluetooth& operator=(const ScriptedBluetooth&) = delete;
+
+    // --- What it does. ---
+
+    /// The handles that the next openings give; without that it is their number, from 1 on.
+    void willOpenAs(const std::vector<int>& handles);
+    void refuseToOpen(bool refused);
+    void willFailToRead(int times);
+    /// A packet for the next read that has no other step.
+    void receive(unsigned char type, const Bytes& bytes);
+    /// The same with a length of its own making, and with or without bytes.
+    void receiveOdd(unsigned char type, int length, bool hasBytes);
+    void willFailToWrite(int times);
+    /// A read ignores that its device is closed.
+    void ignoreClosing(bool ignored);
+    /// Who comes to this point waits there until `release`.
+    void holdUp(Point point);
+    void release(Point point);
+
+    // --- What happened. Each `wait...` is false when the patience is exhausted. ---
+
+    bool isLoaded() const;
+    int loads() const;
+    int openings() const;
+    Opening lastOpening() const;
+    /// Handles that were closed, in their order.
+    std::vector<int> closed() const;
+    std::vector<Write> writes() const;
+    /// Reads that have been begun.
+    int reads() const;
+    std::vector<Clock::time_point> failedReads() const;
+    /// Threads that are at this point now.
+    int inside(Point point) const;
+    /// Threads that have read and have not ended, at the time when it was unloaded last.
+    int readersWhenUnloaded() const;
+
+    bool waitUntilInside(Point point, int threads = 1) const;
+    bool waitUntilUnloaded() const;
+
+    // For the hooks.
+    void onLoad();
+    void onUnload();
+    int onOpen(const char* path, int flags);
+    int onClose(int handle);
+    int onRead(int handle, unsigned char* type, unsigned char** data, int* length);
+    int onWrite(int handle, int type, const void* data, int length);
+    void onLeave();
+    void countReader(int change);
+
+private:
+    struct Packet {
+        unsigned char type;
+        Bytes bytes;
+        int length;
+        bool hasBytes;
+    };
+    using Lock = std::unique_lock<std::mutex>;
+
+    void passBy(Point point, Lock& lock);
+    void expectKnown(int handle) const;
+
+    mutable std::mutex m_mutex; // guards all that follows
+    mutable std::condition_variable m_changed;
+    std::deque<int> m_nextHandles;
+    std::deque<Packet> m_packets;
+    std::map<int, Bytes> m_lent; // the bytes of the packet that was read last, by handle
+    bool m_refusesToOpen = false;
+    int m_failingReads = 0;
+    int m_failingWrites = 0;
+    bool m_ignoresClosing = false;
+    std::set<Point> m_heldUp;
+
+    int m_loaded = 0;
+    int m_loads = 0;
+    std::vector<Opening> m_openings;
+    std::set<int> m_known;
+    std::set<int> m_open;
+    std::vector<int> m_closed;
+    std::vector<Write> m_writes;
+    int m_reads = 0;
+    std::vector<Clock::time_point> m_failedReads;
+    std::multiset<Point> m_inside;
+    int m_insideLibrary = 0;
+    int m_readers = 0;
+    int m_readersWhenUnloaded = 0;
+};

@@ -1,0 +1,49 @@
+// A driver library that does what the program that loads it says: it hands everything on to functions
+// which that program exports.
+#include "driver/BluetoothHooks.h"
+
+namespace {
+
+using Function = void (*)();
+
+int openDevice(const char* path, int flags) {
+    return bluetoothOpen(path, flags);
+}
+
+int closeDevice(int handle) {
+    return bluetoothClose(handle);
+}
+
+// Comes back into the library, so that it has to be there still.
+int readPacket(int handle, unsigned char* type, unsigned char** data, int* length) {
+    const int result = bluetoothRead(handle, type, data, length);
+    bluetoothLeaves();
+    return result;
+}
+
+int writePacket(int handle, int type, const void* data, int length) {
+    const int result = bluetoothWrite(handle, type, data, length);
+    bluetoothLeaves();
+    return result;
+}
+
+__attribute__((constructor)) void load() {
+    bluetoothLoaded();
+}
+
+__attribute__((destructor)) void unload() {
+    bluetoothUnloaded();
+}
+
+} // namespace
+
+extern "C" {
+
+extern const Function mvbt_drv_entry[6];
+const Function mvbt_drv_entry[6] = {nullptr,
+                                    reinterpret_cast<Function>(openDevice),
+                                    reinterpret_cast<Function>(closeDevice),
+                                    reinterpret_cast<Function>(readPacket),
+                                    nullptr,
+                                    reinterpret_cast<Function>(writePacket)};
+}

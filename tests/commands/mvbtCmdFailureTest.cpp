@@ -1,0 +1,310 @@
+// The Bluetooth link and a driver that fails, takes its time, or is not there any more.
+#include <algorithm>
+#include <chrono>
+#include <climits>
+#include <functional>
+#include <random>
+#include <thread>
+
+#include "support/BluetoothFixture.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+/// Far longer than closing may take, on a machine that is busy with other things.
+constexpr std::chrono::seconds kPromptly{30};
+
+class mvbtCmdFailureTest : public BluetoothFixture {
+protected:
+    void closePromptly() {
+        const auto before = steady_clock::now();
+        EXPECT_EQ(m_link.close(), 0);
+        EXPECT_LT(steady_clock::now() - before, kPromptly);
+        EXPECT_FALSE(m_link.checkDll());
+    }
+
+    /// That packets come in and go out.
+    void expectWorking() {
+        ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+        fetch();
+        m_driver.receive(kEvent, {0xAB});
+        ASSERT_TRUE(has(2));
+        EXPECT_EQ(fetch(), packet(kEvent, {0xAB}));
+        const std::size_t before = m_driver.writes().size();
+        write(1, {2, 3});
+        EXPECT_THAT(m_driver.writes(), SizeIs(before + 1));
+    }
+};
+
+} // namespace
+
+TEST_F(mvbtCmdFailureTest, ADeviceThatCannotBeOpenedIsToldAndTriedAgain) {
+    m_driver.refuseToOpen(true);
+    for (int time = 0; time < 2; ++time) {
+        int result = 0;
+        EXPECT_EQ(errorOutputOf([&] { result = m_link.open(); }), "MVBT open failed\n");
+        EXPECT_EQ(result, -1);
+        EXPECT_FALSE(m_link.checkDll());
+        EXPECT_FALSE(m_driver.isLoaded());
+    }
+    EXPECT_THAT(m_driver.closed(), IsEmpty());
+    EXPECT_EQ(m_driver.reads(), 0);
+    m_driver.refuseToOpen(false);
+    open();
+    expectWorking();
+}
+
+TEST_F(mvbtCmdFailureTest, AFailedReadOpensTheDriverAnew) {
+    open();
+    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    EXPECT_EQ(errorOutputOf([&] {
+                  m_driver.willFailToRead(1);
+                  EXPECT_TRUE(eventually([&] { return m_driver.reads() == 2; }));
+              }),
+              kReadFailed);
+    EXPECT_THAT(m_driver.closed(), ElementsAre(1));
+    EXPECT_EQ(m_driver.loads(), 2);
+    EXPECT_EQ(m_driver.openings(), 2);
+    expectWorking();
+    closePromptly();
+    EXPECT_THAT(m_driver.closed(), ElementsAre(1, 2));
+}
+
+TEST_F(mvbtCmdFailureTest, WhatCannotBeAPacketCountsAsAFailedRead) {
+    struct Row {
+        int length;
+        bool hasBytes;
+    };
+    const Row rows[] = {{-1, true}, {INT_MIN, true}, {65540, true}, {INT_MAX, true}, {1, false}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.length);
+        open();
+        EXPECT_EQ(errorOutputOf([&] {
+                      const int before = m_driver.openings();
+                      m_driver.receiveOdd(kEvent, row.length, row.hasBytes);
+                      EXPECT_TRUE(eventually([&] { return m_driver.openings() == before + 1; }));
+                  }),
+                  kReadFailed);
+        EXPECT_TRUE(isLoadedAgain());
+        EXPECT_TRUE(m_link.isQueueEmpty());
+        closePromptly();
+    }
+    open();
+    m_driver.receiveOdd(kEvent, 0, false);
+    ASSERT_TRUE(has(1)) << "a packet may have no bytes";
+    EXPECT_EQ(fetch(), packet(kEvent, {}));
+}
+
+TEST_F(mvbtCmdFailureTest, ADriverThatFailsForEverIsTriedNowAndThen) {
+    open();
+    ::testing::internal::CaptureStderr();
+    m_driver.willFailToRead(INT_MAX);
+    EXPECT_TRUE(eventually([&] { return m_driver.failedReads().size() >= 4; }));
+    closePromptly();
+    ::testing::internal::GetCapturedStderr();
+    const auto times = m_driver.failedReads();
+    for (std::size_t at = 1; at < times.size(); ++at)
+        EXPECT_GE(times[at] - times[at - 1], milliseconds(500));
+    m_driver.willFailToRead(0);
+    open();
+    expectWorking();
+}
+
+TEST_F(mvbtCmdFailureTest, ADriverThatCannotBeOpenedAnewIsTriedNowAndThen) {
+    open();
+    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    m_driver.refuseToOpen(true);
+    const std::string told = errorOutputOf([&] {
+        m_driver.willFailToRead(1);
+        EXPECT_TRUE(eventually([&] { return m_driver.openings() >= 2; }));
+        // While there is no driver, the link is as if it were closed.
+        EXPECT_TRUE(eventually([&] { return !m_link.checkDll(); }));
+        Bytes data = {7};
+        EXPECT_EQ(m_link.readnbytes(data, 0, 5), -1);
+        write(1, {1});
+        EXPECT_TRUE(eventually([&] { return m_driver.openings() >= 3; }));
+        m_driver.refuseToOpen(false);
+        EXPECT_TRUE(isLoadedAgain());
+    });
+    EXPECT_THAT(told,
+                ::testing::StartsWith(std::string(kReadFailed) + "MVBT open failed\n" + kReadFailed));
+    EXPECT_THAT(m_driver.writes(), IsEmpty());
+    expectWorking();
+}
+
+TEST_F(mvbtCmdFailureTest, OpeningMayHelpAReaderThatCannotOpenAnew) {
+    open();
+    m_driver.refuseToOpen(true);
+    ::testing::internal::CaptureStderr();
+    m_driver.willFailToRead(1);
+    EXPECT_TRUE(eventually([&] { return m_driver.openings() >= 2; }));
+    EXPECT_EQ(m_link.open(), -1);
+    m_driver.refuseToOpen(false);
+    open();
+    EXPECT_TRUE(m_link.checkDll());
+    ::testing::internal::GetCapturedStderr();
+    expectWorking();
+}
+
+TEST_F(mvbtCmdFailureTest, ClosingDuringThePauseDoesNotWaitForItsEnd) {
+    open();
+    ::testing::internal::CaptureStderr();
+    m_driver.willFailToRead(1);
+    EXPECT_TRUE(eventually([&] { return m_driver.openings() == 2; }));
+    EXPECT_TRUE(isLoadedAgain());
+    closePromptly();
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(m_driver.waitUntilUnloaded());
+    EXPECT_LE(m_driver.reads(), 2);
+    EXPECT_EQ(m_driver.readersWhenUnloaded(), 0);
+}
+
+TEST_F(mvbtCmdFailureTest, AReadThatIgnoresClosingKeepsTheLibraryUntilItComesBack) {
+    m_driver.holdUp(ScriptedBluetooth::InRead);
+    open();
+    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    closePromptly();
+    EXPECT_TRUE(m_driver.isLoaded());
+    EXPECT_TRUE(eventually([&] { return m_driver.closed() == std::vector<int>{1}; }));
+    m_driver.receive(kEvent, {1});
+    m_driver.release(ScriptedBluetooth::InRead);
+    EXPECT_TRUE(m_driver.waitUntilUnloaded());
+    EXPECT_EQ(m_driver.readersWhenUnloaded(), 0);
+    EXPECT_EQ(m_driver.loads(), 1);
+}
+
+TEST_F(mvbtCmdFailureTest, AReadFromBeforeDeliversNothingToALaterOpening) {
+    m_driver.holdUp(ScriptedBluetooth::InRead);
+    m_driver.ignoreClosing(true);
+    open();
+    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    closePromptly();
+    open();
+    EXPECT_EQ(m_driver.openings(), 2);
+    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead, 2));
+    for (unsigned char number = 1; number <= 2; ++number)
+        m_driver.receive(number, {number});
+    m_driver.release(ScriptedBluetooth::InRead);
+    // One of the two went to the read from before and is lost; the other one is whole.
+    ASSERT_TRUE(has(2));
+    const Bytes fetched = fetch();
+    ASSERT_THAT(fetched, SizeIs(2));
+    EXPECT_EQ(fetched[0], fetched[1]);
+    m_driver.ignoreClosing(false);
+    expectWorking();
+    closePromptly();
+}
+
+TEST_F(mvbtCmdFailureTest, ADriverThatDoesNotLetGoIsNotOpenedWithoutEnd) {
+    m_driver.holdUp(ScriptedBluetooth::InRead);
+    constexpr int kMostDevices = 4;
+    for (int time = 1; time <= kMostDevices; ++time) {
+        open();
+        ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead, time));
+        closePromptly();
+    }
+    EXPECT_EQ(errorOutputOf([&] { EXPECT_EQ(m_link.open(), -1); }), "MVBT open failed\n");
+    EXPECT_EQ(m_driver.openings(), kMostDevices);
+    m_driver.release(ScriptedBluetooth::InRead);
+    EXPECT_TRUE(m_driver.waitUntilUnloaded());
+    open();
+    expectWorking();
+}
+
+TEST_F(mvbtCmdFailureTest, ClosingWhileTheReaderOpensAnew) {
+    open();
+    ::testing::internal::CaptureStderr();
+    m_driver.holdUp(ScriptedBluetooth::InOpen);
+    m_driver.willFailToRead(1);
+    EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InOpen));
+    closePromptly();
+    EXPECT_TRUE(m_driver.isLoaded()) << "the reader is inside";
+    m_driver.release(ScriptedBluetooth::InOpen);
+    EXPECT_TRUE(m_driver.waitUntilUnloaded());
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_THAT(m_driver.closed(), ElementsAre(1, 2));
+    EXPECT_EQ(m_driver.reads(), 1);
+    EXPECT_EQ(m_driver.readersWhenUnloaded(), 0);
+}
+
+TEST_F(mvbtCmdFailureTest, TheDriverIsOpenedAnewOnceAWriteHasEnded) {
+    open();
+    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    m_driver.holdUp(ScriptedBluetooth::InWrite);
+    ::testing::internal::CaptureStderr();
+    std::thread writer([&] { write(1, {5, 6}); });
+    EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InWrite));
+    m_driver.willFailToRead(1);
+    EXPECT_TRUE(eventually([&] { return m_driver.failedReads().size() == 1; }));
+    EXPECT_THAT(m_driver.closed(), IsEmpty());
+    m_driver.release(ScriptedBluetooth::InWrite);
+    writer.join();
+    EXPECT_TRUE(eventually([&] { return m_driver.openings() == 2; }));
+    EXPECT_TRUE(isLoadedAgain());
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), kReadFailed);
+    EXPECT_THAT(m_driver.closed(), ElementsAre(1));
+    expectWorking();
+}
+
+TEST_F(mvbtCmdFailureTest, AThousandRandomStepsLeaveNothingBehind) {
+    std::mt19937 random(20240229);
+    const auto upTo = [&](int most) { return std::uniform_int_distribution<int>(0, most)(random); };
+    ::testing::internal::CaptureStderr();
+    unsigned char number = 0;
+    int mixed = 0;
+    for (int step = 0; step < 1000; ++step) {
+        Bytes data;
+        switch (upTo(7)) {
+            case 0:
+                m_link.open();
+                break;
+            case 1:
+                if (upTo(2) == 0)
+                    m_link.close();
+                break;
+            case 2:
+                write(1, Bytes(static_cast<std::size_t>(upTo(250)), number));
+                break;
+            case 3:
+                ++number;
+                m_driver.receive(number, Bytes(static_cast<std::size_t>(upTo(300)), number));
+                break;
+            case 4:
+                m_link.readnbytes(data, 0, static_cast<unsigned char>(1 + upTo(241)));
+                break;
+            case 5:
+                m_link.read(data, static_cast<unsigned>(upTo(2)));
+                break;
+            case 6:
+                if (upTo(9) == 0)
+                    m_driver.willFailToRead(1 + upTo(1));
+                break;
+            default:
+                m_driver.refuseToOpen(upTo(9) == 0);
+                if (upTo(9) == 0)
+                    m_driver.willFailToWrite(1);
+                break;
+        }
+        // Whatever is fetched at once belongs to one packet.
+        mixed +=
+            std::adjacent_find(data.begin(), data.end(), std::not_equal_to<>()) != data.end() ? 1 : 0;
+    }
+    closePromptly();
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(mixed, 0);
+    EXPECT_TRUE(m_driver.waitUntilUnloaded());
+    EXPECT_EQ(m_driver.readersWhenUnloaded(), 0);
+    EXPECT_GT(m_driver.openings(), 20);
+    EXPECT_THAT(m_driver.writes(), ::testing::Not(IsEmpty()));
+    m_driver.refuseToOpen(false);
+    m_driver.willFailToRead(0);
+    m_driver.willFailToWrite(0);
+    open();
+    EXPECT_TRUE(m_link.checkDll());
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+#include "commands/mvbtCmd.h"
+#include "driver/ScriptedBluetooth.h"
+#include "support/ErrorOutput.h"
+#include "support/Eventually.h"
+
+using Bytes = std::vector<unsigned char>;
+
+constexpr char kReadFailed[] =
+    "Prod.testserver: mvbt_read failed, the reading thread could not read mvbt\n"
+    "Prod.testserver: Trying to close and reopen the interface\n";
+
+/// The Bluetooth link with a scripted driver library.
+class BluetoothFixture : public ::testing::Test {
+protected:
+    /// A type that a case may write and receive.
+    static constexpr unsigned char kEvent = 0x04;
+
+    void open() { ASSERT_EQ(m_link.open(), 0); }
+
+    /// Waits until so many bytes wait to be fetched.
+    bool has(std::size_t bytes) {
+        return eventually([&] { return m_link.getQueueSize() == bytes; });
+    }
+    bool isLoadedAgain() {
+        return eventually([&] { return m_link.checkDll(); });
+    }
+
+    /// All that waits.
+    Bytes fetch() {
+        Bytes bytes;
+        m_link.read(bytes, 0);
+        return bytes;
+    }
+
+    void write(unsigned char type, const Bytes& bytes) {
+        m_link.write(type, bytes.data(), static_cast<int>(bytes.size()));
+    }
+
+    ScriptedBluetooth m_driver;
+    mvbtCmd m_link;
+};
+
+/// The type, then the bytes, as they are fetched.
+inline Bytes packet(unsigned char type, const Bytes& bytes) {
+    Bytes all = {type};
+    all.insert(all.end(), bytes.begin(), bytes.end());
+    return all;
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "commands/SWriteCmd.h"
+#include "devices/CommHandler.h"
+#include "support/DeviceCalls.h"
+#include "support/FrontEnd.h"
+#include "support/Line.h"
+#include "support/UnitFixture.h"
+
+constexpr unsigned char kWlan = 240;
+constexpr unsigned char kBluetooth = 241;
+
+/// A front end whose station is on the serial channel that a case says.
+class StationsFrontEnd : public FrontEnd {
+public:
+    int getDeviceListNumber() override { return channel; }
+
+    int channel = 0;
+};
+
+/// The pass-through command in a unit with a line of the test's behind each of its channels. A case
+/// finds all channels closed, and the station on channel 0.
+class PassThroughUnit : public UnitFixture {
+protected:
+    static constexpr unsigned kChannels = 4;
+
+    PassThroughUnit();
+    ~PassThroughUnit() override;
+
+    static SWriteCmd& command() { return *SWriteCmd::getInstance(); }
+    static Comm::Handle& channel(unsigned number);
+
+    /// Runs a request as the dispatcher would.
+    static Response run(Bytes frame) { return Response(command().tavrin_preCheck(&frame)); }
+    static Response runLine(Tokens line) { return Response(command().process(line)); }
+
+    /// Both the response and what is sent.
+    void expectRefused(const Bytes& frame, unsigned code, const std::string& text);
+    void expectLineRefused(const Tokens& line, unsigned code, const std::string& text);
+
+    /// An answer, and nothing else.
+    void expectAnswer(const Bytes& frame, const Bytes& answer);
+    void expectLine(const Tokens& line, const std::string& answer);
+
+    void openChannel(unsigned char number);
+
+    DeviceCalls& m_calls; // outlives the case, as the dispatcher's thread passes by it
+    Line m_lines[kChannels];
+    StationsFrontEnd m_frontEnd;
+};
+
+/// Requests, and the answer to one that succeeds without data.
+Bytes openRequest(unsigned char channel, std::uint32_t baud = 115200, unsigned char flags = 0);
+Bytes sendRequest(unsigned char channel, const Bytes& data);
+Bytes success(const Bytes& request);
+/// With data.
+Bytes success(const Bytes& request, const Bytes& data);
+
+/// The words of a line, and bytes as its last argument.
+Tokens lineWithData(const std::vector<std::string>& words, const Bytes& data);
+
+Bytes bytesOf(const std::string& text);
