@@ -11,6 +11,7 @@
 #include "commands/ExecCommand.h"
 #include "commands/InsideCommand.h"
 #include "commands/RunCommand.h"
+#include "devices/SoftwareVersions.h"
 #include "unit/HostSystem.h"
 #include "unit/UnitError.h"
 
@@ -34,7 +35,9 @@ constexpr char kExamples[] =
 constexpr char kControlWords[] =
     "unplug LINE, plug LINE, state, position LATITUDE LONGITUDE, modem signal|registration|pin|late|silent "
     "VALUE, loopback on|off, receiver on|off; i2c manager|late|result|chip|temperature|pins|eeprom VALUE, "
-    "insert MEDIUM, remove MEDIUM, ports, port NAME 0|1|unreadable|gone|back, audio active|inactive|stopped; "
+    "wlan manager|late|result|refuse|size VALUE, bluetooth manager|late|silent|fail|send VALUE, "
+    "display fail|late VALUE, insert MEDIUM, remove MEDIUM, ports, port NAME 0|1|unreadable|gone|back, "
+    "audio active|inactive|stopped; "
     "LINE is station, loopback, modem or receiver, MEDIUM is sda0, sdb0, cd0, umass0, mnand0 or fs0";
 
 struct Options {
@@ -72,6 +75,12 @@ void addMedia(CLI::App& command, std::vector<std::string>& media) {
         ->expected(1);
 }
 
+void addVariant(CLI::App& command, std::string& variant) {
+    constexpr auto kNames = headunit::SoftwareVersions::kVariants;
+    command.add_option("--variant", variant, "The variant of the unit's hardware")
+        ->check(CLI::IsMember(std::vector<std::string>(kNames.begin(), kNames.end())));
+}
+
 void addRun(CLI::App& app, headunit::RunOptions& options) {
     CLI::App* run = app.add_subcommand("run", "Run the daemon in a simulated unit until Ctrl-C");
     CLI::Option* unit =
@@ -81,12 +90,13 @@ void addRun(CLI::App& app, headunit::RunOptions& options) {
         ->type_name("PATH");
     addSupplier(*run, options.supplier);
     addMedia(*run, options.wantedMedia);
+    addVariant(*run, options.variant);
     CLI::Option* inPlace = run->add_flag("--in-place", options.inPlace,
                                          "Set the unit up on this machine itself; for disposable "
                                          "containers that forbid namespaces");
     inPlace->excludes(unit);
     run->add_flag("--yes-change-this-machine", options.changeThisMachine,
-                  "Confirms --in-place: files are made in /dev, /mnt/app and /ifs")
+                  "Confirms --in-place: files are made in /dev, /mnt/app, /ifs and /vrk")
         ->needs(inPlace);
 }
 
@@ -103,6 +113,7 @@ CLI::App* addExec(CLI::App& app, headunit::ExecOptions& options) {
         ->type_name("PATH");
     addSupplier(*exec, options.supplier, daemon);
     addMedia(*exec, options.wantedMedia);
+    addVariant(*exec, options.variant);
     return exec;
 }
 

@@ -40,7 +40,7 @@ int execCommand(const ExecOptions& options) {
         requireDaemon(options.daemonPath);
     StopSignals signals;
     UnitFolder folder = openUnitFolder(options.unitFolder);
-    const DeviceList devices = allDevices();
+    const DeviceList devices = allDevices(options.variant);
     install(devices, folder);
     const UnitPeers peers(folder, options.wantedMedia);
 

@@ -16,6 +16,7 @@ struct ExecOptions {
     std::string daemonPath;
     std::optional<std::string> supplier;  ///< FIRST_TIER_SUPPLIER of the daemon, else as it is here
     std::vector<std::string> wantedMedia; ///< block media that are there from the beginning
+    std::string variant;                  ///< of the hardware; empty for what the unit has
     std::vector<std::string> command;
 };
 

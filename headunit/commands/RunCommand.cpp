@@ -31,8 +31,8 @@ void requireConsent(const RunOptions& options) {
         throw UnitError("--in-place has no unit folder: give either --in-place or --unit");
     if (!options.changeThisMachine)
         throw UnitError(
-            "--in-place makes device nodes and files in /dev, /mnt/app and /ifs of this machine itself; "
-            "it is for disposable containers. Add --yes-change-this-machine when this is one");
+            "--in-place makes device nodes and files in /dev, /mnt/app, /ifs and /vrk of this machine "
+            "itself; it is for disposable containers. Add --yes-change-this-machine when this is one");
     if (::geteuid() != 0)
         throw UnitError("--in-place needs root to make nodes in /dev");
 }
@@ -84,7 +84,7 @@ int attend(StopSignals& signals, const Reach& reach,
 
 int runInSandbox(const RunOptions& options, StopSignals& signals) {
     UnitFolder folder = openUnitFolder(options.unitFolder);
-    const DeviceList devices = allDevices();
+    const DeviceList devices = allDevices(options.variant);
     install(devices, folder);
     const UnitPeers peers(folder, options.wantedMedia);
 
@@ -106,12 +106,17 @@ int runInSandbox(const RunOptions& options, StopSignals& signals) {
 /// The tools beside headunit come first, as they do in a unit of its own.
 std::string searchPathOfUnit() {
     const SandboxLayout layout = layoutOnThisHost();
-    return layout.programFolder + (layout.searchPath.empty() ? "" : ":" + layout.searchPath);
+    return inFront(layout.programFolder, layout.searchPath);
+}
+
+/// The unit's libraries come first, likewise.
+std::string libraryPathOfUnit() {
+    return inFront(kUnitLibraries, layoutOnThisHost().libraryPath);
 }
 
 int runInPlace(const RunOptions& options, StopSignals& signals) {
     InPlaceTree tree;
-    const DeviceList devices = allDevices();
+    const DeviceList devices = allDevices(options.variant);
     install(devices, tree);
     const UnitPeers peers(tree, options.wantedMedia);
 
@@ -119,6 +124,7 @@ int runInPlace(const RunOptions& options, StopSignals& signals) {
     startAudioDriver(audioDriverProgram());
     Environment environment = daemonEnvironment(options.supplier);
     environment["PATH"] = searchPathOfUnit();
+    environment["LD_LIBRARY_PATH"] = libraryPathOfUnit();
     ChildProcess daemon({options.daemonPath}, -1, environment);
     const Reach reach{"this machine", peers.stationPath(), ""};
     return attend(signals, reach, [&] { return daemon.ended(); });

@@ -11,6 +11,7 @@ struct RunOptions {
     std::string daemonPath;
     std::optional<std::string> supplier;  ///< FIRST_TIER_SUPPLIER of the daemon, else as it is here
     std::vector<std::string> wantedMedia; ///< block media that are there from the beginning
+    std::string variant;                  ///< of the hardware; empty for what the unit has
     bool inPlace = false;
     bool changeThisMachine = false;
 };

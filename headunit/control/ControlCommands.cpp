@@ -27,6 +27,10 @@ const ControlCommands::Command ControlCommands::kCommands[] = {
     {"receiver", &ControlCommands::receiver, 1, 1, "receiver on|off"},
     {"i2c", &ControlCommands::i2c, 1, 3,
      "i2c manager|late|result|chip|temperature|pins|eeprom VALUE [VALUE]"},
+    {"wlan", &ControlCommands::wlan, 1, 3, "wlan manager|late|result|refuse|size VALUE [VALUE]"},
+    {"bluetooth", &ControlCommands::bluetooth, 1, 3,
+     "bluetooth manager|late|silent|fail|send VALUE [VALUE]"},
+    {"display", &ControlCommands::display, 1, 3, "display fail|late VALUE [VALUE]"},
     {"insert", &ControlCommands::insert, 1, 1, "insert MEDIUM"},
     {"remove", &ControlCommands::remove, 1, 1, "remove MEDIUM"},
     {"ports", &ControlCommands::ports, 0, 0, "ports"},
@@ -61,24 +65,39 @@ ControlCommands::Answer ControlCommands::run(std::string_view line) {
     }
 }
 
-ControlCommands::Answer ControlCommands::state(const Words& /*words*/) {
-    std::ostringstream text;
-    for (const SerialLine* line : m_lines.all())
-        text << line->name() << ' ' << line->unitPath() << ' '
-             << (line->isPlugged() ? "plugged" : "unplugged") << " from-unit " << line->bytesFromUnit()
-             << " to-unit " << line->bytesToUnit() << '\n';
-    I2cBus& bus = m_devices.i2c.bus();
-    text << "i2c " << I2cManager::kNode << (m_devices.i2c.isThere() ? " on" : " off") << " speed "
-         << bus.speed() << (bus.isHeld() ? " held" : " free") << " requests " << bus.requests()
-         << " refused " << bus.refused() << '\n';
-    for (const I2cBus::Chip& chip : bus.chips())
-        text << chip.name << " 0x" << hexText(static_cast<std::uint8_t>(chip.address))
-             << (chip.present ? " on " : " off ") << chip.slave.description() << '\n';
-    for (const BlockMedium& medium : m_devices.media.all())
-        text << medium.name() << ' ' << medium.unitPath()
-             << (medium.isInserted() ? " inserted" : " removed") << '\n';
-    text << "audio " << AudioDriver::kProcess << ' ' << nameOf(m_devices.audio.state());
-    return {true, text.str()};
+ControlCommands::Answer ControlCommands::runKey(const std::vector<Key>& keys, const Words& words) {
+    const auto key =
+        std::find_if(keys.begin(), keys.end(), [&](const Key& known) { return known.key == words[0]; });
+    if (key == keys.end()) {
+        std::string all;
+        for (const Key& known : keys)
+            all.append(all.empty() ? "one of " : ", ").append(known.key);
+        return refusedValue(words[0], all);
+    }
+    const Words values(words.begin() + 1, words.end());
+    if (values.size() < key->leastValues || values.size() > key->mostValues)
+        return refused(std::string("usage: ") + key->usage);
+    return (this->*key->handler)(values);
+}
+
+ControlCommands::Answer ControlCommands::setManager(ManagerNode& node, const std::string& onOff) {
+    const auto on = onOrOff(onOff);
+    if (!on)
+        return refusedValue(onOff, "on or off");
+    if (*on)
+        node.comeBack();
+    else
+        node.goAway();
+    return {};
+}
+
+ControlCommands::Answer ControlCommands::setManagerLate(ManagerNode& node,
+                                                        const std::string& milliseconds) {
+    const auto late = lateness(milliseconds);
+    if (!late)
+        return refusedLateness(milliseconds);
+    node.setLate(*late);
+    return {};
 }
 
 } // namespace headunit

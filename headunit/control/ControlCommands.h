@@ -26,11 +26,29 @@ private:
     using Words = std::vector<std::string>;
     struct Command;
     struct ModemKey;
-    struct I2cKey;
+
+    /// The word that follows a device's name, and what belongs to it.
+    struct Key {
+        std::string_view key;
+        Answer (ControlCommands::*handler)(const Words& values);
+        std::size_t leastValues;
+        std::size_t mostValues;
+        const char* usage;
+    };
 
     static std::string allWords();
 
+    /// Looks the first word up and hands the others to its handler.
+    Answer runKey(const std::vector<Key>& keys, const Words& words);
+
+    // What managers of all kinds are told.
+    static Answer setManager(ManagerNode& node, const std::string& onOff);
+    static Answer setManagerLate(ManagerNode& node, const std::string& milliseconds);
+
+    // StateReport.cpp
     Answer state(const Words& words);
+    std::string describeManagers();
+    std::string describeDisplays();
 
     // SerialControl.cpp
     Answer unplug(const Words& words);
@@ -55,6 +73,25 @@ private:
     Answer setPins(const Words& words);
     Answer eeprom(const Words& words);
 
+    // WirelessControl.cpp
+    Answer wlan(const Words& words);
+    Answer setWlanManager(const Words& values);
+    Answer setWlanLate(const Words& values);
+    Answer orderWlanResult(const Words& values);
+    Answer orderWlanRefusal(const Words& values);
+    Answer orderWlanSize(const Words& values);
+    Answer bluetooth(const Words& words);
+    Answer setBluetoothManager(const Words& values);
+    Answer setBluetoothLate(const Words& values);
+    Answer setBluetoothSilent(const Words& values);
+    Answer orderBluetoothFailures(const Words& values);
+    Answer sendFromBluetooth(const Words& values);
+
+    // DisplayControl.cpp
+    Answer display(const Words& words);
+    Answer orderToolFailures(const Words& values);
+    Answer setToolsLate(const Words& values);
+
     // BoardControl.cpp
     Answer insert(const Words& words);
     Answer remove(const Words& words);
@@ -64,7 +101,6 @@ private:
 
     static const Command kCommands[];
     static const ModemKey kModemKeys[];
-    static const I2cKey kI2cKeys[];
 
     UnitDevices& m_devices;
     SerialLines& m_lines; ///< of the devices

@@ -6,6 +6,8 @@
 namespace headunit {
 namespace {
 
+constexpr int kLongestLate = 600000; // milliseconds
+constexpr int kMostTimes = 1000000;
 constexpr int kHexBase = 16;
 constexpr unsigned kBitsOfDigit = 4;
 constexpr unsigned kDigitMask = 0xF;
@@ -48,6 +50,32 @@ std::optional<bool> onOrOff(const std::string& text) {
     if (text != "on" && text != "off")
         return std::nullopt;
     return text == "on";
+}
+
+std::optional<std::chrono::milliseconds> lateness(const std::string& text) {
+    const auto late = wholeNumber(text);
+    if (!late || *late < 0 || *late > kLongestLate)
+        return std::nullopt;
+    return std::chrono::milliseconds(*late);
+}
+
+ControlCommands::Answer refusedLateness(const std::string& text) {
+    return refusedValue(text, "a number of milliseconds: 0 to " + std::to_string(kLongestLate));
+}
+
+std::optional<unsigned> orderedTimes(const std::string& text) {
+    const auto times = wholeNumber(text);
+    if (!times || *times < 0 || *times > kMostTimes)
+        return std::nullopt;
+    return static_cast<unsigned>(*times);
+}
+
+std::optional<unsigned> timesIn(const std::vector<std::string>& words) {
+    return words.size() > 1 ? orderedTimes(words[1]) : std::optional<unsigned>(1U);
+}
+
+ControlCommands::Answer refusedTimes(const std::string& text, const std::string& things) {
+    return refusedValue(text, "a number of " + things + ": 0 to " + std::to_string(kMostTimes));
 }
 
 std::optional<std::string> hexBytes(const std::string& text) {

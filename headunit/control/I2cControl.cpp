@@ -1,76 +1,42 @@
-#include <algorithm>
-#include <chrono>
-#include <iterator>
-
 #include "control/ControlCommands.h"
 #include "control/ControlWords.h"
 
 namespace headunit {
-
-struct ControlCommands::I2cKey {
-    std::string_view key;
-    Answer (ControlCommands::*handler)(const Words& values);
-    std::size_t leastValues;
-    std::size_t mostValues;
-    const char* usage;
-};
-
 namespace {
 
-constexpr int kLongestLate = 600000; // milliseconds
-constexpr int kMostOrdered = 1000000;
 constexpr std::size_t kBytesOfLine = 16;
 
 } // namespace
 
-const ControlCommands::I2cKey ControlCommands::kI2cKeys[] = {
-    {"manager", &ControlCommands::setI2cManager, 1, 1, "i2c manager on|off"},
-    {"late", &ControlCommands::setI2cLate, 1, 1, "i2c late MILLISECONDS"},
-    {"result", &ControlCommands::orderI2cResult, 1, 2, "i2c result NUMBER [REQUESTS]"},
-    {"chip", &ControlCommands::setChip, 2, 2, "i2c chip eeprom|sensor|expander on|off"},
-    {"temperature", &ControlCommands::setTemperature, 1, 1, "i2c temperature DEGREES"},
-    {"pins", &ControlCommands::setPins, 1, 1, "i2c pins HEX"},
-    {"eeprom", &ControlCommands::eeprom, 0, 2, "i2c eeprom [ADDRESS HEX]"},
-};
-
 ControlCommands::Answer ControlCommands::i2c(const Words& words) {
-    const auto* const key = std::find_if(std::begin(kI2cKeys), std::end(kI2cKeys),
-                                         [&](const I2cKey& known) { return known.key == words[0]; });
-    if (key == std::end(kI2cKeys))
-        return refusedValue(words[0], "one of manager, late, result, chip, temperature, pins, eeprom");
-    const Words values(words.begin() + 1, words.end());
-    if (values.size() < key->leastValues || values.size() > key->mostValues)
-        return refused(std::string("usage: ") + key->usage);
-    return (this->*key->handler)(values);
+    static const std::vector<Key> kKeys = {
+        {"manager", &ControlCommands::setI2cManager, 1, 1, "i2c manager on|off"},
+        {"late", &ControlCommands::setI2cLate, 1, 1, "i2c late MILLISECONDS"},
+        {"result", &ControlCommands::orderI2cResult, 1, 2, "i2c result NUMBER [REQUESTS]"},
+        {"chip", &ControlCommands::setChip, 2, 2, "i2c chip eeprom|sensor|expander on|off"},
+        {"temperature", &ControlCommands::setTemperature, 1, 1, "i2c temperature DEGREES"},
+        {"pins", &ControlCommands::setPins, 1, 1, "i2c pins HEX"},
+        {"eeprom", &ControlCommands::eeprom, 0, 2, "i2c eeprom [ADDRESS HEX]"},
+    };
+    return runKey(kKeys, words);
 }
 
 ControlCommands::Answer ControlCommands::setI2cManager(const Words& values) {
-    const auto on = onOrOff(values[0]);
-    if (!on)
-        return refusedValue(values[0], "on or off");
-    if (*on)
-        m_devices.i2c.comeBack();
-    else
-        m_devices.i2c.goAway();
-    return {};
+    return setManager(m_devices.i2c.node(), values[0]);
 }
 
 ControlCommands::Answer ControlCommands::setI2cLate(const Words& values) {
-    const auto late = wholeNumber(values[0]);
-    if (!late || *late < 0 || *late > kLongestLate)
-        return refusedValue(values[0], "a number of milliseconds: 0 to " + std::to_string(kLongestLate));
-    m_devices.i2c.setLate(std::chrono::milliseconds(*late));
-    return {};
+    return setManagerLate(m_devices.i2c.node(), values[0]);
 }
 
 ControlCommands::Answer ControlCommands::orderI2cResult(const Words& values) {
     const auto result = wholeNumber(values[0]);
     if (!result)
-        return refusedValue(values[0], "a result: a whole number of 32 bits");
-    const auto count = values.size() > 1 ? wholeNumber(values[1]) : 1;
-    if (!count || *count < 0 || *count > kMostOrdered)
-        return refusedValue(values[1], "a number of requests: 0 to " + std::to_string(kMostOrdered));
-    m_devices.i2c.bus().orderResult(*result, static_cast<unsigned>(*count));
+        return refusedValue(values[0], kNoResult);
+    const auto count = timesIn(values);
+    if (!count)
+        return refusedTimes(values[1], "requests");
+    m_devices.i2c.bus().orderResult(*result, *count);
     return {};
 }
 

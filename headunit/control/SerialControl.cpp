@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <chrono>
 #include <iterator>
 #include <utility>
 
@@ -16,7 +15,6 @@ struct ControlCommands::ModemKey {
 namespace {
 
 constexpr char kLines[] = "one of station, loopback, modem, receiver";
-constexpr int kLongestLate = 600000; // milliseconds
 
 } // namespace
 
@@ -94,10 +92,10 @@ ControlCommands::Answer ControlCommands::setCard(const std::string& value) {
 }
 
 ControlCommands::Answer ControlCommands::setLate(const std::string& value) {
-    const auto late = wholeNumber(value);
-    if (!late || *late < 0 || *late > kLongestLate)
-        return refusedValue(value, "a number of milliseconds: 0 to " + std::to_string(kLongestLate));
-    m_lines.modem.setLate(std::chrono::milliseconds(*late));
+    const auto late = lateness(value);
+    if (!late)
+        return refusedLateness(value);
+    m_lines.modem.setLate(*late);
     return {};
 }
 

@@ -1,17 +1,19 @@
 #include "devices/DeviceList.h"
 
-#include <string>
-
 #include "devices/BoardIdentity.h"
 #include "devices/SoftwareVersions.h"
+#include "devices/StoredPictures.h"
+#include "devices/UnitTools.h"
 #include "unit/UnitError.h"
 
 namespace headunit {
 
-DeviceList allDevices() {
+DeviceList allDevices(const std::string& variant) {
     DeviceList devices;
     devices.push_back(std::make_unique<BoardIdentity>());
-    devices.push_back(std::make_unique<SoftwareVersions>());
+    devices.push_back(std::make_unique<SoftwareVersions>(variant));
+    devices.push_back(std::make_unique<StoredPictureFiles>());
+    devices.push_back(std::make_unique<UnitTools>());
     return devices;
 }
 

@@ -30,7 +30,9 @@ std::string encodeAnswer(const ManagerAnswer& answer, std::uint32_t room);
 
 /// The number at this byte of `bytes`, which has to hold it.
 std::uint32_t littleEndian32(std::string_view bytes, std::size_t at);
+std::uint16_t littleEndian16(std::string_view bytes, std::size_t at);
 
 void appendLittleEndian32(std::string& bytes, std::uint32_t number);
+void appendLittleEndian16(std::string& bytes, std::uint16_t number);
 
 } // namespace headunit

@@ -27,6 +27,11 @@ std::vector<SystemFolder> systemFolders() {
     return folders;
 }
 
+std::string variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
 } // namespace
 
 std::string ownProgram() {
@@ -49,8 +54,8 @@ SandboxLayout layoutOnThisHost() {
     layout.sharedFolders = {{here, true}};
     layout.workingDirectory = here;
     layout.programFolder = fs::path(ownProgram()).parent_path().string();
-    const char* searchPath = std::getenv("PATH");
-    layout.searchPath = searchPath != nullptr ? searchPath : "";
+    layout.searchPath = variable("PATH");
+    layout.libraryPath = variable("LD_LIBRARY_PATH");
     return layout;
 }
 

@@ -81,6 +81,10 @@ void addUnit(Arguments& arguments, const SandboxLayout& layout) {
 
 } // namespace
 
+std::string inFront(const std::string& folder, const std::string& list) {
+    return folder + (list.empty() ? "" : ":" + list);
+}
+
 std::vector<std::string> sandboxArguments(const SandboxLayout& layout) {
     Arguments arguments = {"bwrap",         "--die-with-parent", "--unshare-user-try",
                            "--unshare-pid", "--unshare-ipc",     "--unshare-uts"};
@@ -92,10 +96,9 @@ std::vector<std::string> sandboxArguments(const SandboxLayout& layout) {
     for (const SharedFolder& folder : usefulShares(layout))
         add(arguments, {folder.writable ? "--bind" : "--ro-bind", folder.path, folder.path});
     add(arguments, {"--setenv", "TMPDIR", "/tmp"});
-    if (!layout.programFolder.empty()) {
-        const std::string rest = layout.searchPath.empty() ? "" : ":" + layout.searchPath;
-        add(arguments, {"--setenv", "PATH", layout.programFolder + rest});
-    }
+    add(arguments, {"--setenv", "LD_LIBRARY_PATH", inFront(kUnitLibraries, layout.libraryPath)});
+    if (!layout.programFolder.empty())
+        add(arguments, {"--setenv", "PATH", inFront(layout.programFolder, layout.searchPath)});
     add(arguments, {"--chdir", layout.workingDirectory, "--"});
     return arguments;
 }

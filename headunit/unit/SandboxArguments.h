@@ -5,6 +5,9 @@
 
 namespace headunit {
 
+/// Where the loader of the unit's programs looks first.
+constexpr char kUnitLibraries[] = "/vrk/lib";
+
 /// A folder of the host that the unit sees at the same path.
 struct SharedFolder {
     std::string path;
@@ -26,8 +29,12 @@ struct SandboxLayout {
     std::string workingDirectory = "/";
     std::string programFolder; ///< shared read-only and first in the unit's PATH
     std::string searchPath;    ///< the PATH that comes after it
+    std::string libraryPath;   ///< the LD_LIBRARY_PATH that comes after the unit's own libraries
     bool ownNetwork = true;    ///< a network of its own, loopback only; else the host's
 };
+
+/// A list of folders, as PATH is one, with one more in front.
+std::string inFront(const std::string& folder, const std::string& list);
 
 /// The command line of bwrap for this layout, from "bwrap" to "--"; the command follows it.
 std::vector<std::string> sandboxArguments(const SandboxLayout& layout);

@@ -17,18 +17,21 @@ namespace fs = std::filesystem;
 
 constexpr mode_t kEverybodysFolder = 01777;
 
-struct StandardLink {
+struct Link {
     const char* unitPath;
     const char* target;
 };
 
-constexpr StandardLink kStandardLinks[] = {
+constexpr Link kLinks[] = {
     {"/dev/fd", "/proc/self/fd"},
     {"/dev/stdin", "/proc/self/fd/0"},
     {"/dev/stdout", "/proc/self/fd/1"},
     {"/dev/stderr", "/proc/self/fd/2"},
     // The kernel finds the terminals that belong to a multiplexer only when it lies among them.
     {"/dev/ptmx", "pts/ptmx"},
+    // Where a person looks first; the pictures are drawn where the unit can reach.
+    {"/display-0.png", "run/headunit/display-0.png"},
+    {"/display-4.png", "run/headunit/display-4.png"},
 };
 
 fs::path makeFolder(const fs::path& folder) {
@@ -90,7 +93,7 @@ void UnitFolder::layOut() const {
         makeFolder(hostPath(folder));
     if (::chmod(hostPath("/tmp").c_str(), kEverybodysFolder) != 0)
         throw systemError("cannot open up " + hostPath("/tmp"), errno);
-    for (const StandardLink& link : kStandardLinks) {
+    for (const Link& link : kLinks) {
         std::error_code error;
         fs::create_symlink(link.target, hostPath(link.unitPath), error);
         if (error && error != std::errc::file_exists)

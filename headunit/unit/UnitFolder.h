@@ -7,7 +7,8 @@
 namespace headunit {
 
 /// A unit's tree in a folder of its own: what the unit sees at /dev, /mnt/app, /ifs, /vrk, /tmp and
-/// /run/headunit lies in that folder under the same names and may change while the unit runs.
+/// /run/headunit lies in that folder under the same names and may change while the unit runs. Beside
+/// them lie links to the pictures of what the unit's displays show.
 class UnitFolder : public UnitTree {
 public:
     /// A fresh folder "headunit-XXXXXX" under ${TMPDIR:-/tmp}, removed with this object. Throws

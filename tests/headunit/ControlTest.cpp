@@ -65,7 +65,7 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"empty", "", "there is no word"}, RefusedCase{"blank", "  ", "there is no word"},
         RefusedCase{"unknownWord", "fly",
                     "'fly' is not one of unplug, plug, state, position, modem, loopback, receiver, i2c, "
-                    "insert, remove, ports, port, audio"},
+                    "wlan, bluetooth, display, insert, remove, ports, port, audio"},
         RefusedCase{"unplugNothing", "unplug", "usage: unplug LINE"},
         RefusedCase{"unplugTwo", "unplug station modem", "usage: unplug LINE"},
         RefusedCase{"unplugUnknown", "unplug it", "'it'" + kNoLine},
@@ -118,6 +118,38 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"i2cEepromHalf", "i2c eeprom 00", "usage: i2c eeprom [ADDRESS HEX]"},
         RefusedCase{"i2cEepromBeyond", "i2c eeprom FF 0102", "'FF 0102'" + kNoBytes},
         RefusedCase{"i2cEepromNoHex", "i2c eeprom 00 0g", "'00 0g'" + kNoBytes},
+        RefusedCase{"wlanNothing", "wlan", "usage: wlan manager|late|result|refuse|size VALUE [VALUE]"},
+        RefusedCase{"wlanUnknown", "wlan fly 1",
+                    "'fly' is not one of manager, late, result, refuse, size"},
+        RefusedCase{"wlanManagerHow", "wlan manager 1", "'1' is not on or off"},
+        RefusedCase{"wlanLate", "wlan late soon", "'soon'" + kNoTime},
+        RefusedCase{"wlanResult", "wlan result x", "'x' is not a result: a whole number of 32 bits"},
+        RefusedCase{"wlanResultCount", "wlan result 5 x",
+                    "'x' is not a number of requests: 0 to 1000000"},
+        RefusedCase{"wlanRefusal", "wlan refuse 65536",
+                    "'65536' is not a number of 16 bits: 0 to 65535"},
+        RefusedCase{"wlanRefusalCount", "wlan refuse 1 1000001",
+                    "'1000001' is not a number of commands: 0 to 1000000"},
+        RefusedCase{"wlanSize", "wlan size -1", "'-1' is not a number of 16 bits: 0 to 65535"},
+        RefusedCase{"wlanSizeCount", "wlan size 1 -1", "'-1' is not a number of commands: 0 to 1000000"},
+        RefusedCase{"wlanSizeNothing", "wlan size", "usage: wlan size BYTES [COMMANDS]"},
+        RefusedCase{"bluetoothUnknown", "bluetooth fly",
+                    "'fly' is not one of manager, late, silent, fail, send"},
+        RefusedCase{"bluetoothManagerHow", "bluetooth manager up", "'up' is not on or off"},
+        RefusedCase{"bluetoothLate", "bluetooth late -1", "'-1'" + kNoTime},
+        RefusedCase{"bluetoothSilent", "bluetooth silent 1", "'1' is not on or off"},
+        RefusedCase{"bluetoothFail", "bluetooth fail close", "'close' is not one of open, write, read"},
+        RefusedCase{"bluetoothFailCount", "bluetooth fail read -1",
+                    "'-1' is not a number of calls: 0 to 1000000"},
+        RefusedCase{"bluetoothSendNothing", "bluetooth send", "usage: bluetooth send HEX"},
+        RefusedCase{"bluetoothSend", "bluetooth send 4",
+                    "'4' is not a packet in hexadecimal, its type first"},
+        RefusedCase{"bluetoothClosed", "bluetooth send 04", "nobody has the bluetooth chip open"},
+        RefusedCase{"displayUnknown", "display on", "'on' is not one of fail, late"},
+        RefusedCase{"displayFail", "display fail it", "'it' is not one of showimage, dmdt"},
+        RefusedCase{"displayFailCount", "display fail dmdt x",
+                    "'x' is not a number of calls: 0 to 1000000"},
+        RefusedCase{"displayLate", "display late 600001", "'600001'" + kNoTime},
         RefusedCase{"insertUnknown", "insert it", "'it'" + kNoMedium},
         RefusedCase{"removeUnknown", "remove it", "'it'" + kNoMedium},
         RefusedCase{"removeNothing", "remove", "usage: remove MEDIUM"},
@@ -172,6 +204,23 @@ TEST_F(ControlTest, doesEverythingThatItKnows) {
                              "i2c pins ff",
                              "i2c eeprom ff 01",
                              "i2c eeprom",
+                             "wlan manager off",
+                             "wlan manager on",
+                             "wlan late 600000",
+                             "wlan result -1 0",
+                             "wlan refuse 65535 1000000",
+                             "wlan size 0 3",
+                             "bluetooth manager off",
+                             "bluetooth manager on",
+                             "bluetooth late 0",
+                             "bluetooth silent on",
+                             "bluetooth silent off",
+                             "bluetooth fail open",
+                             "bluetooth fail write 2",
+                             "bluetooth fail read 0",
+                             "display fail showimage",
+                             "display fail dmdt 0",
+                             "display late 600000",
                              "remove fs0",
                              "insert fs0",
                              "ports",
@@ -199,13 +248,24 @@ TEST_F(ControlTest, tellsTheStateOfEveryDevice) {
               "eeprom 0x50 on pointer 0\n"
               "sensor 0x48 on temperature 25\n"
               "expander 0x20 on outputs FF pins FF\n"
+              "wlan /dev/io-net/uap0 on address 02:00:00:00:87:01 requests 0 refused 0\n"
+              "bluetooth /dev/sdio0 on closed address 02:00:00:00:87:02 commands 0 unsaid 0\n"
               "sda0 /dev/sda0 removed\n"
               "sdb0 /dev/sdb0 removed\n"
               "cd0 /dev/cd0 inserted\n"
               "umass0 /dev/umass/umass0 inserted\n"
               "mnand0 /dev/mnand0 inserted\n"
               "fs0 /dev/fs0 inserted\n"
+              "viewer stopped\n"
+              "display 0 black\n"
+              "display 4 black\n"
               "audio deva-nvaudio stopped");
+}
+
+TEST_F(ControlTest, doesNotWaitForADisplayTool) {
+    const System::Descriptor held = headunit::DisplayFiles(node("/run/headunit")).lock();
+    EXPECT_EQ(ask("display late 1").text, "a display tool is at work; try again");
+    EXPECT_TRUE(ask("state").done);
 }
 
 TEST_F(ControlTest, refusesToPlugALineWhoseNameIsTaken) {

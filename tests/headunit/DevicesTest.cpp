@@ -7,7 +7,11 @@
 #include "devices/DeviceList.h"
 #include "devices/GpioPorts.h"
 #include "devices/SoftwareVersions.h"
+#include "devices/StoredPictures.h"
+#include "devices/UnitTools.h"
+#include "pictures/TestPictures.h"
 #include "support/Program.h"
+#include "unit/HostSystem.h"
 #include "unit/UnitError.h"
 #include "unit/UnitFolder.h"
 
@@ -33,11 +37,56 @@ TEST_F(DevicesTest, boardIdentityHoldsRevisionAndSerialNumber) {
 
 TEST_F(DevicesTest, softwareVersionsHoldThreeFiles) {
     SoftwareVersions().install(m_unit);
-    EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/img_ver.txt")), "HU-ECE-HIGH 11.02.03\n");
+    EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/img_ver.txt")), "HU-ECE-HIGH PAG 11.02.03\n");
     EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/version_info.txt")),
               "component: application\nversion: 11.02.03\nbuilt: 2012-11-05 17:42:10\n");
     EXPECT_EQ(contentOf(m_unit.hostPath("/ifs/version_info.txt")),
               "component: boot image\nversion: 4.17\nbuilt: 2012-10-22 09:15:36\n");
+}
+
+TEST_F(DevicesTest, softwareVersionsNameAVariantThatIsWanted) {
+    SoftwareVersions("G22").install(m_unit);
+    EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/img_ver.txt")), "HU-ECE-HIGH G22 11.02.03\n");
+    SoftwareVersions().install(m_unit);
+    EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/img_ver.txt")), "HU-ECE-HIGH G22 11.02.03\n");
+    SoftwareVersions("G11").install(m_unit);
+    EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/img_ver.txt")), "HU-ECE-HIGH G11 11.02.03\n");
+}
+
+TEST_F(DevicesTest, everyVariantIsNamedByItsOwnImageOnly) {
+    for (const std::string own : SoftwareVersions::kVariants)
+        for (const std::string other : SoftwareVersions::kVariants)
+            EXPECT_EQ(imageVersion(own).find(other) != std::string::npos, own == other) << own;
+}
+
+TEST_F(DevicesTest, testPicturesAreStoredCompressed) {
+    StoredPictureFiles().install(m_unit);
+    ASSERT_EQ(storedPictures().size(), kTestPictures.size());
+    for (std::size_t i = 0; i < kTestPictures.size(); ++i) {
+        const StoredPicture stored = storedPictures()[i];
+        EXPECT_EQ(stored.name, kTestPictures[i].name);
+        const std::string file =
+            m_unit.hostPath("/mnt/app/vrk/production/" + std::string(stored.name) + ".gz");
+        EXPECT_EQ(contentOf(file), stored.compressed);
+        EXPECT_EQ(stored.compressed.substr(0, 3), "\x1F\x8B\x08");
+        EXPECT_LT(stored.compressed.size(), 20000u);
+    }
+}
+
+TEST_F(DevicesTest, toolsAreLinksThatAreRenewed) {
+    UnitTools().install(m_unit);
+    const std::string tool = m_unit.hostPath("/vrk/bin/apps/dmdt");
+    const auto target = std::filesystem::read_symlink(tool);
+    EXPECT_EQ(target, std::filesystem::path(ownProgram()).parent_path() / "dmdt");
+    std::filesystem::remove(tool);
+    std::filesystem::create_symlink("/old", tool);
+    const std::string library = m_unit.hostPath("/vrk/lib/mv8787bt.so");
+    EXPECT_TRUE(std::filesystem::is_symlink(library));
+    std::filesystem::remove(library);
+    writeFile(library, "prepared");
+    UnitTools().install(m_unit);
+    EXPECT_EQ(std::filesystem::read_symlink(tool), target);
+    EXPECT_EQ(contentOf(library), "prepared");
 }
 
 TEST_F(DevicesTest, gpioPortsAreOneNodeEachWithOneCharacter) {
@@ -84,7 +133,8 @@ TEST_F(DevicesTest, theListHasEveryDeviceOnce) {
     const DeviceList devices = allDevices();
     for (const auto& device : devices)
         names.insert(device->name());
-    EXPECT_EQ(names, (std::set<std::string_view>{"board identity", "software versions"}));
+    EXPECT_EQ(names, (std::set<std::string_view>{"board identity", "software versions", "test pictures",
+                                                 "tools"}));
     EXPECT_EQ(devices.size(), names.size());
 }
 

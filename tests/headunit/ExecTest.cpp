@@ -83,11 +83,13 @@ TEST_F(ExecTest, passesTheStandardStreamsThrough) {
 TEST_F(ExecTest, passesTheEnvironmentThrough) {
     Program::Surroundings given = surroundings();
     given.environment["FIRST_TIER_SUPPLIER"] = "a b";
-    Program program(exec({"--", "sh", "-c", "echo \"$FIRST_TIER_SUPPLIER\" $TMPDIR; echo $PATH"}),
-                    given);
+    given.environment["LD_LIBRARY_PATH"] = "/none";
+    Program program(
+        exec({"--", "sh", "-c", "echo \"$FIRST_TIER_SUPPLIER\" $TMPDIR $LD_LIBRARY_PATH; echo $PATH"}),
+        given);
     EXPECT_EQ(program.wait(), 0);
-    EXPECT_THAT(program.output(),
-                StartsWith("a b /tmp\n" + fs::path(HEADUNIT_PROGRAM).parent_path().string() + ":"));
+    EXPECT_THAT(program.output(), StartsWith("a b /tmp /vrk/lib:/none\n" +
+                                             fs::path(HEADUNIT_PROGRAM).parent_path().string() + ":"));
 }
 
 TEST_F(ExecTest, keepsTheWorkingDirectoryWritable) {
@@ -118,13 +120,16 @@ TEST_F(ExecTest, findsTheProgramsBesideHeadunit) {
 
 TEST_F(ExecTest, showsTheUnitsFilesAsTheyAre) {
     EXPECT_EQ(outputOf("cat /dev/nvsku/rev /dev/nvsku/serial_num /mnt/app/img_ver.txt"),
-              "1A\n0323814000427\nHU-ECE-HIGH 11.02.03\n");
+              "1A\n0323814000427\nHU-ECE-HIGH PAG 11.02.03\n");
     EXPECT_EQ(outputOf("cat /mnt/app/version_info.txt /ifs/version_info.txt"),
               "component: application\nversion: 11.02.03\nbuilt: 2012-11-05 17:42:10\n"
               "component: boot image\nversion: 4.17\nbuilt: 2012-10-22 09:15:36\n");
     EXPECT_EQ(outputOf("ls /dev/nvgpio | wc -l; cat /dev/nvgpio/usb_pwr_0 /dev/nvgpio/nad_reset"),
               "21\n10");
-    EXPECT_EQ(outputOf("ls -d /vrk; ls -A /vrk"), "/vrk\n");
+    EXPECT_EQ(outputOf("cd /vrk && ls -A . bin/apps lib"),
+              ".:\nbin\nlib\n\nbin/apps:\ndmdt\nshowimage\n\nlib:\nmv8787bt.so\n");
+    EXPECT_EQ(outputOf("stat -c %F /dev/shmem/mv8787wl /dev/sdio0 /dev/io-net/uap0"),
+              "regular empty file\nsocket\nsocket\n");
 }
 
 TEST_F(ExecTest, letsTheUnitWriteItsNodes) {
@@ -317,17 +322,20 @@ TEST_P(Usage, isAnErrorWithStatusTwo) {
 
 INSTANTIATE_TEST_SUITE_P(
     CommandLines, Usage,
-    testing::Values(UsageCase{"nothing", {}, "A subcommand is required"},
-                    UsageCase{"unknownCommand", {"fly"}, "A subcommand is required"},
-                    UsageCase{"execWithoutCommand", {"exec"}, "a command is missing"},
-                    UsageCase{
-                        "execWithNothingAfterTheSeparator", {"exec", "--"}, "a command is missing"},
-                    UsageCase{"execWithoutSeparator", {"exec", "true"}, "true"},
-                    UsageCase{"execUnknownOption", {"exec", "--fast", "--", "true"}, "--fast"},
-                    UsageCase{"runWithCommand", {"run", "--", "true"}, "'run' takes no command"},
-                    UsageCase{"runUnknownOption", {"run", "--fast"}, "--fast"},
-                    UsageCase{"inPlaceWithUnit", {"run", "--in-place", "--unit", "/x"}, "--unit"},
-                    UsageCase{"confirmationAlone", {"run", "--yes-change-this-machine"}, "--in-place"}),
+    testing::Values(
+        UsageCase{"nothing", {}, "A subcommand is required"},
+        UsageCase{"unknownCommand", {"fly"}, "A subcommand is required"},
+        UsageCase{"execWithoutCommand", {"exec"}, "a command is missing"},
+        UsageCase{"execWithNothingAfterTheSeparator", {"exec", "--"}, "a command is missing"},
+        UsageCase{"execWithoutSeparator", {"exec", "true"}, "true"},
+        UsageCase{"execUnknownOption", {"exec", "--fast", "--", "true"}, "--fast"},
+        UsageCase{
+            "execUnknownVariant", {"exec", "--variant", "G12", "--", "true"}, "{PAG,G11,G22,G24,G21}"},
+        UsageCase{"runUnknownVariant", {"run", "--variant", "g11"}, "g11"},
+        UsageCase{"runWithCommand", {"run", "--", "true"}, "'run' takes no command"},
+        UsageCase{"runUnknownOption", {"run", "--fast"}, "--fast"},
+        UsageCase{"inPlaceWithUnit", {"run", "--in-place", "--unit", "/x"}, "--unit"},
+        UsageCase{"confirmationAlone", {"run", "--yes-change-this-machine"}, "--in-place"}),
     [](const testing::TestParamInfo<UsageCase>& info) { return info.param.title; });
 
 TEST(Help, showsTheCommandsAndExamples) {

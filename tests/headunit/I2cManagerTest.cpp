@@ -1,15 +1,13 @@
 #include <gmock/gmock.h>
-#include <poll.h>
-#include <sys/socket.h>
 
 #include <cerrno>
 #include <chrono>
 #include <optional>
 
 #include "support/I2cPackets.h"
+#include "support/ManagerClient.h"
 #include "support/Peers.h"
 #include "support/Waiting.h"
-#include "unit/LocalSocket.h"
 
 namespace headunit_test {
 namespace {
@@ -18,51 +16,11 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 using testing::HasSubstr;
 
-constexpr int kDeadline = 30000; // milliseconds
-constexpr std::size_t kLongestAnswer = 70000;
-
-/// A connection to the manager's socket.
-class Bus {
-public:
-    explicit Bus(const std::string& folder)
-        : m_socket(headunit::connectIn(headunit::openFolder(folder).get(), "i2c0", SOCK_SEQPACKET)) {}
-
-    bool isOpen() const { return static_cast<bool>(m_socket); }
-    void close() { m_socket.reset(); }
-
-    bool send(const std::string& packet) const {
-        return ::send(m_socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL) ==
-               static_cast<ssize_t>(packet.size());
-    }
-
-    bool hasAnswer(int longest) const {
-        pollfd waited{m_socket.get(), POLLIN, 0};
-        return ::poll(&waited, 1, longest) == 1;
-    }
-
-    /// Nothing when the manager has hung up or the deadline passed.
-    std::optional<std::string> receive() const {
-        std::string packet(kLongestAnswer, '\0');
-        if (!hasAnswer(kDeadline))
-            return std::nullopt;
-        const ssize_t count = ::recv(m_socket.get(), packet.data(), packet.size(), 0);
-        if (count <= 0)
-            return std::nullopt;
-        packet.resize(static_cast<std::size_t>(count));
-        return packet;
-    }
-
-    std::optional<std::string> ask(const std::string& packet) const {
-        return send(packet) ? receive() : std::nullopt;
-    }
-
-private:
-    System::Descriptor m_socket;
-};
+using Bus = ManagerClient;
 
 class I2cManagerTest : public PeersTest {
 protected:
-    Bus connect() const { return Bus(node("/dev")); }
+    Bus connect() const { return {node("/dev"), "i2c0"}; }
 
     bool stateHas(const std::string& text) const {
         return ask("state").text.find(text) != std::string::npos;

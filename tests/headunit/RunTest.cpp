@@ -127,8 +127,8 @@ TEST_F(RunTest, inPlaceWantsToBeToldTwice) {
     EXPECT_EQ(program.wait(), 1);
     EXPECT_EQ(
         program.error(),
-        "headunit: --in-place makes device nodes and files in /dev, /mnt/app and /ifs of this machine "
-        "itself; it is for disposable containers. Add --yes-change-this-machine when this is one\n");
+        "headunit: --in-place makes device nodes and files in /dev, /mnt/app, /ifs and /vrk of this "
+        "machine itself; it is for disposable containers. Add --yes-change-this-machine when this is one\n");
 }
 
 TEST_F(RunTest, inPlaceWantsRoot) {
@@ -146,12 +146,14 @@ TEST_F(RunTest, inPlaceSetsTheMachineUpAndPutsItBack) {
     EXPECT_EQ(contentOf(root / "dev/nvsku/rev"), "1A\n");
     EXPECT_EQ(contentOf(root / "ifs/version_info.txt").substr(0, 10), "component:");
     EXPECT_EQ(contentOf(root / "dev/nvgpio/usb_pwr_0"), "1");
+    EXPECT_TRUE(fs::is_symlink(root / "vrk/bin/apps/showimage"));
     program.signal(SIGTERM);
     EXPECT_EQ(program.wait(), 0) << program.error();
     EXPECT_THAT(namesIn(root / "dev"), ElementsAre("ptmx", "pts"));
     EXPECT_TRUE(fs::is_empty(root / "run"));
     EXPECT_FALSE(fs::exists(root / "mnt"));
     EXPECT_FALSE(fs::exists(root / "ifs"));
+    EXPECT_FALSE(fs::exists(root / "vrk"));
 }
 
 TEST_F(RunTest, inPlaceOverwritesNothing) {

@@ -95,7 +95,10 @@ TEST(SandboxArguments, setTheEnvironmentAndTheWorkingDirectory) {
     const auto arguments = sandboxArguments(layout);
     EXPECT_TRUE(has(arguments, {"--setenv", "TMPDIR", "/tmp"}));
     EXPECT_TRUE(has(arguments, {"--setenv", "PATH", "/home/me/build/bin:/usr/bin:/bin"}));
+    EXPECT_TRUE(has(arguments, {"--setenv", "LD_LIBRARY_PATH", "/vrk/lib"}));
     EXPECT_TRUE(has(arguments, {"--chdir", "/home/me", "--"}));
+    layout.libraryPath = "/a:/b";
+    EXPECT_TRUE(has(sandboxArguments(layout), {"--setenv", "LD_LIBRARY_PATH", "/vrk/lib:/a:/b"}));
     layout.searchPath.clear();
     EXPECT_TRUE(has(sandboxArguments(layout), {"--setenv", "PATH", "/home/me/build/bin"}));
 }
