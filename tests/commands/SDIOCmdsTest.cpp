@@ -144,7 +144,7 @@ TEST_F(SDIOCmdsTest, ALineSendsItsBytes) {
 
 TEST_F(SDIOCmdsTest, EachSizeOfACommandIsSentWhole) {
     openLink();
-    for (const std::size_t size : {8, 9, 100, 247, 251, 254, 255}) {
+    for (const std::size_t size : {8U, 9U, 100U, 247U, 251U, 254U, 255U}) {
         SCOPED_TRACE(size);
         const Bytes command = hostMessage(9, 1, 0, counting(size - 8));
         m_manager->willAnswer(0, wlanReply(hostMessage(0x8009, 1, 0)));
@@ -182,7 +182,7 @@ TEST_F(SDIOCmdsTest, AnIncompleteCommandWaitsForItsRest) {
 TEST_F(SDIOCmdsTest, ClosingAndOpeningForgetWhatIsIncomplete) {
     openLink();
     const Bytes command = hostMessage(0x0010, 2, 0, {1, 2});
-    for (const std::size_t cut : {1, 4, 9}) {
+    for (const std::size_t cut : {1U, 4U, 9U}) {
         sendPart(Bytes(command.begin(), command.begin() + static_cast<std::ptrdiff_t>(cut)));
         expectAnswer(kClose, success(kClose));
         openLink();

@@ -175,7 +175,7 @@ TEST_F(SWriteCmdBinaryTest, AClosedChannelIsNoPipe) {
 TEST_F(SWriteCmdBinaryTest, BytesPassBothWaysAsTheyAre) {
     for (const unsigned char channel : Bytes{1, 2, 3}) {
         openChannel(channel);
-        for (const std::size_t count : {1, 2, 100, 251}) {
+        for (const std::size_t count : {1U, 2U, 100U, 251U}) {
             std::string text(count, '\0');
             for (std::size_t at = 0; at < count; ++at)
                 text[at] = static_cast<char>(at * 7 + channel);

@@ -189,7 +189,7 @@ TEST_F(DeviceManagerTest, OneBlockOfDataGoesWhicheverWayTheCommandSays) {
 
 TEST_F(DeviceManagerTest, AnAnswerFillsThePartsInOrderAndNothingElse) {
     open();
-    for (const std::size_t size : {0, 1, 2, 3, 4, 5, 6, 7, 8, 1000, 100000}) {
+    for (const std::size_t size : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 1000U, 100000U}) {
         SCOPED_TRACE(size);
         // Two parts of 3 and 4 bytes, each between guards.
         std::array<unsigned char, 16> bytes{};

@@ -14,7 +14,7 @@ class ManagerFailureTest : public ManagerFixture {};
 
 TEST_F(ManagerFailureTest, AnAnswerWithoutAWholeResultIsAFailure) {
     open();
-    for (const std::size_t size : {1, 2, 3}) {
+    for (const std::size_t size : {1U, 2U, 3U}) {
         SCOPED_TRACE(size);
         unsigned char byte = kGuard;
         m_manager->willSend(Bytes(size, 0));

@@ -64,7 +64,7 @@ TEST_F(BinaryOverlapTest, FramesAndLinesNeverCross) {
 
 TEST_F(BinaryOverlapTest, CommandsOfBothLinksHaveTheirOwnOutput) {
     constexpr int kCommands = 20;
-    std::thread station([this] {
+    std::thread station([] {
         Connection connection;
         for (int number = 0; number < kCommands && !HasFailure(); ++number) {
             const std::string output = "tcp " + std::to_string(number);
