@@ -248,7 +248,8 @@ ProcessResponse* tCmd::writeAscii(std::vector<std::vector<char>>& tokens,
     if (bytes.size() < static_cast<std::size_t>(total) || bytes.size() > kLongestDataToken)
         return new ProcessResponse(ProcessResponse::kGenericError, kBadData, total,
                                    static_cast<int>(bytes.size()));
-    data->assign(bytes.begin(), bytes.begin() + total);
+    const auto* const first = reinterpret_cast<const unsigned char*>(bytes.data());
+    data->assign(first, first + total);
     std::copy(data->begin(), data->end(), getGlobalBuffer() + address);
     if (!withChecksum)
         return success();

@@ -13,6 +13,9 @@ constexpr std::uint32_t kTopBit = 0x80000000;
 constexpr std::size_t kUndivided = 4;
 // Of the bytes that are divided in one step.
 constexpr std::size_t kHalf = kTables / 2;
+// Bytes that are asked for so far ahead have come from memory when it is their turn. By itself a
+// processor looks ahead to the end of a page only, and waits at the beginning of the next.
+constexpr std::size_t kAhead = 1024;
 
 std::uint32_t bigEndianAt(const unsigned char* bytes) {
     return static_cast<std::uint32_t>(bytes[0]) << 24 | static_cast<std::uint32_t>(bytes[1]) << 16 |
@@ -28,11 +31,14 @@ std::uint32_t dividedByte(std::uint32_t byte) {
 
 #ifdef PRODUCTION_ISAL
 
+std::uint32_t divideByLibrary(std::uint32_t crc, const unsigned char* data, std::size_t length) {
+    // The library inverts its register at both ends. It is not asked for nothing.
+    return length == 0 ? crc : ~::crc32_ieee(~crc, data, std::uint64_t{length});
+}
+
 std::uint32_t byLibrary(const unsigned char* data, std::size_t length) {
     const std::size_t divided = length - kUndivided;
-    // The library inverts its register at both ends, as the checksum does. It is not asked for nothing.
-    const std::uint32_t remainder = divided == 0 ? 0 : ::crc32_ieee(0, data, std::uint64_t{divided});
-    return remainder ^ bigEndianAt(data + divided);
+    return ~divideByLibrary(~std::uint32_t{0}, data, divided) ^ bigEndianAt(data + divided);
 }
 
 #endif
@@ -66,6 +72,8 @@ std::uint32_t divide(const std::uint32_t* tables, std::uint32_t crc, const unsig
         // waits for the other half only.
         std::uint32_t lower = lowerHalf(bigEndianAt(data + kHalf));
         for (; length >= 2 * kTables; length -= kTables, data += kTables) {
+            if (length > kAhead)
+                __builtin_prefetch(data + kAhead);
             const std::uint32_t next = lowerHalf(bigEndianAt(data + kTables + kHalf));
             crc = upperHalf(crc ^ bigEndianAt(data)) ^ lower;
             lower = next;
@@ -86,8 +94,10 @@ std::uint32_t portable(const std::uint32_t* tables, const unsigned char* data, s
 
 #ifdef PRODUCTION_ISAL
 std::uint32_t (*const library)(const unsigned char*, std::size_t) = byLibrary;
+std::uint32_t (*const libraryDivide)(std::uint32_t, const unsigned char*, std::size_t) = divideByLibrary;
 #else
 std::uint32_t (*const library)(const unsigned char*, std::size_t) = nullptr;
+std::uint32_t (*const libraryDivide)(std::uint32_t, const unsigned char*, std::size_t) = nullptr;
 #endif
 
 } // namespace System::CRCDivision

@@ -25,9 +25,11 @@ std::uint32_t divide(const std::uint32_t* tables, std::uint32_t crc, const unsig
 /// The checksum of at least four bytes, by `divide`.
 std::uint32_t portable(const std::uint32_t* tables, const unsigned char* data, std::size_t length);
 
-/// The same by the processor's own multiplication of polynomials, through ISA-L. Null in a program that
-/// was built without that library.
+/// The same two by the processor's own multiplication of polynomials, through ISA-L. Null in a program
+/// that was built without that library.
 extern std::uint32_t (*const library)(const unsigned char* data, std::size_t length);
+extern std::uint32_t (*const libraryDivide)(std::uint32_t crc, const unsigned char* data,
+                                            std::size_t length);
 
 } // namespace CRCDivision
 } // namespace System

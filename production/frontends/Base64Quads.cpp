@@ -30,10 +30,16 @@ std::uint32_t valueOf(char character) {
     return kValues[static_cast<unsigned char>(character)];
 }
 
+bool isQuad(const char* text) {
+    return (valueOf(text[0]) | valueOf(text[1]) | valueOf(text[2]) | valueOf(text[3])) < kNone;
+}
+
 } // namespace
 
 std::size_t base64RunLength(const char* text, std::size_t length) {
     std::size_t at = 0;
+    while (length - at >= kCharacters && isQuad(text + at))
+        at += kCharacters;
     while (at < length && (valueOf(text[at]) != kNone || text[at] == kPadding))
         ++at;
     return at;

@@ -13,13 +13,15 @@ namespace {
 namespace Division = System::CRCDivision;
 
 std::uint32_t divide(std::uint32_t value, std::string_view bytes) {
+    const auto* const first = reinterpret_cast<const unsigned char*>(bytes.data());
+    if (Division::libraryDivide != nullptr)
+        return Division::libraryDivide(value, first, bytes.size());
     static const std::vector<std::uint32_t> tables = [] {
         std::vector<std::uint32_t> filled(Division::kTables * Division::kTableEntries);
         Division::fillTables(filled.data());
         return filled;
     }();
-    return Division::divide(tables.data(), value, reinterpret_cast<const unsigned char*>(bytes.data()),
-                            bytes.size());
+    return Division::divide(tables.data(), value, first, bytes.size());
 }
 
 } // namespace

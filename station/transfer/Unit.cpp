@@ -17,6 +17,7 @@ constexpr char kDiagnostics[] = "diag";
 constexpr char kChecked[] = "8bitcrc";
 constexpr char kLinearMemory[] = "0";
 constexpr std::string_view kChecksumOpening = "cksum ";
+constexpr std::size_t kWriteArguments = 6;
 constexpr std::size_t kNumberBytes = 4;
 
 // How the unit says that written bytes do not have their sum: with a code of its own over a binary link,
@@ -123,8 +124,13 @@ bool Unit::moveMemory(std::size_t total, const PieceRequest& request, const Piec
 bool Unit::writeMemory(std::uint64_t offset, std::string_view bytes, const Moved& onMoved) try {
     const auto request = [&](std::size_t at, std::size_t count) {
         const std::string_view piece = bytes.substr(at, count);
-        // One of them is long enough to be worth not being copied.
-        Arguments arguments = {"write", kChecked, std::to_string(count), std::to_string(offset + at)};
+        // Thousands of them in a row: none is copied.
+        Arguments arguments;
+        arguments.reserve(kWriteArguments);
+        arguments.emplace_back("write");
+        arguments.emplace_back(kChecked);
+        arguments.push_back(std::to_string(count));
+        arguments.push_back(std::to_string(offset + at));
         arguments.push_back(base64Argument(piece));
         arguments.push_back(std::to_string(sumOf(piece)));
         return arguments;
