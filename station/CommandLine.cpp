@@ -4,6 +4,7 @@
 #include <iostream>
 #include <memory>
 
+#include "terminal/TerminalOrder.h"
 #include "transfer/OrderLine.h"
 
 namespace station {
@@ -24,7 +25,7 @@ Arguments:
   bytes as base64: also for text with a double quotation mark or a control character
       station i2c write 0 0x50 "base64(AB8K)"
 
-Scratch buffer, ports, I2C, block devices and audio; asked and answered alike over every link:
+Everything on the unit; asked and answered alike over every link:
   station memory write 8bit 4 0x100 "hex(01 02 03 04)"
   station memory read 32bit 1 0x100
   station memory read 8bitcrc 4 0x100
@@ -37,6 +38,17 @@ Scratch buffer, ports, I2C, block devices and audio; asked and answered alike ov
   station blockdev open 179 0
   station blockdev read 179 0 0 8 0x1000
   station audio activate
+  station serial open 1 115200 0
+  station serial send 1 "hex(41 54 0D)"
+  station serial get 1 3
+  station serial getall 1
+  station serial close 1
+  station graphic display 0 1
+  station graphic capture 3 0
+The wireless chip: 240 is WLAN, 241 is Bluetooth, where the packet's type comes first:
+  station serial open 241
+  station serial send 241 "hex(01 03 0C 00)"
+  station serial get 241 242
 
 Where to and how:
   station --target tcp:unit.example:15051 status
@@ -92,7 +104,7 @@ ExitCode refuseUsage(const std::string& message) {
 std::optional<ExitCode> CommandLine::parse(int argc, const char* const* argv) {
     CLI::App app(kDescription, "station");
     app.formatter(std::make_shared<HelpFormatter>());
-    app.footer(std::string(kFooter) + '\n' + kTransferHelp);
+    app.footer(std::string(kFooter) + '\n' + kTransferHelp + '\n' + kTerminalHelp);
     app.set_version_flag("--version", "station " STATION_VERSION);
     app.add_option("--target", target, "Where the unit is reached")
         ->type_name("tcp:HOST:PORT|serial:PATH")

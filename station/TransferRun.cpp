@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "EndCode.h"
 #include "Exchange.h"
 #include "ExitCode.h"
 #include "Report.h"
@@ -45,20 +46,6 @@ ProgressMode progressMode(const std::string& word, bool json) {
                   "invalid progress '" + word + "': expected auto, bar, plain or none");
 }
 
-/// The exit code for what ended a transfer: a number above all of `ExitCode` for a signal.
-int transferExitCode(const std::exception& error) {
-    constexpr int kSignalled = 128;
-    if (const auto* interrupted = dynamic_cast<const Interrupted*>(&error))
-        return kSignalled + interrupted->signal();
-    if (const auto* failure = dynamic_cast<const Failure*>(&error))
-        return static_cast<int>(exitCode(*failure));
-    if (dynamic_cast<const Refused*>(&error) != nullptr)
-        return static_cast<int>(ExitCode::Refused);
-    if (dynamic_cast<const Unverified*>(&error) != nullptr)
-        return static_cast<int>(ExitCode::MalformedAnswer);
-    return static_cast<int>(ExitCode::Unexpected);
-}
-
 /// One transfer, from the checks to the report.
 class TransferRun {
 public:
@@ -74,7 +61,7 @@ public:
             return static_cast<int>(ExitCode::Success);
         } catch (const std::exception& error) {
             m_report.failed(error.what() + howFar(), m_figures, stopwatch.seconds());
-            return transferExitCode(error);
+            return endCode(error);
         }
     }
 

@@ -1,3 +1,7 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <csignal>
 #include <iostream>
 
@@ -5,7 +9,9 @@
 #include "Exchange.h"
 #include "Report.h"
 #include "Stopwatch.h"
+#include "TerminalRun.h"
 #include "TransferRun.h"
+#include "terminal/TerminalOrder.h"
 #include "transfer/OrderLine.h"
 
 namespace station {
@@ -29,6 +35,8 @@ int run(int argc, const char* const* argv) {
         return static_cast<int>(*ended);
     if (isTransfer(line.name, line.arguments))
         return runTransfer(line);
+    if (isTerminal(line.name, line.arguments))
+        return runTerminal(line);
     const auto report = line.json ? makeJsonReport(line.name) : makeTextReport();
     return static_cast<int>(execute(line, *report));
 }
@@ -41,10 +49,19 @@ int runAndFlush(int argc, const char* const* argv) {
     return static_cast<int>(ExitCode::Unexpected);
 }
 
+/// Puts something unusable in the place of a standard stream that was closed, or the link to the unit
+/// would take its number and be read and written in its place.
+void holdStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0 && errno == EBADF)
+            static_cast<void>(::open("/dev/null", O_RDONLY));
+}
+
 } // namespace
 } // namespace station
 
 int main(int argc, char** argv) {
+    station::holdStandardStreams();
     // A reader that has gone shows as a failed write.
     std::signal(SIGPIPE, SIG_IGN);
     try {

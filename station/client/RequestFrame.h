@@ -7,6 +7,7 @@
 namespace station {
 
 constexpr std::size_t kLongestFrame = 255;     ///< bytes, the length byte included
+constexpr std::size_t kLongestPayload = 247;   ///< bytes, of an answer
 constexpr std::size_t kRequestFrameHeader = 2; ///< bytes: length and command id
 constexpr unsigned char kAckId = 0x06;         ///< of the command that absorbs what it is sent
 

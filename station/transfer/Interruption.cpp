@@ -21,9 +21,18 @@ void watch(int signal, struct sigaction& previous) {
 }
 
 std::string nameOf(int signal) {
-    if (signal == SIGINT)
-        return "SIGINT";
-    return signal == SIGTERM ? "SIGTERM" : "signal " + std::to_string(signal);
+    switch (signal) {
+        case SIGHUP:
+            return "SIGHUP";
+        case SIGINT:
+            return "SIGINT";
+        case SIGQUIT:
+            return "SIGQUIT";
+        case SIGTERM:
+            return "SIGTERM";
+        default:
+            return "signal " + std::to_string(signal);
+    }
 }
 
 } // namespace
@@ -33,19 +42,26 @@ void Interruption::raise(int signal) {
     m_signal.compare_exchange_strong(none, signal);
 }
 
-SignalWatch::SignalWatch(Interruption& interruption) {
+SignalWatch::SignalWatch(Interruption& interruption, std::initializer_list<int> signals) {
     interruptionOfSignals = &interruption;
-    watch(SIGINT, m_interrupt);
-    watch(SIGTERM, m_terminate);
+    for (const int signal : signals) {
+        m_watched.push_back({signal, {}});
+        watch(signal, m_watched.back().previous);
+    }
 }
 
 SignalWatch::~SignalWatch() {
-    ::sigaction(SIGINT, &m_interrupt, nullptr);
-    ::sigaction(SIGTERM, &m_terminate, nullptr);
+    for (const Watched& watched : m_watched)
+        ::sigaction(watched.signal, &watched.previous, nullptr);
     interruptionOfSignals = nullptr;
 }
 
 Interrupted::Interrupted(int signal)
     : std::runtime_error("interrupted by " + nameOf(signal)), m_signal(signal) {}
+
+void stopIfInterrupted(const Interruption& interruption) {
+    if (const int signal = interruption.signal(); signal != 0)
+        throw Interrupted(signal);
+}
 
 } // namespace station

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <utility>
 
 #include "client/Failure.h"
 #include "client/Quoting.h"
@@ -55,47 +54,7 @@ std::uint32_t numberOf(const std::string& text, std::string_view encoded, const 
     return number;
 }
 
-std::string joined(const std::vector<std::string>& messages) {
-    std::string text;
-    for (const std::string& message : messages)
-        text += (text.empty() ? "" : "; ") + message;
-    return text;
-}
-
 } // namespace
-
-Refused::Refused(std::uint32_t code, std::string message)
-    : std::runtime_error("refused: " + refusalText(code) + (message.empty() ? "" : ": " + message)),
-      m_code(code),
-      m_message(std::move(message)) {}
-
-void Unit::stopIfInterrupted() const {
-    if (const int signal = m_interruption.signal(); signal != 0)
-        throw Interrupted(signal);
-}
-
-Answer Unit::execute(const std::string& name, const Arguments& arguments) {
-    m_session.begin(name, arguments);
-    return finish();
-}
-
-Answer Unit::finish() {
-    std::vector<std::string> messages;
-    const auto keep = [&](const std::string& message) { messages.push_back(message); };
-    Answer answer;
-    try {
-        answer = m_session.finish(keep);
-    } catch (...) {
-        for (const std::string& message : messages)
-            m_onInfo(message);
-        throw;
-    }
-    if (answer.isRefusal())
-        throw Refused(answer.code, joined(messages));
-    for (const std::string& message : messages)
-        m_onInfo(message);
-    return answer;
-}
 
 bool Unit::moveMemory(std::size_t total, const PieceRequest& request, const PieceAnswer& take) try {
     const auto pieceAt = [total](std::size_t at) { return std::min(kMostRequestBytes, total - at); };
@@ -104,11 +63,11 @@ bool Unit::moveMemory(std::size_t total, const PieceRequest& request, const Piec
     std::size_t asked = 0;
     for (std::size_t done = 0; done < total; done += pieceAt(done)) {
         for (; asked < total && underWay < width; ++underWay) {
-            stopIfInterrupted();
+            stopIfInterrupted(m_interruption);
             m_session.begin(kMemory, request(asked, pieceAt(asked)));
             asked += pieceAt(asked);
         }
-        const Answer answer = finish();
+        const Answer answer = finishCommand(m_session, m_onInfo);
         --underWay;
         if (!take(done, pieceAt(done), answer)) {
             m_session.abandon();
@@ -171,7 +130,7 @@ std::optional<std::string> Unit::readMemory(std::uint64_t offset, std::size_t co
 }
 
 std::uint32_t Unit::checksum(std::uint64_t offset, std::uint64_t length) {
-    stopIfInterrupted();
+    stopIfInterrupted(m_interruption);
     const Answer answer =
         execute(kDiagnostics, {"cksum", kLinearMemory, std::to_string(offset), std::to_string(length)});
     const std::string expected = "cksum base64(...) with 4 bytes";
@@ -182,7 +141,7 @@ std::uint32_t Unit::checksum(std::uint64_t offset, std::uint64_t length) {
 }
 
 void Unit::openDevice(const DeviceId& device) {
-    stopIfInterrupted();
+    stopIfInterrupted(m_interruption);
     execute(kBlockDevice, {"open", std::to_string(device.type), std::to_string(device.id)});
 }
 
@@ -203,7 +162,7 @@ std::uint64_t Unit::writeBlocks(const DeviceId& device, std::uint64_t first, std
 }
 
 std::uint64_t Unit::moveBlocks(const char* operation, const DeviceId& device, const Arguments& rest) {
-    stopIfInterrupted();
+    stopIfInterrupted(m_interruption);
     Arguments arguments = {operation, std::to_string(device.type), std::to_string(device.id)};
     arguments.insert(arguments.end(), rest.begin(), rest.end());
     const Answer answer = execute(kBlockDevice, arguments);

@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "transfer/Interruption.h"
+#include "transfer/Refused.h"
 #include "transfer/Session.h"
 
 namespace station {
@@ -24,20 +24,6 @@ constexpr std::size_t kMostRequestBytes = 244;
 struct DeviceId {
     unsigned type = 0; ///< 177 to 180
     unsigned id = 0;
-};
-
-/// A command that the unit did not carry out; `what()` holds its message as well.
-class Refused : public std::runtime_error {
-public:
-    Refused(std::uint32_t code, std::string message);
-
-    std::uint32_t code() const { return m_code; }
-    /// What the unit said ahead of the answer; may be empty.
-    const std::string& message() const { return m_message; }
-
-private:
-    std::uint32_t m_code;
-    std::string m_message;
 };
 
 /// The unit's commands that a transfer consists of. Every call blocks until all is answered and
@@ -80,9 +66,9 @@ private:
     /// Takes its answer. False when the piece arrived damaged.
     using PieceAnswer = std::function<bool(std::size_t at, std::size_t count, const Answer& answer)>;
 
-    void stopIfInterrupted() const;
-    Answer execute(const std::string& name, const Arguments& arguments);
-    Answer finish();
+    Answer execute(const std::string& name, const Arguments& arguments) {
+        return carryOut(m_session, name, arguments, m_onInfo);
+    }
     bool moveMemory(std::size_t total, const PieceRequest& request, const PieceAnswer& take);
     std::uint64_t moveBlocks(const char* operation, const DeviceId& device, const Arguments& rest);
 

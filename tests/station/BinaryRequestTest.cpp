@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
     Values(Refused{"graph",
                    {},
                    "'graph' has no binary form here (there is one for ack, audio, blockdev, "
-                   "diag, exec, i2c, memory, port, status)"},
+                   "diag, exec, graphic, i2c, memory, port, serial, status)"},
            Refused{"graph",
                    {"x"},
                    "send its frame with raw \"hex(...)\", or use the ASCII form: --target tcp"},

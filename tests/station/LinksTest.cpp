@@ -1,87 +1,19 @@
+#include "Links.h"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <array>
 #include <cstdlib>
-#include <ostream>
 #include <string>
-#include <vector>
 
-#include "StationProcess.h"
 #include "platform/Base64.h"
-#include "support/Daemon.h"
-
-// The same commands over each link to the same unit: whoever calls the program must not have to care
-// about the link.
 
 namespace station {
+
+INSTANTIATE_TEST_SUITE_P(Station, Links, testing::ValuesIn(allLinks()), nameOfLink);
+
 namespace {
-
-struct LinkCase {
-    const char* name;
-    std::vector<std::string> options;
-    DaemonStart start;
-    std::vector<std::string> greeting; ///< first run, which takes what the unit says unasked
-};
-
-void PrintTo(const LinkCase& link, std::ostream* out) {
-    *out << link.name;
-}
-
-constexpr char kLine[] = "serial:/run/headunit/station-line";
-constexpr char kPort[] = "tcp:127.0.0.1:15051";
-
-DaemonStart startOnTheLine(std::optional<std::string> supplier) {
-    DaemonStart start;
-    start.stationLine = true;
-    start.supplier = std::move(supplier);
-    return start;
-}
-
-/// A unit of its own for each case, with a fresh daemon.
-class Links : public testing::TestWithParam<LinkCase> {
-protected:
-    void SetUp() override { ASSERT_EQ(run(GetParam().greeting).exitCode, 0); }
-
-    static Outcome run(const std::vector<std::string>& arguments) {
-        std::vector<std::string> all = GetParam().options;
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        return runStation({std::move(all)});
-    }
-
-    static void expectAnswer(const std::vector<std::string>& arguments, const std::string& answer) {
-        const Outcome outcome = run(arguments);
-        EXPECT_EQ(outcome.output, answer + "\n") << testing::PrintToString(arguments);
-        EXPECT_EQ(outcome.errors, "") << testing::PrintToString(arguments);
-        EXPECT_EQ(outcome.exitCode, 0) << testing::PrintToString(arguments);
-    }
-
-    static void expectRefusal(const std::vector<std::string>& arguments, const std::string& message,
-                              const std::string& code) {
-        const Outcome outcome = run(arguments);
-        EXPECT_EQ(outcome.output, "") << testing::PrintToString(arguments);
-        EXPECT_EQ(outcome.errors, "Info \"" + message + "\"\nstation: refused: Error 0x" + code + "\n")
-            << testing::PrintToString(arguments);
-        EXPECT_EQ(outcome.exitCode, 5) << testing::PrintToString(arguments);
-    }
-
-private:
-    Daemon m_daemon{GetParam().start};
-};
-
-INSTANTIATE_TEST_SUITE_P(Station, Links,
-                         testing::Values(LinkCase{"Tcp", {"--target", kPort}, {}, {"status"}},
-                                         LinkCase{"Binary",
-                                                  {"--target", kLine},
-                                                  startOnTheLine(std::nullopt),
-                                                  {"--wait-startup", "status"}},
-                                         LinkCase{"SerialAscii",
-                                                  {"--target", kLine, "--protocol", "ascii"},
-                                                  startOnTheLine("SOLMED"),
-                                                  {"status"}}),
-                         [](const testing::TestParamInfo<LinkCase>& info) {
-                             return std::string(info.param.name);
-                         });
 
 TEST_P(Links, ReadAndWriteMemoryAlike) {
     expectAnswer({"memory", "write", "8bit", "4", "0x100", "hex(01020304)"}, "ok");

@@ -135,23 +135,25 @@ TEST_P(ProgramMisuse, IsTold) {
 
 INSTANTIATE_TEST_SUITE_P(
     Arguments, ProgramMisuse,
-    testing::Values(Misuse{{}, "the NAME of a command is missing"},
-                    Misuse{{"--json"}, "the NAME of a command is missing"},
-                    Misuse{{"--"}, "the NAME of a command is missing"},
-                    Misuse{{"-x", "status"}, "unknown option -x"},
-                    Misuse{{"--jsn", "status"}, "unknown option --jsn"},
-                    Misuse{{"--target"}, "--target"},
-                    Misuse{{"--target", "unit:1", "status"}, "invalid target 'unit:1'"},
-                    Misuse{{"--timeout", "soon", "status"}, "invalid time-out 'soon'"},
-                    Misuse{{"--timeout", "0", "status"}, "invalid time-out '0'"},
-                    Misuse{{"--timeout=-1", "status"}, "invalid time-out '-1'"},
-                    Misuse{{"--timeout", "inf", "status"}, "invalid time-out 'inf'"},
-                    Misuse{{""}, "invalid command name ''"},
-                    Misuse{{"/bin/ls"}, "invalid command name '/bin/ls'"},
-                    Misuse{{"exec", ""}, "an empty argument cannot be sent"},
-                    Misuse{{"exec", "a\"b"}, "send its bytes as base64(...)"},
-                    Misuse{{"exec", "a\nb"}, "send its bytes as base64(...)"},
-                    Misuse{{"exec", "hex(zz)"}, "only hex digits"}));
+    testing::Values(
+        Misuse{{}, "the NAME of a command is missing"},
+        Misuse{{"--json"}, "the NAME of a command is missing"},
+        Misuse{{"--"}, "the NAME of a command is missing"},
+        Misuse{{"-x", "status"}, "unknown option -x"},
+        Misuse{{"--jsn", "status"}, "unknown option --jsn"}, Misuse{{"--target"}, "--target"},
+        Misuse{{"--target", "unit:1", "status"}, "invalid target 'unit:1'"},
+        Misuse{{"--timeout", "soon", "status"}, "invalid time-out 'soon'"},
+        Misuse{{"--timeout", "0", "status"}, "invalid time-out '0'"},
+        Misuse{{"--timeout=-1", "status"}, "invalid time-out '-1'"},
+        Misuse{{"--timeout", "inf", "status"}, "invalid time-out 'inf'"},
+        Misuse{{""}, "invalid command name ''"}, Misuse{{"/bin/ls"}, "invalid command name '/bin/ls'"},
+        Misuse{{"exec", ""}, "an empty argument cannot be sent"},
+        Misuse{{"exec", "a\"b"}, "send its bytes as base64(...)"},
+        Misuse{{"exec", "a\nb"}, "send its bytes as base64(...)"},
+        Misuse{{"exec", "hex(zz)"}, "only hex digits"}, Misuse{{"serial", "terminal"}, "CHANNEL"},
+        Misuse{{"serial", "terminal", "240"}, "invalid channel '240'"},
+        Misuse{{"--json", "serial", "terminal", "1"}, "no JSON"},
+        Misuse{{"--timeout", "soon", "serial", "terminal", "1"}, "invalid time-out"}));
 
 struct Sent {
     std::vector<std::string> arguments;
@@ -194,6 +196,21 @@ INSTANTIATE_TEST_SUITE_P(Arguments, ProgramSends,
                                          Sent{{"ack", "--help"},
                                               "\x02"
                                               "ack \"--help\"\x03\n"},
+                                         Sent{{"serial", "open", "1", "115200", "0x0F"},
+                                              "\x02"
+                                              "serial open 1 115200 0x0F\x03\n"},
+                                         Sent{{"serial", "send", "1", "hex(41 54 0D)"},
+                                              "\x02"
+                                              "serial send 1 hex(41 54 0D)\x03\n"},
+                                         Sent{{"serial", "getall", "1"},
+                                              "\x02"
+                                              "serial getall 1\x03\n"},
+                                         Sent{{"graphic", "display", "0", "1"},
+                                              "\x02"
+                                              "graphic display 0 1\x03\n"},
+                                         Sent{{"graphic", "capture", "3", "0"},
+                                              "\x02"
+                                              "graphic capture 3 0\x03\n"},
                                          Sent{{"ack", "a", "--", "b"},
                                               "\x02"
                                               "ack a \"--\" b\x03\n"},
@@ -325,6 +342,11 @@ TEST(Program, HelpsWithAnExampleForEachForm) {
                              "station i2c read 0 16 0x50 \"hex(00)\"",
                              "station blockdev open 179 0",
                              "station audio activate",
+                             "station serial send 1 \"hex(41 54 0D)\"",
+                             "station serial send 241 \"hex(01 03 0C 00)\"",
+                             "station serial terminal 1",
+                             "station graphic display 0 1",
+                             "station graphic capture 3 0",
                              "STATION_TARGET=tcp:127.0.0.1:15052 STATION_TIMEOUT=5 station status"})
         EXPECT_THAT(outcome.output, HasSubstr(part));
 }

@@ -56,12 +56,24 @@ pid_t spawn(const Invocation& invocation, int standardOutput, int standardError)
 
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
+    if (invocation.standardInput >= 0)
+        ::posix_spawn_file_actions_adddup2(&actions, invocation.standardInput, STDIN_FILENO);
     ::posix_spawn_file_actions_adddup2(&actions, standardOutput, STDOUT_FILENO);
     ::posix_spawn_file_actions_adddup2(&actions, standardError, STDERR_FILENO);
+    // As from a person's shell, whatever runs the tests ignores.
+    sigset_t usual;
+    ::sigemptyset(&usual);
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
+        ::sigaddset(&usual, signal);
+    posix_spawnattr_t attributes;
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawnattr_setsigdefault(&attributes, &usual);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
     pid_t child = -1;
-    EXPECT_EQ(::posix_spawn(&child, STATION_PROGRAM, &actions, nullptr, pointersTo(arguments).data(),
+    EXPECT_EQ(::posix_spawn(&child, STATION_PROGRAM, &actions, &attributes, pointersTo(arguments).data(),
                             pointersTo(environment).data()),
               0);
+    ::posix_spawnattr_destroy(&attributes);
     ::posix_spawn_file_actions_destroy(&actions);
     return child;
 }
@@ -104,6 +116,7 @@ Outcome runStation(const Invocation& invocation) {
               errors.writeEnd.get());
     output.writeEnd.reset();
     errors.writeEnd.reset();
+    invocation.onStart(child);
 
     Outcome outcome;
     if (!collect(output.readEnd, errors.readEnd, outcome)) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,6 +20,9 @@ struct Invocation {
     std::vector<std::string> arguments;
     std::vector<std::string> environment = {}; ///< NAME=VALUE
     int standardOutput = -1;                   ///< a descriptor to use instead of collecting the output
+    int standardInput = -1;                    ///< a descriptor to use instead of the test's own
+    /// Called when the process runs.
+    std::function<void(pid_t process)> onStart = [](pid_t) {};
 };
 
 /// Waits for the program to end; kills it, with a test failure, when that takes far too long.

@@ -22,6 +22,9 @@ AnswerText hexTextOf(std::size_t length);
 /// For a payload of `length` bytes: the opening and base64(...) of them.
 AnswerText base64TextOf(std::size_t length, std::string_view opening = "");
 
+/// The same for a payload of at most `most` bytes, which may be none.
+AnswerText base64TextUpTo(std::size_t most, std::string_view opening);
+
 /// For a payload that is text: as it is when it is printable, as hex(...) when not.
 AnswerText printedText();
 

@@ -21,9 +21,17 @@ BinaryForm of(const std::vector<std::string>& arguments) {
 }
 
 constexpr std::array kForms = {
-    Entry{"ack", ackForm},           Entry{"audio", of<audioForm>}, Entry{"blockdev", of<blockdevForm>},
-    Entry{"diag", of<diagForm>},     Entry{"exec", execForm},       Entry{"i2c", of<i2cForm>},
-    Entry{"memory", of<memoryForm>}, Entry{"port", of<portForm>},   Entry{"status", statusForm},
+    Entry{"ack", ackForm},
+    Entry{"audio", of<audioForm>},
+    Entry{"blockdev", of<blockdevForm>},
+    Entry{"diag", of<diagForm>},
+    Entry{"exec", execForm},
+    Entry{"graphic", of<graphicForm>},
+    Entry{"i2c", of<i2cForm>},
+    Entry{"memory", of<memoryForm>},
+    Entry{"port", of<portForm>},
+    Entry{"serial", of<serialForm>},
+    Entry{"status", statusForm},
 };
 
 std::string allNames() {

@@ -16,9 +16,11 @@ BinaryForm audioForm(const CommandArguments& arguments);
 BinaryForm blockdevForm(const CommandArguments& arguments);
 BinaryForm diagForm(const CommandArguments& arguments);
 BinaryForm execForm(const std::vector<std::string>& arguments);
+BinaryForm graphicForm(const CommandArguments& arguments);
 BinaryForm i2cForm(const CommandArguments& arguments);
 BinaryForm memoryForm(const CommandArguments& arguments);
 BinaryForm portForm(const CommandArguments& arguments);
+BinaryForm serialForm(const CommandArguments& arguments);
 BinaryForm statusForm(const std::vector<std::string>& arguments);
 
 } // namespace station
