@@ -48,7 +48,7 @@ private:
     // StateReport.cpp
     Answer state(const Words& words);
     std::string describeManagers();
-    std::string describeDisplays();
+    std::string describeDisplays() const;
 
     // SerialControl.cpp
     Answer unplug(const Words& words);

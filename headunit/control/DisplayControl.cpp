@@ -11,6 +11,9 @@ ControlCommands::Answer ControlCommands::display(const Words& words) {
     return runKey(kKeys, words);
 }
 
+// These change the displays, if not this object.
+// NOLINTBEGIN(readability-make-member-function-const)
+
 ControlCommands::Answer ControlCommands::orderToolFailures(const Words& values) {
     for (const DisplayTool tool : {DisplayTool::viewer, DisplayTool::manager}) {
         if (values[0] != nameOf(tool))
@@ -31,5 +34,7 @@ ControlCommands::Answer ControlCommands::setToolsLate(const Words& values) {
     m_devices.displays.setLate(static_cast<int>(late->count()));
     return {};
 }
+
+// NOLINTEND(readability-make-member-function-const)
 
 } // namespace headunit

@@ -58,7 +58,7 @@ std::string ControlCommands::describeManagers() {
     return text.str();
 }
 
-std::string ControlCommands::describeDisplays() {
+std::string ControlCommands::describeDisplays() const {
     const DisplayState state = m_devices.displays.state();
     std::string text = std::string("viewer ") + (state.viewerRuns ? "running" : "stopped") + '\n';
     for (const int display : DisplayState::kDisplays)

@@ -60,13 +60,11 @@ std::array<unsigned char, kPrivateRequest> privateRequest(int bufferSize) {
     return request;
 }
 
-int exchange(int socket, unsigned char* buffer, int size, int bufferSize) {
+int exchange(int socket, const System::ReplyPart& data, int bufferSize) {
     auto header = controlHeader();
     auto request = privateRequest(bufferSize);
-    const auto length = static_cast<std::size_t>(std::max(size, bufferSize));
     return System::messageInterface(
-        socket, dev_name,
-        {{header.data(), header.size()}, {request.data(), request.size()}, {buffer, length}});
+        socket, dev_name, {{header.data(), header.size()}, {request.data(), request.size()}, data});
 }
 
 } // namespace
@@ -85,7 +83,8 @@ int uap_ioctl(unsigned char* buffer, int* size, int bufferSize) {
     putLittleEndian32(buffer, static_cast<std::uint32_t>(room));
     if (debug_level > 1)
         std::fprintf(stderr, kSizes, bufferSize, *size);
-    if (const int result = exchange(socket.get(), buffer, *size, bufferSize); result != 0) {
+    const auto length = static_cast<std::size_t>(std::max(*size, bufferSize));
+    if (const int result = exchange(socket.get(), {buffer, length}, bufferSize); result != 0) {
         const int error = errno;
         std::fprintf(stderr, kRefused, __func__, result, error);
         return result;

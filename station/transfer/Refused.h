@@ -23,9 +23,9 @@ private:
     std::string m_message;
 };
 
-/// Takes the answer to a command that is under way and has to succeed. What the unit says ahead of its answer goes to `onInfo`, but for
-/// what it says ahead of a refusal, which is the message of the `Refused` that is thrown. Throws what
-/// `Session::finish` throws, too.
+/// Takes the answer to a command that is under way and has to succeed. What the unit says ahead of its
+/// answer goes to `onInfo`, but for what it says ahead of a refusal, which is the message of the
+/// `Refused` that is thrown. Throws what `Session::finish` throws, too.
 Answer finishCommand(Session& session, const Session::InfoSink& onInfo);
 
 /// The same from its beginning.

@@ -137,7 +137,7 @@ TEST_F(SDIOCmdsTest, ALineSendsItsBytes) {
     expectLine(lineWithData({"serial", "send", "240"}, command), "serial ok");
     EXPECT_EQ(m_manager->lastRequest(), wlanRequest(command));
     expectLine(tokens({"serial", "get", "240", "9"}),
-               "serial get 0xF0 " + this->command().ascii_buildBase64String(reply));
+               "serial get 0xF0 " + PassThroughUnit::command().ascii_buildBase64String(reply));
     expectLine(lineWithData({"serial", "send", "240"}, {}), "serial ok");
     expectLine(tokens({"serial", "close", "240"}), "serial ok");
 }

@@ -85,7 +85,7 @@ TEST_F(mvbtCmdTest, AnyHandleButZeroIsOne) {
 
 TEST_F(mvbtCmdTest, APacketWaitsAsItsTypeAndItsBytes) {
     open();
-    for (const std::size_t size : {0, 1, 2, 247, 255, 1021, 65535, 65539}) {
+    for (const std::size_t size : {0U, 1U, 2U, 247U, 255U, 1021U, 65535U, 65539U}) {
         SCOPED_TRACE(size);
         const Bytes bytes(size, 0xC3);
         m_driver.receive(kEvent, bytes);

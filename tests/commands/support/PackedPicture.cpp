@@ -16,7 +16,7 @@ std::string pictureContent(unsigned number, std::size_t size) {
 }
 
 void pack(const std::string& path, const std::string& content) {
-    const gzFile file = ::gzopen(path.c_str(), "wb1");
+    gzFile_s* const file = ::gzopen(path.c_str(), "wb1");
     ASSERT_NE(file, nullptr) << path;
     const auto length = static_cast<unsigned>(content.size());
     if (length > 0) { // else the library would take it for a failure
