@@ -5,9 +5,9 @@
 namespace System {
 
 /// What `fstat` tells of a block device, with the fields that a user of blocks needs: `st_blksize` is
-/// the size of a block in bytes and `st_blocks` the number of blocks of that size. A regular file that
-/// stands in for a device is counted in its own preferred block size. Returns 0 or an error number. Any
-/// thread.
+/// the size of a block in bytes and `st_blocks` the number of blocks of that size. On Linux a regular
+/// file that stands in for a device is counted in its own preferred block size. Returns 0 or an error
+/// number. Any thread.
 int blockDeviceStatus(int descriptor, struct stat& status);
 
 } // namespace System

@@ -4,9 +4,8 @@
 
 namespace System {
 
-/// Descriptors that no child process can inherit: they are close-on-exec from their first moment, so
-/// that a shell started by another thread at the same time cannot get hold of them. Any thread. On
-/// failure the result is empty and `errno` tells why.
+/// Descriptors that no child process can inherit, not even a shell that another thread starts at the
+/// same moment. Any thread. On failure the result is empty and `errno` tells why.
 
 /// A TCP socket over IPv4.
 Descriptor openTcpSocket();

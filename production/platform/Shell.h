@@ -14,7 +14,7 @@ enum class ShellOutcome {
     Ended,      ///< `status` holds the wait status
     Killed,     ///< outlived its limit; it and everything it started were killed
     KillFailed, ///< outlived its limit and could not be killed; `error` tells why
-    WaitFailed  ///< `error` tells why; the shell was left alone
+    WaitFailed  ///< `error` tells why (ETIMEDOUT: it outlived its limit); the shell was left alone
 };
 
 struct ShellResult {
@@ -27,7 +27,10 @@ struct ShellResult {
 /// from the same thread, and no other thread of the process may wait for children.
 ///
 /// The shell gets the three given descriptors as 0, 1 and 2 and nothing else, default signal handling
-/// and a session of its own. It is started without copying the caller's page tables.
+/// and a session of its own, or a process group where a new process cannot have a session. It is started
+/// without copying the caller's page tables.
+///
+/// Whether a shell that outlives its limit is killed or left alone is the system's way.
 class Shell {
 public:
     Shell();

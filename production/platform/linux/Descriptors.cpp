@@ -23,12 +23,4 @@ bool openPipe(Descriptor& readEnd, Descriptor& writeEnd) {
     return true;
 }
 
-void openStandardStreams() {
-    Descriptor null(::open("/dev/null", O_RDWR));
-    while (null && null.get() <= STDERR_FILENO) {
-        null.release();
-        null.reset(::open("/dev/null", O_RDWR));
-    }
-}
-
 } // namespace System

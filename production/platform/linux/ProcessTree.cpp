@@ -17,6 +17,7 @@
 #include <string>
 
 #include "platform/Descriptor.h"
+#include "platform/posix/EndedChildren.h"
 
 namespace System {
 
@@ -93,11 +94,6 @@ ProcessTree::ProcessTree() {
     std::copy_if(all.begin(), all.end(), std::back_inserter(m_earlier), [&all](const Process& process) {
         return branchBelow(::getpid(), process, all) != nullptr;
     });
-}
-
-void ProcessTree::collectEndedChildren() {
-    while (::waitpid(-1, nullptr, WNOHANG) > 0) {
-    }
 }
 
 bool ProcessTree::belongsToEarlier(const Process& process) const {

@@ -33,9 +33,6 @@ public:
     /// or the error number that killing `root` itself failed with.
     int kill(pid_t root) const;
 
-    /// Collects every child that has ended; the root must have been collected before.
-    static void collectEndedChildren();
-
 private:
     std::vector<Process> membersOf(pid_t root) const;
     bool belongsToEarlier(const Process& process) const;

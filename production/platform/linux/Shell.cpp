@@ -1,6 +1,5 @@
 #include "platform/Shell.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
@@ -13,6 +12,8 @@
 #include <limits>
 
 #include "platform/linux/ProcessTree.h"
+#include "platform/posix/EndedChildren.h"
+#include "platform/posix/ShellInput.h"
 
 namespace System {
 
@@ -112,33 +113,6 @@ private:
     Descriptor m_descriptor;
 };
 
-/// The part of the text that the pipe has not taken yet; closes the pipe when there is none.
-class Feeder {
-public:
-    Feeder(Descriptor pipe, std::string_view text) : m_pipe(std::move(pipe)), m_text(text) {
-        ::fcntl(m_pipe.get(), F_SETFL, O_NONBLOCK);
-    }
-
-    int pipe() const { return m_pipe.get(); }
-
-    void feed() {
-        while (m_pipe && !m_text.empty()) {
-            const ssize_t written = ::write(m_pipe.get(), m_text.data(), m_text.size());
-            if (written >= 0)
-                m_text.remove_prefix(static_cast<std::size_t>(written));
-            else if (errno == EAGAIN)
-                return;
-            else if (errno != EINTR)
-                m_text = {}; // nobody reads any more
-        }
-        m_pipe.reset();
-    }
-
-private:
-    Descriptor m_pipe;
-    std::string_view m_text;
-};
-
 ShellResult killAndCollect(pid_t pid, const ProcessTree& tree, const ChildWait& child) {
     if (const int error = tree.kill(pid); error != 0)
         return {ShellOutcome::KillFailed, 0, error};
@@ -147,7 +121,7 @@ ShellResult killAndCollect(pid_t pid, const ProcessTree& tree, const ChildWait& 
     const Clock::time_point deadline = Clock::now() + kPatienceAfterKill;
     while (!child.ended(status, ignored) && Clock::now() < deadline)
         child.waitForEvent(-1, deadline);
-    ProcessTree::collectEndedChildren();
+    collectEndedChildren();
     return {ShellOutcome::Killed, status, 0};
 }
 
@@ -179,16 +153,16 @@ int Shell::start(int input, int output, int errorOutput) {
 ShellResult Shell::feedAndWait(Descriptor input, std::string_view text, std::chrono::nanoseconds limit) {
     const Clock::time_point deadline = deadlineAfter(limit);
     const ChildWait child(m_pid);
-    Feeder feeder(std::move(input), text);
+    ShellInput commands(std::move(input), text);
     int status = 0;
     int error = 0;
-    feeder.feed();
-    child.waitForEvent(feeder.pipe(), deadline);
+    commands.feed();
+    child.waitForEvent(commands.pipe(), deadline);
     while (!child.ended(status, error)) {
         if (Clock::now() >= deadline)
             return killAndCollect(m_pid, m_tracking->tree, child);
-        feeder.feed();
-        child.waitForEvent(feeder.pipe(), deadline);
+        commands.feed();
+        child.waitForEvent(commands.pipe(), deadline);
     }
     if (error != 0)
         return {ShellOutcome::WaitFailed, 0, error};

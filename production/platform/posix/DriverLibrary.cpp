@@ -5,12 +5,13 @@
 
 #include <cerrno>
 
+#include "platform/posix/DriverLibraryMode.h"
+
 namespace System {
 
 DriverLibrary DriverLibrary::load(const char* name) {
-    // This loader refuses mode 0. What a library lacks is better found out now than in a later call.
-    DriverLibrary library(::dlopen(name, RTLD_NOW | RTLD_LOCAL));
-    // It explains itself in a text and leaves no error number behind.
+    DriverLibrary library(::dlopen(name, driverLibraryMode()));
+    // The loader explains itself in a text and leaves no error number behind.
     if (!library && ::access(name, R_OK) == 0)
         errno = ENOEXEC;
     return library;

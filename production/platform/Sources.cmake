@@ -1,0 +1,39 @@
+# What the seam is made of: what all systems share, and the half that each has of its own. Paths are
+# relative to this folder.
+set(platform_shared
+  Descriptor.cpp
+  posix/Base64.cpp
+  posix/DriverLibrary.cpp
+  posix/EndedChildren.cpp
+  posix/ShellInput.cpp
+  posix/StandardStreams.cpp)
+
+set(platform_linux
+  linux/BlockDevice.cpp
+  linux/Descriptors.cpp
+  linux/DeviceManager.cpp
+  linux/DriverLibraryMode.cpp
+  linux/I2cDriver.cpp
+  linux/ManagerSocket.cpp
+  linux/Memory.cpp
+  linux/NetworkStack.cpp
+  linux/PathWait.cpp
+  linux/ProcessTree.cpp
+  linux/Shell.cpp
+  linux/Terminal.cpp
+  linux/ThreadTraits.cpp)
+set(platform_linux_libraries resolv ${CMAKE_DL_LIBS})
+
+set(platform_qnx
+  qnx/BlockDevice.cpp
+  qnx/CloseOnExec.cpp
+  qnx/Descriptors.cpp
+  qnx/DeviceManager.cpp
+  qnx/DriverLibraryMode.cpp
+  qnx/Memory.cpp
+  qnx/NetworkStack.cpp
+  qnx/PathWait.cpp
+  qnx/Shell.cpp
+  qnx/Terminal.cpp
+  qnx/ThreadTraits.cpp)
+set(platform_qnx_libraries socket)

@@ -1,0 +1,12 @@
+#include "platform/BlockDevice.h"
+
+#include <cerrno>
+
+namespace System {
+
+// The block file system counts a device in the blocks that it has, so there is nothing to add.
+int blockDeviceStatus(int descriptor, struct stat& status) {
+    return ::fstat(descriptor, &status) == 0 ? 0 : errno;
+}
+
+} // namespace System

@@ -1,0 +1,109 @@
+#include "platform/Shell.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/neutrino.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <limits>
+#include <utility>
+
+#include "platform/posix/EndedChildren.h"
+#include "platform/posix/ShellInput.h"
+
+namespace System {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::nanoseconds;
+
+// After the kill the kernel ends a process at once, unless a driver holds it.
+constexpr std::chrono::seconds kPatienceAfterKill{2};
+
+/// Has the kernel end the next wait of this thread, with ETIMEDOUT, after that time. Waiting for a child
+/// is a message to the process manager, so these are the states that it waits in. False and errno on
+/// failure.
+bool limitNextWait(nanoseconds limit) {
+    const auto time = static_cast<std::uint64_t>(limit.count());
+    return ::TimerTimeout(CLOCK_REALTIME, _NTO_TIMEOUT_SEND | _NTO_TIMEOUT_REPLY, nullptr, &time,
+                          nullptr) != -1;
+}
+
+int pollTime(nanoseconds left) {
+    constexpr std::chrono::milliseconds kLongest{std::numeric_limits<int>::max()};
+    return static_cast<int>(
+        std::min(std::chrono::ceil<std::chrono::milliseconds>(left), kLongest).count());
+}
+
+/// Gives the shell its commands; returns what is left of the limit then. A text that the pipe takes at
+/// once costs nothing of it.
+nanoseconds feedWithin(nanoseconds limit, ShellInput& commands) {
+    const Clock::time_point start = Clock::now();
+    nanoseconds left = limit;
+    while (!commands.feed() && left.count() > 0) {
+        pollfd event{commands.pipe(), POLLOUT, 0};
+        ::poll(&event, 1, pollTime(left));
+        left = limit - (Clock::now() - start);
+    }
+    return left;
+}
+
+ShellResult killAndCollect(pid_t pid) {
+    if (::kill(pid, SIGKILL) != 0)
+        return {ShellOutcome::KillFailed, 0, errno};
+    // What it has started is in its group, unless it went out of it.
+    ::kill(-pid, SIGKILL);
+    int status = 0;
+    if (limitNextWait(kPatienceAfterKill))
+        ::waitpid(pid, &status, WEXITED);
+    return {ShellOutcome::Killed, status, 0};
+}
+
+} // namespace
+
+// The process group is all that is known of what a shell has started.
+class Shell::Tracking {};
+
+Shell::Shell() = default;
+Shell::~Shell() = default;
+
+int Shell::start(int input, int output, int errorOutput) {
+    collectEndedChildren(); // also of shells that were left alone
+    const int descriptors[] = {input, output, errorOutput};
+    inheritance differences{};
+    differences.flags = SPAWN_SETGROUP | SPAWN_SETSIGMASK | SPAWN_SETSIGDEF;
+    differences.pgroup = SPAWN_NEWPGROUP;
+    sigemptyset(&differences.sigmask);
+    sigfillset(&differences.sigdefault);
+    char name[] = "sh";
+    char readStandardInput[] = "-s";
+    char* const arguments[] = {name, readStandardInput, nullptr};
+    // Without an environment of its own it gets the daemon's.
+    m_pid = ::spawn("/bin/sh", 3, descriptors, &differences, arguments, nullptr);
+    return m_pid == -1 ? errno : 0;
+}
+
+// NOLINTNEXTLINE(readability-make-member-function-const): other systems change what they track
+ShellResult Shell::feedAndWait(Descriptor input, std::string_view text, nanoseconds limit) {
+    ShellInput commands(std::move(input), text);
+    const nanoseconds left = feedWithin(limit, commands);
+    if (left.count() <= 0)
+        return {ShellOutcome::WaitFailed, 0, ETIMEDOUT};
+    if (!limitNextWait(left))
+        return {ShellOutcome::WaitFailed, 0, errno};
+    int status = 0;
+    if (::waitpid(m_pid, &status, WEXITED) != -1)
+        return {ShellOutcome::Ended, status, 0};
+    // Only an interrupted wait ends the shell. One that ran out of time leaves it alone.
+    if (errno != EINTR)
+        return {ShellOutcome::WaitFailed, 0, errno};
+    return killAndCollect(m_pid);
+}
+
+} // namespace System

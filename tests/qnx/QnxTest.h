@@ -1,0 +1,17 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "fake/FakeSystem.h"
+
+/// A fresh fake for each test; what was prepared for a call that never came is a failure.
+class QnxTest : public ::testing::Test {
+protected:
+    QnxTest() { FakeSystem::reset(); }
+
+    void TearDown() override {
+        EXPECT_THAT(FakeSystem::leftOver(), ::testing::IsEmpty()) << "calls that did not come";
+        FakeSystem::reset();
+    }
+};

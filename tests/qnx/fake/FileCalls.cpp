@@ -1,0 +1,94 @@
+// The calls that open, prepare, feed and close descriptors.
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+#include "fake/FakeSystem.h"
+
+using FakeSystem::hex;
+using FakeSystem::pointer;
+using FakeSystem::record;
+using FakeSystem::text;
+using std::to_string;
+
+namespace {
+
+constexpr int kPipeReadEnd = 21;
+constexpr int kPipeWriteEnd = 22;
+
+} // namespace
+
+extern "C" {
+
+int __wrap_open64(const char* path, int oflag, ...) {
+    return static_cast<int>(record("open64", {text(path), hex(static_cast<unsigned>(oflag))}).value);
+}
+
+int __wrap_access(const char* path, int mode) {
+    return static_cast<int>(record("access", {text(path), hex(static_cast<unsigned>(mode))}).value);
+}
+
+int __wrap_fcntl(int fildes, int cmd, ...) {
+    va_list arguments;
+    va_start(arguments, cmd);
+    const int argument = va_arg(arguments, int);
+    va_end(arguments);
+    return static_cast<int>(
+        record("fcntl", {to_string(fildes), to_string(cmd), hex(static_cast<unsigned>(argument))})
+            .value);
+}
+
+int __wrap_close(int fildes) {
+    return static_cast<int>(record("close", {to_string(fildes)}).value);
+}
+
+/// A stream that can be used and closed, whatever was asked for.
+std::FILE* __real_fopen64(const char* path, const char* mode);
+std::FILE* __wrap_fopen64(const char* path, const char* mode) {
+    const bool refused = record("fopen64", {text(path), text(mode)}).value == -1;
+    return refused ? nullptr : __real_fopen64("/dev/null", "rb+");
+}
+
+int __real_fclose(std::FILE* stream);
+int __wrap_fclose(std::FILE* stream) {
+    record("fclose", {});
+    return __real_fclose(stream);
+}
+
+int __wrap_socket(int domain, int type, int protocol) {
+    return static_cast<int>(
+        record("socket", {to_string(domain), to_string(type), to_string(protocol)}).value);
+}
+
+int __wrap_accept(int socket, struct sockaddr* address, socklen_t* length) {
+    return static_cast<int>(
+        record("accept", {to_string(socket), pointer(address), pointer(length)}).value);
+}
+
+int __wrap_pipe(int* ends) {
+    const long value = record("pipe", {}).value;
+    if (value == 0) {
+        ends[0] = kPipeReadEnd;
+        ends[1] = kPipeWriteEnd;
+    }
+    return static_cast<int>(value);
+}
+
+/// Takes everything, unless a result says otherwise.
+ssize_t __wrap_write(int fildes, const void* bytes, std::size_t size) {
+    const std::string content(static_cast<const char*>(bytes), size);
+    return record("write", {to_string(fildes), text(content.c_str())}, static_cast<long>(size)).value;
+}
+
+int __wrap_poll(pollfd* events, nfds_t count, int milliseconds) {
+    std::string waited;
+    for (nfds_t at = 0; at < count; ++at)
+        waited += to_string(events[at].fd) + ":" + hex(static_cast<unsigned>(events[at].events));
+    return static_cast<int>(record("poll", {waited, to_string(milliseconds)}, 1).value);
+}
+
+} // extern "C"
