@@ -13,14 +13,16 @@ std::uint32_t windowOf(int station) {
 
 // Of a thousand requests. Those that start processes take a thousand times as long as the others.
 constexpr std::uint32_t kOfAll = 1000;
-constexpr std::uint32_t kMemory = 350;
+constexpr std::uint32_t kMemory = 330;
 constexpr std::uint32_t kChecksum = kMemory + 120;
 constexpr std::uint32_t kBlock = kChecksum + 120;
 constexpr std::uint32_t kI2c = kBlock + 120;
 constexpr std::uint32_t kPort = kI2c + 100;
 constexpr std::uint32_t kMalformed = kPort + 90;
 constexpr std::uint32_t kUnknown = kMalformed + 45;
-constexpr std::uint32_t kStatus = kUnknown + 30;
+constexpr std::uint32_t kSerial = kUnknown + 12;
+constexpr std::uint32_t kGraphic = kSerial + 8;
+constexpr std::uint32_t kStatus = kGraphic + 30;
 constexpr std::uint32_t kAcknowledgement = kStatus + 20;
 constexpr std::uint32_t kExec = kAcknowledgement + 3;
 
@@ -46,6 +48,10 @@ Exchange RequestSource::next() {
         return malformedRequest(m_dice);
     if (choice < kUnknown)
         return m_unit.unknown();
+    if (choice < kSerial)
+        return m_unit.serial();
+    if (choice < kGraphic)
+        return m_unit.graphic();
     if (choice < kStatus)
         return m_unit.status();
     if (choice < kAcknowledgement)

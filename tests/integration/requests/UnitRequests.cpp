@@ -26,6 +26,15 @@ constexpr std::uint32_t kPortRange = 0x27000010;
 constexpr std::uint32_t kNotAnOutput = 0x27000040;
 constexpr std::uint32_t kWriteFailed = 0x27010000;
 
+constexpr std::uint32_t kWlanChannel = 240;
+constexpr std::uint32_t kChannelFailed = 0x0A000000;
+constexpr std::uint32_t kNoSuchChannel = 0x0A000004;
+constexpr std::uint32_t kNoSuchParity = 0x0A000008;
+constexpr std::uint32_t kReadSize = 0x10;
+
+constexpr std::uint32_t kNoSuchOutput = 0x49000002;
+constexpr std::uint32_t kNoSuchPicture = 0x49000004;
+
 constexpr std::uint32_t kInvalidState = 0x50000001;
 constexpr std::uint32_t kUnknownName = 0x10;
 
@@ -191,6 +200,62 @@ Exchange UnitRequests::audio() {
             Expected::exactly("ok"),
             {'E', '\x80', active ? '\1' : '\0'},
             Expected::exactly("")};
+}
+
+Exchange UnitRequests::serial() {
+    // Nobody closes these.
+    constexpr std::array<std::uint32_t, 3> kChannels = {1, 2, kWlanChannel};
+    const std::uint32_t channel = m_dice.oneOf(kChannels);
+    if (m_dice.oneIn(2))
+        return serialRefused();
+    return {"serial open " + anyNumber(m_dice, channel) + " 115200 0", Expected::exactly("ok"),
+            std::string{'S', 0, asByte(channel)} + bigEndian32(115200) + '\0', Expected::exactly("")};
+}
+
+Exchange UnitRequests::serialRefused() {
+    const std::uint32_t nobody = m_dice.between(4, kWlanChannel - 1);
+    const std::string nobodyText = anyNumber(m_dice, nobody);
+    const std::uint32_t tooMany = m_dice.oneIn(4) ? 0 : m_dice.between(243, 255);
+    switch (m_dice.below(6)) {
+        case 0:
+            return refused("serial open " + nobodyText + " 9600 0",
+                           std::string{'S', 0, asByte(nobody)} + bigEndian32(9600) + '\0',
+                           kNoSuchChannel);
+        case 1:
+            return refused("serial open 2 9600 2", std::string{'S', 0, 2} + bigEndian32(9600) + '\2',
+                           kNoSuchParity);
+        case 2:
+            return refused("serial close " + nobodyText, {'S', 1, asByte(nobody)}, kChannelFailed);
+        case 3:
+            return refused("serial send " + nobodyText + " hex(00)", {'S', 2, asByte(nobody), 0},
+                           kChannelFailed);
+        case 4:
+            return refused("serial getall " + nobodyText, {'S', 4, asByte(nobody)}, kChannelFailed);
+        default:
+            return refused("serial get 1 " + anyNumber(m_dice, tooMany), {'S', 3, 1, asByte(tooMany)},
+                           kReadSize);
+    }
+}
+
+Exchange UnitRequests::graphic() {
+    const std::uint32_t beyond = m_dice.between(3, 255);
+    const std::string beyondText = anyNumber(m_dice, beyond);
+    // It runs seven programs, one after the other.
+    if (m_dice.oneIn(16))
+        return {
+            "graphic display 0 1", Expected::exactly("ok"), {'G', '\xA0', 0, 1}, Expected::exactly("")};
+    switch (m_dice.below(4)) {
+        case 0:
+            return refused("graphic display " + beyondText + " 0", {'G', '\xA0', asByte(beyond), 0},
+                           kNoSuchOutput);
+        case 1:
+            return refused("graphic display 2 " + beyondText, {'G', '\xA0', 2, asByte(beyond)},
+                           kNoSuchPicture);
+        case 2:
+            return refused("graphic display 1 0", {'G', '\xA0', 1, 0}, kNoSuchOutput);
+        default:
+            return refused("graphic wipe 0 0", {'G', '\x10', 0, 0}, kGenericError);
+    }
 }
 
 Exchange UnitRequests::exec() {

@@ -16,6 +16,8 @@ public:
     Exchange i2c();
     Exchange port();
     Exchange audio();
+    Exchange serial();
+    Exchange graphic();
     Exchange exec();
     Exchange status();
     Exchange acknowledgement();
@@ -29,6 +31,7 @@ private:
     Exchange portRead();
     Exchange portWrite();
     Exchange portRefused();
+    Exchange serialRefused();
 
     Dice& m_dice;
     int m_number;
