@@ -23,8 +23,8 @@ int StopSignals::wait(std::chrono::milliseconds longest) {
         return m_stop;
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(longest);
     timespec limit{};
-    limit.tv_sec = seconds.count();
-    limit.tv_nsec = std::chrono::nanoseconds(longest - seconds).count();
+    limit.tv_sec = static_cast<time_t>(seconds.count());
+    limit.tv_nsec = static_cast<long>(std::chrono::nanoseconds(longest - seconds).count());
     return noted(::sigtimedwait(&m_awaited, nullptr, &limit));
 }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -93,9 +94,10 @@ std::string readWhole(const System::Descriptor& file) {
     struct stat information {};
     if (end <= 0 || ::fstat(file.get(), &information) != 0 || S_ISDIR(information.st_mode))
         return {};
-    const auto size = static_cast<std::size_t>(end);
-    if (size > std::numeric_limits<std::size_t>::max() / kCopiesOfOutput)
+    // Before it becomes a size in memory, which may have fewer bits.
+    if (static_cast<std::uint64_t>(end) > std::numeric_limits<std::size_t>::max() / kCopiesOfOutput)
         throw std::bad_alloc();
+    const auto size = static_cast<std::size_t>(end);
     MemoryGuard::require(size * kCopiesOfOutput);
     std::string content(size, '\0');
     std::size_t done = 0;

@@ -217,9 +217,10 @@ std::string AbstractCmd::ascii_getName() const {
 int AbstractCmd::ascii_getInt(const std::vector<char>& token) const {
     // Copied, since decoded tokens carry no terminating zero.
     const std::string text(token.begin(), token.end());
-    // What a scan for "%i" gives, without its cost: 0 when there is no number.
+    // What a scan for "%i" gives, without its cost: 0 when there is no number. Read wide, so that a
+    // number of 32 bits keeps its bits where a long has no more than 32 itself.
     constexpr int kByPrefix = 0;
-    return static_cast<int>(std::strtol(text.c_str(), nullptr, kByPrefix));
+    return static_cast<int>(std::strtoll(text.c_str(), nullptr, kByPrefix));
 }
 
 std::string AbstractCmd::ascii_exec(ProcessResponse* response) {

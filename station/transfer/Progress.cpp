@@ -151,8 +151,8 @@ private:
     std::string bar(std::uint64_t done) const {
         if (m_width < kNarrow)
             return {};
-        const std::size_t filled =
-            std::min<std::size_t>(kBarLength, kBarLength * m_text.percent(done) / kPercent);
+        const auto filled = static_cast<std::size_t>(
+            std::min<std::uint64_t>(kBarLength, kBarLength * m_text.percent(done) / kPercent));
         return '[' + std::string(filled, '#') + std::string(kBarLength - filled, '.') + "] ";
     }
 

@@ -1,5 +1,3 @@
-#include <sys/syscall.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <string>
@@ -70,7 +68,7 @@ TEST_F(cReadCmdFileTest, BinaryTellsWhatIsWrongWithAFile) {
 TEST_F(cReadCmdFileTest, BinaryTellsThatAFileHasNoStatus) {
     write(kFile, "content");
     inFreshProcess([] {
-        refuseSystemCalls({SYS_newfstatat, SYS_fstat, SYS_statx}, EIO);
+        refuseSystemCalls(kFileStatusCalls, EIO);
         expectError(readBinary(kFile), 't', "cannot stat /tmp/some file, no information available");
     });
 }

@@ -192,7 +192,7 @@ TEST(mCmdHandleRefusalTest, AFailedCloseIsReportedByItsErrorNumber) {
 TEST(mCmdHandleRefusalTest, FailingToLookAtItIsReportedByItsErrorNumber) {
     inFreshProcess([] {
         mCmd::Handle device(177, "/proc/self/exe", false);
-        refuseSystemCalls({SYS_fstat, SYS_newfstatat}, ENOMEM);
+        refuseSystemCalls(kFileStatusCalls, ENOMEM);
         expectFailure(device.open(),
                       "Failed to get Device Information for /proc/self/exe: Cannot allocate memory",
                       ENOMEM);

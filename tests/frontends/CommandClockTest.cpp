@@ -103,9 +103,9 @@ TEST_F(CommandClockTest, ACommandsNameIsTextAndNoFormat) {
 
 TEST_F(CommandClockTest, ALongTimeIsWrittenOut) {
     m_command.start();
-    m_clock.set(5000000000, 0);
+    m_clock.set(2000000000, 0);
     EXPECT_EQ(warning(),
-              "Prod.testserver: ### ATTENTION: Command-Runtime for \"status\": 5000000000000 ms\n");
+              "Prod.testserver: ### ATTENTION: Command-Runtime for \"status\": 2000000000000 ms\n");
 }
 
 TEST_F(CommandClockTest, AClockThatCannotBeReadShowsNothing) {

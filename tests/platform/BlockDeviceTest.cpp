@@ -40,9 +40,9 @@ int refuse(int error) {
 
 extern "C" {
 
-int __real_fstat(int descriptor, struct stat* status);
-int __wrap_fstat(int descriptor, struct stat* status) {
-    const int result = __real_fstat(descriptor, status);
+int REAL_FSTAT(int descriptor, struct stat* status);
+int WRAP_FSTAT(int descriptor, struct stat* status) {
+    const int result = REAL_FSTAT(descriptor, status);
     if (descriptor >= 0 && descriptor == s_device.descriptor)
         status->st_mode = (status->st_mode & ~static_cast<mode_t>(S_IFMT)) | S_IFBLK;
     return result;

@@ -37,7 +37,7 @@ void BlockFile::fill(std::uint64_t block, char byte) {
 }
 
 std::string BlockFile::blocks(std::uint64_t first, std::uint64_t count) const {
-    std::string content(count * kBlock, '\0');
+    std::string content(static_cast<std::size_t>(count) * kBlock, '\0');
     const ssize_t length = ::pread(opened().get(), content.data(), content.size(), positionOf(first));
     EXPECT_GE(length, 0);
     content.resize(length < 0 ? 0 : static_cast<std::size_t>(length));

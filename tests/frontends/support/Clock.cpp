@@ -22,8 +22,8 @@ Clock::~Clock() {
 }
 
 void Clock::set(std::int64_t seconds, std::int64_t nanoseconds) {
-    s_time.tv_sec = seconds;
-    s_time.tv_nsec = nanoseconds;
+    s_time.tv_sec = static_cast<time_t>(seconds);
+    s_time.tv_nsec = static_cast<long>(nanoseconds);
     s_isSet = true;
     s_isBroken = false;
 }

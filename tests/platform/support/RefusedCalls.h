@@ -1,6 +1,15 @@
 #pragma once
 
+#include <sys/syscall.h>
+
 #include <initializer_list>
+
+/// All by which the status of a file is asked for on this machine.
+#ifdef SYS_fstat64
+inline constexpr std::initializer_list<int> kFileStatusCalls = {SYS_fstat64, SYS_fstatat64, SYS_statx};
+#else
+inline constexpr std::initializer_list<int> kFileStatusCalls = {SYS_fstat, SYS_newfstatat, SYS_statx};
+#endif
 
 /// From now on the calling thread, and whatever it starts, gets `error` as the result of these system
 /// calls. There is no way back: call it in a process made for the purpose. Ends the process when the

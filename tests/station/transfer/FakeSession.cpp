@@ -115,7 +115,7 @@ Answer FakeSession::memory(const std::vector<std::string>& arguments, const Info
     if (arguments.at(1) != "8bitcrc" || count > kMostRequestBytes || offset + count >= kBufferSize)
         return refusal(onInfo, "Accessing Memory out of Limits");
     if (arguments.at(0) == "read") {
-        const std::string bytes = bufferBytes(offset, count);
+        const std::string bytes = bufferBytes(offset, static_cast<std::size_t>(count));
         return {"hex(" + hexDigits(static_cast<char>(sumOf(bytes)) + bytes) + ")"};
     }
     const std::string bytes = argumentBytes(arguments.at(4));
@@ -128,7 +128,7 @@ Answer FakeSession::memory(const std::vector<std::string>& arguments, const Info
 Answer FakeSession::diagnose(const std::vector<std::string>& arguments, const InfoSink& onInfo) const {
     const std::uint64_t offset = std::stoull(arguments.at(2));
     const std::uint64_t length = std::stoull(arguments.at(3));
-    const auto checksum = checksumOf({m_buffer.get() + offset, length});
+    const auto checksum = checksumOf({m_buffer.get() + offset, static_cast<std::size_t>(length)});
     if (!checksum || offset + length >= kBufferSize)
         return refusal(onInfo, "length paramater too small");
     return {"cksum " + base64Of(*checksum)};
@@ -148,11 +148,12 @@ Answer FakeSession::move(const std::vector<std::string>& arguments, const InfoSi
         return refusal(onInfo, "Startblock does not Exist on Device, errorCode: 16842752");
     if (first + count >= blocks)
         return refusal(onInfo, "Endblock does not exist on Device, errorCode: 16842752");
-    const std::size_t length = count * blockSize;
+    const auto length = static_cast<std::size_t>(count * blockSize);
+    const auto start = static_cast<std::size_t>(first * blockSize);
     if (isWrite)
-        device.replace(first * blockSize, length, m_buffer.get() + offset, length);
+        device.replace(start, length, m_buffer.get() + offset, length);
     else
-        std::memcpy(m_buffer.get() + offset, device.data() + first * blockSize, length);
+        std::memcpy(m_buffer.get() + offset, device.data() + start, length);
     return {base64Of(static_cast<std::uint32_t>(length))};
 }
 
