@@ -108,9 +108,11 @@ void measure(const Options& options, Report& report) {
         System::CRC::calc(bytes, static_cast<unsigned int>(kBytes), &crc);
         return crc;
     });
-    const bool hasLibrary = CRCDivision::library != nullptr;
+    const bool hasLibrary = CRCDivision::libraryDivide != nullptr;
     const std::size_t library =
-        hasLibrary ? add([&] { return CRCDivision::library(bytes, kBytes); }) : 0;
+        hasLibrary
+            ? add([&] { return CRCDivision::checksum(CRCDivision::libraryDivide, bytes, kBytes); })
+            : 0;
     contest.run(options.rounds(kRounds));
 
     const auto row = [&](const std::string& what, std::size_t contender, std::size_t floor,

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "unit/LittleEndian.h"
+
 namespace headunit {
 
 /// What goes over the socket of a device manager: one request is one packet, one answer is one packet,
@@ -27,12 +29,5 @@ std::optional<ManagerRequest> decodeRequest(std::string_view packet);
 
 /// No more bytes than there is room for.
 std::string encodeAnswer(const ManagerAnswer& answer, std::uint32_t room);
-
-/// The number at this byte of `bytes`, which has to hold it.
-std::uint32_t littleEndian32(std::string_view bytes, std::size_t at);
-std::uint16_t littleEndian16(std::string_view bytes, std::size_t at);
-
-void appendLittleEndian32(std::string& bytes, std::uint32_t number);
-void appendLittleEndian16(std::string& bytes, std::uint16_t number);
 
 } // namespace headunit

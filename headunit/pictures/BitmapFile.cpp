@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "unit/LittleEndian.h"
+
 namespace headunit {
 namespace {
 
@@ -18,52 +20,38 @@ constexpr std::size_t kHeightPlace = 22;
 constexpr std::size_t kDepthPlace = 28;
 constexpr std::size_t kCompressionPlace = 30;
 
-constexpr std::uint32_t kPlanes = 1;
-constexpr std::uint32_t kDepth = 24;
+constexpr std::uint16_t kPlanes = 1;
+constexpr std::uint16_t kDepth = 24;
 constexpr std::uint32_t kPointsOfMetre = 2835; // 72 an inch
 constexpr std::uint32_t kLongestSide = 4096;
 constexpr std::size_t kBytesOfPoint = 3;
 constexpr std::size_t kRowUnit = 4; // bytes: rows are filled up to whole ones
 
-constexpr std::size_t kWordSize = 2;
-constexpr std::size_t kLongSize = 4;
-constexpr unsigned kBitsOfByte = 8;
-constexpr std::uint32_t kByte = 0xFF;
-
 std::size_t rowSize(std::size_t width) {
     return (width * kBytesOfPoint + kRowUnit - 1) / kRowUnit * kRowUnit;
 }
 
-/// Low byte first.
-void append(std::string& bytes, std::size_t size, std::size_t number) {
-    for (std::size_t i = 0; i < size; ++i)
-        bytes += static_cast<char>((number >> (i * kBitsOfByte)) & kByte);
-}
-
-std::uint32_t numberAt(std::string_view bytes, std::size_t at, std::size_t size) {
-    std::uint32_t number = 0;
-    for (std::size_t i = size; i-- > 0;)
-        number = number << kBitsOfByte | static_cast<unsigned char>(bytes[at + i]);
-    return number;
+void appendSize(std::string& bytes, std::size_t size) {
+    appendLittleEndian32(bytes, static_cast<std::uint32_t>(size));
 }
 
 std::string headers(const Picture& picture) {
     const std::size_t points = rowSize(picture.width()) * picture.height();
     std::string bytes(kMagic);
-    append(bytes, kLongSize, kHeaders + points);
-    append(bytes, kLongSize, 0);
-    append(bytes, kLongSize, kHeaders);
-    append(bytes, kLongSize, kPictureHeader);
-    append(bytes, kLongSize, picture.width());
-    append(bytes, kLongSize, picture.height());
-    append(bytes, kWordSize, kPlanes);
-    append(bytes, kWordSize, kDepth);
-    append(bytes, kLongSize, 0); // not compressed
-    append(bytes, kLongSize, points);
-    append(bytes, kLongSize, kPointsOfMetre);
-    append(bytes, kLongSize, kPointsOfMetre);
-    append(bytes, kLongSize, 0); // no palette
-    append(bytes, kLongSize, 0);
+    appendSize(bytes, kHeaders + points);
+    appendLittleEndian32(bytes, 0);
+    appendSize(bytes, kHeaders);
+    appendSize(bytes, kPictureHeader);
+    appendSize(bytes, picture.width());
+    appendSize(bytes, picture.height());
+    appendLittleEndian16(bytes, kPlanes);
+    appendLittleEndian16(bytes, kDepth);
+    appendLittleEndian32(bytes, 0); // not compressed
+    appendSize(bytes, points);
+    appendLittleEndian32(bytes, kPointsOfMetre);
+    appendLittleEndian32(bytes, kPointsOfMetre);
+    appendLittleEndian32(bytes, 0); // no palette
+    appendLittleEndian32(bytes, 0);
     return bytes;
 }
 
@@ -92,13 +80,12 @@ std::string encodeBitmap(const Picture& picture) {
 
 std::optional<Picture> decodeBitmap(std::string_view bytes) {
     if (bytes.size() < kHeaders || bytes.substr(0, kMagic.size()) != kMagic ||
-        numberAt(bytes, kPictureHeaderPlace, kLongSize) < kPictureHeader ||
-        numberAt(bytes, kDepthPlace, kWordSize) != kDepth ||
-        numberAt(bytes, kCompressionPlace, kLongSize) != 0)
+        littleEndian32(bytes, kPictureHeaderPlace) < kPictureHeader ||
+        littleEndian16(bytes, kDepthPlace) != kDepth || littleEndian32(bytes, kCompressionPlace) != 0)
         return std::nullopt;
-    const std::uint32_t width = numberAt(bytes, kWidthPlace, kLongSize);
-    const std::uint32_t height = numberAt(bytes, kHeightPlace, kLongSize);
-    const std::size_t start = numberAt(bytes, kPointsPlace, kLongSize);
+    const std::uint32_t width = littleEndian32(bytes, kWidthPlace);
+    const std::uint32_t height = littleEndian32(bytes, kHeightPlace);
+    const std::size_t start = littleEndian32(bytes, kPointsPlace);
     if (width == 0 || width > kLongestSide || height == 0 || height > kLongestSide ||
         start > bytes.size() || bytes.size() - start < rowSize(width) * height)
         return std::nullopt;

@@ -5,12 +5,6 @@
 #include "core/CRCDivision.h"
 
 namespace System {
-namespace {
-
-constexpr unsigned int kRegisterBytes = 4;
-
-} // namespace
-
 std::uint32_t* CRC::crcTab = nullptr;
 
 bool CRC::buildTable() {
@@ -25,13 +19,14 @@ bool CRC::buildTable() {
 }
 
 unsigned int CRC::calc(const unsigned char* data, unsigned int length, unsigned int* crc) {
-    if (length < kRegisterBytes)
+    if (length < CRCDivision::kUndivided)
         return kTooShort;
     // Also where the library does without it: the result must not tell how the program was built.
     if (!buildTable())
         return kNoMemory;
-    *crc = CRCDivision::library != nullptr ? CRCDivision::library(data, length)
-                                           : CRCDivision::portable(crcTab, data, length);
+    *crc = CRCDivision::libraryDivide != nullptr
+               ? CRCDivision::checksum(CRCDivision::libraryDivide, data, length)
+               : CRCDivision::portable(crcTab, data, length);
     return 0;
 }
 

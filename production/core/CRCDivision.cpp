@@ -9,8 +9,6 @@ namespace {
 
 constexpr std::uint32_t kPolynomial = 0x04C11DB7;
 constexpr std::uint32_t kTopBit = 0x80000000;
-// So many bytes at the end are shifted in without being divided, which is the same as adding them.
-constexpr std::size_t kUndivided = 4;
 // Of the bytes that are divided in one step.
 constexpr std::size_t kHalf = kTables / 2;
 // Bytes that are asked for so far ahead have come from memory when it is their turn. By itself a
@@ -34,11 +32,6 @@ std::uint32_t dividedByte(std::uint32_t byte) {
 std::uint32_t divideByLibrary(std::uint32_t crc, const unsigned char* data, std::size_t length) {
     // The library inverts its register at both ends. It is not asked for nothing.
     return length == 0 ? crc : ~::crc32_ieee(~crc, data, std::uint64_t{length});
-}
-
-std::uint32_t byLibrary(const unsigned char* data, std::size_t length) {
-    const std::size_t divided = length - kUndivided;
-    return ~divideByLibrary(~std::uint32_t{0}, data, divided) ^ bigEndianAt(data + divided);
 }
 
 #endif
@@ -87,16 +80,13 @@ std::uint32_t divide(const std::uint32_t* tables, std::uint32_t crc, const unsig
     return crc;
 }
 
-std::uint32_t portable(const std::uint32_t* tables, const unsigned char* data, std::size_t length) {
-    const std::size_t divided = length - kUndivided;
-    return ~divide(tables, ~std::uint32_t{0}, data, divided) ^ bigEndianAt(data + divided);
+std::uint32_t finish(std::uint32_t crc, const unsigned char* last) {
+    return ~crc ^ bigEndianAt(last);
 }
 
 #ifdef PRODUCTION_ISAL
-std::uint32_t (*const library)(const unsigned char*, std::size_t) = byLibrary;
 std::uint32_t (*const libraryDivide)(std::uint32_t, const unsigned char*, std::size_t) = divideByLibrary;
 #else
-std::uint32_t (*const library)(const unsigned char*, std::size_t) = nullptr;
 std::uint32_t (*const libraryDivide)(std::uint32_t, const unsigned char*, std::size_t) = nullptr;
 #endif
 

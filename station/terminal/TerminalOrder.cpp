@@ -5,6 +5,7 @@
 
 #include "client/Failure.h"
 #include "client/forms/CommandArguments.h"
+#include "transfer/OptionLine.h"
 
 namespace station {
 
@@ -53,18 +54,8 @@ std::optional<TerminalOrder> parseTerminalOrder(const std::vector<std::string>& 
                    "Bit 0: two stop bits; bits 1 and 2: 0 no parity, 4 even, 6 odd; bit 3: 7 data bits")
         ->type_name("F")
         ->capture_default_str();
-    try {
-        // It takes them from the end.
-        std::vector<std::string> rest(arguments.rbegin(), arguments.rend() - 1);
-        app.parse(rest);
-    } catch (const CLI::CallForHelp&) {
-        help << app.help();
+    if (!parseOptions(app, "serial terminal", arguments, help))
         return std::nullopt;
-    } catch (const CLI::ParseError& error) {
-        throw Failure(
-            Failure::Kind::InvalidRequest,
-            std::string(error.what()) + "\nRun with serial terminal --help for more information.");
-    }
     TerminalOrder order;
     order.channel = numberOf(channel, "channel", kLastLine);
     order.baud = numberOf(baud, "baud", std::numeric_limits<std::uint32_t>::max());

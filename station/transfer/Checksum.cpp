@@ -39,10 +39,7 @@ void Checksum::add(std::string_view bytes) {
 std::optional<std::uint32_t> Checksum::value() const {
     if (m_last.size() < kFewestBytes)
         return std::nullopt;
-    std::uint32_t last = 0;
-    for (const char byte : m_last)
-        last = last << 8 | static_cast<unsigned char>(byte);
-    return ~m_register ^ last;
+    return Division::finish(m_register, reinterpret_cast<const unsigned char*>(m_last.data()));
 }
 
 std::optional<std::uint32_t> checksumOf(std::string_view bytes) {

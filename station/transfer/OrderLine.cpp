@@ -5,6 +5,7 @@
 #include <array>
 
 #include "client/Failure.h"
+#include "transfer/OptionLine.h"
 
 namespace station {
 
@@ -131,7 +132,8 @@ std::optional<Order> parseOrder(const std::string& name, const std::vector<std::
     const Form* const form = findForm(name, arguments);
     if (form == nullptr)
         throw Failure(Failure::Kind::InvalidRequest, name + " is no transfer");
-    CLI::App app(form->description, std::string("station [OPTION...] ") + form->name + ' ' + form->word);
+    const std::string command = std::string(form->name) + ' ' + form->word;
+    CLI::App app(form->description, "station [OPTION...] " + command);
     Written written;
     if (name == std::string("memory"))
         addMemoryOptions(app, form->kind, written);
@@ -139,18 +141,8 @@ std::optional<Order> parseOrder(const std::string& name, const std::vector<std::
         addDeviceOptions(app, form->kind, written);
     app.add_option("--progress", written.progress, "How it is shown on standard error")
         ->type_name("auto|bar|plain|none");
-    try {
-        // It takes them from the end.
-        std::vector<std::string> rest(arguments.rbegin(), arguments.rend() - 1);
-        app.parse(rest);
-    } catch (const CLI::CallForHelp&) {
-        help << app.help();
+    if (!parseOptions(app, command, arguments, help))
         return std::nullopt;
-    } catch (const CLI::ParseError& error) {
-        throw Failure(Failure::Kind::InvalidRequest, std::string(error.what()) + "\nRun with " +
-                                                         form->name + ' ' + form->word +
-                                                         " --help for more information.");
-    }
     return orderOf(*form, written);
 }
 
