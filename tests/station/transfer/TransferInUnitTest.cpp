@@ -56,7 +56,11 @@ const Way kWays[] = {
 
 class TransferInUnit : public testing::TestWithParam<Way> {
 protected:
-    TransferInUnit() { startDaemon(); }
+    TransferInUnit() {
+        startDaemon();
+        // For half a second after its announcement a unit may take a request for the acknowledgement.
+        EXPECT_TRUE(eventually([] { return run({"status"}, "3").exitCode == 0; }));
+    }
 
     void startDaemon() {
         m_daemon.reset();
