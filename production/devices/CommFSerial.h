@@ -4,10 +4,11 @@
 
 #include "devices/SerialLine.h"
 
-/// Drives a serial device through a standard-I/O stream. Its writes wait until the device has taken all
-/// bytes.
+/// Drives a serial device through a standard-I/O stream. A write is delivered whole, in its turn: what
+/// the device does not take at once waits for it and goes out while somebody reads or transmits.
 class CommFSerial : public SerialLine {
 public:
+    CommFSerial() : SerialLine(m_path, m_savedAttributes) {}
     ~CommFSerial() override { close(); }
 
 protected:
@@ -17,7 +18,12 @@ protected:
     void forgetDevice() override { m_stream = nullptr; }
     /// Pushes out what the stream holds; discards nothing.
     bool flushDevice() override;
+    std::size_t mostWaiting() const override { return kMostWaiting; }
 
 private:
+    static constexpr std::size_t kMostWaiting = std::size_t{256} << 10;
+
+    std::string m_path;
     std::FILE* m_stream = nullptr;
+    termios m_savedAttributes{};
 };

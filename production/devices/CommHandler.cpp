@@ -1,5 +1,7 @@
 #include "devices/CommHandler.h"
 
+#include <utility>
+
 #include "core/Diagnostics.h"
 #include "core/StringFormat.h"
 #include "devices/CommFSerial.h"
@@ -94,6 +96,11 @@ void Comm::Handle::ReleaseDriver::operator()(CommInterface* driver) const {
     delete line;
 }
 
+/// All drivers are of this class.
+SerialLine& Comm::Handle::line() const {
+    return static_cast<SerialLine&>(*m_driver);
+}
+
 DeviceResult Comm::Handle::isOpen(bool& open) {
     if (!m_driver)
         return notInitialized();
@@ -163,6 +170,20 @@ DeviceResult Comm::Handle::write(const void* buffer, int length) {
         return notInitialized();
     const System::Lock lock(m_mutex);
     return m_driver->write(buffer, length);
+}
+
+DeviceResult Comm::Handle::post(std::string bytes) {
+    if (!m_driver)
+        return notInitialized();
+    const System::Lock lock(m_mutex);
+    return line().post(std::move(bytes));
+}
+
+DeviceResult Comm::Handle::transmit(std::string bytes) {
+    if (!m_driver)
+        return notInitialized();
+    const System::Lock lock(m_mutex);
+    return line().transmit(std::move(bytes), &m_mutex);
 }
 
 DeviceResult Comm::Handle::flush() {

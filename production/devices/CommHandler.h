@@ -7,6 +7,8 @@
 #include "devices/CommInterface.h"
 #include "runtime/Mutex.h"
 
+class SerialLine;
+
 /// The unit's serial lines: four numbered channels, each with a device node and, once they have been
 /// switched on, a driver. Start-up sets the interfaces up before any other thread uses a channel;
 /// afterwards the table does not change.
@@ -48,12 +50,12 @@ private:
 /// The one manager of the process.
 Comm* comm();
 
-/// One serial channel. Any thread: each access to the device holds the channel's mutex, which a read
-/// gives up while it waits, so that a pending read holds up no writer.
-class Comm::Handle : public CommInterface {
+/// One serial channel. Any thread: each access to the device holds the channel's mutex, which is given
+/// up while anybody waits for the device, so that nobody who waits holds up another.
+class Comm::Handle final : public CommInterface {
 public:
     Handle(const char* path, PhysicalInterface type);
-    virtual ~Handle();
+    ~Handle();
 
     DeviceResult isOpen(bool& open) override;
     /// Refuses: a channel's device is fixed.
@@ -65,6 +67,7 @@ public:
     /// The same; `mutex` is ignored, the channel has its own.
     DeviceResult read_locked(unsigned& count, void* buffer, int length, unsigned timeoutMs,
                              System::Mutex* mutex) override;
+    /// Never waits.
     DeviceResult write(const void* buffer, int length) override;
     /// Neither checked nor locked: only for a channel that is known to have a driver.
     DeviceResult flush() override;
@@ -77,6 +80,14 @@ public:
     /// time-out 0, but reports nothing, for a caller to whom the end of the line is no news.
     DeviceResult receive(unsigned& count, void* buffer, int length);
 
+    /// Writes all of it in its turn without waiting: what the device does not take yet goes out while
+    /// somebody reads or transmits. Refused (EAGAIN) while very much waits already.
+    DeviceResult post(std::string bytes);
+
+    /// The same, never refused; waits until the device has taken it, has failed or is closed:
+    /// for a caller that may wait for the far end, which the dispatcher may not.
+    DeviceResult transmit(std::string bytes);
+
     const std::string& devicePath() const { return m_path; }
 
 private:
@@ -86,6 +97,8 @@ private:
         void operator()(CommInterface* driver) const;
     };
     using Driver = std::unique_ptr<CommInterface, ReleaseDriver>;
+
+    SerialLine& line() const;
 
     System::Mutex m_mutex;
     PhysicalInterface m_type;

@@ -3,9 +3,10 @@
 #include "devices/SerialLine.h"
 #include "platform/Descriptor.h"
 
-/// Drives a serial device through a plain, non-blocking descriptor.
+/// Drives a serial device through a plain descriptor. A write hands over what the device takes at once.
 class CommSerial : public SerialLine {
 public:
+    CommSerial() : SerialLine(m_path, m_savedAttributes) {}
     ~CommSerial() override { close(); }
 
 protected:
@@ -15,7 +16,10 @@ protected:
     void forgetDevice() override { m_device.release(); }
     /// Discards unread input and unsent output.
     bool flushDevice() override;
+    std::size_t mostWaiting() const override { return 0; }
 
 private:
+    std::string m_path;
     System::Descriptor m_device;
+    termios m_savedAttributes{};
 };

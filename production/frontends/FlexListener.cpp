@@ -1,6 +1,5 @@
 #include "frontends/FlexListener.h"
 
-#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -19,8 +18,11 @@ namespace {
 constexpr char kException[] = "~ ### ~ Exception: ID: 0x%X DESC: %s";
 constexpr char kBanner[] = "Info Production Test Server (Build %s)";
 
-// A write counts in int.
-constexpr std::size_t kLargestWrite = std::size_t{1} << 30;
+std::string framed(const std::string& text) {
+    std::string line;
+    LineFraming::append(line, text);
+    return line;
+}
 
 void printException(const DeviceResult& result) {
     printDiagnostic(string_format(kException, result.code, result.message.c_str()));
@@ -31,10 +33,7 @@ void printException(const DeviceResult& result) {
 FlexListener::FlexListener(int channel) : m_channel(static_cast<unsigned>(channel)) {}
 
 void FlexListener::asyncSend(std::string& text) {
-    if (m_commandRuns)
-        m_kept.push_back(text);
-    else
-        send(text);
+    send(text);
 }
 
 void FlexListener::asyncSend(std::vector<unsigned char>&) {}
@@ -61,8 +60,11 @@ bool FlexListener::serveOnce() {
     if (!openPort(*port))
         return true;
     try {
-        if (readLine(*port))
+        const DeviceResult result = readLine(*port);
+        if (!result.failed())
             runLine();
+        else if (result.code == DeviceError::kNotUsable)
+            forgetInput(); // somebody else has closed the port, and perhaps opened it: it is theirs
         else
             closePort(*port);
     } catch (const std::exception& exception) {
@@ -93,56 +95,50 @@ bool FlexListener::openPort(Comm::Handle& port) {
 
 void FlexListener::closePort(Comm::Handle& port) {
     port.close();
-    m_receivedCount = 0;
-    m_taken = 0;
-    m_assembler.reset();
+    forgetInput();
     m_pause.wait();
 }
 
-/// False when the line has gone.
-bool FlexListener::readLine(Comm::Handle& port) {
+void FlexListener::forgetInput() {
+    m_receivedCount = 0;
+    m_taken = 0;
+    m_assembler.reset();
+}
+
+/// Fails when the line has gone, or the port is no longer the one that was read before.
+DeviceResult FlexListener::readLine(Comm::Handle& port) {
     m_assembler.reset();
     char byte = 0;
     do {
-        if (!takeByte(port, byte))
-            return false;
+        if (DeviceResult result = takeByte(port, byte); result.failed())
+            return result;
     } while (!m_assembler.append(&byte, 1));
-    return true;
+    return {};
 }
 
-bool FlexListener::takeByte(Comm::Handle& port, char& byte) {
+DeviceResult FlexListener::takeByte(Comm::Handle& port, char& byte) {
     if (m_taken == m_receivedCount) {
         unsigned count = 0;
-        if (port.receive(count, m_received.data(), static_cast<int>(m_received.size())).failed())
-            return false;
+        DeviceResult result =
+            port.receive(count, m_received.data(), static_cast<int>(m_received.size()));
+        if (result.failed())
+            return result;
         m_pause.reset();
         m_receivedCount = count;
         m_taken = 0;
     }
     byte = m_received[m_taken++];
-    return true;
+    return {};
 }
 
 void FlexListener::runLine() {
     std::vector<std::vector<char>> tokens = CommandLexer::scan(m_assembler.line());
     const std::vector<std::vector<char>> name(tokens.begin(), tokens.begin() + (tokens.empty() ? 0 : 1));
     notifyStartCommand();
-    m_commandRuns = true;
-    std::string answer;
-    std::exception_ptr failure;
-    try {
-        answer = Handler::getInstance()->handleCommand(std::move(tokens), this);
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    m_commandRuns = false;
-    for (const std::string& text : std::exchange(m_kept, {}))
-        send(text);
-    if (failure)
-        std::rethrow_exception(failure);
+    const std::string answer = Handler::getInstance()->handleCommand(std::move(tokens), this);
     notifyInterruptCommand(name);
     if (!answer.empty())
-        send(answer);
+        sendAnswer(answer);
     if (m_assembler.line().size() > CommandLexer::kLongLine) {
         m_assembler.reset();
         System::returnFreedMemory();
@@ -150,13 +146,14 @@ void FlexListener::runLine() {
 }
 
 void FlexListener::send(const std::string& text) {
-    Comm::Handle* port = openedPort();
-    if (port == nullptr)
-        return;
-    std::string line;
-    LineFraming::append(line, text);
-    for (std::size_t at = 0; at < line.size(); at += kLargestWrite)
-        port->write(line.data() + at, static_cast<int>(std::min(kLargestWrite, line.size() - at)));
+    if (Comm::Handle* port = openedPort())
+        port->post(framed(text));
+}
+
+/// Waits until the station's line has taken it: the next request is read only then.
+void FlexListener::sendAnswer(const std::string& text) {
+    if (Comm::Handle* port = openedPort())
+        port->transmit(framed(text));
 }
 
 /// Null when there is no port to send to.

@@ -15,16 +15,17 @@
 /// Serves the test station over a serial channel in the ASCII line protocol. Whenever it opens the port
 /// it greets the station with a banner; then it reads a command line, has it run and answers.
 ///
-/// A line that is gone is closed, waited for and opened again. The thread ends only when the channel is
-/// unusable.
+/// A line that is gone is closed, waited for and opened again. A port that somebody else closes is
+/// opened again at once; one that somebody else has opened is read on as it is. The thread ends only
+/// when the channel is unusable.
 class FlexListener : public AbstractListener {
 public:
     explicit FlexListener(int channel);
 
     void threadLoop(System::Thread* self) override;
 
-    /// Sends a line of text. While a command of this front end runs the line is kept until the command
-    /// has ended, because writing waits for the station, and the dispatcher must not.
+    /// Sends a line of text at once, without waiting for the station: what the port does not take yet
+    /// goes out ahead of the answer.
     void asyncSend(std::string& text) override;
     /// Binary frames cannot travel on this link: dropped.
     void asyncSend(std::vector<unsigned char>& frame) override;
@@ -34,17 +35,18 @@ public:
     /// Warns when the command that the tokens name has been running for long.
     void notifyInterruptCommand(const std::vector<std::vector<char>>& tokens);
 
-    /// Writes the text as a line, and waits until the device has taken it; does nothing when the port is
-    /// closed.
+    /// Writes the text as a line, without waiting for the station; does nothing when the port is closed.
     void send(const std::string& text);
 
 private:
     bool serveOnce();
     bool openPort(Comm::Handle& port);
-    bool readLine(Comm::Handle& port);
-    bool takeByte(Comm::Handle& port, char& byte);
+    DeviceResult readLine(Comm::Handle& port);
+    DeviceResult takeByte(Comm::Handle& port, char& byte);
     void runLine();
+    void sendAnswer(const std::string& text);
     void closePort(Comm::Handle& port);
+    void forgetInput();
     Comm::Handle* openedPort() const;
 
     CommandClock m_clock;
@@ -57,8 +59,4 @@ private:
     std::array<char, 256> m_received{};
     std::size_t m_receivedCount = 0;
     std::size_t m_taken = 0;
-
-    // Touched by the dispatcher while it runs our command, by our thread before and after.
-    bool m_commandRuns = false;
-    std::vector<std::string> m_kept;
 };

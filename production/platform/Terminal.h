@@ -14,8 +14,7 @@ namespace System {
 /// For reading and writing, non-blocking. Empty and errno on failure.
 Descriptor openTerminal(const char* path);
 
-/// For reading and writing; transfers wait for the device. Null and errno on failure; the caller closes
-/// the stream.
+/// The same as a stream, which the caller closes. Null and errno on failure.
 std::FILE* openTerminalStream(const char* path);
 
 /// Sets a speed in bits a second, which a system may encode in its own way. False and errno (EINVAL)

@@ -139,16 +139,59 @@ TEST_F(HandleThreadsTest, APortThatIsClosedDuringAReadEndsItWithAMessage) {
     const std::string error = errorOutputOf([&] {
         std::thread reader([&] {
             char buffer[4];
-            result = handle.read(count, buffer, 4, 5000);
+            result = handle.read(count, buffer, 4, 0);
         });
         EXPECT_TRUE(eventually([&] { return waits.load(); }));
         EXPECT_THAT(handle.close(), isSuccess());
-        m_lines[2].send("x");
         reader.join();
     });
     EXPECT_THAT(result, isFailure(0x400, "Serial port not open."));
     EXPECT_EQ(count, 4711U);
     EXPECT_EQ(error, "Prod.testserver: Read locked error in CommHandler\n");
+}
+
+TEST_F(HandleThreadsTest, TwoReadersOfOneByteHoldUpNobody) {
+    for (const unsigned number : {0U, 3U}) {
+        Comm::Handle& handle = openChannel(number);
+        std::atomic<int> waiting{0};
+        std::atomic<int> got{0};
+        m_calls.script("poll",
+                       {DeviceCalls::after([&] { ++waiting; }), DeviceCalls::after([&] { ++waiting; })});
+        const auto readOne = [&](unsigned timeoutMs) {
+            char byte = 0;
+            unsigned count = 0;
+            EXPECT_THAT(handle.read(count, &byte, 1, timeoutMs), isSuccess());
+            got += static_cast<int>(count);
+        };
+        std::thread patient(readOne, 0);
+        std::thread hasty(readOne, 1000);
+        ASSERT_TRUE(eventually([&] { return waiting == 2; }));
+        m_lines[number].send("x");
+        ASSERT_TRUE(eventually([&] { return got == 1; }));
+        EXPECT_THAT(handle.write("written", 7), isSuccess());
+        EXPECT_EQ(m_lines[number].receive(7), "written");
+        hasty.join();
+        if (got == 1)
+            m_lines[number].send("yz"); // either may have had the first one
+        patient.join();
+        EXPECT_GE(got, 1);
+    }
+}
+
+TEST_F(HandleThreadsTest, ADeafFarEndHoldsUpNobodyButWhoTransmits) {
+    Comm::Handle& handle = openChannel(3);
+    const std::string much(500000, 'x');
+    std::thread transmitter([&] { EXPECT_THAT(handle.transmit(much), isSuccess()); });
+    ASSERT_TRUE(eventually([&] { return !m_lines[3].isSilent(); }));
+    bool open = false;
+    unsigned count = 4711;
+    char byte = 0;
+    EXPECT_THAT(handle.isOpen(open), isSuccess());
+    EXPECT_THAT(handle.read(count, &byte, 1, 20), isSuccess());
+    EXPECT_EQ(count, 0U);
+    handle.write("refused or kept", 15);
+    EXPECT_EQ(m_lines[3].receive(much.size()), much);
+    transmitter.join();
 }
 
 TEST_F(HandleThreadsTest, ManyWritersDoNotMixTheirBytes) {

@@ -31,13 +31,15 @@ TEST_F(QnxTerminalTest, ALineThatIsMissingIsEmptyAndSaysWhy) {
     EXPECT_EQ(errno, ENOENT);
 }
 
-TEST_F(QnxTerminalTest, AStreamIsOpenedForUpdate) {
+TEST_F(QnxTerminalTest, AStreamIsOpenedForUpdateAndMadeNonBlocking) {
     std::FILE* stream = System::openTerminalStream("/dev/usbserialadapter1");
     ASSERT_NE(stream, nullptr);
     const std::string descriptor = std::to_string(::fileno(stream));
     std::fclose(stream);
     EXPECT_THAT(FakeSystem::calls(), ElementsAre("fopen64 \"/dev/usbserialadapter1\" \"rb+\"",
-                                                 "fcntl " + descriptor + " 2 0x1", "fclose"));
+                                                 "fcntl " + descriptor + " 2 0x1",
+                                                 "fcntl " + descriptor + " 3 0x0",
+                                                 "fcntl " + descriptor + " 4 0x80", "fclose"));
 }
 
 TEST_F(QnxTerminalTest, AStreamThatIsMissingIsNullAndSaysWhy) {
@@ -48,6 +50,15 @@ TEST_F(QnxTerminalTest, AStreamThatIsMissingIsNullAndSaysWhy) {
 }
 
 TEST_F(QnxTerminalTest, AStreamThatOtherProgramsCouldInheritIsClosedAgain) {
+    FakeSystem::fail("fcntl", EINVAL);
+    EXPECT_EQ(System::openTerminalStream("/dev/usbserialadapter1"), nullptr);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(FakeSystem::calls().back(), "fclose");
+}
+
+TEST_F(QnxTerminalTest, AStreamThatWouldBlockIsClosedAgain) {
+    FakeSystem::next("fcntl", {0, 0, {}});
+    FakeSystem::next("fcntl", {0, 0, {}});
     FakeSystem::fail("fcntl", EINVAL);
     EXPECT_EQ(System::openTerminalStream("/dev/usbserialadapter1"), nullptr);
     EXPECT_EQ(errno, EINVAL);

@@ -43,11 +43,6 @@ bool setSpeed(termios& attributes, unsigned baud, int (*set)(termios*, speed_t))
     return set(&attributes, speed->encoding) == 0;
 }
 
-bool makeBlocking(int descriptor) {
-    const int flags = ::fcntl(descriptor, F_GETFL);
-    return flags >= 0 && ::fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) == 0;
-}
-
 } // namespace
 
 Descriptor openTerminal(const char* path) {
@@ -56,7 +51,7 @@ Descriptor openTerminal(const char* path) {
 
 std::FILE* openTerminalStream(const char* path) {
     Descriptor device = openTerminal(path);
-    if (!device || !makeBlocking(device.get()))
+    if (!device)
         return nullptr;
     std::FILE* stream = ::fdopen(device.get(), "rb+");
     if (stream != nullptr)

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 #include <filesystem>
 #include <iterator>
 #include <stdexcept>
+#include <tuple>
 
 #include "support/DeviceCalls.h"
 #include "support/Eventually.h"
@@ -32,6 +34,15 @@ bool waitFor(int descriptor, short events, int limitMs) {
         ready = ::poll(&event, 1, limitMs);
     } while (ready < 0 && errno == EINTR);
     return ready > 0;
+}
+
+/// Which file it is. Names do not tell: terminals of different instances have the same ones.
+std::tuple<dev_t, ino_t, dev_t> identityOf(int descriptor) {
+    struct stat status {};
+    // The descriptor that the folder itself was listed with is gone by now.
+    if (::fstat(descriptor, &status) != 0)
+        return {};
+    return {status.st_dev, status.st_ino, status.st_rdev};
 }
 
 } // namespace
@@ -110,12 +121,11 @@ void Line::setAttributes(const termios& attributes) {
 }
 
 std::vector<int> Line::opened() const {
+    const auto self = identityOf(m_terminal.get());
     std::vector<int> found;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code gone;
-        const std::filesystem::path target = std::filesystem::read_symlink(entry.path(), gone);
         const int descriptor = std::stoi(entry.path().filename());
-        if (!gone && target == m_path && descriptor != m_terminal.get())
+        if (descriptor != m_terminal.get() && identityOf(descriptor) == self)
             found.push_back(descriptor);
     }
     std::sort(found.begin(), found.end());

@@ -6,6 +6,7 @@
 #define O_NONBLOCK 0x80
 
 #define F_SETFD 2
+#define F_GETFL 3
 #define F_SETFL 4
 #define FD_CLOEXEC 1
 
