@@ -2,6 +2,7 @@
 // close and open it.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 
 #include "AsciiDaemonTest.h"
@@ -15,14 +16,12 @@ namespace {
 // Its answer is more than a line takes before its station reads, and leaves room for others to write.
 constexpr std::size_t kLongContent = 150'000;
 constexpr int kRounds = 20;
+constexpr int kTypingRounds = 100; // the moment has to be met
 constexpr long kSomeAnswers = 20;
 
 const std::string kClose = request("serial close 3");
 const std::string kOpen = request("serial open 3 115200 0");
 const std::string kOk = answer("serial ok");
-
-/// Of the last command line that a station has begun to type; none of it is one.
-const std::string kTyped = "typed";
 
 class AsciiSharedLineTest : public AsciiDaemonTest {
 protected:
@@ -61,9 +60,11 @@ private:
 
 TEST_F(AsciiSharedLineTest, IsReadByAnotherWhileItsStationTypes) {
     const Witness witness;
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < kTypingRounds; ++round) {
         other.send(request("serial get 3 5"));
-        adapter.send(kTyped);
+        // One byte, while both wait for it: it wakes both and feeds only one.
+        if (!other.hasInputWithin(std::chrono::milliseconds(5)))
+            adapter.send("t");
         const std::string line = other.receiveLine();
         ASSERT_EQ(line.rfind("\x02#serial get 0x03 base64(", 0), 0U) << line;
     }
