@@ -1,8 +1,4 @@
 // Where the test pictures are stored, and where they are unpacked to.
-#include <unistd.h>
-
-#include <cerrno>
-
 #include "commands/GCmd.h"
 #include "commands/PictureFile.h"
 #include "core/Diagnostics.h"
@@ -30,9 +26,7 @@ ProcessResponse GCmd::unzipTestScreen(int index, std::string& path) {
     const std::string source = kPackedFolder + name + kPackedEnding;
     const std::string destination = kUnpackedFolder + name;
     if (!PictureFile::isUnpacked(destination.c_str())) {
-        // A link stays, so that unpacking says what is in the way: nobody has put it there by accident.
-        if (!PictureFile::isLink(destination.c_str()) && ::unlink(destination.c_str()) != 0 &&
-            errno != ENOENT)
+        if (!PictureFile::clear(destination.c_str()))
             printDiagnostic(string_format(kNotRemoved, destination.c_str()));
         if (!PictureFile::isPacked(source.c_str()))
             return ProcessResponse(ProcessResponse::kGenericError, kNotStored);

@@ -6,10 +6,12 @@
 #include <zlib.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 
+#include "core/Diagnostics.h"
 #include "core/StringFormat.h"
 #include "platform/Descriptor.h"
 
@@ -23,7 +25,7 @@ constexpr char kCannotOpenDestination[] = "cannot open %s for writing: %s\n";
 constexpr char kNoMemory[] = "cannot alloc %d bytes";
 constexpr char kNothingRead[] = "read on %s error %s occurred\n";
 constexpr char kCannotRead[] = "gzread on %s error %s occurred\n";
-constexpr char kTooShort[] = "%s unpacks to %d bytes instead of %d\n";
+constexpr char kTooShort[] = "%s unpacks to %d bytes instead of %d, the rest is zero";
 constexpr char kCannotWrite[] = "cannot write %s: %s\n";
 
 struct CloseCompressed {
@@ -75,9 +77,9 @@ std::string copyPicture(gzFile packed, const char* source, System::Descriptor& u
         int ignored = 0;
         return string_format(kCannotRead, source, ::gzerror(packed, &ignored));
     }
-    // The rest would be black, on a display that is looked at for what it shows.
+    // A display shows whatever there is; who looks for the rest finds the reason on standard error.
     if (count < PictureFile::kBytes)
-        return string_format(kTooShort, source, count, PictureFile::kBytes);
+        printDiagnostic(string_format(kTooShort, source, count, PictureFile::kBytes));
     if (const int error = writeAndClose(unpacked, picture.get(), PictureFile::kBytes); error != 0)
         return string_format(kCannotWrite, destination, std::strerror(error));
     return {};
@@ -92,13 +94,12 @@ bool PictureFile::isPacked(const char* path) {
 
 bool PictureFile::isUnpacked(const char* path) {
     struct stat information {};
-    return ::lstat(path, &information) == 0 && S_ISREG(information.st_mode) &&
+    return ::stat(path, &information) == 0 && S_ISREG(information.st_mode) &&
            information.st_size == kBytes && ::access(path, R_OK) == 0;
 }
 
-bool PictureFile::isLink(const char* path) {
-    struct stat information {};
-    return ::lstat(path, &information) == 0 && S_ISLNK(information.st_mode);
+bool PictureFile::clear(const char* path) {
+    return std::remove(path) == 0 || errno == ENOENT;
 }
 
 std::string PictureFile::unpack(const char* source, const char* destination) {

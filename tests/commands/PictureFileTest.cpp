@@ -105,16 +105,33 @@ TEST_F(PictureFileTest, WhatIsBehindAPictureIsLeftOut) {
     }
 }
 
-TEST_F(PictureFileTest, ALackOfBytesIsNotMadeUp) {
+TEST_F(PictureFileTest, WhatALackOfBytesLeavesOpenIsZero) {
     for (const std::size_t size : {std::size_t{1}, std::size_t{54}, kPictureBytes - 1}) {
         SCOPED_TRACE(size);
-        pack(packed(), pictureContent(2, size));
-        const std::string reason =
-            packed() + " unpacks to " + std::to_string(size) + " bytes instead of 1152054\n";
-        expectRefused(reason);
-        write(unpacked(), std::string(10, 'o'));
-        expectRefused(reason);
+        const std::string begun = pictureContent(2, size);
+        pack(packed(), begun);
+        ::testing::internal::CaptureStderr();
+        EXPECT_EQ(unpack(), "");
+        EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+                  "Prod.testserver: " + packed() + " unpacks to " + std::to_string(size) +
+                      " bytes instead of 1152054, the rest is zero\n");
+        EXPECT_TRUE(read(unpacked()) == begun + std::string(kPictureBytes - size, '\0'));
+        EXPECT_TRUE(PictureFile::isUnpacked(unpacked().c_str()));
     }
+}
+
+TEST_F(PictureFileTest, APackedFileThatIsCutOffIsTakenAsFarAsItGoes) {
+    pack(packed(), pictureContent(1));
+    const std::string bytes = read(packed());
+    write(packed(), bytes.substr(0, bytes.size() / 2));
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(unpack(), "");
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr(" bytes instead of "));
+    const std::string content = read(unpacked());
+    ASSERT_EQ(content.size(), kPictureBytes);
+    constexpr std::size_t kSurelyThere = kPictureBytes / 4;
+    EXPECT_TRUE(content.substr(0, kSurelyThere) == pictureContent(1).substr(0, kSurelyThere));
+    EXPECT_EQ(content.back(), '\0');
 }
 
 TEST_F(PictureFileTest, AFileThatIsNotPackedIsTakenAsItIs) {
@@ -276,9 +293,33 @@ TEST_F(PictureFileTest, OnlyAFileOfTheRightSizeIsAnUnpackedPicture) {
     write(unpacked(), std::string(kPictureBytes, 'p'));
     EXPECT_TRUE(isUnpacked());
     fs::rename(unpacked(), in("elsewhere"));
+    EXPECT_FALSE(isUnpacked());
     fs::create_symlink(in("elsewhere"), unpacked());
+    EXPECT_TRUE(isUnpacked()) << "a link leads to a file of that size";
+    fs::resize_file(in("elsewhere"), kPictureBytes - 1);
     EXPECT_FALSE(isUnpacked());
     fs::remove(unpacked());
     fs::create_directory(unpacked());
     EXPECT_FALSE(isUnpacked());
+}
+
+TEST_F(PictureFileTest, WhateverIsInTheWayGoesAndNothingElse) {
+    const auto clear = [this] { return PictureFile::clear(unpacked().c_str()); };
+    EXPECT_TRUE(clear()) << "nothing is in the way";
+    write(unpacked(), "old");
+    EXPECT_TRUE(clear());
+    EXPECT_FALSE(exists(unpacked()));
+    write(in("precious"), "precious");
+    for (const char* target : {"precious", "none"}) {
+        fs::create_symlink(in(target), unpacked());
+        EXPECT_TRUE(clear());
+        EXPECT_FALSE(exists(unpacked()));
+    }
+    EXPECT_EQ(read(in("precious")), "precious");
+    fs::create_directory(unpacked());
+    EXPECT_TRUE(clear());
+    fs::create_directory(unpacked());
+    write(unpacked() + "/precious", "precious");
+    EXPECT_FALSE(clear());
+    EXPECT_EQ(read(unpacked() + "/precious"), "precious");
 }
