@@ -5,6 +5,7 @@
 
 #include "core/BuildStamp.h"
 #include "core/Handler.h"
+#include "core/Usage.h"
 #include "devices/CommHandler.h"
 #include "frontends/FlexListener.h"
 #include "frontends/Listener.h"
@@ -60,8 +61,10 @@ void prepareProcess() {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
     prepareProcess();
+    if (Usage::answer(argc, argv))
+        return 0;
     std::fprintf(stderr, "%s%s%s%s%s", "Production Test Server (Build ", getDateTimeString(), ")", "\n",
                  kLegalNotice);
     const Supplier supplier = chosenSupplier();

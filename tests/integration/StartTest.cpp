@@ -36,6 +36,48 @@ TEST(Start, ShowsTheBuildThatAnswers) {
     expectHealthy(daemon);
 }
 
+/// A daemon with this argument that prints something and ends.
+std::string printedFor(const char* argument) {
+    DaemonStart start;
+    start.arguments = {argument};
+    start.waitForPort = false;
+    Daemon daemon(start);
+    EXPECT_EQ(daemon.waitForEnd(), 0);
+    EXPECT_EQ(daemon.error(), "");
+    return daemon.output();
+}
+
+TEST(Start, TellsItsUseInsteadWhenAsked) {
+    for (const char* argument : {"--help", "-h"}) {
+        SCOPED_TRACE(argument);
+        EXPECT_EQ(printedFor(argument),
+                  "production, no startup parameter\n"
+                  "\n"
+                  "A daemon for executing production tests.\n"
+                  "It must be started while the head unit is in its factory test mode.\n");
+    }
+}
+
+TEST(Start, TellsItsVersionInsteadWhenAsked) {
+    const std::string stamp = Daemon().buildStamp();
+    for (const char* argument : {"--version", "-V"}) {
+        SCOPED_TRACE(argument);
+        EXPECT_EQ(printedFor(argument), "production, build " + stamp + ", protocol version 4\n");
+    }
+}
+
+TEST(Start, AnyOtherArgumentIsIgnored) {
+    for (const char* argument : {"", "-x", "--verbose", "help", "-", "--"}) {
+        SCOPED_TRACE(argument);
+        DaemonStart start;
+        start.arguments = {argument, "--help"};
+        const Daemon daemon(start);
+        EXPECT_TRUE(isBannerOnly(daemon.error())) << daemon.error();
+        EXPECT_EQ(daemon.output(), "");
+        expectHealthy(daemon);
+    }
+}
+
 struct Closed {
     const char* name;
     std::vector<int> streams;

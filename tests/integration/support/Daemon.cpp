@@ -71,6 +71,14 @@ bool applyLimits(const std::vector<DaemonStart::Limit>& limits) {
     });
 }
 
+void become(std::string program, std::vector<std::string> arguments) {
+    std::vector<char*> words = {program.data()};
+    for (std::string& argument : arguments)
+        words.push_back(argument.data());
+    words.push_back(nullptr);
+    ::execvp(program.c_str(), words.data());
+}
+
 [[noreturn]] void becomeDaemon(const DaemonStart& start, const std::string& outputFile,
                                const std::string& errorFile) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -82,7 +90,7 @@ bool applyLimits(const std::vector<DaemonStart::Limit>& limits) {
         System::Descriptor(stream).reset();
     chooseSupplier(start.supplier);
     if (streams && applyLimits(start.limits) && enforce(start.refusals))
-        ::execlp("production", "production", static_cast<char*>(nullptr));
+        become("production", start.arguments);
     ::_exit(kCannotStart);
 }
 

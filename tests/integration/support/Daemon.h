@@ -16,6 +16,7 @@ struct DaemonStart {
         rlim_t value;
     };
 
+    std::vector<std::string> arguments; ///< behind the program's name
     std::vector<Limit> limits;
     std::vector<int> closed;           ///< standard streams that are closed
     std::optional<int> standardOutput; ///< in place of the file that `Daemon::output` reads
