@@ -59,4 +59,15 @@ TEST_F(SimpleCommandsTest, UnknownNamesMayHaveAnyLength) {
     expectNothingMore(station);
 }
 
+TEST_F(SimpleCommandsTest, AnEchoedWordTravelsAsItCame) {
+    Connection station;
+    Connection other;
+    // ETX, LF, STX, "#ok"
+    expectExchange(station, request("port hex(030A02236F6B)"),
+                   "\x02#Info \"unknown subcommand '\x03\n\x02#ok'\"\x03\n"
+                   "\x02#port Error 0x1010000\x03\n");
+    expectNothingMore(station);
+    expectNothingMore(other);
+}
+
 } // namespace
