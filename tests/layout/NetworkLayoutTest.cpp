@@ -17,9 +17,10 @@ TEST(NetListenerLayoutTest, HasNoDataOfItsOwn) {
     EXPECT_EQ(NetListener::kPort, 15051);
 }
 
-TEST(NetListenerAsycSendLayoutTest, TheSocketIsBehindTheBase) {
+TEST(NetListenerAsycSendLayoutTest, TheSocketIsAllThatIsAdded) {
     const auto fields = fieldsOf(Of<NetListenerAsycSend>());
     expectInOrder(fields, sizeof(AbstractListener));
     EXPECT_EQ(fields[0].type, std::type_index(typeid(int)));
+    EXPECT_EQ(sizeof(NetListenerAsycSend), alignedTo(alignof(NetListenerAsycSend), fields[0].end()));
     EXPECT_EQ(numberOfSlots<NetListenerAsycSend>(), numberOfSlots<AbstractListener>());
 }
