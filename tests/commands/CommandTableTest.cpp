@@ -1,4 +1,7 @@
 #include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <cstdlib>
 
 #include "commands/DCmd.h"
 #include "commands/ECmd.h"
@@ -57,4 +60,17 @@ TEST(CommandTableTest, EveryCommandIsReachableByItsIdAndItsName) {
         }
         EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr(entry.name));
     }
+}
+
+TEST(CommandTableTest, AProcessMayEndWhileTheDispatcherWaits) {
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto startAndEnd = [] {
+        constexpr unsigned kLongestSeconds = 60;
+        ::alarm(kLongestSeconds);
+        Handler& handler = *Handler::getInstance();
+        handler.initHandler();
+        handler.runExclusively([] {}); // the dispatcher waits now, or is about to
+        std::exit(0);
+    };
+    EXPECT_EXIT(startAndEnd(), ::testing::ExitedWithCode(0), "");
 }

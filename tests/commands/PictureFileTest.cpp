@@ -95,6 +95,17 @@ TEST_F(PictureFileTest, UnpacksAPicture) {
     EXPECT_EQ(PictureFile::kBytes, static_cast<int>(kPictureBytes));
 }
 
+TEST_F(PictureFileTest, AnUnpackedPictureCanBeReadByAll) {
+    pack(packed(), pictureContent(1));
+    const mode_t before = ::umask(0);
+    EXPECT_EQ(unpack(), "");
+    ::umask(before);
+    struct stat information {};
+    ASSERT_EQ(::stat(unpacked().c_str(), &information), 0);
+    EXPECT_EQ(information.st_mode & ~static_cast<mode_t>(S_IFMT),
+              static_cast<mode_t>(S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH));
+}
+
 TEST_F(PictureFileTest, WhatIsBehindAPictureIsLeftOut) {
     for (const std::size_t size : {kPictureBytes, kPictureBytes + 1, 2 * kPictureBytes}) {
         SCOPED_TRACE(size);
