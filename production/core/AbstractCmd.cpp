@@ -1,8 +1,10 @@
 #include "core/AbstractCmd.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -11,6 +13,7 @@
 #include "core/Handler.h"
 #include "core/HexDigit.h"
 #include "core/ProcessResponseAscii.h"
+#include "core/TokenNumber.h"
 #include "platform/Base64.h"
 
 namespace {
@@ -215,12 +218,12 @@ std::string AbstractCmd::ascii_getName() const {
 }
 
 int AbstractCmd::ascii_getInt(const std::vector<char>& token) const {
-    // Copied, since decoded tokens carry no terminating zero.
-    const std::string text(token.begin(), token.end());
-    // What a scan for "%i" gives, without its cost: 0 when there is no number. Read wide, so that a
-    // number of 32 bits keeps its bits where a long has no more than 32 itself.
-    constexpr int kByPrefix = 0;
-    return static_cast<int>(std::strtoll(text.c_str(), nullptr, kByPrefix));
+    const std::int64_t number = tokenNumber(token);
+    if (number > std::numeric_limits<std::uint32_t>::max())
+        return std::numeric_limits<int>::max();
+    if (number < std::numeric_limits<int>::min())
+        return std::numeric_limits<int>::min();
+    return static_cast<int>(number);
 }
 
 std::string AbstractCmd::ascii_exec(ProcessResponse* response) {

@@ -77,7 +77,8 @@ public:
     // --- ASCII protocol ---
 
     std::string ascii_getName() const;
-    /// A number in decimal, 0x hexadecimal or 0 octal notation; 0 when there is none.
+    /// A number in decimal, 0x hexadecimal or 0 octal notation; 0 when there is none. Numbers from 2^31
+    /// to 2^32-1 keep their 32 bits; beyond 32 bits it is the highest or the lowest int.
     int ascii_getInt(const std::vector<char>& token) const;
     /// The line to answer, without framing; empty for none. Takes the response over, except one with
     /// code

@@ -28,16 +28,24 @@ TEST_F(WideNumbersTest, ANumberOf32BitsKeepsItsBits) {
         std::uint32_t bits;
     };
     const Row rows[] = {
-        {"0x7FFFFFFF", 0x7FFFFFFF},         {"0x80000000", 0x80000000},   {"0x9ABCDEF0", 0x9ABCDEF0},
-        {"0xFFFFFFFF", 0xFFFFFFFF},         {"2147483648", 0x80000000},   {"4294967295", 0xFFFFFFFF},
-        {"020000000000", 0x80000000},       {"037777777777", 0xFFFFFFFF}, {"-1", 0xFFFFFFFF},
-        {"-2147483648", 0x80000000},        {"-2147483649", 0x7FFFFFFF},  {"0x100000001", 1},
-        {"0xFFFFFFFFFFFFFFFF", 0xFFFFFFFF},
+        {"0x7FFFFFFF", 0x7FFFFFFF},   {"0x80000000", 0x80000000},   {"0x9ABCDEF0", 0x9ABCDEF0},
+        {"0xFFFFFFFF", 0xFFFFFFFF},   {"2147483648", 0x80000000},   {"4294967295", 0xFFFFFFFF},
+        {"020000000000", 0x80000000}, {"037777777777", 0xFFFFFFFF}, {"-1", 0xFFFFFFFF},
+        {"-2147483648", 0x80000000},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
         EXPECT_EQ(static_cast<std::uint32_t>(command().ascii_getInt(token(row.text))), row.bits);
     }
+}
+
+TEST_F(WideNumbersTest, ANumberBeyond32BitsIsTheNearestInt) {
+    for (const char* text : {"4294967296", "0x100000000", "0x100000001", "040000000000",
+                             "18446744073709551616", "0xFFFFFFFFFFFFFFFF", "99999999999999999999999999"})
+        EXPECT_EQ(command().ascii_getInt(token(text)), INT_MAX) << text;
+    for (const char* text :
+         {"-2147483649", "-4294967296", "-0x100000000", "-99999999999999999999999999"})
+        EXPECT_EQ(command().ascii_getInt(token(text)), INT_MIN) << text;
 }
 
 TEST_F(WideNumbersTest, AnIdWithItsUpperBitSetIsFound) {
