@@ -12,12 +12,15 @@ constexpr unsigned kHertzPerKiloHertz = 1000;
 constexpr char kInvalidBus[] = "Bus number %d is invalid";
 constexpr char kOpenFailed[] = "Failed to open Bus with Error-Code %d";
 constexpr char kWithErrorCode[] = "%s, errorcode: %d";
+constexpr char kUnknownAttributeText[] = "Attribute ID %d is unknown";
+constexpr char kUnknownValueText[] = "Attribute Value %d for AttributeId %d is unknown";
+constexpr char kUnsupportedSpeedText[] = "Clockspeed of %d is not supported";
 
 } // namespace
 
-I2c* openBus(unsigned char bus, OpenFailure report, std::unique_ptr<ProcessResponse>& refusal) {
+I2c* openBus(int bus, OpenFailure report, std::unique_ptr<ProcessResponse>& refusal) {
     I2CHandler::BusInfo* info = nullptr;
-    const DeviceResult result = I2CHandler::getBusInfo(bus, &info);
+    const DeviceResult result = I2CHandler::getBusInfo(static_cast<unsigned>(bus), &info);
     if (info == nullptr) {
         refusal = std::make_unique<ProcessResponse>(kNoSuchBus, kInvalidBus, bus);
         return nullptr;
@@ -36,6 +39,10 @@ ProcessResponse* failure(std::uint32_t code, const DeviceResult& result) {
 
 ProcessResponse* outcome(const DeviceResult& result) {
     return result.failed() ? failure(kBusError, result) : new ProcessResponse(ProcessResponse::kSuccess);
+}
+
+ProcessResponse* unknownAttribute(int attribute) {
+    return new ProcessResponse(kUnknownAttribute, kUnknownAttributeText, attribute);
 }
 
 ProcessResponse* setStopCondition(I2c& bus, unsigned char value) {

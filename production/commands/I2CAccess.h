@@ -16,21 +16,20 @@ constexpr std::uint32_t kSpeedError = 0x0700000D;
 
 enum Attribute : unsigned char { StopCondition = 0, BusSpeed = 1 };
 
-constexpr char kUnknownAttributeText[] = "Attribute ID %d is unknown";
-constexpr char kUnknownValueText[] = "Attribute Value %d for AttributeId %d is unknown";
-constexpr char kUnsupportedSpeedText[] = "Clockspeed of %d is not supported";
-
 /// How a bus that cannot be opened is reported.
 enum class OpenFailure { CodeOnly, MessageAndCode };
 
-/// The opened bus; null, with `refusal` set, when there is none.
-I2c* openBus(unsigned char bus, OpenFailure report, std::unique_ptr<ProcessResponse>& refusal);
+/// The opened bus; null, with `refusal` set, when there is none. Any number may be asked for.
+I2c* openBus(int bus, OpenFailure report, std::unique_ptr<ProcessResponse>& refusal);
 
 /// "message, errorcode: code" under the given status code.
 ProcessResponse* failure(std::uint32_t code, const DeviceResult& result);
 
 /// The answer to a transaction: a failure as above, or a plain success.
 ProcessResponse* outcome(const DeviceResult& result);
+
+/// The refusal of an attribute that there is not.
+ProcessResponse* unknownAttribute(int attribute);
 
 /// 0 switches the stop condition off, 1 on; anything else is refused. Null on success.
 ProcessResponse* setStopCondition(I2c& bus, unsigned char value);

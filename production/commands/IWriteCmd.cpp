@@ -74,8 +74,7 @@ ProcessResponse* IWriteCmd::setAttribute(std::vector<unsigned char>* request) {
             refusal.reset(I2CAccess::setStopCondition(*i2c, (*request)[5]));
             break;
         default:
-            return new ProcessResponse(I2CAccess::kUnknownAttribute, I2CAccess::kUnknownAttributeText,
-                                       attribute);
+            return I2CAccess::unknownAttribute(attribute);
     }
     return refusal ? refusal.release() : done();
 }

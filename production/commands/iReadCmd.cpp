@@ -1,11 +1,13 @@
 #include "commands/iReadCmd.h"
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "commands/I2CAccess.h"
 #include "core/BigEndian.h"
 #include "core/ProcessResponseAscii.h"
+#include "core/TokenNumber.h"
 #include "core/TokenText.h"
 
 namespace {
@@ -16,6 +18,7 @@ constexpr int kAttributes = 255;
 constexpr int kMostBytes = 247;
 constexpr int kReadHeader = 5;
 constexpr int kAttributeLength = 5;
+constexpr unsigned kHighestByte = 0xFF;
 
 constexpr std::size_t kFewestReadTokens = 5;
 constexpr std::size_t kReadTokensWithData = 6;
@@ -32,7 +35,9 @@ constexpr char kWrongLength[] = "Expect a Command Length of 5 but get %d";
 constexpr char kAtLeastFour[] = "Expected at Least 4 Parameter, received: %d";
 constexpr char kExactlyThree[] = "Expected 3 Parameter, received: %d";
 constexpr char kNoData[] = "Expected Data to write";
-constexpr char kTooMuchData[] = "Number of Bytes to write first must be in Range [1,%d], received: %d";
+constexpr char kTooMuchData[] = "Number of Bytes to write first must be in Range [0,%d], received: %d";
+constexpr char kInvalidSlave[] = "Slave address %d is invalid";
+constexpr char kNoValue[] = "Attribute Value for AttributeId %d is missing";
 
 ProcessResponse* checkCount(int count) {
     if (count >= 1 && count <= kMostBytes)
@@ -43,6 +48,10 @@ ProcessResponse* checkCount(int count) {
 ProcessResponse* wrongTokenCount(const char* format, const std::vector<std::vector<char>>& tokens) {
     return new ProcessResponse(ProcessResponse::kGenericError, format,
                                static_cast<int>(tokens.size()) - 1);
+}
+
+ProcessResponse* invalidSlave(int address) {
+    return new ProcessResponse(ProcessResponse::kGenericError, kInvalidSlave, address);
 }
 
 } // namespace
@@ -101,8 +110,7 @@ ProcessResponse* iReadCmd::getAttribute(unsigned char bus, unsigned char attribu
         return new ProcessResponse(ProcessResponse::kSuccess);
     }
     if (attribute != I2CAccess::BusSpeed)
-        return new ProcessResponse(I2CAccess::kUnknownAttribute, I2CAccess::kUnknownAttributeText,
-                                   attribute);
+        return I2CAccess::unknownAttribute(attribute);
     constexpr unsigned kHertzPerKiloHertz = 1000;
     unsigned speed = 0;
     if (const DeviceResult result = i2c->getBusSpeed(speed); result.failed())
@@ -135,34 +143,45 @@ ProcessResponse* iReadCmd::getAttributeClassic(std::vector<unsigned char>* reque
     return tavrin_answer(request, result, value);
 }
 
-unsigned char iReadCmd::byteToken(const std::vector<char>& token) const {
-    return static_cast<unsigned char>(ascii_getInt(token));
-}
-
 ProcessResponse* iReadCmd::readBus(std::vector<std::vector<char>>& tokens) {
     if (tokens.size() < kFewestReadTokens)
         return wrongTokenCount(kAtLeastFour, tokens);
     const int count = ascii_getInt(tokens[3]);
     if (ProcessResponse* refusal = checkCount(count))
         return refusal;
-    std::vector<unsigned char> bytes(static_cast<std::size_t>(count));
+    const int bus = ascii_getInt(tokens[2]);
+    std::unique_ptr<ProcessResponse> unopened;
+    if (I2CAccess::openBus(bus, OpenFailure::CodeOnly, unopened) == nullptr)
+        return unopened.release();
+    const auto address = tokenNumberUpTo(tokens[4], kHighestByte);
+    if (!address)
+        return invalidSlave(ascii_getInt(tokens[4]));
     const bool writeFirst = tokens.size() == kReadTokensWithData;
     const std::vector<char> none;
     const std::vector<char>& data = writeFirst ? tokens[5] : none;
-    if (writeFirst && (data.empty() || data.size() > kMostFirst))
+    if (data.size() > kMostFirst)
         return new ProcessResponse(ProcessResponse::kGenericError, kTooMuchData,
                                    static_cast<int>(kMostFirst), static_cast<int>(data.size()));
-    ProcessResponse* result =
-        readBus(byteToken(tokens[2]), static_cast<unsigned char>(count), byteToken(tokens[4]),
-                writeFirst, data.data(), static_cast<unsigned char>(data.size()), &bytes);
+    std::vector<unsigned char> bytes(static_cast<std::size_t>(count));
+    ProcessResponse* result = readBus(static_cast<unsigned char>(bus), static_cast<unsigned char>(count),
+                                      static_cast<unsigned char>(*address), writeFirst, data.data(),
+                                      static_cast<unsigned char>(data.size()), &bytes);
     return ascii_answer(result, ascii_buildHexString(bytes, true));
 }
 
 ProcessResponse* iReadCmd::getAttribute(std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kGetTokens)
         return wrongTokenCount(kExactlyThree, tokens);
+    const int bus = ascii_getInt(tokens[2]);
+    std::unique_ptr<ProcessResponse> unopened;
+    if (I2CAccess::openBus(bus, OpenFailure::CodeOnly, unopened) == nullptr)
+        return unopened.release();
+    const auto attribute = tokenNumberUpTo(tokens[3], kHighestByte);
+    if (!attribute)
+        return I2CAccess::unknownAttribute(ascii_getInt(tokens[3]));
     std::vector<unsigned char> value;
-    ProcessResponse* result = getAttribute(byteToken(tokens[2]), byteToken(tokens[3]), &value);
+    ProcessResponse* result =
+        getAttribute(static_cast<unsigned char>(bus), static_cast<unsigned char>(*attribute), &value);
     return ascii_answer(result, ascii_buildHexString(value, true));
 }
 
@@ -170,22 +189,24 @@ ProcessResponse* iReadCmd::setAttribute(std::vector<std::vector<char>>& tokens) 
     if (tokens.size() != kSetTokens)
         return wrongTokenCount(kAtLeastFour, tokens);
     std::unique_ptr<ProcessResponse> refusal;
-    I2c* i2c = I2CAccess::openBus(byteToken(tokens[2]), OpenFailure::MessageAndCode, refusal);
+    I2c* i2c = I2CAccess::openBus(ascii_getInt(tokens[2]), OpenFailure::MessageAndCode, refusal);
     if (i2c == nullptr)
         return refusal.release();
     std::vector<unsigned char> value = ascii_buildHexVector(tokenText(tokens[4]));
-    // What the value does not say counts as zero.
-    value.resize(sizeof(std::uint16_t));
-    switch (byteToken(tokens[3])) {
+    const int attribute = ascii_getInt(tokens[3]);
+    switch (attribute) {
         case I2CAccess::StopCondition:
+            if (value.empty())
+                return new ProcessResponse(ProcessResponse::kGenericError, kNoValue, attribute);
             refusal.reset(I2CAccess::setStopCondition(*i2c, value[0]));
             break;
         case I2CAccess::BusSpeed:
+            // With zeros for what it lacks it is no speed that there is.
+            value.resize(sizeof(std::uint16_t));
             refusal.reset(I2CAccess::setBusSpeed(*i2c, bigEndian16(value, 0), I2CAccess::kBusError));
             break;
         default:
-            return new ProcessResponse(I2CAccess::kUnknownAttribute, I2CAccess::kUnknownAttributeText,
-                                       byteToken(tokens[3]));
+            return I2CAccess::unknownAttribute(attribute);
     }
     return refusal ? refusal.release() : new ProcessResponseAscii(ProcessResponse::kSuccess, "");
 }
@@ -194,14 +215,17 @@ ProcessResponse* iReadCmd::writeBus(std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kWriteTokens)
         return wrongTokenCount(kAtLeastFour, tokens);
     std::unique_ptr<ProcessResponse> refusal;
-    I2c* i2c = I2CAccess::openBus(byteToken(tokens[2]), OpenFailure::MessageAndCode, refusal);
+    I2c* i2c = I2CAccess::openBus(ascii_getInt(tokens[2]), OpenFailure::MessageAndCode, refusal);
     if (i2c == nullptr)
         return refusal.release();
+    const auto address = tokenNumberUpTo(tokens[3], kHighestByte);
+    if (!address)
+        return invalidSlave(ascii_getInt(tokens[3]));
     const std::vector<char>& data = tokens[4];
+    // The one refusal that is given as an exception; the Handler makes it the generic error.
     if (data.empty())
-        return new ProcessResponse(ProcessResponse::kGenericError, kNoData);
-    const DeviceResult result =
-        i2c->write(byteToken(tokens[3]), data.data(), static_cast<unsigned>(data.size()));
+        throw std::out_of_range(kNoData);
+    const DeviceResult result = i2c->write(*address, data.data(), static_cast<unsigned>(data.size()));
     if (result.failed())
         return I2CAccess::outcome(result);
     return new ProcessResponseAscii(ProcessResponse::kSuccess, "");

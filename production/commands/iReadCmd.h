@@ -30,9 +30,8 @@ private:
     ProcessResponse* readBus(std::vector<std::vector<char>>& tokens);
     ProcessResponse* getAttribute(std::vector<std::vector<char>>& tokens);
     ProcessResponse* setAttribute(std::vector<std::vector<char>>& tokens);
+    /// Throws std::out_of_range when the token for the data is empty.
     ProcessResponse* writeBus(std::vector<std::vector<char>>& tokens);
-
-    unsigned char byteToken(const std::vector<char>& token) const;
 
     static System::Mutex s_singleton_mutex;
 };

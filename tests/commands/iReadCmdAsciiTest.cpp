@@ -1,5 +1,8 @@
 // The bus over the ASCII protocol: reads and writes, and its attributes.
 #include "commands/iReadCmd.h"
+
+#include <stdexcept>
+
 #include "support/I2cUnit.h"
 
 using ::testing::IsEmpty;
@@ -107,14 +110,20 @@ TEST_F(iReadCmdAsciiTest, OfMoreThanSixTokensNoneIsWritten) {
     EXPECT_EQ(m_manager->lastRequest(), readRequest(0x50, 1));
 }
 
-TEST_F(iReadCmdAsciiTest, DataToWriteFirstThatCannotBeSentIsRefusedAndNothingHappens) {
-    for (const std::size_t size : {0U, 256U, 257U, 511U, 65536U, 65537U}) {
-        SCOPED_TRACE(size);
-        const Tokens list = withData({"i2c", "read", "0", "1", "0x50"}, Bytes(size));
-        const Response response = process(list);
-        EXPECT_EQ(response->code, kGenericError);
-        EXPECT_NE(response->message, "");
-        EXPECT_EQ(send(list), "i2c Error 0x1010000");
+TEST_F(iReadCmdAsciiTest, NoDataAreAWriteOfNoBytes) {
+    m_manager->willAnswer(0, transferReply({0xA1}));
+    EXPECT_EQ(send(withData({"i2c", "read", "0", "1", "0x50"}, {})), "i2c hex(A1)");
+    EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, {}, 1));
+}
+
+TEST_F(iReadCmdAsciiTest, TooMuchDataToWriteFirstIsRefusedBehindTheBus) {
+    for (const std::size_t size : {256U, 257U, 511U, 65536U, 65537U}) {
+        const std::string text =
+            "Number of Bytes to write first must be in Range [0,255], received: " + std::to_string(size);
+        expectTokensRefused(withData({"i2c", "read", "0", "1", "0x50"}, Bytes(size)), kGenericError,
+                            text);
+        expectTokensRefused(withData({"i2c", "read", "1", "1", "0x50"}, Bytes(size)), kNoSuchBus,
+                            "Bus number 1 is invalid");
     }
     EXPECT_THAT(m_manager->requests(), IsEmpty());
 }
@@ -164,6 +173,56 @@ TEST_F(iReadCmdAsciiTest, ThereIsOneBus) {
     EXPECT_EQ(m_manager->connections(), 0);
 }
 
+TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoBus) {
+    struct Row {
+        const char* bus;
+        const char* number;
+    };
+    for (const Row& row :
+         {Row{"256", "256"}, Row{"0x100", "256"}, Row{"-256", "-256"}, Row{"-1", "-1"},
+          Row{"65536", "65536"}, Row{"0xFFFFFFFF", "-1"}, Row{"0x80000000", "-2147483648"},
+          Row{"0x100000000", "2147483647"}, Row{"-0x100000000", "-2147483648"}}) {
+        const std::string text = std::string("Bus number ") + row.number + " is invalid";
+        expectRefused({"i2c", "read", row.bus, "1", "0x150"}, kNoSuchBus, text);
+        expectRefused({"i2c", "getattributes", row.bus, "0x100"}, kNoSuchBus, text);
+        expectRefused({"i2c", "setattributes", row.bus, "0x100", ""}, kNoSuchBus, text);
+        expectTokensRefused(withData({"i2c", "write", row.bus, "0x150"}, {}), kNoSuchBus, text);
+    }
+    EXPECT_EQ(m_manager->connections(), 0);
+}
+
+TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoSlave) {
+    struct Row {
+        const char* address;
+        const char* number;
+    };
+    for (const Row& row : {Row{"256", "256"}, Row{"0x150", "336"}, Row{"-1", "-1"}, Row{"-176", "-176"},
+                           Row{"0x100000050", "2147483647"}}) {
+        const std::string text = std::string("Slave address ") + row.number + " is invalid";
+        expectRefused({"i2c", "read", "0", "1", row.address}, kGenericError, text);
+        expectTokensRefused(withData({"i2c", "write", "0", row.address}, {1}), kGenericError, text);
+        expectTokensRefused(withData({"i2c", "read", "0", "1", row.address}, {1}), kGenericError, text);
+    }
+    EXPECT_THAT(m_manager->requests(), IsEmpty());
+    m_manager->willAnswer(0, readReply({7}));
+    EXPECT_EQ(send(tokens({"i2c", "read", "0", "1", "255"})), "i2c hex(07)") << "the bus may know it";
+    EXPECT_EQ(m_manager->lastRequest(), readRequest(255, 1));
+}
+
+TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoAttribute) {
+    struct Row {
+        const char* id;
+        const char* number;
+    };
+    for (const Row& row : {Row{"256", "256"}, Row{"257", "257"}, Row{"-255", "-255"}, Row{"-1", "-1"},
+                           Row{"0x100000001", "2147483647"}, Row{"0xFFFFFFFF", "-1"}}) {
+        const std::string text = std::string("Attribute ID ") + row.number + " is unknown";
+        expectRefused({"i2c", "getattributes", "0", row.id}, kUnknownAttribute, text);
+        expectRefused({"i2c", "setattributes", "0", row.id, "00"}, kUnknownAttribute, text);
+    }
+    EXPECT_TRUE(stopCondition());
+}
+
 TEST_F(iReadCmdAsciiTest, ABusThatCannotBeOpenedIsTold) {
     removeBus();
     constexpr char kLong[] = "Open Error for /dev/i2c0: No such file or directory 2, errorcode: 2";
@@ -194,8 +253,7 @@ TEST_F(iReadCmdAsciiTest, TheStopConditionIsSwitched) {
         const char* value;
         bool stop;
     };
-    const Row rows[] = {{"00", false}, {"01", true},     {"0", false},    {"01FF", true},
-                        {"", false},   {"00 01", false}, {"0x01", false}, {"zz", false}};
+    const Row rows[] = {{"00", false}, {"01", true}, {"01FF", true}, {"00 01", false}, {"0x01", false}};
     for (const Row& row : rows) {
         SCOPED_TRACE(row.value);
         send(tokens({"i2c", "setattributes", "0", "0", row.stop ? "00" : "01"}));
@@ -215,6 +273,13 @@ TEST_F(iReadCmdAsciiTest, TheStopConditionIsSwitched) {
                       "Attribute Value " + number + " for AttributeId 0 is unknown");
     }
     EXPECT_FALSE(stopCondition());
+}
+
+TEST_F(iReadCmdAsciiTest, AStopConditionWithoutItsByteIsRefused) {
+    for (const char* value : {"", "1", "0", "zz"})
+        expectRefused({"i2c", "setattributes", "0", "0", value}, kGenericError,
+                      "Attribute Value for AttributeId 0 is missing");
+    EXPECT_TRUE(stopCondition());
 }
 
 TEST_F(iReadCmdAsciiTest, TheSpeedIsSetInKiloHertz) {
@@ -295,12 +360,10 @@ TEST_F(iReadCmdAsciiTest, AWriteSendsTheBytesOfItsToken) {
     EXPECT_THAT(m_listener.lines, IsEmpty());
 }
 
-TEST_F(iReadCmdAsciiTest, AWriteWithoutDataIsRefused) {
+TEST_F(iReadCmdAsciiTest, AWriteWithoutDataIsAnExceptionThatIsAnsweredAsTheGenericError) {
     const Tokens list = withData({"i2c", "write", "0", "0x50"}, {});
-    const Response response = process(list);
-    EXPECT_EQ(response->code, kGenericError);
-    EXPECT_NE(response->message, "");
-    EXPECT_EQ(send(list), "i2c Error 0x1010000");
+    EXPECT_THROW(process(list), std::out_of_range);
+    expectErrorLine(list, kGenericError, "Expected Data to write");
     EXPECT_THAT(m_manager->requests(), IsEmpty());
 }
 
