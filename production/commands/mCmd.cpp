@@ -6,11 +6,13 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 #include "core/BigEndian.h"
 #include "core/Diagnostics.h"
 #include "core/ProcessResponseAscii.h"
+#include "core/TokenNumber.h"
 #include "core/TokenText.h"
 #include "platform/BlockDevice.h"
 
@@ -91,6 +93,18 @@ ssize_t uninterrupted(Transfer transfer) {
         moved = transfer();
     } while (moved < 0 && errno == EINTR);
     return moved;
+}
+
+/// A device type or id; what no byte holds is the highest one, which none has.
+unsigned char byteIn(const std::vector<char>& token) {
+    constexpr unsigned char kNone = std::numeric_limits<unsigned char>::max();
+    return static_cast<unsigned char>(tokenNumberUpTo(token, kNone).value_or(kNone));
+}
+
+/// A place or a count; what 32 bits do not hold is the highest one, which is out of every range.
+unsigned numberIn(const std::vector<char>& token) {
+    constexpr unsigned kBeyond = std::numeric_limits<unsigned>::max();
+    return tokenNumberUpTo(token, kBeyond).value_or(kBeyond);
 }
 
 std::vector<unsigned char> asFourBytes(unsigned number) {
@@ -339,8 +353,7 @@ ProcessResponse* mCmd::process(std::vector<std::vector<char>>& tokens) {
     if (tokens.size() < kTokens)
         return genericError(kInvalidLength);
     Handle* handle = nullptr;
-    const DeviceResult found = device(&handle, static_cast<unsigned char>(ascii_getInt(tokens[2])),
-                                      static_cast<unsigned char>(ascii_getInt(tokens[3])));
+    const DeviceResult found = device(&handle, byteIn(tokens[2]), byteIn(tokens[3]));
     if (found.failed() || handle == nullptr)
         return new ProcessResponse(static_cast<unsigned>(found.code), "%s", found.message.c_str());
     const bool isOpen = beginsWith(tokens[1], "open");
@@ -354,9 +367,9 @@ ProcessResponse* mCmd::process(std::vector<std::vector<char>>& tokens) {
         return genericError(kInvalidSubCommand);
     if (tokens.size() != kTransferTokens)
         return genericError(kInvalidLength);
-    const auto number = [&](std::size_t at) { return static_cast<unsigned>(ascii_getInt(tokens[at])); };
     std::vector<unsigned char> count;
     const auto transfer = isRead ? &mCmd::read : &mCmd::write;
-    ProcessResponse* result = (this->*transfer)(handle, number(4), number(5), number(6), count);
+    ProcessResponse* result =
+        (this->*transfer)(handle, numberIn(tokens[4]), numberIn(tokens[5]), numberIn(tokens[6]), count);
     return ascii_answer(result, ascii_buildBase64String(count));
 }

@@ -213,8 +213,7 @@ ProcessResponse* tCmd::process(std::vector<std::vector<char>>& tokens) {
     if (access == nullptr)
         return new ProcessResponse(ProcessResponse::kGenericError, kUnknownCombination,
                                    operation.c_str(), keyword.c_str());
-    if (getGlobalBuffer() == nullptr)
-        return new ProcessResponse(kOutOfBounds, kNoBuffer);
+    // Without a buffer nothing lies within its limits, and that is the answer.
     std::vector<unsigned char> data;
     if (!isRead(*access))
         return writeAscii(tokens, &data, access->width, access->withChecksum);

@@ -193,6 +193,9 @@ TEST_F(DCmdTest, RefusesRangesThatAreNotInTheBuffer) {
     }
     expectRefused(line("0", "-4", "4"), kAddressError, kAddressTooLarge);
     expectRefused(line("0", "4", "-4"), kSizeError, kSizeTooLarge);
+    expectRefused(line("0", "0x100000000", "4"), kAddressError, kAddressTooLarge);
+    expectRefused(line("0", "0", "0x100000004"), kSizeError, kSizeTooLarge);
+    expectRefused(line("0x100000000", "0", "9"), kGenericError, "unknown memory type 255");
     expectRefused(line("-1", "0", "9"), kGenericError, "unknown memory type 255");
     expectRefused(line("257", "0", "9"), kGenericError, kSegmented);
     expectRefused(line("0", "0", "x"), kSizeError, kTooSmall);

@@ -79,6 +79,10 @@ TEST_F(SWriteCmdAsciiTest, ChannelsAreRefusedAsOverTheOtherProtocol) {
     expectWordsRefused({"serial", "open", "2", "115200", "2"}, kNoSuchParity, "Could not detect Parity");
     expectWordsRefused({"serial", "open", "2", "300", "0"}, kOpenFailed,
                        "Invalid Baudrate 300, errorcode: 1281");
+    expectWordsRefused({"serial", "open", "2", "4294976896", "0"}, kOpenFailed,
+                       "Invalid Baudrate 2147483647, errorcode: 1281");
+    expectWordsRefused({"serial", "open", "0x100000002", "9600", "0"}, kNoSuchChannel,
+                       "Interface id 255 unknown");
     expectWordsRefused({"serial", "close", "4"}, kIoFailed, kNoHandle);
     expectWordsRefused({"serial", "send", "4", "x"}, kIoFailed, kNoHandle);
     expectWordsRefused({"serial", "get", "4", "1"}, kIoFailed, kNoHandle);

@@ -89,6 +89,11 @@ TEST_F(mCmdAsciiTest, NegativeAndLargeNumbersAreOutOfRange) {
     const char* const noOffset = "Memoryoffset out of Range";
     const Row rows[] = {
         {"15", "1", "0", noStart, noStart},
+        {"0x100000000", "1", "0", noStart, noStart},
+        {"-0x100000000", "1", "0", noStart, noStart},
+        {"0", "0x100000001", "0", noEnd, noEnd},
+        {"0", "1", "0x100000000", noOffset, noData},
+        {"0", "1", "-0x100000000", noOffset, noData},
         {"-1", "1", "0", noStart, noStart},
         {"0xFFFFFFFF", "2", "0", noStart, noStart},
         {"10", "5", "0", noEnd, noEnd},
@@ -106,6 +111,37 @@ TEST_F(mCmdAsciiTest, NegativeAndLargeNumbersAreOutOfRange) {
     }
     EXPECT_EQ(card.block(0), blocksOf('a'));
     EXPECT_EQ(scratch(0, kBlock), blocksOf('.'));
+}
+
+TEST_F(mCmdAsciiTest, ANumberThatIsNoByteNamesNoDevice) {
+    const BlockFile card(kCardPath, 3);
+    struct Row {
+        const char* type;
+        const char* id;
+        const char* text;
+    };
+    const char* const unknownType = "Device Type is unknown";
+    const char* const noSuchId = "Device ID does not exist";
+    const Row rows[] = {
+        {"436", "0", unknownType},
+        {"436", "256", unknownType},
+        {"-76", "0", unknownType},
+        {"0x1000000B4", "0", unknownType},
+        {"180", "256", noSuchId},
+        {"180", "-256", noSuchId},
+        {"180", "-1", noSuchId},
+        {"180", "0x10001", noSuchId},
+        {"178", "256", noSuchId},
+        {"180", "0x100000000", noSuchId},
+        {"179", "256", "No Device inserted"},
+        {"180", "-0x100000000", noSuchId},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.type) + " " + row.id);
+        for (const char* operation : {"open", "close", "jump"})
+            expectRefused({"blockdev", operation, row.type, row.id}, row.text);
+        expectRefused({"blockdev", "read", row.type, row.id, "0", "1", "0"}, row.text);
+    }
 }
 
 TEST_F(mCmdAsciiTest, SubcommandsAreRecognisedByTheirBeginning) {

@@ -80,7 +80,8 @@ TEST_F(pReadCmdAsciiTest, ANumberBeyondTheTableIsRefused) {
                         {"128", "Invalid Port: 128. Allowed port range is: [0,20]"},
                         {"255", "Invalid Port: 255. Allowed port range is: [0,20]"},
                         {"-1", "Invalid Port: 255. Allowed port range is: [0,20]"},
-                        {"2147483647", "Invalid Port: 255. Allowed port range is: [0,20]"}};
+                        {"2147483647", "Invalid Port: 255. Allowed port range is: [0,20]"},
+                        {"0x100000000", "Invalid Port: 255. Allowed port range is: [0,20]"}};
     for (const Row& row : rows) {
         SCOPED_TRACE(row.number);
         expectError(run({"port", "read", row.number}), kOutOfRange, row.text);

@@ -121,7 +121,8 @@ TEST_F(tCmdAsciiRefusalTest, AddressesThatAreNoMultipleOfTheWidth) {
     for (const auto& [keyword, address] :
          {std::pair{"16bit", "1"}, std::pair{"16bit", "-1"}, std::pair{"16bit", "0x7FFFFFF"},
           std::pair{"32bit", "1"}, std::pair{"32bit", "2"}, std::pair{"32bit", "3"},
-          std::pair{"32bit", "-2"}, std::pair{"32bit", "0xFFFFFFFE"}}) {
+          std::pair{"16bit", "0x100000000"}, std::pair{"32bit", "0x100000000"}, std::pair{"32bit", "-2"},
+          std::pair{"32bit", "0xFFFFFFFE"}}) {
         refusals.push_back({read(keyword, "1", address), kMalformed, kMisaligned});
         refusals.push_back({write(keyword, "1", address), kMalformed, kMisaligned});
         refusals.push_back({read(keyword, "0", address), kMalformed, kMisaligned});
@@ -136,12 +137,28 @@ TEST_F(tCmdAsciiRefusalTest, RangesThatReachTheLastByte) {
         const char* address;
     };
     const Row rows[] = {
-        {"8bit", "1", "134217727"},   {"8bit", "244", "0x7FFFF0C"},  {"8bit", "0", "134217728"},
-        {"8bit", "1", "0xFFFFFFFF"},  {"8bit", "244", "0xFFFFFF0C"}, {"8bit", "1", "-1"},
-        {"8bit", "0", "-1"},          {"8bit", "244", "-244"},       {"8bit", "1", "0x7FFFFFFF"},
-        {"8bit", "1", "-2147483648"}, {"8bitcrc", "1", "134217727"}, {"8bitcrc", "2", "-1"},
-        {"16bit", "1", "134217726"},  {"16bit", "1", "-2"},          {"16bit", "122", "0xFFFFFF0C"},
-        {"32bit", "1", "134217724"},  {"32bit", "1", "-4"},          {"32bit", "61", "0xFFFFFF0C"},
+        {"8bit", "1", "134217727"},
+        {"8bit", "244", "0x7FFFF0C"},
+        {"8bit", "0", "134217728"},
+        {"8bit", "1", "0x100000000"},
+        {"8bitcrc", "1", "0x100000100"},
+        {"8bit", "1", "-0x100000000"},
+        {"16bit", "1", "-0x100000000"},
+        {"8bit", "1", "0xFFFFFFFF"},
+        {"8bit", "244", "0xFFFFFF0C"},
+        {"8bit", "1", "-1"},
+        {"8bit", "0", "-1"},
+        {"8bit", "244", "-244"},
+        {"8bit", "1", "0x7FFFFFFF"},
+        {"8bit", "1", "-2147483648"},
+        {"8bitcrc", "1", "134217727"},
+        {"8bitcrc", "2", "-1"},
+        {"16bit", "1", "134217726"},
+        {"16bit", "1", "-2"},
+        {"16bit", "122", "0xFFFFFF0C"},
+        {"32bit", "1", "134217724"},
+        {"32bit", "1", "-4"},
+        {"32bit", "61", "0xFFFFFF0C"},
     };
     std::vector<Refusal> refusals;
     for (const Row& row : rows) {
@@ -189,14 +206,21 @@ TEST_F(tCmdAsciiRefusalTest, OfSeveralFaultsTheFirstIsTold) {
     });
 }
 
-TEST(tCmdWithoutBufferTest, EveryAccessByALineIsRefusedUntilThereIsMemory) {
+TEST(tCmdWithoutBufferTest, NothingLiesWithinTheLimitsUntilThereIsMemory) {
     inFreshProcess([] {
         refuseScratchMemory(true);
-        for (Tokens list :
-             {read("8bit", "1", "0"), write("8bit", "0", "0"), read("32bit", "255", "1")}) {
-            const Response response(tCmd::getInstance()->process(list));
-            EXPECT_EQ(response->code, kOutOfBounds);
-            EXPECT_EQ(response->message, "Allocation Error");
+        const Refusal rows[] = {
+            {read("8bit", "1", "0"), kOutOfBounds, kOutOfLimits},
+            {read("8bitcrc", "0", "0"), kOutOfBounds, kOutOfLimits},
+            {write("8bit", "0", "0"), kOutOfBounds, kOutOfLimits},
+            {write("32bit", "1", "2"), kMalformed, kMisaligned},
+            {read("32bit", "255", "1"), kOutOfBounds,
+             "Number of Accessesout of Bounds [(255*4 => 1020) > 244]"},
+        };
+        for (Refusal row : rows) {
+            const Response response(tCmd::getInstance()->process(row.list));
+            EXPECT_EQ(response->code, row.code);
+            EXPECT_EQ(response->message, row.text);
             EXPECT_EQ(response->protocol, 0);
         }
         refuseScratchMemory(false);
