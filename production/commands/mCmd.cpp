@@ -243,7 +243,8 @@ void mCmd::addHardDisk(unsigned id, const char* path) {
 }
 
 void mCmd::addDevice(int type, unsigned id, const char* path, bool writable) {
-    m_devices[type].emplace(id, std::make_unique<Handle>(type, path, writable));
+    if (m_devices[type].emplace(id, new Handle(type, path, writable)).second)
+        m_positions.emplace(path, std::make_pair(type, id));
 }
 
 std::string mCmd::getTypeName(int type) {
@@ -278,7 +279,7 @@ DeviceResult mCmd::device(Handle** handle, unsigned char type, unsigned char id)
     }
     const auto found = devices->second.find(id);
     if (found != devices->second.end()) {
-        *handle = found->second.get();
+        *handle = found->second;
         return {};
     }
     if ((type == kSdCard && id > kLastSdCard) || (type == kOpticalDevice && id != 0) || isFixed)

@@ -3,8 +3,8 @@
 #include <sys/stat.h>
 
 #include <map>
-#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/AbstractCmd.h"
@@ -76,7 +76,11 @@ private:
     void addHardDisk(unsigned id, const char* path);
     void addDevice(int type, unsigned id, const char* path, bool writable);
 
-    std::map<int, std::map<unsigned, std::unique_ptr<Handle>>> m_devices;
+    // By type and id; the handles live as long as the command does, which is to the end of the process.
+    std::map<int, std::map<unsigned, Handle*>> m_devices;
+    // By path, where in the table above its handle is.
+    std::map<std::string, std::pair<int, unsigned>> m_positions;
+    System::Mutex m_mutex{System::Mutex::Normal};
 
     static System::Mutex s_singleton_mutex;
 };
