@@ -16,6 +16,9 @@ using System::I2cRequest::kSendReceive;
 using System::I2cRequest::kSetBusSpeed;
 using System::I2cRequest::kSevenBits;
 
+// Bytes that a bus manager did not send are no zeros that the slave sent.
+constexpr System::ReplySize kWhole = System::ReplySize::Whole;
+
 constexpr unsigned kFirstSpeed = 100000;
 
 constexpr char kNotOpen[] = "Trying to get bus speed on an unitialized handler";
@@ -153,7 +156,7 @@ DeviceResult I2c::read(unsigned address, void* buffer, unsigned length) {
         return notOpen();
     Header header = {address, m_addressFormat, length, m_stop ? 1U : 0U};
     const int result = System::requestDevice(m_device.get(), kReceive, {},
-                                             {{header.data(), sizeof header}, {buffer, length}});
+                                             {{header.data(), sizeof header}, {buffer, length}}, kWhole);
     if (result != 0)
         return {result, kReadError + m_path + receiveMeaning(result)};
     return {};
@@ -166,7 +169,7 @@ DeviceResult I2c::transfer(unsigned address, const void* sendBuffer, unsigned se
     CombinedHeader header = {address, m_addressFormat, sendLength, receiveLength, m_stop ? 1U : 0U};
     const int result = System::requestDevice(
         m_device.get(), kSendReceive, {{header.data(), sizeof header}, {sendBuffer, sendLength}},
-        {{header.data(), sizeof header}, {receiveBuffer, receiveLength}});
+        {{header.data(), sizeof header}, {receiveBuffer, receiveLength}}, kWhole);
     if (result != 0)
         return {result, kTransferError + m_path + sendMeaning(result)};
     return {};

@@ -11,6 +11,9 @@ namespace System {
 /// Requests to the process or driver that owns a device node. A command number says in its two top bits
 /// which way data goes: 0x80000000 towards the device, 0x40000000 back. Any thread, but one request at a
 /// time per device.
+///
+/// No request is made twice. One that is interrupted ends with EINTR, whichever way its data goes: the
+/// device may have done a part of it already, and reading from a device can change it, too.
 
 /// One part of the data that travels to the device.
 struct SendPart {
@@ -24,6 +27,12 @@ struct ReplyPart {
     std::size_t size;
 };
 
+/// What a success must bring back.
+enum class ReplySize {
+    Any,
+    Whole ///< less is EPROTO, on systems that tell how much has come
+};
+
 /// Opens a node for reading and writing, without waiting. Empty and errno on failure.
 Descriptor openDevice(const char* path);
 
@@ -31,7 +40,7 @@ Descriptor openDevice(const char* path);
 /// carries data towards the device but has no send part takes it from the first reply part. Never more
 /// bytes come back than the parts have room for.
 int requestDevice(int device, std::uint32_t command, const std::vector<SendPart>& send,
-                  const std::vector<ReplyPart>& reply);
+                  const std::vector<ReplyPart>& reply, ReplySize needed = ReplySize::Any);
 
 /// The same with one block of data, which goes whichever way the command says.
 int requestDevice(int device, std::uint32_t command, void* data, std::size_t size);

@@ -64,7 +64,7 @@ TEST_F(iReadCmdAsciiTest, AReadAnswersTheBytesInHexadecimal) {
         {"3", "80", {0, 0x0F, 0xFF}, 0x50, "i2c hex(000FFF)"},
         {"0x2", "0120", {1, 2}, 0x50, "i2c hex(0102)"},
         {"2", "0", {1, 2}, 0, "i2c hex(0102)"},
-        {"2", "127", {}, 127, "i2c hex(0000)"},
+        {"2", "127", {0, 0}, 127, "i2c hex(0000)"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);

@@ -69,23 +69,21 @@ TEST_F(iReadCmdBinaryTest, UpTo247BytesAreRead) {
     }
 }
 
-TEST_F(iReadCmdBinaryTest, WhatTheManagerDoesNotSendIsZeroAndTheRestIsDropped) {
-    struct Row {
-        Bytes reply;
-        Bytes payload;
-    };
-    const Row rows[] = {
-        {{}, {0, 0, 0}},
-        {Bytes(16, 0xEE), {0, 0, 0}},
-        {readReply({1}), {1, 0, 0}},
-        {readReply(counting(3)), {1, 2, 3}},
-        {readReply(counting(1000)), {1, 2, 3}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.reply.size());
-        m_manager->willAnswer(0, row.reply);
-        EXPECT_EQ(send({5, 'i', 0, 3, 0x50}), answerFrame(0, 3, row.payload));
+TEST_F(iReadCmdBinaryTest, WhatTheManagerSendsTooMuchIsDropped) {
+    m_manager->willAnswer(0, readReply(counting(1000)));
+    EXPECT_EQ(send({5, 'i', 0, 3, 0x50}), answerFrame(0, 3, {1, 2, 3}));
+}
+
+TEST_F(iReadCmdBinaryTest, WhatTheManagerDoesNotSendIsAFailure) {
+    for (const Bytes& reply : {Bytes{}, Bytes(16, 0xEE), readReply({1}), readReply({1, 2})}) {
+        SCOPED_TRACE(reply.size());
+        m_manager->willAnswer(0, reply);
+        expectErrorFrame({5, 'i', 0, 3, 0x50}, kBusError,
+                         "Read Error on Device /dev/i2c0: Protocol error, errorcode: 71");
     }
+    m_manager->willAnswer(0, transferReply({1, 2}));
+    expectErrorFrame({6, 'i', 0, 3, 0x50, 9}, kBusError,
+                     "Transfer Error on Device /dev/i2c0: Protocol error, errorcode: 71");
 }
 
 TEST_F(iReadCmdBinaryTest, TooShortARequestIsRefused) {
@@ -179,10 +177,10 @@ TEST_F(iReadCmdBinaryTest, AttributesAreWhatWasSetLast) {
     send({6, 'I', 255, 0, 0, 0});
     EXPECT_THAT(send({5, 'i', 255, 0, 0}), ElementsAre(9, 'i', 255, 0, 0, 0, 0, 0, 0));
     EXPECT_THAT(send({5, 'i', 255, 0, 1}), ElementsAre(10, 'i', 255, 0, 0, 0, 0, 0, 0x01, 0x90));
-    m_manager->willAnswer(0);
+    m_manager->willAnswer(0, readReply({0}));
     send({5, 'i', 0, 1, 0x50});
     EXPECT_EQ(m_manager->lastRequest(), readRequest(0x50, 1, 0));
-    m_manager->willAnswer(0);
+    m_manager->willAnswer(0, transferReply({0}));
     send({6, 'i', 0, 1, 0x50, 9});
     EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, {9}, 1, 0));
 }

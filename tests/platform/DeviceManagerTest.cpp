@@ -205,6 +205,28 @@ TEST_F(DeviceManagerTest, AnAnswerFillsThePartsInOrderAndNothingElse) {
     EXPECT_EQ(m_manager->connections(), 1) << "what was too much is forgotten";
 }
 
+TEST_F(DeviceManagerTest, AnAnswerThatMustBeWholeIsAFailureWhenItIsNot) {
+    open();
+    for (const std::size_t size : {0U, 1U, 3U, 6U, 7U, 8U}) {
+        SCOPED_TRACE(size);
+        std::array<unsigned char, 7> bytes{};
+        bytes.fill(kGuard);
+        const auto untouched = bytes;
+        m_manager->willAnswer(0, counting(size));
+        const int result = System::requestDevice(
+            m_device.get(), kBack, {}, {{bytes.data(), 3}, {&bytes[3], 4}}, System::ReplySize::Whole);
+        EXPECT_EQ(result, size < bytes.size() ? EPROTO : 0);
+        EXPECT_EQ(bytes == untouched, size < bytes.size());
+    }
+    m_manager->willAnswer(EIO, counting(1));
+    unsigned char byte = kGuard;
+    EXPECT_EQ(System::requestDevice(m_device.get(), kBack, {}, {{&byte, 1}}, System::ReplySize::Whole),
+              EIO)
+        << "the manager's own word counts";
+    expectWorking();
+    EXPECT_EQ(m_manager->connections(), 1);
+}
+
 TEST_F(DeviceManagerTest, TheResultIsTheManagers) {
     open();
     for (const int result : {0, 1, 5, 12, 14, 22, 255, 256, 0x7FFFFFFF, -1, -22}) {

@@ -114,21 +114,18 @@ TEST_F(I2cDriverTest, ACombinedTransferIsTwoMessagesInOneCall) {
     EXPECT_TRUE(roomHolds(5));
 }
 
-TEST_F(I2cDriverTest, AnInterruptedTransferIsRepeated) {
-    int interruptions = 2;
-    m_calls.setDriver([&interruptions](i2c_rdwr_ioctl_data& transfer) {
-        if (interruptions-- == 0)
-            return fillReads(transfer);
-        errno = EINTR;
-        return -1;
-    });
-    EXPECT_EQ(receive({0x51, 2, 4, 1}, 4), 0);
-    EXPECT_THAT(m_calls.transfers(), SizeIs(3));
-    EXPECT_TRUE(roomHolds(4));
+TEST_F(I2cDriverTest, AnAddressOfMoreThanSevenBitsReachesNobody) {
+    for (const std::uint32_t address : {0x80u, 0xD0u, 0x150u, 0x10050u, 0xFFFFFFFFu}) {
+        SCOPED_TRACE(address);
+        EXPECT_EQ(send({address, 2, 1, 1}, {7}), ENXIO);
+        EXPECT_EQ(receive({address, 2, 1, 1}, 1), ENXIO);
+        EXPECT_EQ(sendReceive({address, 2, 1, 1, 1}, {7}, 1), ENXIO);
+    }
+    EXPECT_THAT(m_calls.transfers(), IsEmpty());
 }
 
 TEST_F(I2cDriverTest, AFailingTransferIsTheResult) {
-    for (const int error : {ENXIO, EREMOTEIO, EIO, ETIMEDOUT, EAGAIN, EINVAL}) {
+    for (const int error : {EINTR, ENXIO, EREMOTEIO, EIO, ETIMEDOUT, EAGAIN, EINVAL}) {
         SCOPED_TRACE(error);
         m_calls.setDriver([error](i2c_rdwr_ioctl_data&) {
             errno = error;
@@ -138,7 +135,7 @@ TEST_F(I2cDriverTest, AFailingTransferIsTheResult) {
         EXPECT_EQ(receive({0x50, 2, 1, 1}, 1), error);
         EXPECT_EQ(sendReceive({0x50, 2, 1, 1, 1}, {7}, 1), error);
     }
-    EXPECT_THAT(m_calls.transfers(), SizeIs(18)) << "none is repeated";
+    EXPECT_THAT(m_calls.transfers(), SizeIs(21)) << "none is repeated";
     EXPECT_TRUE(roomHolds(0));
 }
 

@@ -71,6 +71,14 @@ TEST_F(QnxDeviceManagerTest, TheReplyIsSpreadOverItsParts) {
     EXPECT_THAT(m_data, ElementsAre(0xC3, 0xC4, 0xB3));
 }
 
+TEST_F(QnxDeviceManagerTest, WhatMustBeWholeIsTakenForWhole) {
+    FakeSystem::next("devctlv", {0, 0, {0xC1}});
+    EXPECT_EQ(System::requestDevice(kDevice, 0x40050501, {}, m_reply, System::ReplySize::Whole), 0);
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre("devctlv 7 0x40050501 0 2 nothing "
+                                                 "[a1a2][b1b2b3] null"));
+    EXPECT_THAT(m_header, ElementsAre(0xC1, 0xA2));
+}
+
 TEST_F(QnxDeviceManagerTest, TheManagersResultComesBackAsItIs) {
     for (const int result : {EPERM, EIO, ENOMEM, EFAULT, EINVAL, EBADF, EINTR, ENOTTY, 0x7001}) {
         SCOPED_TRACE(result);

@@ -26,12 +26,12 @@ Descriptor openDevice(const char* path) {
 }
 
 int requestDevice(int device, std::uint32_t command, const std::vector<SendPart>& send,
-                  const std::vector<ReplyPart>& reply) {
+                  const std::vector<ReplyPart>& reply, ReplySize needed) {
     std::vector<SendPart> input = send;
     if (input.empty() && (command & kTowardsDevice) != 0 && !reply.empty())
         input.push_back({reply.front().bytes, reply.front().size});
     if (isSocket(device))
-        return ManagerSocket::request(device, command, input, reply);
+        return ManagerSocket::request(device, command, input, reply, needed);
     return I2cDriver::request(device, command, input, reply);
 }
 

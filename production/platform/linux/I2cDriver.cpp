@@ -19,6 +19,7 @@ using I2cRequest::kSend;
 using I2cRequest::kSendReceive;
 using I2cRequest::kSetBusSpeed;
 
+constexpr std::uint32_t kHighestAddress = 0x7F;
 constexpr std::size_t kHeaderNumbers = 4;
 constexpr std::size_t kCombinedHeaderNumbers = 5;
 
@@ -48,10 +49,8 @@ i2c_msg message(std::uint32_t address, std::uint16_t flags, const void* bytes, s
 
 int exchange(int device, i2c_msg* messages, std::uint32_t count) {
     i2c_rdwr_ioctl_data transfer{messages, count};
-    int result = 0;
-    do {
-        result = ::ioctl(device, I2C_RDWR, &transfer);
-    } while (result < 0 && errno == EINTR);
+    // Not repeated after EINTR: some of the bytes may have been on the bus.
+    const int result = ::ioctl(device, I2C_RDWR, &transfer);
     if (result < 0)
         return errno;
     // The driver tells how many of the messages it has got through with.
@@ -68,6 +67,8 @@ int plain(int device, const std::vector<SendPart>& send, const void* bytes, std:
         return EINVAL;
     if (stop == 0)
         return EOPNOTSUPP;
+    if (address > kHighestAddress)
+        return ENXIO;
     i2c_msg only = message(address, flags, bytes, length);
     return exchange(device, &only, 1);
 }
@@ -82,6 +83,8 @@ int combined(int device, const std::vector<SendPart>& send, const std::vector<Re
         return EINVAL;
     if (stop == 0)
         return EOPNOTSUPP;
+    if (address > kHighestAddress)
+        return ENXIO;
     std::array<i2c_msg, 2> both = {message(address, 0, send[1].bytes, sendLength),
                                    message(address, I2C_M_RD, reply[1].bytes, receiveLength)};
     return exchange(device, both.data(), both.size());

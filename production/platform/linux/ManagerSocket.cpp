@@ -77,6 +77,7 @@ int sendPacket(int socket, const std::vector<unsigned char>& packet,
     for (;;) {
         if (::send(socket, packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT) >= 0)
             return 0;
+        // An interrupted send has sent nothing: a packet goes whole or not at all.
         if (errno == EINTR)
             continue;
         if ((errno != EAGAIN && errno != EWOULDBLOCK) || !waitFor(socket, POLLOUT, deadline))
@@ -182,7 +183,7 @@ Descriptor connect(const char* path) {
 }
 
 int request(int socket, std::uint32_t command, const std::vector<SendPart>& send,
-            const std::vector<ReplyPart>& reply) {
+            const std::vector<ReplyPart>& reply, ReplySize needed) {
     if (isOver(socket)) {
         if (const int error = reconnect(socket); error != 0)
             return error;
@@ -201,9 +202,12 @@ int request(int socket, std::uint32_t command, const std::vector<SendPart>& send
         return error;
     }
     const auto result = static_cast<std::int32_t>(littleEndian32(answer));
-    if (result == 0)
-        distribute(answer, reply);
-    return result;
+    if (result != 0)
+        return result;
+    if (needed == ReplySize::Whole && answer.size() < kAnswerHeader + replyBytes)
+        return EPROTO;
+    distribute(answer, reply);
+    return 0;
 }
 
 } // namespace System::ManagerSocket

@@ -25,7 +25,7 @@ Descriptor connect(const char* path);
 /// A manager that has gone, or does not answer in time, yields an error number; the next request
 /// connects anew.
 int request(int socket, std::uint32_t command, const std::vector<SendPart>& send,
-            const std::vector<ReplyPart>& reply);
+            const std::vector<ReplyPart>& reply, ReplySize needed = ReplySize::Any);
 
 } // namespace ManagerSocket
 } // namespace System

@@ -38,11 +38,8 @@ int askKernel(int socket, const char* interface, const std::vector<ReplyPart>& p
     ifreq request{};
     std::strncpy(request.ifr_name, interface, sizeof request.ifr_name - 1);
     request.ifr_data = static_cast<char*>(parts.back().bytes);
-    int result = 0;
-    do {
-        result = ::ioctl(socket, kHostCommand, &request);
-    } while (result < 0 && errno == EINTR);
-    return result < 0 ? errno : 0;
+    // Not repeated after EINTR: the chip may have got the command already.
+    return ::ioctl(socket, kHostCommand, &request) < 0 ? errno : 0;
 }
 
 } // namespace

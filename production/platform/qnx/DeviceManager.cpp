@@ -13,9 +13,9 @@ Descriptor openDevice(const char* path) {
 }
 
 // A command that carries data towards the device but has no send part is passed on as it is: here the
-// manager itself looks for its input where the reply goes.
+// manager itself looks for its input where the reply goes. How much has come back, nobody tells.
 int requestDevice(int device, std::uint32_t command, const std::vector<SendPart>& send,
-                  const std::vector<ReplyPart>& reply) {
+                  const std::vector<ReplyPart>& reply, ReplySize) {
     const std::vector<iov_t> sent = vectorOf(send);
     const std::vector<iov_t> received = vectorOf(reply);
     return ::devctlv(device, static_cast<int>(command), static_cast<int>(sent.size()),
