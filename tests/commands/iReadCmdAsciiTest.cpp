@@ -150,6 +150,7 @@ TEST_F(iReadCmdAsciiTest, TheCountIsCheckedBeforeTheBus) {
                         {"abc", "0"},
                         {"", "0"},
                         {"65537", "65537"},
+                        {"4294967297", "2147483647"},
                         {"2147483647", "2147483647"}};
     for (const Row& row : rows) {
         for (const char* bus : {"0", "9"})
