@@ -95,10 +95,11 @@ ProcessResponse* sReadCmd::process(std::vector<unsigned char>* request) {
     const int subCommand = tavrin_getCommand(request);
     if (subCommand != kReadImageVersion && subCommand != kReadSerialNumber)
         return genericError(kUnsupported);
-    // An answer echoes D3, which this request does not have.
-    request->resize(kEchoedBytes);
+    // The content's frame echoes D3, which this request does not have. A refusal is left without.
+    std::vector<unsigned char> echoed = *request;
+    echoed.resize(kEchoedBytes);
     return cReadCmd::getInstance()->ReadFromFileBinary(
-        request, subCommand == kReadImageVersion ? kImageVersion : kSerialNumber);
+        &echoed, subCommand == kReadImageVersion ? kImageVersion : kSerialNumber);
 }
 
 ProcessResponse* sReadCmd::process(std::vector<std::vector<char>>& tokens) {

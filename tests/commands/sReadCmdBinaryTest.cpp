@@ -1,6 +1,9 @@
 // The binary status. What it remembers lasts as long as the process, so each sequence has one of its
 // own.
 #include "commands/sReadCmd.h"
+
+#include <stdexcept>
+
 #include "core/BuildStamp.h"
 #include "support/UnitFixture.h"
 
@@ -52,6 +55,11 @@ protected:
         EXPECT_EQ(response->code, kGenericError);
         EXPECT_EQ(response->message, text);
         EXPECT_EQ(response->protocol, protocol);
+    }
+
+    /// The frame that answers a request.
+    static Bytes answer(Bytes request) {
+        return command().tavrin_exec(&request, command().tavrin_preCheck(&request));
     }
 };
 
@@ -201,6 +209,50 @@ TEST_F(sReadCmdBinaryTest, AnswersIdentityFiles) {
     remove("/mnt/app/img_ver.txt");
     expectError(process({0x03, 's', 0x01}), 't',
                 "cannot open /mnt/app/img_ver.txt, no information available");
+}
+
+// The request has become what a status echoes before the revision is looked for.
+TEST_F(sReadCmdBinaryTest, AStatusThatFailsIsAnsweredAsOneThatDoesNot) {
+    inFreshProcess([] {
+        remove(kRevisionFile);
+        RecordingListener listener;
+        command().setListener(&listener);
+        const Bytes text = debugFrame("Failed to open the /dev/nvsku/rev file");
+        EXPECT_EQ(answer({0x02, 's'}), (Bytes{8, 's', 0x2C, 0, 1, 1, 0, 0}));
+        EXPECT_EQ(answer({0x02, 's'}), (Bytes{8, 's', 0x2C, 1, 1, 1, 0, 0}));
+        EXPECT_THAT(listener.frames, ElementsAre(text, text));
+    });
+}
+
+TEST_F(sReadCmdBinaryTest, AShortRequestThatFailsIsNotAnswered) {
+    struct Row {
+        Bytes request;
+        const char* text;
+    };
+    const Row rows[] = {
+        {{0x03, 's', 0x01}, "cannot open /mnt/app/img_ver.txt, no information available"},
+        {{0x03, 's', 0x02}, "cannot open /dev/nvsku/serial_num, no information available"},
+        {{0x03, 's', 0x03}, "unsupported subcommand"},
+        {{0x03, 's', 0x00}, "unsupported subcommand"},
+    };
+    remove("/mnt/app/img_ver.txt");
+    remove("/dev/nvsku/serial_num");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        RecordingListener listener;
+        command().setListener(&listener);
+        EXPECT_THROW(answer(row.request), std::out_of_range);
+        EXPECT_THAT(listener.frames, ElementsAre(debugFrame(row.text), debugFrame("request size < 4")));
+        command().setListener(nullptr);
+    }
+}
+
+TEST_F(sReadCmdBinaryTest, ARequestForAFileStaysWhatItIs) {
+    write("/dev/nvsku/serial_num", "SN42");
+    Bytes request = {0x03, 's', 0x02};
+    const Response response(command().process(&request));
+    EXPECT_EQ(response->code, 0u);
+    EXPECT_THAT(request, ElementsAre(0x03, 's', 0x02));
 }
 
 TEST_F(sReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {

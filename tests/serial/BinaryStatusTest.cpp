@@ -68,8 +68,11 @@ TEST_F(BinaryStatusTest, AnEmptyFileIsAnsweredWithoutPayload) {
 TEST_F(BinaryStatusTest, AMissingFileIsReported) {
     for (const File& file : kFiles) {
         removeFile(file.path);
-        expectExchange(file.request, refusal(file.request, "cannot open "s + file.path +
-                                                               ", no information available"));
+        // No answer, so nothing to acknowledge.
+        expectReply(file.request,
+                    unanswerable("cannot open "s + file.path + ", no information available"));
+        expectErrors({LinkErrors::kOutOfRange});
+        expectServed();
     }
 }
 
@@ -77,8 +80,9 @@ TEST_F(BinaryStatusTest, AFolderInPlaceOfAFileIsReported) {
     for (const File& file : kFiles) {
         removeFile(file.path);
         makeFolder(file.path);
-        expectExchange(file.request,
-                       refusal(file.request, "cannot read "s + file.path + ": Is a directory"));
+        expectReply(file.request, unanswerable("cannot read "s + file.path + ": Is a directory"));
+        expectErrors({LinkErrors::kOutOfRange});
+        expectServed();
     }
 }
 
