@@ -1,13 +1,12 @@
 #include "commands/AbstractPCmd.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <utility>
 
-#include "platform/Descriptor.h"
+#include "platform/Node.h"
 
 namespace {
 
@@ -22,11 +21,7 @@ constexpr char kCannotWrite[] = "Writing to Port %d results in Error %d: %s";
 constexpr char kUnknownValue[] = "Unknown value to write: %c";
 
 int writeOne(int node, char level) {
-    ssize_t written = 0;
-    do {
-        errno = 0;
-        written = ::write(node, &level, 1);
-    } while (written < 0 && errno == EINTR);
+    const ssize_t written = System::writeNode(node, &level, 1);
     if (written == 1)
         return 0;
     return written < 0 ? errno : EIO;
@@ -68,8 +63,7 @@ ProcessResponse* AbstractPCmd::checkOutput(unsigned char port) const {
 }
 
 ProcessResponse* AbstractPCmd::writeLevel(unsigned char port, char level) const {
-    errno = 0;
-    const System::Descriptor node(::open(nodeOf(port).c_str(), O_WRONLY | O_CLOEXEC));
+    const System::Descriptor node = System::openNode(nodeOf(port).c_str(), O_WRONLY);
     if (!node) {
         const int error = errno;
         if (error == ENOENT)

@@ -18,6 +18,7 @@
 #include "core/TokenText.h"
 #include "platform/Base64.h"
 #include "platform/Descriptors.h"
+#include "platform/Node.h"
 #include "platform/Shell.h"
 
 namespace {
@@ -78,17 +79,6 @@ ProcessResponse* newTavrinError(const char* format, Arguments... arguments) {
     return new ProcessResponseTavrin(ProcessResponse::kGenericError, format, arguments...);
 }
 
-/// Reads at most `size` bytes from `position` on; less at the end of the file. -1 and errno on failure.
-ssize_t readAt(int file, char* bytes, std::size_t size, off_t position) {
-    for (;;) {
-        ssize_t count = ::pread(file, bytes, size, position);
-        if (count < 0 && errno == ESPIPE) // a device that only reads on
-            count = ::read(file, bytes, size);
-        if (count >= 0 || errno != EINTR)
-            return count;
-    }
-}
-
 std::string readWhole(const System::Descriptor& file) {
     const off_t end = file ? ::lseek(file.get(), 0, SEEK_END) : -1;
     struct stat information {};
@@ -103,17 +93,13 @@ std::string readWhole(const System::Descriptor& file) {
     std::size_t done = 0;
     while (done < size) {
         const ssize_t count =
-            readAt(file.get(), content.data() + done, size - done, static_cast<off_t>(done));
+            System::readNodeAt(file.get(), content.data() + done, size - done, static_cast<off_t>(done));
         if (count <= 0)
             break;
         done += static_cast<std::size_t>(count);
     }
     content.resize(done);
     return content;
-}
-
-System::Descriptor openToRead(const char* path) {
-    return System::Descriptor(::open(path, O_RDONLY | O_CLOEXEC));
 }
 
 /// A file of its own for each command: what an earlier command left running keeps the earlier file, and
@@ -152,7 +138,7 @@ ProcessResponse* answerBase64(const std::string& content) {
 } // namespace
 
 std::string readFileToString(const char* path) {
-    return readWhole(openToRead(path));
+    return readWhole(System::openNode(path, O_RDONLY));
 }
 
 System::Mutex cReadCmd::s_singleton_mutex(System::Mutex::Normal);
@@ -234,7 +220,7 @@ ProcessResponse cReadCmd::capture(unsigned long long timeoutSeconds, const char*
 }
 
 ProcessResponse* cReadCmd::ReadFromFileBinary(std::vector<unsigned char>* request, const char* path) {
-    const System::Descriptor file = openToRead(path);
+    const System::Descriptor file = System::openNode(path, O_RDONLY);
     if (!file)
         return newTavrinError(kCannotOpen, path);
     return answerBinary(request, file, path);
@@ -247,7 +233,7 @@ ProcessResponse* cReadCmd::answerBinary(std::vector<unsigned char>* request,
         return newTavrinError(kCannotStat, path);
     std::vector<unsigned char> payload(
         static_cast<std::size_t>(std::min(information.st_size, kMaxPayload)));
-    const ssize_t count = readAt(file.get(), reinterpret_cast<char*>(payload.data()), payload.size(), 0);
+    const ssize_t count = System::readNodeAt(file.get(), payload.data(), payload.size(), 0);
     if (count < 0)
         return newTavrinError(kCannotRead, path, std::strerror(errno));
     if (count == 0)
@@ -259,7 +245,8 @@ ProcessResponse* cReadCmd::answerBinary(std::vector<unsigned char>* request,
 }
 
 ProcessResponse* cReadCmd::ReadFromFileBase64(const char* path) {
-    if (!openToRead(path))
+    const System::Descriptor file = System::openNode(path, O_RDONLY);
+    if (!file)
         return new ProcessResponseAscii(ProcessResponse::kGenericError, kCannotOpen, path);
-    return answerBase64(readFileToString(path));
+    return answerBase64(readWhole(file));
 }

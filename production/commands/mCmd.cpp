@@ -129,7 +129,7 @@ DeviceResult mCmd::Handle::open() {
     }
     if (m_device)
         return {};
-    m_device.reset(::open(m_path.c_str(), (m_writable ? O_RDWR : O_RDONLY) | O_CLOEXEC));
+    m_device = System::openBlockDevice(m_path.c_str(), m_writable ? O_RDWR : O_RDONLY);
     if (!m_device) {
         const int error = errno;
         return create_deverror(kCannotOpen + m_path + ": " + std::strerror(error), error);

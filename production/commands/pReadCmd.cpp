@@ -1,7 +1,6 @@
 #include "commands/pReadCmd.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -10,7 +9,7 @@
 #include "core/BigEndian.h"
 #include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
-#include "platform/Descriptor.h"
+#include "platform/Node.h"
 
 namespace {
 
@@ -93,16 +92,9 @@ unsigned int pReadCmd::readPortValue(unsigned char port, char& value) {
     value = '0';
     if (ports()[port].name.empty())
         return kNotImplemented;
-    errno = 0;
-    const System::Descriptor node(::open(nodeOf(port).c_str(), O_RDONLY | O_CLOEXEC));
-    if (!node)
-        return static_cast<unsigned int>(errno);
-    ssize_t count = 0;
-    do {
-        errno = 0;
-        count = ::read(node.get(), &value, 1);
-    } while (count < 0 && errno == EINTR);
-    return count < 0 ? static_cast<unsigned int>(errno) : 0;
+    const System::Descriptor node = System::openNode(nodeOf(port).c_str(), O_RDONLY);
+    const bool isRead = node && System::readNode(node.get(), &value, 1) >= 0;
+    return isRead ? 0 : static_cast<unsigned int>(errno);
 }
 
 ProcessResponse* pReadCmd::readPort(unsigned char port, std::vector<unsigned char>* data) {

@@ -1,12 +1,20 @@
 #include "commands/sReadCmd.h"
 
-#include <cstdio>
+#include <fcntl.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <limits>
 #include <memory>
 
 #include "commands/cReadCmd.h"
 #include "core/BuildStamp.h"
 #include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
+#include "platform/Node.h"
 
 namespace {
 
@@ -40,11 +48,49 @@ constexpr char kTooLarge[] = "Revision does not Fit in 2 Bytes";
 
 enum class RevisionRead { Ok, CannotOpen, CannotRead };
 
-RevisionRead readRevision(unsigned int& revision) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(kRevision, "re"), std::fclose);
-    if (!file)
+/// Reads on until the number at the beginning has ended, or the node has. False when neither comes in
+/// time.
+bool readNumber(int node, std::string& text) {
+    constexpr char kBlanks[] = " \t\n\v\f\r";
+    constexpr char kOfNumbers[] = "+-xX0123456789abcdefABCDEF";
+    constexpr std::size_t kLongest = 4096;
+    const auto deadline = std::chrono::steady_clock::now() + System::kLongestNodeWait;
+    while (std::chrono::steady_clock::now() < deadline) {
+        std::array<char, 256> part;
+        const ssize_t count = System::readNode(node, part.data(), part.size());
+        if (count <= 0)
+            return count == 0;
+        text.append(part.data(), static_cast<std::size_t>(count));
+        text.erase(0, text.find_first_not_of(kBlanks));
+        if (text.find_first_not_of(kOfNumbers) != std::string::npos || text.size() > kLongest)
+            return true;
+    }
+    return false;
+}
+
+/// What a scan for "%X" makes of the text where a long has 32 bits: a number that has more counts as the
+/// largest. False when there is no number.
+bool scanHexadecimal(const std::string& text, std::uint32_t& number) {
+    constexpr std::uint64_t kLargest = std::numeric_limits<std::uint32_t>::max();
+    char* end = nullptr;
+    errno = 0;
+    const std::uint64_t scanned = std::strtoull(text.c_str(), &end, 16);
+    if (end == text.c_str())
+        return false;
+    const bool isNegative = text.front() == '-' && errno != ERANGE;
+    const std::uint64_t magnitude = isNegative ? 0 - scanned : scanned;
+    const auto bits = static_cast<std::uint32_t>(std::min(magnitude, kLargest));
+    number = isNegative && magnitude <= kLargest ? 0 - bits : bits;
+    return true;
+}
+
+RevisionRead readRevision(std::uint32_t& revision) {
+    const System::Descriptor node = System::openNode(kRevision, O_RDONLY);
+    if (!node)
         return RevisionRead::CannotOpen;
-    return std::fscanf(file.get(), "%X", &revision) == 1 ? RevisionRead::Ok : RevisionRead::CannotRead;
+    std::string text;
+    return readNumber(node.get(), text) && scanHexadecimal(text, revision) ? RevisionRead::Ok
+                                                                           : RevisionRead::CannotRead;
 }
 
 unsigned char packedDecimal(const char* digits) {
@@ -144,7 +190,7 @@ ProcessResponse* sReadCmd::sendStatusTavrin(std::vector<unsigned char>* request,
     payload.push_back(kProductHigh);
     payload.push_back(kProductLow);
     if (!kruversion_checked) {
-        unsigned int revision = 0;
+        std::uint32_t revision = 0;
         const RevisionRead result = readRevision(revision);
         if (result == RevisionRead::CannotOpen)
             return tavrinError(kCannotOpen);
@@ -170,7 +216,7 @@ ProcessResponse* sReadCmd::tavrin_getStartupStatus() {
 }
 
 ProcessResponse* sReadCmd::sendStatusAscii() {
-    unsigned int revision = 0;
+    std::uint32_t revision = 0;
     const RevisionRead result = readRevision(revision);
     if (result == RevisionRead::CannotOpen)
         return asciiError(kCannotOpen);

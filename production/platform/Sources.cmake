@@ -5,6 +5,8 @@ set(platform_shared
   posix/Base64.cpp
   posix/DriverLibrary.cpp
   posix/EndedChildren.cpp
+  posix/Node.cpp
+  posix/Readiness.cpp
   posix/ShellInput.cpp
   posix/StandardStreams.cpp)
 
@@ -17,6 +19,7 @@ set(platform_linux
   linux/ManagerSocket.cpp
   linux/Memory.cpp
   linux/NetworkStack.cpp
+  linux/NodeCalls.cpp
   linux/PathWait.cpp
   linux/ProcessTree.cpp
   linux/Shell.cpp
@@ -32,8 +35,10 @@ set(platform_qnx
   qnx/DriverLibraryMode.cpp
   qnx/Memory.cpp
   qnx/NetworkStack.cpp
+  qnx/NodeCalls.cpp
   qnx/PathWait.cpp
   qnx/Shell.cpp
   qnx/Terminal.cpp
-  qnx/ThreadTraits.cpp)
+  qnx/ThreadTraits.cpp
+  qnx/WaitLimit.cpp)
 set(platform_qnx_libraries socket)

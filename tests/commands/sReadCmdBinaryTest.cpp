@@ -124,7 +124,9 @@ TEST_F(sReadCmdBinaryTest, ReadsTheBoardRevisionInHexadecimal) {
                         {"0x1A", 0x1A},
                         {"FFFF", 0xFFFF},
                         {"ABCD and more", 0xABCD},
-                        {"12G", 0x12}};
+                        {"12G", 0x12},
+                        {"+1A", 0x1A},
+                        {"0000000000000000001A", 0x1A}};
     for (const Row& row : rows) {
         SCOPED_TRACE(row.content);
         inFreshProcess([&row] {
@@ -141,6 +143,9 @@ TEST_F(sReadCmdBinaryTest, ABoardRevisionThatCannotBeReadIsReportedUntilItCan) {
     };
     const Row rows[] = {{"12345", "Revision does not Fit in 2 Bytes"},
                         {"10000", "Revision does not Fit in 2 Bytes"},
+                        {"-1", "Revision does not Fit in 2 Bytes"},
+                        {"10000001A", "Revision does not Fit in 2 Bytes"},
+                        {"FFFFFFFFFFFFFFFF0000001A", "Revision does not Fit in 2 Bytes"},
                         {"", "Could not read the /dev/nvsku/rev file"},
                         {"\n", "Could not read the /dev/nvsku/rev file"},
                         {"xyz", "Could not read the /dev/nvsku/rev file"},

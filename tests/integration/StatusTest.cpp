@@ -22,9 +22,30 @@ struct Revision {
 };
 
 constexpr Revision kRevisions[] = {
-    {"1A\n", "1A"},  {"1a", "1A"},     {"0x1A", "1A"},     {"0X2c\n", "2C"},         {" \t\n7\n", "7"},
-    {"0", "0"},      {"FFFF", "FFFF"}, {"12345", "12345"}, {"FFFFFFFF", "FFFFFFFF"}, {"1G", "1"},
-    {"2C 3D", "2C"}, {"", nullptr},    {"\n", nullptr},    {"garbage", nullptr},     {"-", nullptr},
+    {"1A\n", "1A"},
+    {"1a", "1A"},
+    {"0x1A", "1A"},
+    {"0X2c\n", "2C"},
+    {" \t\n7\n", "7"},
+    {"0", "0"},
+    {"FFFF", "FFFF"},
+    {"12345", "12345"},
+    {"FFFFFFFF", "FFFFFFFF"},
+    {"1G", "1"},
+    {"2C 3D", "2C"},
+    {"", nullptr},
+    {"\n", nullptr},
+    {"garbage", nullptr},
+    {"-", nullptr},
+    {"0x", "0"},
+    {"-1A", "FFFFFFE6"},
+    {"+1A", "1A"},
+
+    {"100000000", "FFFFFFFF"},
+    {"123456789", "FFFFFFFF"},
+    {"-100000001", "FFFFFFFF"},
+    {"10000000000000001", "FFFFFFFF"},
+    {"00000000000000000000001A", "1A"},
 };
 
 TEST_F(StatusTest, ShowsTheBoardRevision) {

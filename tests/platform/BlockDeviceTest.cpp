@@ -155,6 +155,27 @@ TEST(BlockDeviceTest, WhatHasNoBlocksIsToldAsItIs) {
     EXPECT_EQ(status.st_blksize, plain.st_blksize);
 }
 
+TEST(BlockDeviceTest, AFileIsOpenedAsItIsAsked) {
+    for (const int access : {O_RDONLY, O_RDWR}) {
+        const Descriptor file = System::openBlockDevice("/proc/self/comm", access);
+        ASSERT_TRUE(file);
+        EXPECT_EQ(::fcntl(file.get(), F_GETFL) & O_ACCMODE, access);
+        EXPECT_NE(::fcntl(file.get(), F_GETFD) & FD_CLOEXEC, 0);
+    }
+    EXPECT_FALSE(System::openBlockDevice("/nothing", O_RDONLY));
+    EXPECT_EQ(errno, ENOENT);
+}
+
+// Opened without waiting, a drive without a medium is open, too.
+TEST_F(MadeUpBlockDeviceTest, IsGivenTheTimeToGetHoldOfItsMedium) {
+    s_device.descriptor = Descriptor(::open("/proc/self/comm", O_RDONLY | O_CLOEXEC)).get();
+    const Descriptor device = System::openBlockDevice("/proc/self/comm", O_RDWR);
+    ASSERT_TRUE(device);
+    EXPECT_EQ(::fcntl(device.get(), F_GETFL) & O_NONBLOCK, 0);
+    EXPECT_EQ(::fcntl(device.get(), F_GETFL) & O_ACCMODE, O_RDWR);
+    EXPECT_NE(::fcntl(device.get(), F_GETFD) & FD_CLOEXEC, 0);
+}
+
 TEST_F(MadeUpBlockDeviceTest, ItsSectorsAreItsBlocks) {
     struct Row {
         int sectorBytes;

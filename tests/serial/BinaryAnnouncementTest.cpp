@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "line/BinaryLink.h"
@@ -95,14 +96,17 @@ TEST_F(BinaryReplugged, EveryFurtherOneIsAnnouncedAsSuch) {
 }
 
 /// What makes the startup status fail; the unit tries again until the revision can be read.
-class BinaryRevision : public testing::TestWithParam<const char*> {};
+struct BadRevision {
+    const char* name;
+    void (*prepare)();
+};
+
+class BinaryRevision : public testing::TestWithParam<BadRevision> {};
 
 TEST_P(BinaryRevision, ABadRevisionFileIsReadAgain) {
     Adapter adapter;
-    if (GetParam() == nullptr)
-        removeFile(kRevisionFile);
-    else
-        writeFile(kRevisionFile, GetParam());
+    removeFile(kRevisionFile);
+    GetParam().prepare();
     const Daemon daemon(withStationLine());
     // Only what announces the second attempt.
     const std::string repetition = repetitionFrames();
@@ -114,6 +118,8 @@ TEST_P(BinaryRevision, ABadRevisionFileIsReadAgain) {
     lines.resize(kAttempt.size());
     EXPECT_EQ(lines, kAttempt);
 
+    if (exists(kRevisionFile))
+        removeFile(kRevisionFile);
     writeFile(kRevisionFile, "1B");
     std::string status = statusFrame(daemon.buildStamp(), true);
     status[16] = 0x1B;
@@ -128,11 +134,27 @@ TEST_P(BinaryRevision, ABadRevisionFileIsReadAgain) {
     EXPECT_EQ(adapter.receive(status.size()), status);
 }
 
-INSTANTIATE_TEST_SUITE_P(Contents, BinaryRevision,
-                         testing::Values(nullptr, "", "none", "12345", "10000"),
-                         [](const testing::TestParamInfo<const char*>& row) {
-                             return row.param == nullptr ? "Missing"
-                                                         : "Content" + std::to_string(row.index);
-                         });
+INSTANTIATE_TEST_SUITE_P(
+    Contents, BinaryRevision,
+    testing::Values(BadRevision{"Missing", [] {}},
+                    BadRevision{"Empty", [] { writeFile(kRevisionFile, ""); }},
+                    BadRevision{"NoNumber", [] { writeFile(kRevisionFile, "none"); }},
+                    BadRevision{"TooLarge", [] { writeFile(kRevisionFile, "12345"); }},
+                    BadRevision{"JustTooLarge", [] { writeFile(kRevisionFile, "10000"); }},
+                    BadRevision{"MoreThan32Bits", [] { writeFile(kRevisionFile, "100000001"); }},
+                    BadRevision{"MoreThan64Bits", [] { writeFile(kRevisionFile, "10000000000000001"); }},
+                    BadRevision{"Silent", [] { makeFifo(kRevisionFile); }}),
+    [](const testing::TestParamInfo<BadRevision>& row) { return row.param.name; });
+
+TEST(BinaryAnnouncement, WaitsForARevisionThatTakesAMoment) {
+    Adapter adapter;
+    removeFile(kRevisionFile);
+    makeFifo(kRevisionFile);
+    // Waits for the daemon, so that it is always later.
+    std::thread writer([] { writeFile(kRevisionFile, "1A\n"); });
+    const Daemon daemon(withStationLine());
+    EXPECT_EQ(adapter.receive(24), statusFrame(daemon.buildStamp(), false));
+    writer.join();
+}
 
 } // namespace

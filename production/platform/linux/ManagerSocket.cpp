@@ -14,6 +14,8 @@
 #include <mutex>
 #include <string>
 
+#include "platform/posix/Readiness.h"
+
 namespace System::ManagerSocket {
 namespace {
 
@@ -56,22 +58,6 @@ std::vector<unsigned char> packetFor(std::uint32_t command, const std::vector<Se
     return packet;
 }
 
-/// Waits for the socket; false, with errno, when the deadline passes.
-bool waitFor(int socket, short events, std::chrono::steady_clock::time_point deadline) {
-    for (;;) {
-        const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        pollfd event{socket, events, 0};
-        const int ready = ::poll(&event, 1, static_cast<int>(std::max<long long>(left.count(), 0)));
-        if (ready > 0)
-            return true;
-        if (ready == 0)
-            errno = ETIMEDOUT;
-        if (ready == 0 || errno != EINTR)
-            return false;
-    }
-}
-
 int sendPacket(int socket, const std::vector<unsigned char>& packet,
                std::chrono::steady_clock::time_point deadline) {
     for (;;) {
@@ -80,7 +66,7 @@ int sendPacket(int socket, const std::vector<unsigned char>& packet,
         // An interrupted send has sent nothing: a packet goes whole or not at all.
         if (errno == EINTR)
             continue;
-        if ((errno != EAGAIN && errno != EWOULDBLOCK) || !waitFor(socket, POLLOUT, deadline))
+        if ((errno != EAGAIN && errno != EWOULDBLOCK) || !waitUntilReady(socket, POLLOUT, deadline))
             return errno;
     }
 }
@@ -88,7 +74,7 @@ int sendPacket(int socket, const std::vector<unsigned char>& packet,
 int receivePacket(int socket, std::vector<unsigned char>& packet,
                   std::chrono::steady_clock::time_point deadline) {
     for (;;) {
-        if (!waitFor(socket, POLLIN, deadline))
+        if (!waitUntilReady(socket, POLLIN, deadline))
             return errno;
         const ssize_t count = ::recv(socket, packet.data(), packet.size(), MSG_DONTWAIT);
         if (count > 0) {

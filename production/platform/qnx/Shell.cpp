@@ -3,18 +3,17 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/neutrino.h>
 #include <sys/wait.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <cstdint>
 #include <limits>
 #include <utility>
 
 #include "platform/posix/EndedChildren.h"
 #include "platform/posix/ShellInput.h"
+#include "platform/qnx/WaitLimit.h"
 
 namespace System {
 
@@ -25,15 +24,6 @@ using std::chrono::nanoseconds;
 
 // After the kill the kernel ends a process at once, unless a driver holds it.
 constexpr std::chrono::seconds kPatienceAfterKill{2};
-
-/// Has the kernel end the next wait of this thread, with ETIMEDOUT, after that time. Waiting for a child
-/// is a message to the process manager, so these are the states that it waits in. False and errno on
-/// failure.
-bool limitNextWait(nanoseconds limit) {
-    const auto time = static_cast<std::uint64_t>(limit.count());
-    return ::TimerTimeout(CLOCK_REALTIME, _NTO_TIMEOUT_SEND | _NTO_TIMEOUT_REPLY, nullptr, &time,
-                          nullptr) != -1;
-}
 
 int pollTime(nanoseconds left) {
     constexpr std::chrono::milliseconds kLongest{std::numeric_limits<int>::max()};

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/types.h>
 
 #include <cstdarg>
 #include <cstdio>
@@ -9,9 +10,11 @@
 
 #include "fake/FakeSystem.h"
 
+using FakeSystem::deliver;
 using FakeSystem::hex;
 using FakeSystem::pointer;
 using FakeSystem::record;
+using FakeSystem::Result;
 using FakeSystem::text;
 using std::to_string;
 
@@ -82,6 +85,31 @@ int __wrap_pipe(int* ends) {
 ssize_t __wrap_write(int fildes, const void* bytes, std::size_t size) {
     const std::string content(static_cast<const char*>(bytes), size);
     return record("write", {to_string(fildes), text(content.c_str())}, static_cast<long>(size)).value;
+}
+
+ssize_t __wrap_read(int fildes, void* bytes, std::size_t size) {
+    const Result result = record("read", {to_string(fildes), to_string(size)});
+    deliver(result, bytes, size);
+    return result.value;
+}
+
+ssize_t __wrap_pread(int fildes, void* bytes, std::size_t size, off_t position) {
+    const Result result = record("pread", {to_string(fildes), to_string(size), to_string(position)});
+    deliver(result, bytes, size);
+    return result.value;
+}
+
+off_t __wrap_lseek(int fildes, off_t position, int whence) {
+    return record("lseek", {to_string(fildes), to_string(position), to_string(whence)}, position).value;
+}
+
+// Where 64-bit sizes have calls of their own.
+ssize_t __wrap_pread64(int fildes, void* bytes, std::size_t size, off_t position) {
+    return __wrap_pread(fildes, bytes, size, position);
+}
+
+off_t __wrap_lseek64(int fildes, off_t position, int whence) {
+    return __wrap_lseek(fildes, position, whence);
 }
 
 int __wrap_poll(pollfd* events, nfds_t count, int milliseconds) {

@@ -2,6 +2,7 @@
 
 /* With the values that the files of that system have, which are not those of this machine. */
 #define O_RDONLY 0x00
+#define O_WRONLY 0x01
 #define O_RDWR 0x02
 #define O_NONBLOCK 0x80
 

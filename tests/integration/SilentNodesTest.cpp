@@ -1,0 +1,143 @@
+// Nodes that say nothing: whoever asks for one is told so after a moment, and everybody else is served.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/DaemonTest.h"
+#include "support/UnitFiles.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+struct Silence {
+    const char* path;
+    const char* request;
+    std::string answer; ///< both lines
+};
+
+std::string refused(const std::string& command, const std::string& code, const std::string& text) {
+    return answer("Info \"" + text + "\"") + answer(command + " Error 0x" + code);
+}
+
+std::string noInformation(const std::string& path) {
+    return failure("status", "cannot open " + path + ", no information available");
+}
+
+const std::vector<Silence> kSilences = {
+    {kRevisionFile, "status", failure("status", "Failed to open the /dev/nvsku/rev file")},
+    {kImageVersionFile, "status 01", noInformation(kImageVersionFile)},
+    {kSerialNumberFile, "status 02", noInformation(kSerialNumberFile)},
+    {kApplicationVersionFile, "status 03", noInformation(kApplicationVersionFile)},
+    {kSystemVersionFile, "status 04", noInformation(kSystemVersionFile)},
+    {"/dev/nvgpio/usb_pwr_1", "port read 3",
+     refused("port", "27000000", "Reading from Port 3 results in Error-Code 110")},
+    {"/dev/nvgpio/ioc_kru_irq", "port getattributes",
+     refused("port", "27000000", "Failed to read Port 0: Connection timed out, errorcode: 110")},
+    {"/dev/nvgpio/usb_pwr_0", "port write 4 1",
+     refused("port", "27000000", "Open Port 4 results in Error 6: No such device or address")},
+    {"/dev/cd0", "blockdev open 178 0",
+     failure("blockdev", "Failed to open Device /dev/cd0: Connection timed out, errorCode: 110")},
+    {"/dev/mnand0", "blockdev open 180 0", answer("blockdev ok")},
+    {"/dev/mnand0", "blockdev read 180 0 0 1 0",
+     failure("blockdev", "Startblock does not Exist on Device, errorCode: 16842752")},
+    {"/dev/fs0", "blockdev write 180 1 0 1 0",
+     failure("blockdev",
+             "Device is not proprely opened, file descriptor is invalid, errorCode: "
+             "16842752")},
+    {"/dev/i2c0", "i2c read 0 1 0x50",
+     refused("i2c", "7000001",
+             "Read Error on Device /dev/i2c0: Inappropriate ioctl for device, errorcode: 25")},
+};
+
+void makeSilent(const std::string& path) {
+    if (exists(path))
+        removeFile(path);
+    makeFifo(path);
+}
+
+class SilentNodesTest : public DaemonTest {};
+
+TEST_F(SilentNodesTest, AreReportedToWhoeverAsks) {
+    Connection other;
+    Connection station;
+    for (const Silence& row : kSilences) {
+        SCOPED_TRACE(row.request);
+        makeSilent(row.path);
+        expectExchange(station, request(row.request), row.answer);
+        expectExchange(other, request("ack"), answer(""));
+    }
+    expectNothingMore(station);
+}
+
+TEST_F(SilentNodesTest, WhatTheySayInTimeCounts) {
+    Connection station;
+    makeSilent("/dev/nvgpio/usb_pwr_1");
+    makeSilent(kRevisionFile);
+    makeSilent(kImageVersionFile);
+    // Each writer waits for the daemon, so that it is always later.
+    std::thread port([] { writeFile("/dev/nvgpio/usb_pwr_1", "1"); });
+    expectExchange(station, request("port read 3"), answer("port hex(0307)"));
+    port.join();
+    std::thread revision([] { writeFile(kRevisionFile, " 0x2c\n"); });
+    expectExchange(station, request("status"),
+                   answer("status \"" + daemon.buildStamp() + "\" A024 \"2C\" 4"));
+    revision.join();
+    // A file's size tells how much there is to answer, and a pipe has none.
+    std::thread version([] { writeFile(kImageVersionFile, "image"); });
+    expectExchange(station, request("status 01"), answer("status base64()"));
+    version.join();
+}
+
+TEST_F(SilentNodesTest, HalfARevisionIsNone) {
+    Connection station;
+    makeSilent(kRevisionFile);
+    const System::Descriptor writer(::open(kRevisionFile, O_RDWR | O_CLOEXEC));
+    ASSERT_EQ(::write(writer.get(), "1", 1), 1);
+    expectExchange(station, request("status"),
+                   failure("status", "Failed to read from /dev/nvsku/rev file"));
+    ASSERT_EQ(::write(writer.get(), "1A\n", 3), 3);
+    expectExchange(station, request("status"),
+                   answer("status \"" + daemon.buildStamp() + "\" A024 \"1A\" 4"));
+}
+
+// What has no size has nothing to answer, and what never ends is no number.
+TEST_F(SilentNodesTest, ADeviceThatSaysTooMuchIsNotReadToItsEnd) {
+    Connection station;
+    for (const char* path : {kRevisionFile, kSerialNumberFile}) {
+        removeFile(path);
+        makeLink(path, "/dev/zero");
+    }
+    expectExchange(station, request("status"),
+                   failure("status", "Failed to read from /dev/nvsku/rev file"));
+    expectExchange(station, request("status 02"), answer("status base64()"));
+}
+
+TEST_F(SilentNodesTest, APipeThatIsReadGetsTheLevel) {
+    Connection station;
+    makeSilent("/dev/nvgpio/usb_pwr_1");
+    const System::Descriptor driver(::open("/dev/nvgpio/usb_pwr_1", O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    ASSERT_TRUE(driver);
+    expectExchange(station, request("port write 3 1"), answer("port ok"));
+    char level = 'z';
+    EXPECT_EQ(::read(driver.get(), &level, 1), 1);
+    EXPECT_EQ(level, '1');
+}
+
+TEST(SilentNodesAtStart, TheDaemonServesAllTheSame) {
+    for (const Silence& row : kSilences)
+        makeSilent(row.path);
+    makeSilent("/dev/sda0");
+    const Daemon daemon;
+    Connection station;
+    expectExchange(station, request("ack"), answer(""));
+    expectExchange(
+        station, request("blockdev open 177 0"),
+        failure("blockdev", "Failed to open Device /dev/sda0: Connection timed out, errorCode: 110"));
+    EXPECT_TRUE(daemon.isAlive());
+}
+
+} // namespace

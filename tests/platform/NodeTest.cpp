@@ -1,0 +1,213 @@
+// Files and nodes that commands open by path: nothing that stands there makes its user wait without end.
+#include "platform/Node.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "platform/BlockDevice.h"
+#include "support/SleepingThread.h"
+
+using std::chrono::steady_clock;
+using System::Descriptor;
+using System::openNode;
+using System::readNode;
+using System::readNodeAt;
+using System::writeNode;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Far beyond the longest wait, and far below a test's patience.
+constexpr std::chrono::seconds kWithoutEnd{20};
+
+class NodeTest : public ::testing::Test {
+protected:
+    NodeTest() {
+        std::string folder = fs::temp_directory_path() / "node_XXXXXX";
+        EXPECT_NE(::mkdtemp(folder.data()), nullptr);
+        m_folder = folder;
+    }
+    ~NodeTest() override { fs::remove_all(m_folder); }
+
+    std::string file(const std::string& content) const {
+        const std::string path = m_folder / "file";
+        std::ofstream(path, std::ios::binary) << content;
+        return path;
+    }
+
+    std::string pipe() const {
+        const std::string path = m_folder / "pipe";
+        EXPECT_EQ(::mkfifo(path.c_str(), S_IRUSR | S_IWUSR), 0);
+        return path;
+    }
+
+    static void expectTimedOut(const std::function<bool()>& succeeds) {
+        const auto start = steady_clock::now();
+        errno = 0;
+        EXPECT_FALSE(succeeds());
+        EXPECT_EQ(errno, ETIMEDOUT);
+        EXPECT_GE(steady_clock::now() - start, System::kLongestNodeWait);
+        EXPECT_LT(steady_clock::now() - start, kWithoutEnd);
+    }
+
+    fs::path m_folder;
+    char m_byte = 'z';
+};
+
+/// A character device that answers what the test types.
+class TerminalNodeTest : public NodeTest {
+protected:
+    TerminalNodeTest() : m_far(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+        std::array<char, 64> path{};
+        EXPECT_EQ(::unlockpt(m_far.get()), 0);
+        EXPECT_EQ(::ptsname_r(m_far.get(), path.data(), path.size()), 0);
+        m_path = path.data();
+    }
+
+    Descriptor m_far;
+    std::string m_path;
+};
+
+} // namespace
+
+TEST_F(NodeTest, AFileIsReadAndWrittenToTheByte) {
+    const std::string path = file("0123456789");
+    Descriptor node = openNode(path.c_str(), O_RDONLY);
+    ASSERT_TRUE(node);
+    EXPECT_NE(::fcntl(node.get(), F_GETFD) & FD_CLOEXEC, 0);
+    std::array<char, 16> bytes{};
+    EXPECT_EQ(readNode(node.get(), bytes.data(), 4), 4);
+    EXPECT_EQ(readNodeAt(node.get(), bytes.data() + 4, bytes.size() - 4, 4), 6);
+    EXPECT_EQ(std::string(bytes.data()), "0123456789");
+    EXPECT_EQ(readNodeAt(node.get(), bytes.data(), 1, 10), 0);
+    EXPECT_EQ(writeNode(node.get(), "x", 1), -1);
+    EXPECT_EQ(errno, EBADF);
+
+    node = openNode(path.c_str(), O_WRONLY);
+    EXPECT_EQ(writeNode(node.get(), "ab", 2), 2);
+    std::string content;
+    std::ifstream(path) >> content;
+    EXPECT_EQ(content, "ab23456789");
+}
+
+TEST_F(NodeTest, WhatCannotBeOpenedIsEmptyAndSaysWhy) {
+    struct Row {
+        std::string path;
+        int access;
+        int error;
+    };
+    const Row rows[] = {{m_folder / "nothing", O_RDONLY, ENOENT},
+                        {m_folder, O_WRONLY, EISDIR},
+                        {"/dev/null/node", O_RDONLY, ENOTDIR}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.path);
+        errno = 0;
+        EXPECT_FALSE(openNode(row.path.c_str(), row.access));
+        EXPECT_EQ(errno, row.error);
+    }
+}
+
+TEST_F(NodeTest, AManagerThatAnswersNobodyIsNotWaitedFor) {
+    const std::string path = m_folder / "socket";
+    const Descriptor manager(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.size(), sizeof address.sun_path);
+    std::copy(path.begin(), path.end(), address.sun_path);
+    ASSERT_EQ(::bind(manager.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    for (const int access : {O_RDONLY, O_WRONLY, O_RDWR}) {
+        EXPECT_FALSE(openNode(path.c_str(), access));
+        EXPECT_EQ(errno, ENXIO);
+    }
+}
+
+TEST_F(NodeTest, APipeThatNobodyWritesToCannotBeOpenedForReading) {
+    const std::string path = pipe();
+    expectTimedOut([&] { return static_cast<bool>(openNode(path.c_str(), O_RDONLY)); });
+    expectTimedOut([&] { return static_cast<bool>(System::openBlockDevice(path.c_str(), O_RDONLY)); });
+    const Descriptor silentWriter(::open(path.c_str(), O_RDWR | O_CLOEXEC));
+    expectTimedOut([&] { return static_cast<bool>(openNode(path.c_str(), O_RDONLY)); });
+}
+
+TEST_F(NodeTest, APipesWriterIsMet) {
+    const std::string path = pipe();
+    std::thread writer([&path] {
+        const Descriptor end(::open(path.c_str(), O_WRONLY | O_CLOEXEC)); // waits for the reader
+        EXPECT_EQ(::write(end.get(), "1", 1), 1);
+    });
+    const Descriptor node = openNode(path.c_str(), O_RDONLY);
+    writer.join();
+    ASSERT_TRUE(node);
+    EXPECT_EQ(readNodeAt(node.get(), &m_byte, 1, 7), 1) << "a pipe has no positions";
+    EXPECT_EQ(m_byte, '1');
+    EXPECT_EQ(readNode(node.get(), &m_byte, 1), 0);
+}
+
+TEST_F(NodeTest, APipeThatNobodyReadsCannotBeOpenedForWriting) {
+    EXPECT_FALSE(openNode(pipe().c_str(), O_WRONLY));
+    EXPECT_EQ(errno, ENXIO);
+}
+
+TEST_F(NodeTest, APipeThatIsFullIsNotWrittenTo) {
+    const std::string path = pipe();
+    const Descriptor reader(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const Descriptor node = openNode(path.c_str(), O_WRONLY);
+    ASSERT_TRUE(node);
+    const std::string much(1 << 20, 'm');
+    EXPECT_GT(writeNode(node.get(), much.data(), much.size()), 0);
+    expectTimedOut([&] { return writeNode(node.get(), "1", 1) >= 0; });
+}
+
+TEST_F(TerminalNodeTest, ASilentDeviceIsOpenAtOnceAndNotReadWithoutEnd) {
+    const Descriptor node = openNode(m_path.c_str(), O_RDONLY);
+    ASSERT_TRUE(node);
+    expectTimedOut([&] { return readNode(node.get(), &m_byte, 1) >= 0; });
+    expectTimedOut([&] { return readNodeAt(node.get(), &m_byte, 1, 0) >= 0; });
+    EXPECT_EQ(m_byte, 'z');
+    EXPECT_EQ(readNode(node.get(), &m_byte, 0), 0) << "nobody waits for nothing";
+}
+
+TEST_F(TerminalNodeTest, ADeviceThatTakesAMomentIsRead) {
+    const Descriptor node = openNode(m_path.c_str(), O_RDONLY);
+    ASSERT_TRUE(node);
+    SleepingThread reader;
+    ssize_t count = 0;
+    std::thread thread([&] {
+        reader.isMe();
+        count = readNode(node.get(), &m_byte, 1);
+    });
+    EXPECT_TRUE(reader.fallsAsleep());
+    EXPECT_EQ(::write(m_far.get(), "1\n", 2), 2);
+    thread.join();
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(m_byte, '1');
+}
+
+TEST_F(TerminalNodeTest, ADeviceThatIsGoneEndsTheWait) {
+    const Descriptor node = openNode(m_path.c_str(), O_RDONLY);
+    SleepingThread reader;
+    ssize_t count = 1;
+    std::thread thread([&] {
+        reader.isMe();
+        count = readNode(node.get(), &m_byte, 1);
+    });
+    EXPECT_TRUE(reader.fallsAsleep());
+    m_far.reset();
+    thread.join();
+    EXPECT_LE(count, 0);
+}
