@@ -5,6 +5,9 @@
 #define O_WRONLY 0x01
 #define O_RDWR 0x02
 #define O_NONBLOCK 0x80
+#define O_CREAT 0x100
+#define O_EXCL 0x400
+#define O_CLOEXEC 0x2000
 
 #define F_SETFD 2
 #define F_GETFL 3

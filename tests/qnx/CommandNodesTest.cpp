@@ -1,0 +1,176 @@
+// What the commands that use files and nodes make of this system.
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "NodeResults.h"
+#include "commands/PWriteCmd.h"
+#include "commands/cReadCmd.h"
+#include "commands/mCmd.h"
+#include "commands/pReadCmd.h"
+#include "commands/sReadCmd.h"
+#include "core/ProcessResponseAscii.h"
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using Response = std::unique_ptr<ProcessResponse>;
+
+constexpr int kSdCard = 180;
+
+Bytes bytesOf(const std::string& text) {
+    return {text.begin(), text.end()};
+}
+
+class QnxCommandNodesTest : public QnxTest {
+protected:
+    /// A node of that kind and size becomes descriptor 7 and is looked at so often.
+    static void nextNode(mode_t kind, int looks, off_t size = 0) {
+        FakeSystem::next("open64", {7});
+        struct stat told {};
+        told.st_mode = kind;
+        told.st_size = size;
+        for (int look = 0; look < looks; ++look)
+            nextStatus(told);
+    }
+};
+
+} // namespace
+
+TEST_F(QnxCommandNodesTest, APortIsRead) {
+    nextNode(S_IFCHR, 2);
+    FakeSystem::next("read", {1, 0, {'1'}});
+    char value = 'z';
+    EXPECT_EQ(pReadCmd::getInstance()->readPortValue(3, value), 0u);
+    EXPECT_EQ(value, '1');
+    EXPECT_THAT(FakeSystem::calls(),
+                ElementsAre("open64 \"/dev/nvgpio/usb_pwr_1\" 0x80", "fcntl 7 2 0x1", kLimit, "fstat 7",
+                            kLimit, "fstat 7", kLimit, "read 7 1", "close 7"));
+}
+
+TEST_F(QnxCommandNodesTest, APortThatDoesNotAnswerIsItsErrorNumber) {
+    nextNode(S_IFCHR, 2);
+    FakeSystem::fail("read", ETIMEDOUT);
+    char value = 'z';
+    EXPECT_EQ(pReadCmd::getInstance()->readPortValue(3, value), static_cast<unsigned>(ETIMEDOUT));
+    EXPECT_EQ(FakeSystem::calls().back(), "close 7");
+}
+
+TEST_F(QnxCommandNodesTest, APortIsWritten) {
+    nextNode(S_IFCHR, 1);
+    Bytes request = {6, 'P', 0xE3, 1, 3, 4};
+    EXPECT_EQ(Response(PWriteCmd::getInstance()->writePort(&request))->code, 0u);
+    EXPECT_THAT(FakeSystem::calls(),
+                ElementsAre("open64 \"/dev/nvgpio/usb_pwr_1\" 0x81", "fcntl 7 2 0x1", kLimit, "fstat 7",
+                            kLimit, "write 7 \"1\"", "close 7"));
+}
+
+TEST_F(QnxCommandNodesTest, ThePortsErrorsAreItsNumbers) {
+    Bytes request = {6, 'P', 0xE3, 1, 3, 4};
+    FakeSystem::fail("open64", ENOENT);
+    EXPECT_EQ(Response(PWriteCmd::getInstance()->writePort(&request))->code, 0x40000001u);
+    FakeSystem::fail("open64", EBUSY);
+    EXPECT_EQ(Response(PWriteCmd::getInstance()->writePort(&request))->code, 0x27000000u);
+    nextNode(S_IFCHR, 1);
+    FakeSystem::fail("write", EIO);
+    EXPECT_EQ(Response(PWriteCmd::getInstance()->writePort(&request))->code, 0x27010000u);
+    FakeSystem::fail("open64", ENXIO);
+    char value = 'z';
+    EXPECT_EQ(pReadCmd::getInstance()->readPortValue(3, value), static_cast<unsigned>(ENXIO));
+}
+
+TEST_F(QnxCommandNodesTest, TheRevisionIsReadToItsEnd) {
+    nextNode(S_IFCHR, 3);
+    FakeSystem::next("read", {1, 0, bytesOf("2")});
+    FakeSystem::next("read", {2, 0, bytesOf("c\n")});
+    const Response response(sReadCmd::getInstance()->sendStatusAscii());
+    ASSERT_EQ(response->protocol, 'a');
+    EXPECT_THAT(static_cast<ProcessResponseAscii&>(*response).answer, EndsWith(" A024 \"2C\" 4"));
+    EXPECT_THAT(FakeSystem::calls(),
+                ElementsAre("open64 \"/dev/nvsku/rev\" 0x80", "fcntl 7 2 0x1", kLimit, "fstat 7", kLimit,
+                            "fstat 7", kLimit, "read 7 256", kLimit, "fstat 7", kLimit, "read 7 256",
+                            "close 7"));
+}
+
+TEST_F(QnxCommandNodesTest, ARevisionThatCannotBeReadIsReported) {
+    FakeSystem::fail("open64", ENOENT);
+    EXPECT_EQ(Response(sReadCmd::getInstance()->sendStatusAscii())->message,
+              "Failed to open the /dev/nvsku/rev file");
+    nextNode(S_IFCHR, 2);
+    FakeSystem::fail("read", ETIMEDOUT);
+    EXPECT_EQ(Response(sReadCmd::getInstance()->sendStatusAscii())->message,
+              "Failed to read from /dev/nvsku/rev file");
+}
+
+TEST_F(QnxCommandNodesTest, AnIdentityFileIsReadWithinItsSize) {
+    nextNode(S_IFREG, 3, 4);
+    FakeSystem::next("pread", {4, 0, bytesOf("SN42")});
+    Bytes request = {3, 's', 2};
+    const Response response(sReadCmd::getInstance()->process(&request));
+    ASSERT_EQ(response->protocol, 't');
+    EXPECT_THAT(static_cast<ProcessResponseTavrin&>(*response).data,
+                ElementsAre(12, 's', 2, 0, 0, 0, 0, 0, 'S', 'N', '4', '2'));
+    EXPECT_THAT(FakeSystem::calls(),
+                ElementsAre("open64 \"/dev/nvsku/serial_num\" 0x80", "fcntl 7 2 0x1", kLimit, "fstat 7",
+                            "fstat 7", kLimit, "fstat 7", "pread 7 4 0", "close 7"));
+}
+
+TEST_F(QnxCommandNodesTest, AnIdentityNodeThatReadsOnIsRead) {
+    nextNode(S_IFCHR, 4, 4);
+    FakeSystem::fail("pread", ENOSYS);
+    FakeSystem::next("read", {4, 0, bytesOf("SN42")});
+    Bytes request = {3, 's', 2};
+    const Response response(sReadCmd::getInstance()->process(&request));
+    ASSERT_EQ(response->protocol, 't');
+    EXPECT_THAT(static_cast<ProcessResponseTavrin&>(*response).data,
+                ElementsAre(12, 's', 2, 0, 0, 0, 0, 0, 'S', 'N', '4', '2'));
+}
+
+TEST_F(QnxCommandNodesTest, BlocksAreMovedWithOneTransfer) {
+    FakeSystem::next("open64", {7});
+    nextKind(S_IFBLK);
+    FakeSystem::next("open64", {8});
+    struct stat told {};
+    told.st_mode = S_IFBLK;
+    told.st_blksize = 2;
+    told.st_blocks = 10;
+    nextStatus(told);
+    mCmd::Handle card(kSdCard, "/dev/mnand0", true);
+    EXPECT_FALSE(card.open().failed());
+    EXPECT_THAT(
+        FakeSystem::calls(),
+        ElementsAre("access \"/dev/mnand0\" 0x0", "open64 \"/dev/mnand0\" 0x82", "fcntl 7 2 0x1", kLimit,
+                    "fstat 7", "open64 \"/dev/mnand0\" 0x2", "fcntl 8 2 0x1", "close 7", "fstat 8"));
+
+    Bytes buffer(4);
+    unsigned bytes = 0;
+    FakeSystem::next("read", {4, 0, bytesOf("abcd")});
+    EXPECT_FALSE(card.read(bytes, 3, 2, buffer.data(), 4).failed());
+    EXPECT_EQ(bytes, 4u);
+    EXPECT_EQ(buffer, bytesOf("abcd"));
+    EXPECT_THAT(FakeSystem::calls(),
+                ElementsAre("access \"/dev/mnand0\" 0x0", "fstat 8", "lseek 8 6 0", "read 8 4"));
+
+    EXPECT_FALSE(card.write(bytes, 3, 2, buffer.data(), 4).failed());
+    EXPECT_THAT(FakeSystem::calls(),
+                ElementsAre("access \"/dev/mnand0\" 0x0", "fstat 8", "lseek 8 6 0", "write 8 \"abcd\""));
+    EXPECT_FALSE(card.close().failed());
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre("access \"/dev/mnand0\" 0x0", "close 8"));
+}
+
+TEST_F(QnxCommandNodesTest, ADeviceThatFailsIsReported) {
+    mCmd::Handle card(kSdCard, "/dev/mnand0", true);
+    FakeSystem::fail("open64", EBUSY);
+    const DeviceResult refused = card.open();
+    EXPECT_EQ(refused.code, EBUSY);
+    EXPECT_EQ(refused.message, "Failed to open Device /dev/mnand0: Device or resource busy");
+    FakeSystem::fail("access", ENOENT);
+    EXPECT_EQ(card.open().message, "Device not inserted");
+}
