@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "commands/cReadCmd.h"
 #include "core/BuildStamp.h"
@@ -46,8 +47,6 @@ constexpr char kCannotRead[] = "Could not read the /dev/nvsku/rev file";
 constexpr char kCannotReadAscii[] = "Failed to read from /dev/nvsku/rev file";
 constexpr char kTooLarge[] = "Revision does not Fit in 2 Bytes";
 
-enum class RevisionRead { Ok, CannotOpen, CannotRead };
-
 /// Reads on until the number at the beginning has ended, or the node has. False when neither comes in
 /// time.
 bool readNumber(int node, std::string& text) {
@@ -82,15 +81,6 @@ bool scanHexadecimal(const std::string& text, std::uint32_t& number) {
     const auto bits = static_cast<std::uint32_t>(std::min(magnitude, kLargest));
     number = isNegative && magnitude <= kLargest ? 0 - bits : bits;
     return true;
-}
-
-RevisionRead readRevision(std::uint32_t& revision) {
-    const System::Descriptor node = System::openNode(kRevision, O_RDONLY);
-    if (!node)
-        return RevisionRead::CannotOpen;
-    std::string text;
-    return readNumber(node.get(), text) && scanHexadecimal(text, revision) ? RevisionRead::Ok
-                                                                           : RevisionRead::CannotRead;
 }
 
 unsigned char packedDecimal(const char* digits) {
@@ -166,6 +156,22 @@ ProcessResponse* sReadCmd::process(std::vector<std::vector<char>>& tokens) {
     return genericError(kUnsupported);
 }
 
+sReadCmd::Revision sReadCmd::readRevision() {
+    const System::Descriptor node = System::openNode(kRevision, O_RDONLY);
+    if (!node)
+        return {RevisionRead::CannotOpen, 0};
+    std::string text;
+    std::uint32_t value = 0;
+    if (!readNumber(node.get(), text) || !scanHexadecimal(text, value))
+        return {RevisionRead::CannotRead, 0};
+    return {RevisionRead::Ok, value};
+}
+
+void sReadCmd::readRevisionAhead() {
+    if (!kruversion_checked)
+        m_revisionAhead = readRevision();
+}
+
 /// Returns whether a status had been built before this one.
 bool sReadCmd::noteStatusSent(Status status) {
     const bool sentBefore = startupSend;
@@ -190,15 +196,15 @@ ProcessResponse* sReadCmd::sendStatusTavrin(std::vector<unsigned char>* request,
     payload.push_back(kProductHigh);
     payload.push_back(kProductLow);
     if (!kruversion_checked) {
-        std::uint32_t revision = 0;
-        const RevisionRead result = readRevision(revision);
-        if (result == RevisionRead::CannotOpen)
+        const auto ahead = std::exchange(m_revisionAhead, std::nullopt);
+        const Revision revision = ahead ? *ahead : readRevision();
+        if (revision.result == RevisionRead::CannotOpen)
             return tavrinError(kCannotOpen);
-        if (result == RevisionRead::CannotRead)
+        if (revision.result == RevisionRead::CannotRead)
             return tavrinError(kCannotRead);
-        if (revision >= 0x10000)
+        if (revision.value >= 0x10000)
             return tavrinError(kTooLarge);
-        kruversion = static_cast<std::uint16_t>(revision);
+        kruversion = static_cast<std::uint16_t>(revision.value);
         kruversion_checked = true;
     }
     payload.push_back(static_cast<unsigned char>(kruversion >> 8));
@@ -216,14 +222,13 @@ ProcessResponse* sReadCmd::tavrin_getStartupStatus() {
 }
 
 ProcessResponse* sReadCmd::sendStatusAscii() {
-    std::uint32_t revision = 0;
-    const RevisionRead result = readRevision(revision);
-    if (result == RevisionRead::CannotOpen)
+    const Revision revision = readRevision();
+    if (revision.result == RevisionRead::CannotOpen)
         return asciiError(kCannotOpen);
-    if (result == RevisionRead::CannotRead)
+    if (revision.result == RevisionRead::CannotRead)
         return asciiError(kCannotReadAscii);
     auto response = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
     response->answer = string_format("\"%s\" %02X%02X \"%X\" %u", getDateTimeString(), kProductHigh,
-                                     kProductLow, revision, getProductionVersion());
+                                     kProductLow, revision.value, getProductionVersion());
     return response.release();
 }

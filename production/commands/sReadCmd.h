@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,12 +26,25 @@ public:
     ProcessResponse* sendStatusTavrin(std::vector<unsigned char>* request, Status status);
     /// The status as a front end announces itself with it.
     ProcessResponse* tavrin_getStartupStatus();
+    /// Reads the board's revision, unless it is known, so that the next binary status does not wait for
+    /// it on the dispatcher. For the front end that announces itself, on its own thread: nobody else
+    /// asks for binary statuses.
+    void readRevisionAhead();
     ProcessResponse* sendStatusAscii();
 
 private:
     sReadCmd();
 
+    enum class RevisionRead { Ok, CannotOpen, CannotRead };
+    struct Revision {
+        RevisionRead result;
+        std::uint32_t value; ///< when it is Ok
+    };
+
+    static Revision readRevision();
     bool noteStatusSent(Status status);
+
+    std::optional<Revision> m_revisionAhead;
 
     static std::uint16_t kruversion;
     static bool kruversion_checked;

@@ -133,6 +133,8 @@ Listener::Wait Listener::waitOnce(unsigned char& length) {
 void Listener::announce(Comm::Handle& port) {
     const System::Lock lock(l_mutex);
     std::unique_ptr<ProcessResponse> response;
+    // A silent node costs its time here, where nobody else waits for it.
+    sReadCmd::getInstance()->readRevisionAhead();
     // The status command may just be answering somebody else: its turn has to be waited for.
     Handler::getInstance()->runExclusively([this, &response] {
         sReadCmd* status = sReadCmd::getInstance();

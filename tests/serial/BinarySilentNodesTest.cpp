@@ -2,11 +2,17 @@
 // on.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "line/BinaryLink.h"
+#include "support/Connection.h"
+#include "support/Lines.h"
 #include "support/UnitFiles.h"
+#include "support/Waiting.h"
 
 namespace {
 
@@ -59,6 +65,27 @@ TEST_F(BinarySilentNodesTest, VersionFilesAreReportedWithoutAnAnswerFrame) {
         expectErrors({LinkErrors::kOutOfRange});
         expectServed();
     }
+}
+
+TEST(BinarySilentRevision, HoldsUpNobodyButTheLine) {
+    constexpr long kAttempts = 4;
+    constexpr std::chrono::milliseconds kSlow{300};
+    Adapter adapter;
+    makeSilent(kRevisionFile);
+    const Daemon daemon(withStationLine());
+    Connection other;
+    long slow = 0;
+    const auto isEmptyResponse = [](const std::string& line) {
+        return line == LinkErrors::kEmptyResponse;
+    };
+    EXPECT_TRUE(eventually([&] {
+        const auto start = std::chrono::steady_clock::now();
+        expectExchange(other, request("ack"), answer(""));
+        slow += std::chrono::steady_clock::now() - start > kSlow ? 1 : 0;
+        const std::vector<std::string> lines = errorLines(daemon);
+        return std::count_if(lines.begin(), lines.end(), isEmptyResponse) >= kAttempts;
+    }));
+    EXPECT_LT(slow, kAttempts / 2) << "each attempt would delay one";
 }
 
 } // namespace
