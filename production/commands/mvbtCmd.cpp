@@ -1,7 +1,6 @@
 #include "commands/mvbtCmd.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <limits>
 #include <thread>
@@ -13,7 +12,37 @@ constexpr int kFailed = -1;
 constexpr std::size_t kMostBytes = 247;
 constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
+// What opening waits for a reader that opens the driver at that moment.
+constexpr std::chrono::milliseconds kPatience{500};
+constexpr std::chrono::milliseconds kNoTime{0};
+
+constexpr char kLibrary[] = "mv8787bt.so";
+constexpr char kLibraryPath[] = "/usr/lib/mv8787bt.so";
+constexpr char kEntry[] = "mvbt_drv_entry";
+constexpr char kDevice[] = "/dev/sdio0";
+
+constexpr char kNoLibrary[] = "DLL open failed\n";
+constexpr char kNoEntry[] = "Can't find driver entry\n";
+constexpr char kNoDevice[] = "MVBT open failed\n";
+constexpr char kNoMutex[] =
+    "Could not initialize the mutex for BT chip read/write processes, errorcode: %d\n";
 constexpr char kWriteFailed[] = "Error during writing on Bluetooth SDIO interface\n";
+
+System::DriverLibrary loadLibrary() {
+    System::DriverLibrary library = System::DriverLibrary::load(kLibrary);
+    if (!library)
+        library = System::DriverLibrary::load(kLibraryPath);
+    if (!library) {
+        std::perror(kLibraryPath);
+        std::fputs(kNoLibrary, stderr);
+    }
+    return library;
+}
+
+bool isComplete(const mvbtCmd::EntryTable* table) {
+    return table != nullptr && table->open != nullptr && table->close != nullptr &&
+           table->read != nullptr && table->write != nullptr;
+}
 
 void sleepFor(unsigned int milliseconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
@@ -21,42 +50,131 @@ void sleepFor(unsigned int milliseconds) {
 
 } // namespace
 
+System::DriverLibrary& mvbtCmd::dlhdl = *new System::DriverLibrary;
+const mvbtCmd::EntryTable* mvbtCmd::mvbt = nullptr;
+int mvbtCmd::bthdl = 0;
+
 mvbtCmd::~mvbtCmd() {
     close();
+    std::unique_lock<std::mutex> lock(m_lock);
+    m_changed.wait(lock, [this] { return m_leftBehind == 0; });
 }
 
 int mvbtCmd::open() {
     if (checkDll())
         return 0;
     // A reader that tries to open the driver anew goes on doing so, whatever comes of this.
-    auto link = m_link ? m_link : std::make_shared<BluetoothLink>();
-    if (!link->openDriver())
+    if (!useDriver()) {
+        std::fputs(kNoDevice, stderr);
         return kFailed;
-    m_link = std::move(link);
-    m_link->startReadingThread();
+    }
+    const int result = checkDll() ? 0 : load();
+    leaveDriver();
+    if (result == 0)
+        startReadingThread();
+    return result;
+}
+
+int mvbtCmd::load() {
+    System::DriverLibrary library = loadLibrary();
+    if (!library)
+        return kFailed;
+    const auto* table = static_cast<const EntryTable*>(library.symbol(kEntry));
+    if (!isComplete(table)) {
+        std::fputs(kNoEntry, stderr);
+        return kFailed;
+    }
+    const int handle = table->open(kDevice, 0);
+    if (handle == 0) {
+        std::fputs(kNoDevice, stderr);
+        return kFailed;
+    }
+    initializeMutex();
+    const std::lock_guard<std::mutex> lock(m_lock);
+    dlhdl = std::move(library);
+    mvbt = table;
+    bthdl = handle;
+    clearQueue();
     return 0;
+}
+
+int mvbtCmd::reopen() {
+    {
+        // A write that runs comes to its end first.
+        std::unique_lock<std::mutex> lock(m_lock);
+        m_changed.wait(lock, [this] { return !m_isInUse || !isReader(); });
+        if (!isReader())
+            return kFailed;
+        m_isInUse = true;
+    }
+    unload();
+    const int result = load();
+    // Whoever has closed the link meanwhile has found nothing to close.
+    if (!staysReader(kNoTime))
+        unload();
+    leaveDriver();
+    return result;
 }
 
 int mvbtCmd::close() {
-    if (m_link)
-        m_link->close();
-    m_link.reset();
+    stopReadingThread();
+    Driver driver = takeDriver();
+    if (driver.dlhdl)
+        driver.mvbt->close(driver.bthdl);
+    dismissReader(std::move(driver.dlhdl));
     return 0;
 }
 
+void mvbtCmd::unload() {
+    const Driver driver = takeDriver();
+    if (driver.dlhdl)
+        driver.mvbt->close(driver.bthdl);
+}
+
+mvbtCmd::Driver mvbtCmd::takeDriver() {
+    const std::lock_guard<std::mutex> lock(m_lock);
+    return {std::move(dlhdl), std::exchange(mvbt, nullptr), std::exchange(bthdl, 0)};
+}
+
+bool mvbtCmd::useDriver() {
+    std::unique_lock<std::mutex> lock(m_lock);
+    if (!m_changed.wait_for(lock, kPatience, [this] { return !m_isInUse; }))
+        return false;
+    m_isInUse = true;
+    return true;
+}
+
+void mvbtCmd::leaveDriver() {
+    {
+        const std::lock_guard<std::mutex> lock(m_lock);
+        m_isInUse = false;
+    }
+    m_changed.notify_all();
+}
+
 void mvbtCmd::write(int type, const void* data, int length) {
-    if (!checkDll())
-        return;
-    m_link->clearQueue();
-    if (!m_link->write(type, data, length))
+    const EntryTable* table = nullptr;
+    int handle = 0;
+    {
+        const std::lock_guard<std::mutex> lock(m_lock);
+        // Whoever uses it otherwise is the reader, which is about to replace it.
+        if (!isLoaded() || m_isInUse)
+            return;
+        m_isInUse = true;
+        table = mvbt;
+        handle = bthdl;
+    }
+    clearQueue();
+    if (table->write(handle, type, data, length) != 0)
         std::fputs(kWriteFailed, stderr);
+    leaveDriver();
 }
 
 int mvbtCmd::readnbytes(std::vector<unsigned char>& data, unsigned int timeoutMs, unsigned char count) {
     if (!checkDll())
         return kFailed;
     sleepFor(timeoutMs);
-    data = m_link->fetch(std::min<std::size_t>(count, kMostBytes));
+    data = fetch(std::min<std::size_t>(count, kMostBytes));
     return static_cast<int>(data.size()) + 1;
 }
 
@@ -64,14 +182,58 @@ int mvbtCmd::read(std::vector<unsigned char>& data, unsigned int timeoutMs) {
     if (!checkDll())
         return kFailed;
     sleepFor(timeoutMs);
-    data = m_link->fetch(kAll);
+    data = fetch(kAll);
     return static_cast<int>(data.size());
 }
 
+std::vector<unsigned char> mvbtCmd::fetch(std::size_t most) {
+    const FifoLock lock(fifo_mutex);
+    std::vector<unsigned char> bytes(std::min(most, fifo.size()));
+    for (unsigned char& byte : bytes)
+        byte = popQueue();
+    return bytes;
+}
+
+bool mvbtCmd::isLoaded() const {
+    return dlhdl && mvbt != nullptr && bthdl != 0;
+}
+
 bool mvbtCmd::checkDll() const {
-    return m_link && m_link->isLoaded();
+    const std::lock_guard<std::mutex> lock(m_lock);
+    return isLoaded();
+}
+
+const mvbtCmd::EntryTable* mvbtCmd::getmvbt() const {
+    const std::lock_guard<std::mutex> lock(m_lock);
+    return mvbt;
+}
+
+int mvbtCmd::getbthdl() const {
+    const std::lock_guard<std::mutex> lock(m_lock);
+    return bthdl;
+}
+
+void mvbtCmd::initializeMutex() {
+    if (mutex_initialized)
+        return;
+    const int error = ::pthread_mutex_init(&fifo_mutex, nullptr);
+    mutex_initialized = error == 0;
+    if (error != 0)
+        std::fprintf(stderr, kNoMutex, error);
+}
+
+unsigned char mvbtCmd::popQueue() {
+    const unsigned char byte = fifo.front();
+    fifo.pop();
+    return byte;
 }
 
 std::size_t mvbtCmd::getQueueSize() const {
-    return m_link ? m_link->getQueueSize() : 0;
+    const FifoLock lock(fifo_mutex);
+    return fifo.size();
+}
+
+void mvbtCmd::clearQueue() {
+    const FifoLock lock(fifo_mutex);
+    fifo = {};
 }

@@ -165,52 +165,76 @@ TEST_F(mvbtCmdFailureTest, ClosingDuringThePauseDoesNotWaitForItsEnd) {
     EXPECT_EQ(m_driver.readersWhenUnloaded(), 0);
 }
 
-TEST_F(mvbtCmdFailureTest, AReadThatIgnoresClosingKeepsTheLibraryUntilItComesBack) {
+TEST_F(mvbtCmdFailureTest, AReadThatCannotBeCancelledKeepsTheLibraryUntilItComesBack) {
     m_driver.holdUp(ScriptedBluetooth::InRead);
     open();
     ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
     closePromptly();
     EXPECT_TRUE(m_driver.isLoaded());
-    EXPECT_TRUE(eventually([&] { return m_driver.closed() == std::vector<int>{1}; }));
+    EXPECT_THAT(m_driver.closed(), ElementsAre(1));
     m_driver.receive(kEvent, {1});
     m_driver.release(ScriptedBluetooth::InRead);
     EXPECT_TRUE(m_driver.waitUntilUnloaded());
-    EXPECT_EQ(m_driver.readersWhenUnloaded(), 0);
     EXPECT_EQ(m_driver.loads(), 1);
+    EXPECT_EQ(m_driver.reads(), 1) << "it ends";
+}
+
+TEST_F(mvbtCmdFailureTest, AReadThatCannotBeCancelledIsWokenByClosing) {
+    m_driver.ignoreCancelling(true);
+    open();
+    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    EXPECT_EQ(errorOutputOf([&] { closePromptly(); }), "") << "this is no failure of the driver's";
+    EXPECT_TRUE(m_driver.waitUntilUnloaded());
+    EXPECT_EQ(m_driver.reads(), 1);
+    EXPECT_EQ(m_driver.openings(), 1);
 }
 
 TEST_F(mvbtCmdFailureTest, AReadFromBeforeDeliversNothingToALaterOpening) {
-    m_driver.holdUp(ScriptedBluetooth::InRead);
+    m_driver.ignoreCancelling(true);
     m_driver.ignoreClosing(true);
     open();
     ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
     closePromptly();
+    m_driver.ignoreCancelling(false);
     open();
     EXPECT_EQ(m_driver.openings(), 2);
     ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead, 2));
-    for (unsigned char number = 1; number <= 2; ++number)
-        m_driver.receive(number, {number});
-    m_driver.release(ScriptedBluetooth::InRead);
-    // One of the two went to the read from before and is lost; the other one is whole.
+    m_driver.receiveFor(1, kEvent, {1});
+    ASSERT_TRUE(eventually([&] { return m_driver.readers() == 1; })) << "the one from before ends";
+    EXPECT_TRUE(m_link.isQueueEmpty());
+    m_driver.receiveFor(2, kEvent, {2});
     ASSERT_TRUE(has(2));
-    const Bytes fetched = fetch();
-    ASSERT_THAT(fetched, SizeIs(2));
-    EXPECT_EQ(fetched[0], fetched[1]);
-    m_driver.ignoreClosing(false);
+    EXPECT_EQ(fetch(), packet(kEvent, {2}));
+    EXPECT_TRUE(m_link.checkDll());
     expectWorking();
     closePromptly();
+    EXPECT_THAT(m_driver.closed(), ElementsAre(1, 2));
 }
 
-TEST_F(mvbtCmdFailureTest, ADriverThatDoesNotLetGoIsNotOpenedWithoutEnd) {
+TEST_F(mvbtCmdFailureTest, AReadFromBeforeThatFailsReopensNothing) {
+    m_driver.ignoreCancelling(true);
+    m_driver.ignoreClosing(true);
+    open();
+    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    closePromptly();
+    EXPECT_EQ(errorOutputOf([&] {
+                  m_driver.willFailToRead(1);
+                  EXPECT_TRUE(m_driver.waitUntilUnloaded());
+              }),
+              "");
+    EXPECT_EQ(m_driver.openings(), 1);
+    EXPECT_THAT(m_driver.closed(), ElementsAre(1));
+}
+
+TEST_F(mvbtCmdFailureTest, ADriverThatDoesNotLetGoIsOpenedAllTheSame) {
     m_driver.holdUp(ScriptedBluetooth::InRead);
-    constexpr int kMostDevices = 4;
-    for (int time = 1; time <= kMostDevices; ++time) {
+    constexpr int kTimes = 6;
+    for (int time = 1; time <= kTimes; ++time) {
         open();
         ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead, time));
         closePromptly();
     }
-    EXPECT_EQ(errorOutputOf([&] { EXPECT_EQ(m_link.open(), -1); }), "MVBT open failed\n");
-    EXPECT_EQ(m_driver.openings(), kMostDevices);
+    EXPECT_THAT(m_driver.closed(), SizeIs(kTimes));
     m_driver.release(ScriptedBluetooth::InRead);
     EXPECT_TRUE(m_driver.waitUntilUnloaded());
     open();
@@ -225,12 +249,34 @@ TEST_F(mvbtCmdFailureTest, ClosingWhileTheReaderOpensAnew) {
     EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InOpen));
     closePromptly();
     EXPECT_TRUE(m_driver.isLoaded()) << "the reader is inside";
+    EXPECT_EQ(m_link.open(), -1) << "nor is it waited for now";
     m_driver.release(ScriptedBluetooth::InOpen);
     EXPECT_TRUE(m_driver.waitUntilUnloaded());
-    ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), std::string(kReadFailed) + "MVBT open failed\n");
     EXPECT_THAT(m_driver.closed(), ElementsAre(1, 2));
+    EXPECT_EQ(m_driver.openings(), 2);
     EXPECT_EQ(m_driver.reads(), 1);
-    EXPECT_EQ(m_driver.readersWhenUnloaded(), 0);
+    open();
+    expectWorking();
+}
+
+TEST_F(mvbtCmdFailureTest, WhileTheReaderOpensAnewNothingElseWaitsForIt) {
+    open();
+    ::testing::internal::CaptureStderr();
+    m_driver.holdUp(ScriptedBluetooth::InOpen);
+    m_driver.willFailToRead(1);
+    EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InOpen));
+    EXPECT_FALSE(m_link.checkDll());
+    write(1, {1});
+    Bytes data = {7};
+    EXPECT_EQ(m_link.readnbytes(data, 0, 5), -1);
+    EXPECT_EQ(m_link.open(), -1);
+    m_driver.release(ScriptedBluetooth::InOpen);
+    EXPECT_TRUE(isLoadedAgain());
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_THAT(m_driver.writes(), IsEmpty());
+    EXPECT_EQ(m_driver.openings(), 2);
+    expectWorking();
 }
 
 TEST_F(mvbtCmdFailureTest, TheDriverIsOpenedAnewOnceAWriteHasEnded) {

@@ -9,6 +9,7 @@ int bluetoothOpen(const char* path, int flags);
 int bluetoothClose(int handle);
 int bluetoothRead(int handle, unsigned char* type, unsigned char** data, int* length);
 int bluetoothWrite(int handle, int type, const void* data, int length);
-/// A thread is about to leave a read or a write.
+/// A thread begins a read or a write, and is about to leave it.
+void bluetoothEnters();
 void bluetoothLeaves();
 }

@@ -1,8 +1,11 @@
 #include "driver/ScriptedBluetooth.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
+#include <algorithm>
 #include <atomic>
+#include <optional>
 #include <utility>
 
 #include "driver/BluetoothHooks.h"
@@ -11,6 +14,7 @@
 namespace {
 
 constexpr int kFailure = -1;
+constexpr int kAnyHandle = 0;
 
 std::atomic<ScriptedBluetooth*> s_current{nullptr};
 
@@ -23,23 +27,50 @@ struct Reader {
     }
 };
 
+/// As long as it lives, the thread cannot be cancelled.
+class Uncancellable {
+public:
+    Uncancellable() { ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_before); }
+    ~Uncancellable() { ::pthread_setcancelstate(m_before, nullptr); }
+    Uncancellable(const Uncancellable&) = delete;
+    Uncancellable& operator=(const Uncancellable&) = delete;
+
+private:
+    int m_before = PTHREAD_CANCEL_ENABLE;
+};
+
 } // namespace
+
+/// A thread's being at a point, until it leaves or is cancelled there. The lock is held at both times.
+class ScriptedBluetooth::Presence {
+public:
+    Presence(std::multiset<Point>& inside, Point point) : m_inside(inside), m_at(inside.insert(point)) {}
+    ~Presence() { m_inside.erase(m_at); }
+    Presence(const Presence&) = delete;
+    Presence& operator=(const Presence&) = delete;
+
+private:
+    std::multiset<Point>& m_inside;
+    const std::multiset<Point>::iterator m_at;
+};
 
 ScriptedBluetooth::ScriptedBluetooth() {
     s_current = this;
 }
 
 ScriptedBluetooth::~ScriptedBluetooth() {
+    letGo();
+    EXPECT_TRUE(waitUntilUnloaded()) << "the library is still loaded";
+    EXPECT_TRUE(eventually([this] { return readers() == 0; })) << "a reader has not ended";
+    EXPECT_TRUE(m_open.empty()) << "a device is still open";
+    s_current = nullptr;
+}
+
+void ScriptedBluetooth::letGo() {
     for (const Point point : {InOpen, InRead, InWrite})
         release(point);
     ignoreClosing(false);
-    EXPECT_TRUE(waitUntilUnloaded()) << "the library is still loaded";
-    EXPECT_TRUE(eventually([this] {
-        const Lock lock(m_mutex);
-        return m_readers == 0;
-    })) << "a reader has not ended";
-    EXPECT_TRUE(m_open.empty()) << "a device is still open";
-    s_current = nullptr;
+    ignoreCancelling(false);
 }
 
 void ScriptedBluetooth::willOpenAs(const std::vector<int>& handles) {
@@ -61,9 +92,13 @@ void ScriptedBluetooth::willFailToRead(int times) {
 }
 
 void ScriptedBluetooth::receive(unsigned char type, const Bytes& bytes) {
+    receiveFor(kAnyHandle, type, bytes);
+}
+
+void ScriptedBluetooth::receiveFor(int handle, unsigned char type, const Bytes& bytes) {
     {
         const Lock lock(m_mutex);
-        m_packets.push_back({type, bytes, static_cast<int>(bytes.size()), true});
+        m_packets.push_back({handle, type, bytes, static_cast<int>(bytes.size()), true});
     }
     m_changed.notify_all();
 }
@@ -71,7 +106,7 @@ void ScriptedBluetooth::receive(unsigned char type, const Bytes& bytes) {
 void ScriptedBluetooth::receiveOdd(unsigned char type, int length, bool hasBytes) {
     {
         const Lock lock(m_mutex);
-        m_packets.push_back({type, Bytes(16), length, hasBytes});
+        m_packets.push_back({kAnyHandle, type, Bytes(16), length, hasBytes});
     }
     m_changed.notify_all();
 }
@@ -87,6 +122,11 @@ void ScriptedBluetooth::ignoreClosing(bool ignored) {
         m_ignoresClosing = ignored;
     }
     m_changed.notify_all();
+}
+
+void ScriptedBluetooth::ignoreCancelling(bool ignored) {
+    const Lock lock(m_mutex);
+    m_ignoresCancelling = ignored;
 }
 
 void ScriptedBluetooth::holdUp(Point point) {
@@ -147,6 +187,11 @@ int ScriptedBluetooth::inside(Point point) const {
     return static_cast<int>(m_inside.count(point));
 }
 
+int ScriptedBluetooth::readers() const {
+    const Lock lock(m_mutex);
+    return m_readers;
+}
+
 int ScriptedBluetooth::readersWhenUnloaded() const {
     const Lock lock(m_mutex);
     return m_readersWhenUnloaded;
@@ -161,6 +206,7 @@ bool ScriptedBluetooth::waitUntilUnloaded() const {
 }
 
 void ScriptedBluetooth::passBy(Point point, Lock& lock) {
+    const Uncancellable uncancellable;
     m_changed.wait(lock, [&] { return m_heldUp.count(point) == 0; });
 }
 
@@ -184,10 +230,11 @@ void ScriptedBluetooth::onUnload() {
 
 int ScriptedBluetooth::onOpen(const char* path, int flags) {
     Lock lock(m_mutex);
-    m_inside.insert(InOpen);
     m_openings.push_back({path, flags});
-    passBy(InOpen, lock);
-    m_inside.erase(m_inside.find(InOpen));
+    {
+        const Presence presence(m_inside, InOpen);
+        passBy(InOpen, lock);
+    }
     if (m_refusesToOpen)
         return 0;
     int handle = static_cast<int>(m_openings.size());
@@ -215,22 +262,22 @@ int ScriptedBluetooth::onRead(int handle, unsigned char* type, unsigned char** d
     static thread_local const Reader reader;
     Lock lock(m_mutex);
     expectKnown(handle);
-    ++m_insideLibrary;
     ++m_reads;
-    m_inside.insert(InRead);
-    passBy(InRead, lock);
-    const auto isOver = [&] { return !m_ignoresClosing && m_open.count(handle) == 0; };
-    m_changed.wait(lock, [&] { return m_failingReads > 0 || !m_packets.empty() || isOver(); });
-    m_inside.erase(m_inside.find(InRead));
-    if (isOver())
+    {
+        const Presence presence(m_inside, InRead);
+        passBy(InRead, lock);
+        waitForPacket(handle);
+    }
+    if (isReadOver(handle))
         return kFailure;
     if (m_failingReads > 0) {
         --m_failingReads;
         m_failedReads.push_back(Clock::now());
         return kFailure;
     }
-    const Packet packet = std::move(m_packets.front());
-    m_packets.pop_front();
+    const auto next = nextPacket(handle);
+    const Packet packet = std::move(*next);
+    m_packets.erase(next);
     Bytes& lent = m_lent[handle];
     lent = packet.bytes;
     *type = packet.type;
@@ -239,14 +286,33 @@ int ScriptedBluetooth::onRead(int handle, unsigned char* type, unsigned char** d
     return 0;
 }
 
+bool ScriptedBluetooth::isReadOver(int handle) const {
+    return !m_ignoresClosing && m_open.count(handle) == 0;
+}
+
+std::deque<ScriptedBluetooth::Packet>::iterator ScriptedBluetooth::nextPacket(int handle) {
+    return std::find_if(m_packets.begin(), m_packets.end(), [handle](const Packet& packet) {
+        return packet.handle == kAnyHandle || packet.handle == handle;
+    });
+}
+
+/// At a cancellation point, which `std::condition_variable::wait` is none that a thread may leave.
+void ScriptedBluetooth::waitForPacket(int handle) {
+    std::optional<Uncancellable> uncancellable;
+    if (m_ignoresCancelling)
+        uncancellable.emplace();
+    while (m_failingReads == 0 && nextPacket(handle) == m_packets.end() && !isReadOver(handle))
+        ::pthread_cond_wait(m_changed.native_handle(), m_mutex.native_handle());
+}
+
 int ScriptedBluetooth::onWrite(int handle, int type, const void* data, int length) {
     Lock lock(m_mutex);
     expectKnown(handle);
     EXPECT_EQ(m_open.count(handle), 1U) << "written to a closed device";
-    ++m_insideLibrary;
-    m_inside.insert(InWrite);
-    passBy(InWrite, lock);
-    m_inside.erase(m_inside.find(InWrite));
+    {
+        const Presence presence(m_inside, InWrite);
+        passBy(InWrite, lock);
+    }
     EXPECT_EQ(m_open.count(handle), 1U) << "closed while it is written to";
     const auto* bytes = static_cast<const unsigned char*>(data);
     m_writes.push_back({handle, type, {bytes, bytes + length}});
@@ -256,9 +322,9 @@ int ScriptedBluetooth::onWrite(int handle, int type, const void* data, int lengt
     return kFailure;
 }
 
-void ScriptedBluetooth::onLeave() {
+void ScriptedBluetooth::countInside(int change) {
     const Lock lock(m_mutex);
-    --m_insideLibrary;
+    m_insideLibrary += change;
 }
 
 void ScriptedBluetooth::countReader(int change) {
@@ -294,8 +360,12 @@ int bluetoothWrite(int handle, int type, const void* data, int length) {
     return s_current.load()->onWrite(handle, type, data, length);
 }
 
+void bluetoothEnters() {
+    s_current.load()->countInside(1);
+}
+
 void bluetoothLeaves() {
-    s_current.load()->onLeave();
+    s_current.load()->countInside(-1);
 }
 
 } // extern "C"

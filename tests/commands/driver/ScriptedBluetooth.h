@@ -10,10 +10,10 @@
 #include <vector>
 
 /// The Bluetooth driver that the code under test loads, as the test says what it does: by itself it
-/// opens, waits in its reads for packets until it is closed, and takes what is written. It keeps what it
-/// was called with. What no driver must suffer fails the test: to be unloaded while somebody is inside
-/// it, to be left without being closed, to be called with a handle that it never gave. One at a time;
-/// any thread.
+/// opens, waits in its reads for packets until it is closed or the thread is cancelled, and takes what
+/// is written. It keeps what it was called with. What no driver must suffer fails the test: to be
+/// unloaded while somebody is inside it, to be left without being closed, to be called with a handle
+/// that it never gave. One at a time; any thread.
 class ScriptedBluetooth {
 public:
     using Bytes = std::vector<unsigned char>;
@@ -49,14 +49,20 @@ public:
     void willFailToRead(int times);
     /// A packet for the next read that has no other step.
     void receive(unsigned char type, const Bytes& bytes);
+    /// The same for a read on this handle only.
+    void receiveFor(int handle, unsigned char type, const Bytes& bytes);
     /// The same with a length of its own making, and with or without bytes.
     void receiveOdd(unsigned char type, int length, bool hasBytes);
     void willFailToWrite(int times);
     /// A read ignores that its device is closed.
     void ignoreClosing(bool ignored);
-    /// Who comes to this point waits there until `release`.
+    /// A read never comes to a point at which its thread could be cancelled.
+    void ignoreCancelling(bool ignored);
+    /// Who comes to this point waits there until `release`, and cannot be cancelled.
     void holdUp(Point point);
     void release(Point point);
+    /// Nobody is held up any more, and reads end when their device is closed.
+    void letGo();
 
     // --- What happened. Each `wait...` is false when the patience is exhausted. ---
 
@@ -72,7 +78,9 @@ public:
     std::vector<Clock::time_point> failedReads() const;
     /// Threads that are at this point now.
     int inside(Point point) const;
-    /// Threads that have read and have not ended, at the time when it was unloaded last.
+    /// Threads that have read and have not ended.
+    int readers() const;
+    /// The same at the time when it was unloaded last.
     int readersWhenUnloaded() const;
 
     bool waitUntilInside(Point point, int threads = 1) const;
@@ -85,18 +93,23 @@ public:
     int onClose(int handle);
     int onRead(int handle, unsigned char* type, unsigned char** data, int* length);
     int onWrite(int handle, int type, const void* data, int length);
-    void onLeave();
+    void countInside(int change);
     void countReader(int change);
 
 private:
     struct Packet {
+        int handle; // 0 for any
         unsigned char type;
         Bytes bytes;
         int length;
         bool hasBytes;
     };
     using Lock = std::unique_lock<std::mutex>;
+    class Presence;
 
+    std::deque<Packet>::iterator nextPacket(int handle);
+    void waitForPacket(int handle);
+    bool isReadOver(int handle) const;
     void passBy(Point point, Lock& lock);
     void expectKnown(int handle) const;
 
@@ -109,6 +122,7 @@ private:
     int m_failingReads = 0;
     int m_failingWrites = 0;
     bool m_ignoresClosing = false;
+    bool m_ignoresCancelling = false;
     std::set<Point> m_heldUp;
 
     int m_loaded = 0;

@@ -14,17 +14,22 @@ int closeDevice(int handle) {
     return bluetoothClose(handle);
 }
 
-// Comes back into the library, so that it has to be there still.
+/// Comes back into the library, so that it has to be there still; also when the thread is cancelled.
+struct Visit {
+    Visit() { bluetoothEnters(); }
+    ~Visit() { bluetoothLeaves(); }
+    Visit(const Visit&) = delete;
+    Visit& operator=(const Visit&) = delete;
+};
+
 int readPacket(int handle, unsigned char* type, unsigned char** data, int* length) {
-    const int result = bluetoothRead(handle, type, data, length);
-    bluetoothLeaves();
-    return result;
+    const Visit visit;
+    return bluetoothRead(handle, type, data, length);
 }
 
 int writePacket(int handle, int type, const void* data, int length) {
-    const int result = bluetoothWrite(handle, type, data, length);
-    bluetoothLeaves();
-    return result;
+    const Visit visit;
+    return bluetoothWrite(handle, type, data, length);
 }
 
 __attribute__((constructor)) void load() {

@@ -22,6 +22,9 @@ protected:
     /// A type that a case may write and receive.
     static constexpr unsigned char kEvent = 0x04;
 
+    // The link waits for readers that it left behind.
+    ~BluetoothFixture() override { m_driver.letGo(); }
+
     void open() { ASSERT_EQ(m_link.open(), 0); }
 
     /// Waits until so many bytes wait to be fetched.
