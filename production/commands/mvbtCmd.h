@@ -133,17 +133,17 @@ private:
     static const EntryTable* mvbt;
     static int bthdl;
 
-    // Guards the three handles and all that follows but the fifo. Never held inside the driver; taken
-    // before fifo_mutex.
-    mutable std::mutex m_lock;
-    std::condition_variable m_changed;
-    bool m_isInUse = false; // somebody opens the driver, replaces it, or writes to it
-    int m_leftBehind = 0;   // readers that have not ended yet
-    std::unique_ptr<Reader> m_reader;
-    pthread_t tidmvbtReader{}; // of m_reader
-    bool running = false;      // cleared when the reader is to end
-
     std::queue<unsigned char> fifo;
     mutable pthread_mutex_t fifo_mutex = PTHREAD_MUTEX_INITIALIZER;
     bool mutex_initialized = false;
+
+    pthread_t tidmvbtReader{}; // of m_reader
+    bool running = false;      // cleared when the reader is to end
+
+    // Guards everything but the fifo. Never held inside the driver; taken before fifo_mutex.
+    mutable std::mutex m_lock;
+    std::condition_variable m_changed;
+    std::unique_ptr<Reader> m_reader;
+    bool m_isInUse = false; // somebody opens the driver, replaces it, or writes to it
+    int m_leftBehind = 0;   // readers that have not ended yet
 };

@@ -49,7 +49,7 @@ void mvbtCmd::startReadingThread() {
     std::unique_lock<std::mutex> lock(m_lock);
     if (m_reader)
         return;
-    m_reader.reset(new Reader{*this});
+    m_reader = std::make_unique<Reader>(Reader{*this});
     const int error = ::pthread_create(&tidmvbtReader, nullptr, readingThread, m_reader.get());
     running = error == 0;
     if (running)

@@ -34,6 +34,9 @@ protected:
 } // namespace
 
 TEST_F(mvbtCmdCyclesTest, AThousandCyclesLeaveNothingBehind) {
+    // A sanitizer makes a thread of its own beside the first one.
+    open();
+    ASSERT_EQ(m_link.close(), 0);
     const std::ptrdiff_t threadsBefore = threads();
     const std::ptrdiff_t descriptorsBefore = descriptors();
     steady_clock::duration spent{};
@@ -46,8 +49,8 @@ TEST_F(mvbtCmdCyclesTest, AThousandCyclesLeaveNothingBehind) {
         spent += steady_clock::now() - before;
         ASSERT_FALSE(m_driver.isLoaded());
         ASSERT_EQ(m_driver.readersWhenUnloaded(), 0);
-        ASSERT_EQ(m_driver.loads(), cycle);
-        ASSERT_EQ(m_driver.closed().size(), static_cast<std::size_t>(cycle));
+        ASSERT_EQ(m_driver.loads(), cycle + 1);
+        ASSERT_EQ(m_driver.closed().size(), static_cast<std::size_t>(cycle + 1));
     }
     EXPECT_LT(spent / kCycles, kGenerous);
     RecordProperty("microsecondsPerCycle",

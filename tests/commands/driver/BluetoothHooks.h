@@ -3,7 +3,8 @@
 // What the driver library calls in the program that has loaded it.
 extern "C" {
 
-void bluetoothLoaded();
+/// With the table that it exports.
+void bluetoothLoaded(void (**table)());
 void bluetoothUnloaded();
 int bluetoothOpen(const char* path, int flags);
 int bluetoothClose(int handle);

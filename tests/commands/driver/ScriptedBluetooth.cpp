@@ -83,6 +83,11 @@ void ScriptedBluetooth::refuseToOpen(bool refused) {
     m_refusesToOpen = refused;
 }
 
+void ScriptedBluetooth::willLack(std::size_t slot) {
+    const Lock lock(m_mutex);
+    m_missingSlot = slot;
+}
+
 void ScriptedBluetooth::willFailToRead(int times) {
     {
         const Lock lock(m_mutex);
@@ -214,10 +219,13 @@ void ScriptedBluetooth::expectKnown(int handle) const {
     EXPECT_EQ(m_known.count(handle), 1U) << "called with handle " << handle;
 }
 
-void ScriptedBluetooth::onLoad() {
+void ScriptedBluetooth::onLoad(void (**table)()) {
     const Lock lock(m_mutex);
     ++m_loaded;
     ++m_loads;
+    if (m_missingSlot)
+        table[*m_missingSlot] = nullptr;
+    m_missingSlot.reset();
 }
 
 void ScriptedBluetooth::onUnload() {
@@ -334,8 +342,8 @@ void ScriptedBluetooth::countReader(int change) {
 
 extern "C" {
 
-void bluetoothLoaded() {
-    s_current.load()->onLoad();
+void bluetoothLoaded(void (**table)()) {
+    s_current.load()->onLoad(table);
 }
 
 void bluetoothUnloaded() {

@@ -2,9 +2,11 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -46,6 +48,8 @@ public:
     /// The handles that the next openings give; without that it is their number, from 1 on.
     void willOpenAs(const std::vector<int>& handles);
     void refuseToOpen(bool refused);
+    /// The next time that it is loaded, this slot of its table is empty.
+    void willLack(std::size_t slot);
     void willFailToRead(int times);
     /// A packet for the next read that has no other step.
     void receive(unsigned char type, const Bytes& bytes);
@@ -87,7 +91,7 @@ public:
     bool waitUntilUnloaded() const;
 
     // For the hooks.
-    void onLoad();
+    void onLoad(void (**table)());
     void onUnload();
     int onOpen(const char* path, int flags);
     int onClose(int handle);
@@ -119,6 +123,7 @@ private:
     std::deque<Packet> m_packets;
     std::map<int, Bytes> m_lent; // the bytes of the packet that was read last, by handle
     bool m_refusesToOpen = false;
+    std::optional<std::size_t> m_missingSlot;
     int m_failingReads = 0;
     int m_failingWrites = 0;
     bool m_ignoresClosing = false;

@@ -32,10 +32,6 @@ int writePacket(int handle, int type, const void* data, int length) {
     return bluetoothWrite(handle, type, data, length);
 }
 
-__attribute__((constructor)) void load() {
-    bluetoothLoaded();
-}
-
 __attribute__((destructor)) void unload() {
     bluetoothUnloaded();
 }
@@ -44,11 +40,15 @@ __attribute__((destructor)) void unload() {
 
 extern "C" {
 
-extern const Function mvbt_drv_entry[6];
-const Function mvbt_drv_entry[6] = {nullptr,
-                                    reinterpret_cast<Function>(openDevice),
-                                    reinterpret_cast<Function>(closeDevice),
-                                    reinterpret_cast<Function>(readPacket),
-                                    nullptr,
-                                    reinterpret_cast<Function>(writePacket)};
+extern Function mvbt_drv_entry[6];
+Function mvbt_drv_entry[6] = {nullptr,
+                              reinterpret_cast<Function>(openDevice),
+                              reinterpret_cast<Function>(closeDevice),
+                              reinterpret_cast<Function>(readPacket),
+                              nullptr,
+                              reinterpret_cast<Function>(writePacket)};
+}
+
+__attribute__((constructor)) static void load() {
+    bluetoothLoaded(mvbt_drv_entry);
 }
