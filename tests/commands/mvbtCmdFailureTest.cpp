@@ -1,10 +1,9 @@
-// The Bluetooth link and a driver that fails, takes its time, or is not there any more.
+// The Bluetooth link and a driver that fails.
 #include <algorithm>
 #include <chrono>
 #include <climits>
 #include <functional>
 #include <random>
-#include <thread>
 
 #include "support/BluetoothFixture.h"
 #include "support/PthreadCalls.h"
@@ -16,32 +15,8 @@ using ::testing::SizeIs;
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 
-/// Far longer than closing may take, on a machine that is busy with other things.
-constexpr std::chrono::seconds kPromptly{30};
-
-class mvbtCmdFailureTest : public BluetoothFixture {
-protected:
-    void closePromptly() {
-        const auto before = steady_clock::now();
-        EXPECT_EQ(m_link.close(), 0);
-        EXPECT_LT(steady_clock::now() - before, kPromptly);
-        EXPECT_FALSE(m_link.checkDll());
-    }
-
-    /// That packets come in and go out.
-    void expectWorking() {
-        ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
-        fetch();
-        m_driver.receive(kEvent, {0xAB});
-        ASSERT_TRUE(has(2));
-        EXPECT_EQ(fetch(), packet(kEvent, {0xAB}));
-        const std::size_t before = m_driver.writes().size();
-        write(1, {2, 3});
-        EXPECT_THAT(m_driver.writes(), SizeIs(before + 1));
-    }
-};
+class mvbtCmdFailureTest : public BluetoothFixture {};
 
 } // namespace
 
@@ -210,139 +185,6 @@ TEST_F(mvbtCmdFailureTest, ClosingDuringThePauseDoesNotWaitForItsEnd) {
     ::testing::internal::GetCapturedStderr();
     EXPECT_TRUE(m_driver.waitUntilUnloaded());
     EXPECT_LE(m_driver.reads(), 2);
-}
-
-TEST_F(mvbtCmdFailureTest, AReadThatCannotBeCancelledKeepsTheLibraryUntilItComesBack) {
-    m_driver.holdUp(ScriptedBluetooth::InRead);
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
-    closePromptly();
-    EXPECT_TRUE(m_driver.isLoaded());
-    EXPECT_THAT(m_driver.closed(), ElementsAre(1));
-    m_driver.receive(kEvent, {1});
-    m_driver.release(ScriptedBluetooth::InRead);
-    EXPECT_TRUE(m_driver.waitUntilUnloaded());
-    EXPECT_EQ(m_driver.loads(), 1);
-    EXPECT_EQ(m_driver.reads(), 1) << "it ends";
-}
-
-TEST_F(mvbtCmdFailureTest, AReadThatCannotBeCancelledIsWokenByClosing) {
-    m_driver.ignoreCancelling(true);
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
-    EXPECT_EQ(errorOutputOf([&] { closePromptly(); }), "") << "this is no failure of the driver's";
-    EXPECT_TRUE(m_driver.waitUntilUnloaded());
-    EXPECT_EQ(m_driver.reads(), 1);
-    EXPECT_EQ(m_driver.openings(), 1);
-}
-
-TEST_F(mvbtCmdFailureTest, AReadFromBeforeDeliversNothingToALaterOpening) {
-    m_driver.ignoreCancelling(true);
-    m_driver.ignoreClosing(true);
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
-    closePromptly();
-    m_driver.ignoreCancelling(false);
-    open();
-    EXPECT_EQ(m_driver.openings(), 2);
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead, 2));
-    m_driver.receiveFor(1, kEvent, {1});
-    ASSERT_TRUE(eventually([&] { return m_driver.readers() == 1; })) << "the one from before ends";
-    EXPECT_TRUE(m_link.isQueueEmpty());
-    m_driver.receiveFor(2, kEvent, {2});
-    ASSERT_TRUE(has(2));
-    EXPECT_EQ(fetch(), packet(kEvent, {2}));
-    EXPECT_TRUE(m_link.checkDll());
-    expectWorking();
-    closePromptly();
-    EXPECT_THAT(m_driver.closed(), ElementsAre(1, 2));
-}
-
-TEST_F(mvbtCmdFailureTest, AReadFromBeforeThatFailsReopensNothing) {
-    m_driver.ignoreCancelling(true);
-    m_driver.ignoreClosing(true);
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
-    closePromptly();
-    EXPECT_EQ(errorOutputOf([&] {
-                  m_driver.willFailToRead(1);
-                  EXPECT_TRUE(m_driver.waitUntilUnloaded());
-              }),
-              "");
-    EXPECT_EQ(m_driver.openings(), 1);
-    EXPECT_THAT(m_driver.closed(), ElementsAre(1));
-}
-
-TEST_F(mvbtCmdFailureTest, ADriverThatDoesNotLetGoIsOpenedAllTheSame) {
-    m_driver.holdUp(ScriptedBluetooth::InRead);
-    constexpr int kTimes = 6;
-    for (int time = 1; time <= kTimes; ++time) {
-        open();
-        ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead, time));
-        closePromptly();
-    }
-    EXPECT_THAT(m_driver.closed(), SizeIs(kTimes));
-    m_driver.release(ScriptedBluetooth::InRead);
-    EXPECT_TRUE(m_driver.waitUntilUnloaded());
-    open();
-    expectWorking();
-}
-
-TEST_F(mvbtCmdFailureTest, ClosingWhileTheReaderOpensAnew) {
-    open();
-    ::testing::internal::CaptureStderr();
-    m_driver.holdUp(ScriptedBluetooth::InOpen);
-    m_driver.willFailToRead(1);
-    EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InOpen));
-    closePromptly();
-    EXPECT_TRUE(m_driver.isLoaded()) << "the reader is inside";
-    EXPECT_EQ(m_link.open(), -1) << "nor is it waited for now";
-    m_driver.release(ScriptedBluetooth::InOpen);
-    EXPECT_TRUE(m_driver.waitUntilUnloaded());
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), std::string(kReadFailed) + "MVBT open failed\n");
-    EXPECT_THAT(m_driver.closed(), ElementsAre(1, 2));
-    EXPECT_EQ(m_driver.openings(), 2);
-    EXPECT_EQ(m_driver.reads(), 1);
-    open();
-    expectWorking();
-}
-
-TEST_F(mvbtCmdFailureTest, WhileTheReaderOpensAnewNothingElseWaitsForIt) {
-    open();
-    ::testing::internal::CaptureStderr();
-    m_driver.holdUp(ScriptedBluetooth::InOpen);
-    m_driver.willFailToRead(1);
-    EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InOpen));
-    EXPECT_FALSE(m_link.checkDll());
-    write(1, {1});
-    Bytes data = {7};
-    EXPECT_EQ(m_link.readnbytes(data, 0, 5), -1);
-    EXPECT_EQ(m_link.open(), -1);
-    m_driver.release(ScriptedBluetooth::InOpen);
-    EXPECT_TRUE(isLoadedAgain());
-    ::testing::internal::GetCapturedStderr();
-    EXPECT_THAT(m_driver.writes(), IsEmpty());
-    EXPECT_EQ(m_driver.openings(), 2);
-    expectWorking();
-}
-
-TEST_F(mvbtCmdFailureTest, TheDriverIsOpenedAnewOnceAWriteHasEnded) {
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
-    m_driver.holdUp(ScriptedBluetooth::InWrite);
-    ::testing::internal::CaptureStderr();
-    std::thread writer([&] { write(1, {5, 6}); });
-    EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InWrite));
-    m_driver.willFailToRead(1);
-    EXPECT_TRUE(eventually([&] { return m_driver.failedReads().size() == 1; }));
-    EXPECT_THAT(m_driver.closed(), IsEmpty());
-    m_driver.release(ScriptedBluetooth::InWrite);
-    writer.join();
-    EXPECT_TRUE(eventually([&] { return m_driver.openings() == 2; }));
-    EXPECT_TRUE(isLoadedAgain());
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), kReadFailed);
-    EXPECT_THAT(m_driver.closed(), ElementsAre(1));
-    expectWorking();
 }
 
 TEST_F(mvbtCmdFailureTest, AThousandRandomStepsLeaveNothingBehind) {

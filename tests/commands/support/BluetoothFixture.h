@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,16 @@ using Bytes = std::vector<unsigned char>;
 constexpr char kReadFailed[] =
     "Prod.testserver: mvbt_read failed, the reading thread could not read mvbt\n"
     "Prod.testserver: Trying to close and reopen the interface\n";
+
+/// The type, then the bytes, as they are fetched.
+inline Bytes packet(unsigned char type, const Bytes& bytes) {
+    Bytes all = {type};
+    all.insert(all.end(), bytes.begin(), bytes.end());
+    return all;
+}
+
+/// Far longer than closing may take, on a machine that is busy with other things.
+constexpr std::chrono::seconds kPromptly{30};
 
 /// The Bluetooth link with a scripted driver library.
 class BluetoothFixture : public ::testing::Test {
@@ -46,13 +57,25 @@ protected:
         m_link.write(type, bytes.data(), static_cast<int>(bytes.size()));
     }
 
+    void closePromptly() {
+        const auto before = std::chrono::steady_clock::now();
+        EXPECT_EQ(m_link.close(), 0);
+        EXPECT_LT(std::chrono::steady_clock::now() - before, kPromptly);
+        EXPECT_FALSE(m_link.checkDll());
+    }
+
+    /// That packets come in and go out.
+    void expectWorking() {
+        ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+        fetch();
+        m_driver.receive(kEvent, {0xAB});
+        ASSERT_TRUE(has(2));
+        EXPECT_EQ(fetch(), packet(kEvent, {0xAB}));
+        const std::size_t before = m_driver.writes().size();
+        write(1, {2, 3});
+        EXPECT_THAT(m_driver.writes(), ::testing::SizeIs(before + 1));
+    }
+
     ScriptedBluetooth m_driver;
     mvbtCmd m_link;
 };
-
-/// The type, then the bytes, as they are fetched.
-inline Bytes packet(unsigned char type, const Bytes& bytes) {
-    Bytes all = {type};
-    all.insert(all.end(), bytes.begin(), bytes.end());
-    return all;
-}
