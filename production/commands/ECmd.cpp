@@ -1,9 +1,9 @@
 #include "commands/ECmd.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 #include "core/TokenText.h"
+#include "platform/CommandLine.h"
 
 namespace {
 
@@ -67,7 +67,7 @@ ProcessResponse* ECmd::setState(unsigned char state) {
         return new ProcessResponse(kInvalidState, kNoSuchState);
     const char* command = state == kActive ? kActivate : kDeactivate;
     // The tool answers how many processes it has signalled.
-    const int result = std::system(command);
+    const int result = System::runCommandLine(command);
     if (result == -1)
         return new ProcessResponse(kAudioError, kCallFailed, command, result);
     if (result == 0)

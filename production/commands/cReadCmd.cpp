@@ -52,6 +52,7 @@ constexpr char kNoCaptureFile[] = "Error, the /tmp/resp.txt could not be created
 constexpr char kSpawnFailed[] = "spawn for starting /bin/sh failed";
 constexpr char kNotKilled[] = "Process %s could not be killed after timeout\n";
 constexpr char kKilled[] = "Process %s was killed after timeout\nstdout+err:\n%s\n";
+constexpr char kNotFed[] = "could not write the command to /bin/sh: %s";
 constexpr char kWaitFailed[] =
     "Timer timeout for c command child process with unknown error errorno: %d";
 constexpr char kSignalled[] = "child process for c command received signal pid: %d, returncode: %d";
@@ -213,6 +214,8 @@ ProcessResponse cReadCmd::capture(unsigned long long timeoutSeconds, const char*
             return error(kKilled, commandText, readWhole(output).c_str());
         case System::ShellOutcome::KillFailed:
             return error(kNotKilled, commandText);
+        case System::ShellOutcome::FeedFailed:
+            return error(kNotFed, std::strerror(result.error));
         case System::ShellOutcome::WaitFailed:
             break;
     }

@@ -12,6 +12,7 @@ set(platform_shared
 
 set(platform_linux
   linux/BlockDevice.cpp
+  linux/CommandLine.cpp
   linux/Descriptors.cpp
   linux/DeviceManager.cpp
   linux/DriverLibraryMode.cpp
@@ -23,6 +24,7 @@ set(platform_linux
   linux/PathWait.cpp
   linux/ProcessTree.cpp
   linux/Shell.cpp
+  linux/ShellStart.cpp
   linux/Terminal.cpp
   linux/ThreadTraits.cpp)
 set(platform_linux_libraries resolv ${CMAKE_DL_LIBS})
@@ -30,6 +32,7 @@ set(platform_linux_libraries resolv ${CMAKE_DL_LIBS})
 set(platform_qnx
   qnx/BlockDevice.cpp
   qnx/CloseOnExec.cpp
+  qnx/CommandLine.cpp
   qnx/Descriptors.cpp
   qnx/DeviceManager.cpp
   qnx/DriverLibraryMode.cpp

@@ -2,12 +2,15 @@
 #include "commands/ECmd.h"
 
 #include <signal.h>
+#include <sys/syscall.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 
 #include "core/Handler.h"
+#include "support/RefusedCalls.h"
 #include "support/UnitFixture.h"
 
 using ::testing::ElementsAre;
@@ -175,6 +178,32 @@ TEST_F(ECmdTest, ACallWhoseEndCannotBeLearntIsAnError) {
                 "system call error: slay -s SIGUSR2 deva-nvaudio returned with rc: -1", kDeactivated);
     ::signal(SIGCHLD, SIG_DFL);
     expectResponse(process(kActivateRequest), 0, "");
+}
+
+TEST_F(ECmdTest, ACallThatCannotBeMadeIsAnError) {
+    inFreshProcess([] {
+        refuseSystemCalls({SYS_clone, SYS_clone3, SYS_vfork, SYS_fork}, EAGAIN);
+        expectResponse(process(kActivateRequest), kAudioError,
+                       "system call error: slay -s SIGUSR1 deva-nvaudio returned with rc: -1");
+    });
+}
+
+TEST_F(ECmdTest, TheToolStartsWithDefaultSignalHandling) {
+    // The daemon ignores a lost reader, and whoever has started it may have ignored or blocked more.
+    ::signal(SIGHUP, SIG_IGN);
+    sigset_t blocked;
+    ::sigemptyset(&blocked);
+    ::sigaddset(&blocked, SIGTERM);
+    ::sigprocmask(SIG_BLOCK, &blocked, nullptr);
+    for (const char* signal : {"PIPE", "HUP", "TERM"}) {
+        SCOPED_TRACE(signal);
+        // Lives on, and notes that, unless the signal ends it.
+        toolEndsWith(std::string("sh -c 'kill -") + signal + " $$; echo lives >> /tmp/slayed'\nexit 1");
+        expectResponse(process(kActivateRequest), 0, "");
+        EXPECT_EQ(noted(), kActivated);
+    }
+    ::sigprocmask(SIG_UNBLOCK, &blocked, nullptr);
+    ::signal(SIGHUP, SIG_DFL);
 }
 
 TEST_F(ECmdTest, NothingIsRetriedAndNothingRemembered) {

@@ -149,6 +149,35 @@ TEST_F(ExecTest, LeavesRunningWhatASuccessfulCommandLeftBehind) {
     EXPECT_TRUE(isRunning(left));
 }
 
+TEST_F(ExecTest, LeavesRunningWhatALeftoverStartsDuringACommandThatIsKilled) {
+    Connection station;
+    expectExchange(
+        station,
+        request("exec command 5 \"(until [ -e /tmp/go ]; do sleep 0.01; done; setsid -f sh -c "
+                "'echo $$ >/tmp/left; exec sleep 1000'; touch /tmp/done) &\""),
+        answer("exec base64()"));
+    const std::string text = "touch /tmp/go; until [ -e /tmp/done ]; do sleep 0.01; done; sleep 1001";
+    expectExchange(station, request("exec command 2 \"" + text + "\""),
+                   failure("exec", "Process " + text + " was killed after timeout\nstdout+err:\n\n"));
+    ASSERT_TRUE(exists("/tmp/done")) << "two seconds did not suffice to start it";
+    EXPECT_TRUE(eventually([] { return !contentOf("/tmp/left").empty(); }));
+    EXPECT_TRUE(isRunning(std::stoi(contentOf("/tmp/left"))));
+}
+
+TEST_F(ExecTest, LeftoversThatEndAreCollectedWithoutAnotherCommand) {
+    Connection station;
+    expectExchange(station,
+                   request("exec command 5 \"sleep 0.05 & echo $! >/tmp/one; (sleep 0.05 & echo $! "
+                           ">/tmp/two); setsid sleep 0.05 & echo $! >/tmp/three\""),
+                   answer("exec base64()"));
+    for (const char* file : {"/tmp/one", "/tmp/two", "/tmp/three"}) {
+        std::string number = contentOf(file);
+        ASSERT_FALSE(number.empty());
+        number.pop_back();
+        EXPECT_TRUE(eventually([&number] { return !exists("/proc/" + number); })) << file;
+    }
+}
+
 TEST_F(ExecTest, LaterAnswersAreFreeOfWhatLeftoversWrite) {
     Connection station;
     expectExchange(

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -217,4 +218,22 @@ TEST_F(ShellTest, AnEndlessLimitIsNoProblem) {
     const ShellRun shell = run("echo quick", std::chrono::nanoseconds::max());
     EXPECT_EQ(shell.result.outcome, ShellOutcome::Ended);
     EXPECT_EQ(shell.output, "quick\n");
+}
+
+TEST_F(ShellTest, IsKilledWhenItCannotBeGivenItsText) {
+    const Descriptor output(::memfd_create("output", MFD_CLOEXEC));
+    Descriptor readEnd;
+    Descriptor writeEnd;
+    ASSERT_TRUE(System::openPipe(readEnd, writeEnd));
+    ASSERT_EQ(::write(writeEnd.get(), "echo the beginning", 18), 18);
+    System::Shell shell;
+    ASSERT_EQ(shell.start(readEnd.get(), output.get(), output.get()), 0);
+    readEnd.reset();
+    // The rest is refused: the device has no room.
+    const System::ShellResult result =
+        shell.feedAndWait(Descriptor(::open("/dev/full", O_WRONLY | O_CLOEXEC)), " of it", kAmple);
+    EXPECT_EQ(result.outcome, ShellOutcome::FeedFailed);
+    EXPECT_EQ(result.error, ENOSPC);
+    EXPECT_EQ(::kill(shell.pid(), 0), -1) << "it still runs";
+    EXPECT_EQ(contentOf(output), "");
 }

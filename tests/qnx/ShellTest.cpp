@@ -186,8 +186,31 @@ TEST_F(QnxShellTest, AShellThatDoesNotReadInTimeHasRunOutOfIt) {
     const ShellResult result = run("ls", 1ns);
     EXPECT_EQ(result.outcome, ShellOutcome::WaitFailed);
     EXPECT_EQ(result.error, ETIMEDOUT);
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("fcntl 9 4 0x80", "write 9 \"ls\"", "poll 9:0x4 1",
-                                                 "write 9 \"ls\"", "close 9"));
+    // Were the pipe closed before, the shell would run what it has got of the text.
+    EXPECT_THAT(FakeSystem::calls(),
+                ElementsAre("fcntl 9 4 0x80", "write 9 \"ls\"", "poll 9:0x4 1", "write 9 \"ls\"",
+                            "kill 4711 9", "kill -4711 9", "TimerTimeout 0 0x50 null 2000000000 null",
+                            waitForShell(), "close 9"));
+}
+
+TEST_F(QnxShellTest, AShellThatCannotBeGivenTheRestOfItsTextIsKilledBeforeItsInputEnds) {
+    FakeSystem::next("write", {11});
+    FakeSystem::fail("write", EIO);
+    const ShellResult result = run("echo abcdefghijkl");
+    EXPECT_EQ(result.outcome, ShellOutcome::FeedFailed);
+    EXPECT_EQ(result.error, EIO);
+    EXPECT_THAT(FakeSystem::calls(),
+                ElementsAre("fcntl 9 4 0x80", "write 9 \"echo abcdefghijkl\"", "write 9 \"ghijkl\"",
+                            "kill 4711 9", "kill -4711 9", "TimerTimeout 0 0x50 null 2000000000 null",
+                            waitForShell(), "close 9"));
+}
+
+TEST_F(QnxShellTest, AShellWhosePipeCannotBeUsedWithoutWaitingIsKilled) {
+    FakeSystem::fail("fcntl", EBADF);
+    const ShellResult result = run();
+    EXPECT_EQ(result.outcome, ShellOutcome::FeedFailed);
+    EXPECT_EQ(result.error, EBADF);
+    EXPECT_THAT(FakeSystem::calls(), Not(Contains(StartsWith("write"))));
 }
 
 TEST_F(QnxShellTest, AShellThatReadsNoMoreIsWaitedFor) {

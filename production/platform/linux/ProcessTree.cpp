@@ -4,8 +4,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,7 +15,6 @@
 #include <string>
 
 #include "platform/Descriptor.h"
-#include "platform/posix/EndedChildren.h"
 
 namespace System {
 
@@ -38,34 +35,46 @@ bool readStatus(const char* pid, Process& process) {
     // The program's name stands in parentheses and may itself hold any character.
     const char* afterName = std::strrchr(text, ')');
     char state = 0;
-    unsigned long long startTime = 0;
-    if (afterName == nullptr ||
-        std::sscanf(afterName + 1,
-                    " %c %d %d %d %*d %*d %*u %*u %*u %*u %*u %*u %*u %*d %*d %*d %*d %*d %*d %llu",
-                    &state, &process.parent, &process.group, &process.session, &startTime) != 5)
+    if (afterName == nullptr || std::sscanf(afterName + 1, " %c %d %d %d", &state, &process.parent,
+                                            &process.group, &process.session) != 4)
         return false;
     process.pid = static_cast<pid_t>(std::atoi(pid));
-    process.startTime = startTime;
     process.dead = state == 'Z' || state == 'X';
     return true;
 }
 
-const Process* find(const std::vector<Process>& processes, pid_t pid) {
-    const auto found = std::find_if(processes.begin(), processes.end(),
-                                    [pid](const Process& process) { return process.pid == pid; });
-    return found == processes.end() ? nullptr : &*found;
+/// What descends from `root` or never left its session and group, without `root` itself.
+std::vector<Process> offspringOf(pid_t root) {
+    std::vector<Process> others = listProcesses();
+    std::vector<Process> offspring;
+    std::vector<pid_t> family = {root};
+    const auto belongs = [&](const Process& process) {
+        return process.pid != root &&
+               (process.session == root || process.group == root ||
+                std::find(family.begin(), family.end(), process.parent) != family.end());
+    };
+    for (std::size_t known = 0; known != family.size();) {
+        known = family.size();
+        const auto rest = std::partition(others.begin(), others.end(), belongs);
+        std::for_each(others.begin(), rest, [&](const Process& process) {
+            offspring.push_back(process);
+            family.push_back(process.pid);
+        });
+        others.erase(others.begin(), rest);
+    }
+    return offspring;
 }
 
-/// The ancestor of `process` (or itself) whose parent is `ancestor`; null when it is no descendant.
-const Process* branchBelow(pid_t ancestor, const Process& process, const std::vector<Process>& all) {
-    const Process* current = &process;
-    // Bounded: numbers that were reused while the table was read could form a ring.
-    for (std::size_t steps = 0; current != nullptr && steps <= all.size(); ++steps) {
-        if (current->parent == ancestor)
-            return current;
-        current = find(all, current->parent);
+/// Whether there was anything left to kill.
+bool killOffspring(pid_t root) {
+    bool found = false;
+    for (const Process& process : offspringOf(root)) {
+        if (process.dead)
+            continue;
+        found = true;
+        ::kill(process.pid, SIGKILL);
     }
-    return nullptr;
+    return found;
 }
 
 } // namespace
@@ -83,54 +92,13 @@ std::vector<Process> listProcesses() {
     return processes;
 }
 
-ProcessTree::ProcessTree() {
-    ::prctl(PR_SET_CHILD_SUBREAPER, 1);
-    collectEndedChildren();
-    // Without a child there is nothing left of earlier commands: the usual case costs two system calls.
-    siginfo_t info;
-    if (::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) != 0)
-        return;
-    const std::vector<Process> all = listProcesses();
-    std::copy_if(all.begin(), all.end(), std::back_inserter(m_earlier), [&all](const Process& process) {
-        return branchBelow(::getpid(), process, all) != nullptr;
-    });
-}
-
-bool ProcessTree::belongsToEarlier(const Process& process) const {
-    return std::any_of(m_earlier.begin(), m_earlier.end(), [&process](const Process& earlier) {
-        return earlier.session == process.session ||
-               (earlier.pid == process.pid && earlier.startTime == process.startTime);
-    });
-}
-
-std::vector<Process> ProcessTree::membersOf(pid_t root) const {
-    const std::vector<Process> all = listProcesses();
-    std::vector<Process> members;
-    for (const Process& process : all) {
-        if (process.dead || process.pid == ::getpid())
-            continue;
-        const Process* branch = branchBelow(::getpid(), process, all);
-        const bool descends = branch != nullptr && (branch->pid == root || !belongsToEarlier(*branch));
-        if (process.session == root || process.group == root || descends)
-            members.push_back(process);
-    }
-    return members;
-}
-
-int ProcessTree::kill(pid_t root) const {
-    // The group first, in one blow; the root by its own number, in case it left its group.
-    ::kill(-root, SIGKILL);
-    if (::kill(root, SIGKILL) != 0)
-        return errno;
-    for (int round = 0; round < kKillRounds; ++round) {
-        const std::vector<Process> members = membersOf(root);
-        if (members.empty())
-            break;
-        for (const Process& member : members)
-            ::kill(member.pid, SIGKILL);
+int killProcessTree(pid_t root) {
+    for (int round = 0; round < kKillRounds && killOffspring(root); ++round)
         ::poll(nullptr, 0, kPauseBetweenRoundsMs);
-    }
-    return 0;
+    // The group in one blow, for where there is no table of processes; the root by its own number, in
+    // case it left its group.
+    ::kill(-root, SIGKILL);
+    return ::kill(root, SIGKILL) == 0 ? 0 : errno;
 }
 
 } // namespace System

@@ -2,7 +2,6 @@
 
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,6 +11,7 @@
 #include <limits>
 
 #include "platform/linux/ProcessTree.h"
+#include "platform/linux/ShellStart.h"
 #include "platform/posix/EndedChildren.h"
 #include "platform/posix/ShellInput.h"
 
@@ -23,53 +23,14 @@ using Clock = std::chrono::steady_clock;
 
 // A kernel without process descriptors (before 5.3) is asked this often whether the shell has ended.
 constexpr std::chrono::milliseconds kPollWithoutProcessDescriptor{5};
-// After the kill the kernel ends a process at once, unless a driver holds it.
-constexpr std::chrono::seconds kPatienceAfterKill{2};
+// The kernel stops and ends a process at once, unless a driver holds it.
+constexpr std::chrono::seconds kPatience{2};
+constexpr int kPauseMs = 1;
 
 Clock::time_point deadlineAfter(std::chrono::nanoseconds limit) {
     const Clock::time_point now = Clock::now();
     return limit < Clock::time_point::max() - now ? now + limit : Clock::time_point::max();
 }
-
-/// Attributes and actions of `posix_spawn`, released together.
-class SpawnPlan {
-public:
-    SpawnPlan() {
-        ::posix_spawnattr_init(&m_attributes);
-        ::posix_spawn_file_actions_init(&m_actions);
-    }
-    ~SpawnPlan() {
-        ::posix_spawn_file_actions_destroy(&m_actions);
-        ::posix_spawnattr_destroy(&m_attributes);
-    }
-    SpawnPlan(const SpawnPlan&) = delete;
-    SpawnPlan& operator=(const SpawnPlan&) = delete;
-
-    void startFresh() {
-        sigset_t all;
-        sigset_t none;
-        ::sigfillset(&all);
-        ::sigemptyset(&none);
-        ::posix_spawnattr_setsigdefault(&m_attributes, &all);
-        ::posix_spawnattr_setsigmask(&m_attributes, &none);
-        ::posix_spawnattr_setflags(&m_attributes,
-                                   POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSID);
-    }
-    int map(int from, int to) { return ::posix_spawn_file_actions_adddup2(&m_actions, from, to); }
-    /// Also what the daemon's own parent forgot to close.
-    int closeFrom(int lowest) { return ::posix_spawn_file_actions_addclosefrom_np(&m_actions, lowest); }
-
-    int spawn(pid_t& pid) {
-        char name[] = "sh";
-        char readStandardInput[] = "-s";
-        char* const arguments[] = {name, readStandardInput, nullptr};
-        return ::posix_spawn(&pid, "/bin/sh", &m_actions, &m_attributes, arguments, environ);
-    }
-
-private:
-    posix_spawnattr_t m_attributes;
-    posix_spawn_file_actions_t m_actions;
-};
 
 /// Waits for one child with a deadline, and for a pipe to take more bytes meanwhile.
 class ChildWait {
@@ -113,60 +74,69 @@ private:
     Descriptor m_descriptor;
 };
 
-ShellResult killAndCollect(pid_t pid, const ProcessTree& tree, const ChildWait& child) {
-    if (const int error = tree.kill(pid); error != 0)
+/// Has the shell start nothing more. Returns once it is so, or the shell has ended, or has had its time.
+/// 0, or the error number that stopping failed with.
+int stop(pid_t pid) {
+    if (::kill(pid, SIGSTOP) != 0)
+        return errno;
+    const Clock::time_point deadline = Clock::now() + kPatience;
+    siginfo_t info{};
+    while (::waitid(P_PID, static_cast<id_t>(pid), &info, WSTOPPED | WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           info.si_pid == 0 && Clock::now() < deadline)
+        ::poll(nullptr, 0, kPauseMs);
+    return 0;
+}
+
+ShellResult endedResult(int status, int error) {
+    if (error != 0)
+        return {ShellOutcome::WaitFailed, 0, error};
+    return {ShellOutcome::Ended, status, 0};
+}
+
+ShellResult killAndCollect(pid_t pid, const ChildWait& child) {
+    if (const int error = stop(pid); error != 0)
         return {ShellOutcome::KillFailed, 0, error};
     int status = 0;
-    int ignored = 0;
-    const Clock::time_point deadline = Clock::now() + kPatienceAfterKill;
-    while (!child.ended(status, ignored) && Clock::now() < deadline)
+    int error = 0;
+    if (child.ended(status, error)) // at the last moment; what it has left running lives on
+        return endedResult(status, error);
+    if (error = killProcessTree(pid); error != 0)
+        return {ShellOutcome::KillFailed, 0, error};
+    const Clock::time_point deadline = Clock::now() + kPatience;
+    while (!child.ended(status, error) && Clock::now() < deadline)
         child.waitForEvent(-1, deadline);
-    collectEndedChildren();
     return {ShellOutcome::Killed, status, 0};
 }
 
 } // namespace
 
-class Shell::Tracking {
-public:
-    ProcessTree tree;
-};
-
-Shell::Shell() = default;
-Shell::~Shell() = default;
-
 int Shell::start(int input, int output, int errorOutput) {
-    m_tracking = std::make_unique<Tracking>();
-    SpawnPlan plan;
-    plan.startFresh();
-    const int targets[][2] = {
-        {input, STDIN_FILENO}, {output, STDOUT_FILENO}, {errorOutput, STDERR_FILENO}};
-    for (const auto& [from, to] : targets) {
-        if (const int error = plan.map(from, to); error != 0)
-            return error;
-    }
-    if (const int error = plan.closeFrom(STDERR_FILENO + 1); error != 0)
-        return error;
-    return plan.spawn(m_pid);
+    collectEndedChildren(); // a shell that could not be ended in time
+    char name[] = "sh";
+    char readStandardInput[] = "-s";
+    char* const arguments[] = {name, readStandardInput, nullptr};
+    const int streams[] = {input, output, errorOutput};
+    return startShell({arguments, streams}, m_pid);
 }
 
-ShellResult Shell::feedAndWait(Descriptor input, std::string_view text, std::chrono::nanoseconds limit) {
+ShellResult Shell::feedAndWait(Descriptor input, std::string_view text,
+                               std::chrono::nanoseconds limit) const {
     const Clock::time_point deadline = deadlineAfter(limit);
     const ChildWait child(m_pid);
     ShellInput commands(std::move(input), text);
     int status = 0;
     int error = 0;
-    commands.feed();
-    child.waitForEvent(commands.pipe(), deadline);
-    while (!child.ended(status, error)) {
-        if (Clock::now() >= deadline)
-            return killAndCollect(m_pid, m_tracking->tree, child);
-        commands.feed();
+    for (;;) {
+        if (commands.feed(error) == ShellInput::Progress::Failed) {
+            killAndCollect(m_pid, child);
+            return {ShellOutcome::FeedFailed, 0, error};
+        }
         child.waitForEvent(commands.pipe(), deadline);
+        if (child.ended(status, error))
+            return endedResult(status, error);
+        if (Clock::now() >= deadline)
+            return killAndCollect(m_pid, child);
     }
-    if (error != 0)
-        return {ShellOutcome::WaitFailed, 0, error};
-    return {ShellOutcome::Ended, status, 0};
 }
 
 } // namespace System

@@ -10,21 +10,28 @@
 namespace System {
 
 ShellInput::ShellInput(Descriptor pipe, std::string_view text) : m_pipe(std::move(pipe)), m_text(text) {
-    ::fcntl(m_pipe.get(), F_SETFL, O_NONBLOCK);
+    if (::fcntl(m_pipe.get(), F_SETFL, O_NONBLOCK) == -1)
+        m_failure = errno;
 }
 
-bool ShellInput::feed() {
-    while (m_pipe && !m_text.empty()) {
+ShellInput::Progress ShellInput::feed(int& error) {
+    while (m_failure == 0 && m_pipe && !m_text.empty()) {
         const ssize_t written = ::write(m_pipe.get(), m_text.data(), m_text.size());
-        if (written >= 0)
+        if (written >= 0) {
             m_text.remove_prefix(static_cast<std::size_t>(written));
-        else if (errno == EAGAIN)
-            return false;
-        else if (errno != EINTR)
+        } else if (errno == EPIPE) {
             m_text = {}; // nobody reads any more
+        } else if (errno == EAGAIN) {
+            return Progress::Waiting;
+        } else if (errno != EINTR) {
+            m_failure = errno;
+        }
     }
+    error = m_failure;
+    if (m_failure != 0)
+        return Progress::Failed;
     m_pipe.reset();
-    return true;
+    return Progress::Done;
 }
 
 } // namespace System

@@ -31,23 +31,27 @@ int pollTime(nanoseconds left) {
         std::min(std::chrono::ceil<std::chrono::milliseconds>(left), kLongest).count());
 }
 
-/// Gives the shell its commands; returns what is left of the limit then. A text that the pipe takes at
-/// once costs nothing of it.
-nanoseconds feedWithin(nanoseconds limit, ShellInput& commands) {
+/// Gives the shell its commands; subtracts the time that it took from `left`. A text that the pipe takes
+/// at once costs nothing of it. False when the shell has not got all of it.
+bool feedWithin(nanoseconds& left, ShellInput& commands, int& error) {
     const Clock::time_point start = Clock::now();
-    nanoseconds left = limit;
-    while (!commands.feed() && left.count() > 0) {
+    const nanoseconds limit = left;
+    for (;;) {
+        const ShellInput::Progress progress = commands.feed(error);
+        if (progress != ShellInput::Progress::Waiting)
+            return progress == ShellInput::Progress::Done;
+        if (left.count() <= 0)
+            return false;
         pollfd event{commands.pipe(), POLLOUT, 0};
         ::poll(&event, 1, pollTime(left));
         left = limit - (Clock::now() - start);
     }
-    return left;
 }
 
 ShellResult killAndCollect(pid_t pid) {
     if (::kill(pid, SIGKILL) != 0)
         return {ShellOutcome::KillFailed, 0, errno};
-    // What it has started is in its group, unless it went out of it.
+    // What it has started is in its group, unless it went out of it: all that is known here.
     ::kill(-pid, SIGKILL);
     int status = 0;
     if (limitNextWait(kPatienceAfterKill))
@@ -56,12 +60,6 @@ ShellResult killAndCollect(pid_t pid) {
 }
 
 } // namespace
-
-// The process group is all that is known of what a shell has started.
-class Shell::Tracking {};
-
-Shell::Shell() = default;
-Shell::~Shell() = default;
 
 int Shell::start(int input, int output, int errorOutput) {
     collectEndedChildren(); // also of shells that were left alone
@@ -79,10 +77,16 @@ int Shell::start(int input, int output, int errorOutput) {
     return m_pid == -1 ? errno : 0;
 }
 
-// NOLINTNEXTLINE(readability-make-member-function-const): other systems change what they track
-ShellResult Shell::feedAndWait(Descriptor input, std::string_view text, nanoseconds limit) {
+ShellResult Shell::feedAndWait(Descriptor input, std::string_view text, nanoseconds limit) const {
     ShellInput commands(std::move(input), text);
-    const nanoseconds left = feedWithin(limit, commands);
+    nanoseconds left = limit;
+    int failure = 0;
+    if (!feedWithin(left, commands, failure)) {
+        // The end of its input would have it run the part that it has got.
+        killAndCollect(m_pid);
+        return failure == 0 ? ShellResult{ShellOutcome::WaitFailed, 0, ETIMEDOUT}
+                            : ShellResult{ShellOutcome::FeedFailed, 0, failure};
+    }
     if (left.count() <= 0)
         return {ShellOutcome::WaitFailed, 0, ETIMEDOUT};
     if (!limitNextWait(left))
