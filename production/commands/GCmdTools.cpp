@@ -1,6 +1,7 @@
 // What reaches the two tools: which command lines, in which order, and what becomes of a failing one.
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 
 #include "commands/GCmd.h"
 #include "commands/cReadCmd.h"
@@ -73,7 +74,9 @@ unsigned char displayOf(unsigned char channel, const char* function) {
 } // namespace
 
 ProcessResponse GCmd::executeStringStream(std::string* commandLine) {
-    return cReadCmd::getInstance()->executeCommand(kToolSeconds, commandLine->c_str());
+    const std::unique_ptr<ProcessResponse> result(
+        cReadCmd::getInstance()->executeCommand(kToolSeconds, commandLine->c_str()));
+    return *result;
 }
 
 ProcessResponse GCmd::setEnvVar() {

@@ -1,11 +1,9 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "core/AbstractCmd.h"
-#include "platform/Descriptor.h"
 #include "runtime/Mutex.h"
 
 /// The whole content of a file; empty when it cannot be read. A file that grows meanwhile is cut at the
@@ -22,23 +20,17 @@ public:
 
     /// Runs `commandText` in a shell and waits for it, for at most `timeoutSeconds` (0 means 5 s). The
     /// output is left in "/tmp/resp.txt". Code 0 when the shell ended by itself, whatever its exit code.
-    /// A shell that outlives its limit is killed with everything it started. Blocks the dispatcher.
-    ProcessResponse executeCommand(unsigned long long timeoutSeconds, const char* commandText);
+    /// A shell that outlives its limit is killed with everything it started. Blocks the dispatcher. The
+    /// caller owns the response.
+    ProcessResponse* executeCommand(unsigned long long timeoutSeconds, const char* commandText);
 
     /// Answers the first bytes of a file, as many as one frame holds.
     ProcessResponse* ReadFromFileBinary(std::vector<unsigned char>* request, const char* path);
-    /// Answers a whole file as "base64(...)".
+    /// Answers a whole file as "base64(...)", or that it cannot be read, for want of memory too.
     ProcessResponse* ReadFromFileBase64(const char* path);
 
 private:
     cReadCmd();
-
-    /// `executeCommand`, which also hands out the file that holds the output: by then another process
-    /// may have put something else at its path.
-    ProcessResponse capture(unsigned long long timeoutSeconds, const char* commandText,
-                            System::Descriptor& output);
-    ProcessResponse* answerBinary(std::vector<unsigned char>* request, const System::Descriptor& file,
-                                  const char* path);
 
     static System::Mutex s_singleton_mutex;
 };

@@ -1,8 +1,12 @@
+#include <sys/syscall.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <initializer_list>
 #include <string>
 
 #include "commands/cReadCmd.h"
+#include "platform/Base64.h"
 #include "support/DescriptorLimit.h"
 #include "support/RefusedCalls.h"
 #include "support/UnitFixture.h"
@@ -102,8 +106,43 @@ TEST_F(cReadCmdFileTest, Base64TellsThatAFileCannotBeOpened) {
     expectError(readBase64("/tmp/%n%s"), 'a', "cannot open /tmp/%n%s, no information available");
 }
 
-TEST_F(cReadCmdFileTest, Base64OfWhatCannotBeReadIsEmpty) {
-    EXPECT_EQ(answerOf(*readBase64("/tmp")), "base64()");
+TEST_F(cReadCmdFileTest, AFailureInTheMiddleIsNotASuccessWithoutContent) {
+    struct Row {
+        const char* what;
+        std::initializer_list<int> calls;
+        const char* text;
+    };
+    const Row rows[] = {
+        {"status", kFileStatusCalls, "cannot stat /tmp/some file, no information available"},
+        {"size", kSeekCalls, "cannot read /tmp/some file: Input/output error"},
+        {"content", {SYS_pread64}, "cannot read /tmp/some file: Input/output error"},
+    };
+    write(kFile, "content");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        inFreshProcess([&row] {
+            refuseSystemCalls(row.calls, EIO);
+            expectError(readBase64(kFile), 'a', row.text);
+        });
+    }
+    inFreshProcess([] {
+        refuseSystemCalls({SYS_pread64}, EIO);
+        expectError(readBinary(kFile), 't', "cannot read /tmp/some file: Input/output error");
+    });
+    expectError(readBase64("/tmp"), 'a', "cannot read /tmp: Is a directory");
+}
+
+TEST_F(cReadCmdFileTest, Base64DoesNotDependOnThePiecesThatAFileIsReadIn) {
+    constexpr std::size_t kPiece = std::size_t{48} << 10;
+    for (const std::size_t size : {kPiece - 1, kPiece, kPiece + 1, 3 * kPiece + 2}) {
+        SCOPED_TRACE(size);
+        std::string content(size, '\0');
+        for (std::size_t at = 0; at < size; ++at)
+            content[at] = static_cast<char>(at * 7 + at / 251);
+        write(kFile, content);
+        const auto* bytes = reinterpret_cast<const unsigned char*>(content.data());
+        EXPECT_TRUE(answerOf(*readBase64(kFile)) == "base64(" + System::encodeBase64(bytes, size) + ")");
+    }
 }
 
 TEST_F(cReadCmdFileTest, AFileIsReadWholeIntoAString) {

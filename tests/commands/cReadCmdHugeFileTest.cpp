@@ -36,7 +36,10 @@ private:
 } // namespace
 
 TEST_F(cReadCmdHugeFileTest, IsRefusedWholeAndNotCutShort) {
-    EXPECT_THROW(cReadCmd::getInstance()->ReadFromFileBase64(kFile), std::bad_alloc);
+    const Response response(cReadCmd::getInstance()->ReadFromFileBase64(kFile));
+    EXPECT_EQ(response->code, kGenericError);
+    EXPECT_EQ(response->message, "cannot read /tmp/huge: Cannot allocate memory");
+    EXPECT_EQ(response->protocol, 'a');
     EXPECT_THROW(readFileToString(kFile), std::bad_alloc);
 }
 

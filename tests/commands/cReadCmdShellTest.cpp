@@ -4,7 +4,6 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 
 #include "commands/cReadCmd.h"
@@ -21,13 +20,25 @@ constexpr char kNoCaptureFile[] = "Error, the /tmp/resp.txt could not be created
 class cReadCmdShellTest : public UnitFixture {
 protected:
     static ProcessResponse execute(const std::string& text, unsigned long long limit = 60) {
-        return cReadCmd::getInstance()->executeCommand(limit, text.c_str());
+        return *Response(cReadCmd::getInstance()->executeCommand(limit, text.c_str()));
     }
 
-    static void expectError(const ProcessResponse& response, const std::string& text) {
+    static Response processAscii(const std::string& text) {
+        std::vector<std::vector<char>> list = tokens({"exec", "command", "60", text});
+        return Response(cReadCmd::getInstance()->process(list));
+    }
+
+    static Response processBinary(const std::string& text) {
+        Bytes request = {static_cast<unsigned char>(5 + text.size()), 'c', 1, 0, 60};
+        request.insert(request.end(), text.begin(), text.end());
+        return Response(cReadCmd::getInstance()->process(&request));
+    }
+
+    static void expectError(const ProcessResponse& response, const std::string& text,
+                            char protocol = 0) {
         EXPECT_EQ(response.code, kGenericError);
         EXPECT_EQ(response.message, text);
-        EXPECT_EQ(response.protocol, 0);
+        EXPECT_EQ(response.protocol, protocol);
     }
 
     static void expectOutput(const std::string& text, const std::string& output) {
@@ -164,20 +175,107 @@ TEST_F(cReadCmdShellTest, AnEarlierCommandCannotWriteIntoALaterAnswer) {
                  "second\n");
 }
 
-TEST_F(cReadCmdShellTest, WhatIsPutInPlaceOfTheCaptureFileMeanwhileIsNotAnswered) {
-    write("/tmp/secret", "secret");
-    const std::string swap = "ln -sf /tmp/secret /tmp/resp.txt; echo mine";
-    std::vector<std::vector<char>> list = tokens({"exec", "command", "60", swap});
-    const Response ascii(cReadCmd::getInstance()->process(list));
-    EXPECT_EQ(answerOf(*ascii), "base64(bWluZQo=)");
-    Bytes request(5 + swap.size(), 0);
-    request[0] = static_cast<unsigned char>(request.size());
-    request[1] = 'c';
-    request[2] = 1;
-    request[4] = 60;
-    std::copy(swap.begin(), swap.end(), request.begin() + 5);
-    const Response binary(cReadCmd::getInstance()->process(&request));
-    EXPECT_EQ(frameOf(*binary), (Bytes{13, 'c', 1, 0, 0, 0, 0, 0, 'm', 'i', 'n', 'e', '\n'}));
+TEST_F(cReadCmdShellTest, WhatIsPutInPlaceOfTheCaptureFileMeanwhileIsAnswered) {
+    write("/tmp/other", "other");
+    struct Row {
+        const char* what;
+        const char* text;
+        const char* base64;
+        Bytes payload;
+    };
+    const Row rows[] = {
+        {"a file",
+         "echo lost; cp /tmp/other /tmp/o; mv /tmp/o /tmp/resp.txt; echo lost",
+         "base64(b3RoZXI=)",
+         {'o', 't', 'h', 'e', 'r'}},
+        {"a new file",
+         "echo lost; rm /tmp/resp.txt; echo A >/tmp/resp.txt",
+         "base64(QQo=)",
+         {'A', '\n'}},
+        {"a link",
+         "ln -sf /tmp/other /tmp/resp.txt; echo lost",
+         "base64(b3RoZXI=)",
+         {'o', 't', 'h', 'e', 'r'}},
+        {"the file, shorter", "echo lost; : >/tmp/resp.txt", "base64()", {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        EXPECT_EQ(answerOf(*processAscii(row.text)), row.base64);
+        Bytes frame = {static_cast<unsigned char>(8 + row.payload.size()), 'c', 1, 0, 0, 0, 0, 0};
+        frame.insert(frame.end(), row.payload.begin(), row.payload.end());
+        EXPECT_EQ(frameOf(*processBinary(row.text)), frame);
+    }
+    expectOutput("echo mine", "mine\n");
+    EXPECT_EQ(read("/tmp/other"), "other");
+}
+
+TEST_F(cReadCmdShellTest, WhenTheCommandRemovesTheCaptureFileThereIsNothingToAnswer) {
+    constexpr char kGone[] = "cannot open /tmp/resp.txt, no information available";
+    const Response ascii = processAscii("echo lost; rm /tmp/resp.txt");
+    expectError(*ascii, kGone, 'a');
+    const Response binary = processBinary("echo lost; rm /tmp/resp.txt");
+    expectError(*binary, kGone, 't');
+    expectError(
+        execute("echo lost; rm /tmp/resp.txt; sleep 1000", 1),
+        "Process echo lost; rm /tmp/resp.txt; sleep 1000 was killed after timeout\nstdout+err:\n\n");
+}
+
+TEST_F(cReadCmdShellTest, WhatCannotBeReadIsToldAndNeverWaitedFor) {
+    expectError(*processAscii("rm /tmp/resp.txt; mkdir /tmp/resp.txt"),
+                "cannot read /tmp/resp.txt: Is a directory", 'a');
+    remove(kCaptureFile);
+    expectError(*processAscii("truncate -s 8T /tmp/resp.txt"),
+                "cannot read /tmp/resp.txt: Cannot allocate memory", 'a');
+    expectError(
+        execute("truncate -s 8T /tmp/resp.txt; sleep 1000", 1),
+        "Process truncate -s 8T /tmp/resp.txt; sleep 1000 was killed after timeout\nstdout+err:\n"
+        "cannot read /tmp/resp.txt: Cannot allocate memory\n");
+    EXPECT_EQ(answerOf(*processAscii("ln -sf /dev/zero /tmp/resp.txt")), "base64()");
+}
+
+TEST_F(cReadCmdShellTest, TheOutputOfAKilledCommandEndsAtItsFirstZeroByte) {
+    expectError(execute("printf 'A\\000B'; sleep 1000", 1),
+                "Process printf 'A\\000B'; sleep 1000 was killed after timeout\nstdout+err:\nA\n");
+}
+
+TEST_F(cReadCmdShellTest, ACaptureFileThatCannotBeRemovedIsTruncatedAndUsed) {
+    write(kCaptureFile, "a much longer answer of an earlier command");
+    inFreshProcess([] {
+        refuseSystemCalls({SYS_unlink, SYS_unlinkat}, EPERM);
+        expectOutput("echo mine", "mine\n");
+    });
+}
+
+TEST_F(cReadCmdShellTest, WhatCannotBeRemovedAndIsNoFileIsNotTouched) {
+    write("/tmp/precious", "precious");
+    struct Row {
+        const char* what;
+        void (*plant)();
+    };
+    const Row rows[] = {
+        {"a symbolic link", [] { ASSERT_EQ(::symlink("/tmp/precious", kCaptureFile), 0); }},
+        {"a pipe", [] { ASSERT_EQ(::mkfifo(kCaptureFile, 0600), 0); }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        remove(kCaptureFile);
+        row.plant();
+        inFreshProcess([] {
+            refuseSystemCalls({SYS_unlink, SYS_unlinkat}, EPERM);
+            expectError(execute("touch /tmp/ran"), kNoCaptureFile);
+        });
+        EXPECT_FALSE(exists("/tmp/ran"));
+        EXPECT_EQ(read("/tmp/precious"), "precious");
+    }
+}
+
+TEST_F(cReadCmdShellTest, ATextThatCannotBeFedIsNotRun) {
+    inFreshProcess([] {
+        refuseSystemCalls({SYS_write}, EIO);
+        expectError(execute("touch /tmp/ran"),
+                    "could not write the command to /bin/sh: Input/output error");
+    });
+    EXPECT_FALSE(exists("/tmp/ran"));
 }
 
 TEST_F(cReadCmdShellTest, StandardInputOutputAndErrorAreAsDocumented) {

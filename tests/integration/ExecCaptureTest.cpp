@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -6,6 +7,7 @@
 
 #include "support/DaemonTest.h"
 #include "support/UnitFiles.h"
+#include "support/Waiting.h"
 
 namespace {
 
@@ -79,12 +81,48 @@ TEST_F(ExecCaptureTest, RefusesWhenAFolderIsInTheWay) {
     expectOutputInANewFile();
 }
 
-TEST_F(ExecCaptureTest, ACommandMayReplaceTheFile) {
-    expectExchange(station,
-                   request("exec command 5 \"echo captured; rm /tmp/resp.txt; ln -s /tmp/target "
-                           "/tmp/resp.txt; echo more\""),
-                   answer("exec base64(" + base64("captured\nmore\n") + ")"));
-    EXPECT_FALSE(exists("/tmp/target"));
+struct Replacement {
+    const char* name;
+    const char* text;  ///< puts something else in the file's place
+    std::string reply; ///< the unit's lines
+};
+
+const Replacement kReplacements[] = {
+    {"another file", "echo lost; rm /tmp/resp.txt; echo new >/tmp/resp.txt; echo lost",
+     answer("exec base64(" + base64("new\n") + ")")},
+    {"a file that is moved over it", "echo new >/tmp/new; mv /tmp/new /tmp/resp.txt; echo lost",
+     answer("exec base64(" + base64("new\n") + ")")},
+    {"a link", "echo new >/tmp/new; ln -sf /tmp/new /tmp/resp.txt; echo lost",
+     answer("exec base64(" + base64("new\n") + ")")},
+    {"nothing", "echo lost; rm /tmp/resp.txt; echo lost",
+     failure("exec", "cannot open /tmp/resp.txt, no information available")},
+    {"a link to nothing", "ln -sf /tmp/none /tmp/resp.txt; echo lost",
+     failure("exec", "cannot open /tmp/resp.txt, no information available")},
+    {"a folder", "rm /tmp/resp.txt; mkdir /tmp/resp.txt",
+     failure("exec", "cannot read /tmp/resp.txt: Is a directory")},
+    {"a file larger than any memory", "truncate -s 8T /tmp/resp.txt",
+     failure("exec", "cannot read /tmp/resp.txt: Cannot allocate memory")},
+    {"an endless device", "ln -sf /dev/zero /tmp/resp.txt", answer("exec base64()")},
+};
+
+TEST_F(ExecCaptureTest, AnswersWhatACommandPutsInPlaceOfTheFile) {
+    for (const Replacement& row : kReplacements) {
+        SCOPED_TRACE(row.name);
+        expectExchange(station, request(std::string("exec command 60 \"") + row.text + "\""), row.reply);
+        if (exists(kCaptureFile))
+            removeFile(kCaptureFile);
+    }
+    EXPECT_FALSE(exists("/tmp/none"));
+    expectOutputInANewFile();
+}
+
+TEST_F(ExecCaptureTest, DoesNotWaitForThePeerOfAFifoThatACommandPutsThere) {
+    station.send(request("exec command 60 \"rm /tmp/resp.txt; mkfifo /tmp/resp.txt\""));
+    ASSERT_TRUE(station.hasInputWithin(kPatience));
+    EXPECT_THAT(station.receiveLine(), testing::StartsWith("\x02#Info \"cannot "));
+    EXPECT_EQ(station.receiveLine(), answer("exec Error 0x1010000"));
+    removeFile(kCaptureFile);
+    expectOutputInANewFile();
 }
 
 } // namespace

@@ -172,11 +172,12 @@ TEST_F(StatusTest, ComplainsOfMissingFiles) {
     expectNothingMore(station);
 }
 
-TEST_F(StatusTest, TakesAFolderForAnEmptyFile) {
+TEST_F(StatusTest, TellsThatAFolderCannotBeRead) {
     removeFile(kImageVersionFile);
     makeFolder(kImageVersionFile);
     Connection station;
-    expectExchange(station, request("status 01"), answer("status base64()"));
+    expectExchange(station, request("status 01"),
+                   failure("status", "cannot read /mnt/app/img_ver.txt: Is a directory"));
 }
 
 } // namespace

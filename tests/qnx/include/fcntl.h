@@ -7,7 +7,9 @@
 #define O_NONBLOCK 0x80
 #define O_CREAT 0x100
 #define O_EXCL 0x400
+#define O_NOCTTY 0x800
 #define O_CLOEXEC 0x2000
+#define O_NOFOLLOW 0x400000
 
 #define F_SETFD 2
 #define F_GETFL 3
