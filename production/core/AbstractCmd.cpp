@@ -227,20 +227,27 @@ int AbstractCmd::ascii_getInt(const std::vector<char>& token) const {
 }
 
 std::string AbstractCmd::ascii_exec(ProcessResponse* response) {
+    return ascii_exec(response, m_listener);
+}
+
+std::string AbstractCmd::ascii_exec(ProcessResponse* response, AbstractListener* listener) const {
     if (response->code == ProcessResponse::kNoAnswer)
         return {};
     const std::unique_ptr<ProcessResponse> owned(response);
     if (response->code != ProcessResponse::kSuccess)
-        return errorLine(*response);
-    if (response->protocol == 'a')
-        return m_name + " " + static_cast<ProcessResponseAscii*>(response)->answer;
-    return m_name + " ok";
+        return errorLine(*response, listener);
+    if (response->protocol != 'a')
+        return m_name + " ok";
+    // In its place, since it may be huge.
+    std::string& answer = static_cast<ProcessResponseAscii*>(response)->answer;
+    answer.insert(0, m_name + " ");
+    return std::move(answer);
 }
 
-std::string AbstractCmd::errorLine(const ProcessResponse& response) {
-    if (m_listener != nullptr) {
-        std::string info = "Info \"" + response.message + "\"";
-        m_listener->asyncSend(info);
+std::string AbstractCmd::errorLine(ProcessResponse& response, AbstractListener* listener) const {
+    if (listener != nullptr) {
+        response.message.insert(0, "Info \"").push_back('"');
+        listener->asyncSend(response.message);
     }
     return string_format("%s%s%X", m_name.c_str(), " Error 0x", response.code);
 }

@@ -81,9 +81,10 @@ public:
     /// to 2^32-1 keep their 32 bits; beyond 32 bits it is the highest or the lowest int.
     int ascii_getInt(const std::vector<char>& token) const;
     /// The line to answer, without framing; empty for none. Takes the response over, except one with
-    /// code
-    /// 1. An error's message is sent as an "Info" line first.
+    /// code 1. An error's message is sent as an "Info" line first, to the listener of the request that
+    /// runs or to a given one. With a given one it needs not be the dispatcher that calls.
     std::string ascii_exec(ProcessResponse* response);
+    std::string ascii_exec(ProcessResponse* response, AbstractListener* listener) const;
     /// The bytes that the pairs of hexadecimal digits in `text` stand for; all other characters and a
     /// last unpaired digit are skipped.
     std::vector<unsigned char> ascii_buildHexVector(const std::string& text) const;
@@ -102,7 +103,7 @@ protected:
     ProcessResponse* ascii_answer(ProcessResponse* result, std::string text) const;
 
 private:
-    std::string errorLine(const ProcessResponse& response);
+    std::string errorLine(ProcessResponse& response, AbstractListener* listener) const;
 
     AbstractListener* m_listener = nullptr;
     char m_id;

@@ -9,7 +9,8 @@
 class AbstractListener : public StatedThread {
 public:
     /// Sends a line of text; front ends of the binary protocol drop it. Called on the dispatcher's
-    /// thread while the command that the front end delivered is running, never after.
+    /// thread while the command that the front end delivered is running, or on the front end's own while
+    /// that waits for its answer, never after. The text, which may be huge, may be used up by it.
     virtual void asyncSend(std::string& text) = 0;
     /// Sends a frame; front ends of the ASCII protocol drop it. Called as above.
     virtual void asyncSend(std::vector<unsigned char>& frame) = 0;

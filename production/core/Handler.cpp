@@ -74,8 +74,8 @@ struct Handler::Request {
     std::string unknownCommand; // what to complain of; empty when the command is known
 
     std::vector<unsigned char> answerFrame;
-    std::string answerLine;
-    std::exception_ptr failure; // for the caller
+    std::unique_ptr<ProcessResponse> response; // of an ASCII request
+    std::exception_ptr failure;                // for the caller
     std::atomic<bool> done{false};
     System::Condition requestDone;
 };
@@ -161,7 +161,7 @@ std::string Handler::handleCommand(std::vector<std::vector<char>> tokens, Abstra
     }
     request->tokens = std::move(tokens);
     runAndWait(request);
-    return std::move(request->answerLine);
+    return request->response ? answerLine(*request) : std::string();
 }
 
 void Handler::runExclusively(std::function<void()> action) {
@@ -245,12 +245,16 @@ void Handler::runBinary(Request& request) {
 }
 
 void Handler::runAscii(Request& request) {
-    ProcessResponse* response = guarded([&request]() -> ProcessResponse* {
+    request.response.reset(guarded([&request]() -> ProcessResponse* {
         if (request.unknownCommand.empty())
             return request.command->process(request.tokens);
         // The name came from outside: it is text, never a format.
         return new ProcessResponseAscii(kUnknownName, "%s", request.unknownCommand.c_str());
-    });
-    const auto unanswered = ownIfUnanswered(response);
-    request.answerLine = request.command->ascii_exec(response);
+    }));
+}
+
+std::string Handler::answerLine(Request& request) {
+    if (request.response->code == ProcessResponse::kNoAnswer)
+        return {};
+    return request.command->ascii_exec(request.response.release(), request.listener);
 }

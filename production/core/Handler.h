@@ -16,9 +16,10 @@
 /// Knows every command and runs them, one at a time, on its own thread.
 ///
 /// A front end calls `handleCommand` from whatever thread it likes. Requests queue in the order of their
-/// arrival; nobody is refused. From the moment a command gets its listener until its answer is built, no
-/// other request touches any command, and afterwards the command forgets the listener. The waiting
-/// caller holds no lock, and nothing here waits for a peer.
+/// arrival; nobody is refused. From the moment a command gets its listener until it has made its
+/// response, no other request touches any command, and afterwards the command forgets the listener. A
+/// binary answer, which is short, is built with it; an ASCII answer, which may be huge, on the caller's
+/// thread. The waiting caller holds no lock, and nothing here waits for a peer.
 ///
 /// Lock order: `requestLock` and `doneLock` are never held together, `registryLock` with neither.
 class Handler : public StatedThread {
@@ -62,6 +63,8 @@ private:
     void runCommand(Request& request);
     void runBinary(Request& request);
     void runAscii(Request& request);
+    /// What is left to do of an ASCII request, on the caller's thread.
+    static std::string answerLine(Request& request);
 
     std::map<char, AbstractCmd*> m_commandsById;
     std::map<std::string, AbstractCmd*> m_commandsByName;

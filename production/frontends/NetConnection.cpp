@@ -57,10 +57,8 @@ bool NetConnection::readLine() {
 }
 
 void NetConnection::answer() {
-    std::string text =
-        Handler::getInstance()->handleCommand(CommandLexer::scan(m_assembler.line()), &m_sender);
-    m_sender.asyncSend(text);
-    m_sender.flush();
+    m_sender.answer(
+        Handler::getInstance()->handleCommand(CommandLexer::scan(m_assembler.line()), &m_sender));
     if (m_assembler.line().size() > CommandLexer::kLongLine) {
         m_assembler.reset();
         System::returnFreedMemory();

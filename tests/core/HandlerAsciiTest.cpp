@@ -146,3 +146,36 @@ TEST_F(HandlerAsciiTest, WhatTheListenerThrowsComesBackToTheCaller) {
     EXPECT_EQ(ProcessResponse::m_counter, before);
     EXPECT_EQ(send({"scripted"}), "scripted ok");
 }
+
+TEST_F(HandlerAsciiTest, OtherRequestsRunWhileAnAnswerIsBeingMade) {
+    class Nested : public RecordingListener {
+    public:
+        explicit Nested(std::function<std::string()> request) : m_request(std::move(request)) {}
+        void asyncSend(std::string& text) override {
+            RecordingListener::asyncSend(text);
+            answer = m_request(); // would wait for itself if the dispatcher were here
+        }
+        std::string answer;
+
+    private:
+        std::function<std::string()> m_request;
+    };
+    Nested nested([this] { return send({"scripted"}); });
+    EXPECT_EQ(handler().handleCommand(tokens({"foo"}), &nested), "Error Error 0x10");
+    EXPECT_THAT(nested.lines, ElementsAre("Info \"No Handler for the Command foo\""));
+    EXPECT_EQ(nested.answer, "scripted ok");
+}
+
+TEST_F(HandlerAsciiTest, AHugeAnswerIsNotCopied) {
+    const char* place = nullptr;
+    command().onTokens = [&place](Tokens&) {
+        auto* response = new ProcessResponseAscii(0, "");
+        response->answer.assign(1000, 'x');
+        response->answer.reserve(2000);
+        place = response->answer.data();
+        return response;
+    };
+    const std::string answer = send({"scripted"});
+    EXPECT_EQ(answer, "scripted " + std::string(1000, 'x'));
+    EXPECT_EQ(answer.data(), place);
+}

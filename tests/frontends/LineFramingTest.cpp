@@ -31,3 +31,13 @@ TEST(LineFramingTest, EveryByteOfATextTravelsAsItIs) {
     EXPECT_EQ(line, "\x02#" + text + "\x03\n");
     EXPECT_EQ(line.size(), text.size() + LineFraming::kBytes);
 }
+
+TEST(LineFramingTest, ATextIsFramedInItsPlace) {
+    EXPECT_EQ(LineFraming::frame(""), "\x02#\x03\n");
+    std::string text = "ack ok";
+    text.reserve(100);
+    const char* const place = text.data();
+    const std::string line = LineFraming::frame(std::move(text));
+    EXPECT_EQ(line, "\x02#ack ok\x03\n");
+    EXPECT_EQ(line.data(), place);
+}

@@ -11,7 +11,8 @@
 
 namespace {
 
-constexpr std::size_t kMoreThanASocketTakes = std::size_t{8} << 20;
+/// More than a socket takes.
+const std::string kLarge(std::size_t{8} << 20, 'x');
 
 std::string framed(const std::string& text) {
     return "\x02#" + text + "\x03\n";
@@ -30,16 +31,18 @@ TEST(NetListenerAsycSendTest, FramesEachText) {
         sender.asyncSend(copy);
         EXPECT_EQ(sockets.receive(framed(text).size()), framed(text));
         EXPECT_FALSE(sockets.hasSomething());
-        EXPECT_EQ(copy, text);
+        sender.answer(text);
+        EXPECT_EQ(sockets.receive(framed(text).size()), framed(text));
+        EXPECT_FALSE(sockets.hasSomething());
     }
 }
 
 TEST(NetListenerAsycSendTest, KeepsTextsInOrder) {
     const SocketPair sockets;
     NetListenerAsycSend sender(sockets.ours.get());
-    for (std::string text : {"one", "two", "three"})
+    for (std::string text : {"one", "two"})
         sender.asyncSend(text);
-    sender.flush();
+    sender.answer("three");
     const std::string expected = framed("one") + framed("two") + framed("three");
     EXPECT_EQ(sockets.receive(expected.size()), expected);
 }
@@ -49,7 +52,9 @@ TEST(NetListenerAsycSendTest, DropsBinaryFrames) {
     NetListenerAsycSend sender(sockets.ours.get());
     std::vector<unsigned char> frame = {5, 'd', 'a', 'b', 'c'};
     sender.asyncSend(frame);
-    sender.flush();
+    EXPECT_FALSE(sockets.hasSomething());
+    sender.answer("");
+    EXPECT_EQ(sockets.receive(framed("").size()), framed(""));
     EXPECT_FALSE(sockets.hasSomething());
     EXPECT_EQ(frame.size(), 5u);
 }
@@ -57,19 +62,40 @@ TEST(NetListenerAsycSendTest, DropsBinaryFrames) {
 TEST(NetListenerAsycSendTest, NeverWaitsForAPeerThatDoesNotRead) {
     const SocketPair sockets;
     NetListenerAsycSend sender(sockets.ours.get());
-    std::string large(kMoreThanASocketTakes, 'x');
+    const std::string expected = framed(kLarge) + framed("behind it") + framed("answer");
+    std::string large = kLarge;
     std::string small = "behind it";
     sender.asyncSend(large); // would hang here
     sender.asyncSend(small);
-    const std::string expected = framed(large) + framed(small);
-    std::atomic<bool> flushed{false};
-    std::thread flusher([&] {
-        sender.flush();
-        flushed = true;
+    std::atomic<bool> answered{false};
+    std::thread answerer([&] {
+        sender.answer("answer");
+        answered = true;
     });
-    EXPECT_FALSE(eventually([&] { return flushed.load(); }, std::chrono::milliseconds(10)));
+    EXPECT_FALSE(eventually([&] { return answered.load(); }, std::chrono::milliseconds(10)));
     EXPECT_TRUE(sockets.receive(expected.size()) == expected);
-    flusher.join();
+    answerer.join();
+}
+
+TEST(NetListenerAsycSendTest, SendsNoMoreThanALittleToAPeerThatReadsOnMeanwhile) {
+    const SocketPair sockets;
+    NetListenerAsycSend sender(sockets.ours.get());
+    std::atomic<bool> sent{false};
+    std::atomic<std::size_t> received{0};
+    std::thread reader([&] {
+        // Reads on for as long as there is anything, and once more when no more can come.
+        for (bool last = false; !last;) {
+            last = sent;
+            while (sockets.hasSomething())
+                received += sockets.receive(1).size();
+        }
+    });
+    std::string large = kLarge;
+    sender.asyncSend(large);
+    sent = true;
+    reader.join();
+    EXPECT_GT(received, 0u);
+    EXPECT_LE(received, std::size_t{64} << 10);
 }
 
 TEST(NetListenerAsycSendTest, APeerThatHasGoneEndsNothingButTheSending) {
@@ -78,11 +104,10 @@ TEST(NetListenerAsycSendTest, APeerThatHasGoneEndsNothingButTheSending) {
     SocketPair sockets;
     sockets.peer.reset();
     NetListenerAsycSend sender(sockets.ours.get());
-    std::string text = "nobody reads this";
-    sender.asyncSend(text);
-    sender.flush();
-    sender.asyncSend(text);
-    sender.flush();
+    for (std::string text : {"nobody reads this", "nor this"}) {
+        sender.asyncSend(text);
+        sender.answer("answer");
+    }
     ::signal(SIGPIPE, before);
     EXPECT_EQ(raised, 0);
 }
@@ -90,16 +115,14 @@ TEST(NetListenerAsycSendTest, APeerThatHasGoneEndsNothingButTheSending) {
 TEST(NetListenerAsycSendTest, APeerThatGoesWhileItIsWaitedForEndsTheWait) {
     SocketPair sockets;
     NetListenerAsycSend sender(sockets.ours.get());
-    std::string large(kMoreThanASocketTakes, 'x');
-    sender.asyncSend(large);
-    std::atomic<bool> flushed{false};
-    std::thread flusher([&] {
-        sender.flush();
-        flushed = true;
+    std::atomic<bool> answered{false};
+    std::thread answerer([&] {
+        sender.answer(kLarge);
+        answered = true;
     });
     sockets.peer.reset();
-    EXPECT_TRUE(eventually([&] { return flushed.load(); }));
-    flusher.join();
+    EXPECT_TRUE(eventually([&] { return answered.load(); }));
+    answerer.join();
 }
 
 TEST(NetListenerAsycSendTest, LeavesTheSocketOpen) {
@@ -107,7 +130,8 @@ TEST(NetListenerAsycSendTest, LeavesTheSocketOpen) {
     { NetListenerAsycSend sender(sockets.ours.get()); }
     std::string text = "still there";
     NetListenerAsycSend(sockets.ours.get()).asyncSend(text);
-    EXPECT_EQ(sockets.receive(framed(text).size()), framed(text));
+    const std::string expected = framed("still there");
+    EXPECT_EQ(sockets.receive(expected.size()), expected);
 }
 
 TEST(NetListenerAsycSendTest, IsNoThreadAndNoSerialChannel) {
