@@ -11,6 +11,7 @@
 
 #include "core/Handler.h"
 #include "frontends/CommandLexer.h"
+#include "frontends/CommandSender.h"
 #include "platform/Memory.h"
 
 namespace {
@@ -27,8 +28,7 @@ ssize_t readSome(int socket, char* bytes, std::size_t size) {
 
 } // namespace
 
-NetConnection::NetConnection(System::Descriptor socket)
-    : m_socket(std::move(socket)), m_sender(m_socket.get()) {
+NetConnection::NetConnection(System::Descriptor socket) : m_socket(std::move(socket)) {
     // An "Info" line and the answer behind it are two writes; the second must not wait until the peer's
     // system gets round to acknowledging the first.
     const int on = 1;
@@ -57,8 +57,9 @@ bool NetConnection::readLine() {
 }
 
 void NetConnection::answer() {
-    m_sender.answer(
-        Handler::getInstance()->handleCommand(CommandLexer::scan(m_assembler.line()), &m_sender));
+    CommandSender sender(m_socket.get());
+    sender.answer(
+        Handler::getInstance()->handleCommand(CommandLexer::scan(m_assembler.line()), &sender));
     if (m_assembler.line().size() > CommandLexer::kLongLine) {
         m_assembler.reset();
         System::returnFreedMemory();

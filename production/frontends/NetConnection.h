@@ -2,7 +2,6 @@
 
 #include "frontends/HttpRequestDetector.h"
 #include "frontends/LineAssembler.h"
-#include "frontends/NetListenerAsycSend.h"
 #include "platform/Descriptor.h"
 
 /// One station's connection, served on a thread of its own: a command is read, run and answered, then
@@ -22,5 +21,4 @@ private:
     System::Descriptor m_socket;
     HttpRequestDetector m_detector;
     LineAssembler m_assembler;
-    NetListenerAsycSend m_sender;
 };

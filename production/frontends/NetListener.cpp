@@ -2,7 +2,6 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
-#include <poll.h>
 #include <pthread.h>
 #include <sys/socket.h>
 
@@ -12,33 +11,58 @@
 
 #include "core/Diagnostics.h"
 #include "core/StringFormat.h"
+#include "frontends/ConnectionStarter.h"
 #include "frontends/NetConnection.h"
+#include "frontends/ScarcityPause.h"
 #include "platform/Descriptors.h"
 #include "runtime/ThreadAttributes.h"
 
 namespace {
 
-// Stations that come in a rush wait here to be accepted. What does not fit, some systems drop although
-// the station believes itself connected, so a handful is not enough.
-constexpr int kBacklog = 1024;
-// Between attempts to get what the system has run out of: short for whoever waits, rare for the
-// processor.
-constexpr int kRetryPauseMs = 50;
+// So few fit, and the system lets the others try again after a second: nothing but accepting may happen
+// between one connection and the next.
+constexpr int kBacklog = 5;
 
 constexpr char kInvalidSocket[] = "Invalid socket descriptor %d";
 constexpr char kNoSocketOptions[] = "Could not set socket options, socket descriptor: %d";
 constexpr char kStopping[] = "Stopping NetListener";
 
-void pauseBeforeRetry() {
-    ::poll(nullptr, 0, kRetryPauseMs);
-}
-
 bool isOnlyThisConnection(int error) {
     return error == EINTR || error == ECONNABORTED;
 }
 
-void* toArgument(int descriptor) {
-    return reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor));
+/// What has to be there before stations are accepted. Each part that could be had is kept.
+class Reception {
+public:
+    explicit Reception(int socket) : m_socket(socket) {}
+
+    bool open() {
+        m_bound = m_bound || bind();
+        m_listening = m_listening || (m_bound && ::listen(m_socket, kBacklog) == 0);
+        return m_listening && (m_starter.isValid() || m_starter.start());
+    }
+
+    /// The next station gets its thread, as soon as there is one.
+    void handOver(System::Descriptor connection) { m_starter.add(std::move(connection)); }
+
+private:
+    bool bind() const {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(NetListener::kPort);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        return ::bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    }
+
+    int m_socket;
+    bool m_bound = false;
+    bool m_listening = false;
+    ConnectionStarter& m_starter = ConnectionStarter::getInstance();
+};
+
+bool makeThread(const System::ThreadAttributes& attributes, void* arg) {
+    pthread_t thread;
+    return attributes.isValid() && pthread_create(&thread, attributes.get(), runAnonthread, arg) == 0;
 }
 
 } // namespace
@@ -58,20 +82,7 @@ void NetListener::threadLoop(System::Thread*) {
         stop();
         return;
     }
-    bool listening = false;
-    while (getState() < Stopping) {
-        if (!listening) {
-            listening = listenOn(socket.get());
-            if (!listening)
-                pauseBeforeRetry();
-            continue;
-        }
-        System::Descriptor connection = System::acceptConnection(socket.get());
-        if (connection)
-            serve(std::move(connection));
-        else if (!isOnlyThisConnection(errno))
-            pauseBeforeRetry();
-    }
+    acceptFrom(socket.get());
     setState(Dead, false);
 }
 
@@ -80,32 +91,26 @@ void NetListener::stop() {
     setState(Dead, false);
 }
 
-bool NetListener::listenOn(int socket) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(kPort);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (!m_bound)
-        m_bound = ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    return m_bound && ::listen(socket, kBacklog) == 0;
-}
-
-/// Holds on to the connection until there is a thread for it: its station waits, and is not turned away.
-void NetListener::serve(System::Descriptor connection) {
-    while (startAnonymousThread(toArgument(connection.get())) != 0) {
-        pauseBeforeRetry();
-        if (getState() > Connected)
-            return;
+void NetListener::acceptFrom(int socket) {
+    Reception reception(socket);
+    while (getState() < Stopping && !reception.open())
+        pauseForScarcity();
+    while (getState() < Stopping) {
+        System::Descriptor connection = System::acceptConnection(socket);
+        if (connection)
+            reception.handOver(std::move(connection));
+        else if (!isOnlyThisConnection(errno))
+            pauseForScarcity();
     }
-    connection.release();
 }
 
 int NetListener::startAnonymousThread(void* arg) {
-    const System::ThreadAttributes attributes;
-    if (!attributes.isValid())
-        return ENOMEM;
-    pthread_t thread;
-    return pthread_create(&thread, attributes.get(), runAnonthread, arg);
+    for (;;) {
+        System::ThreadAttributes attributes;
+        if (makeThread(attributes, arg))
+            return attributes.destroy();
+        pauseForScarcity();
+    }
 }
 
 void NetListener::asyncSend(std::string&) {}

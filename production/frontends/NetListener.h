@@ -4,10 +4,9 @@
 #include <vector>
 
 #include "core/AbstractListener.h"
-#include "platform/Descriptor.h"
 
-/// Accepts stations over TCP on 127.0.0.1:15051 and gives each connection a thread of its own. Any
-/// number of connections at once; connection threads are not tracked and end when their peer closes.
+/// Accepts stations over TCP on 127.0.0.1:15051 and has each connection served by a thread of its own.
+/// Any number of connections at once; connection threads are not tracked and end when their peer closes.
 class NetListener : public AbstractListener {
 public:
     static constexpr int kPort = 15051;
@@ -22,16 +21,13 @@ public:
     int getDeviceListNumber() override { return 0; }
 
     /// Starts a connection thread; `arg` carries the descriptor itself, which then belongs to that
-    /// thread. Returns 0, or the error number that the thread could not be made with; the caller keeps
-    /// the descriptor then.
+    /// thread. Where a thread cannot be made it tries again until there is one. Returns what destroying
+    /// the thread's attributes returned: 0, or an error number.
     static int startAnonymousThread(void* arg);
 
 private:
-    bool listenOn(int socket);
-    void serve(System::Descriptor connection);
+    void acceptFrom(int socket);
     void stop();
-
-    bool m_bound = false;
 };
 
 /// A connection thread's body; `arg` as above. Returns null when the connection has ended.

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/AbstractListener.h"
 
-/// Sends the lines of a connection's requests to where they came from. The dispatcher uses it while a
-/// request runs and the connection's thread otherwise, never both at once.
+/// Sends lines to one station.
 class NetListenerAsycSend : public AbstractListener {
 public:
     /// The socket stays the caller's.
@@ -14,23 +15,18 @@ public:
 
     void threadLoop(System::Thread*) override {}
 
-    /// Frames `text` as STX, "#", text, ETX, LF and sends of it what the connection takes now, a little
-    /// at most; the rest is kept for `answer`. Neither waits for the peer nor keeps company with a fast
-    /// one: whoever reads its answers, or does not, holds up nobody else.
+    /// Frames `text` as STX, "#", text, ETX, LF and sends it. Waits until the peer's system has taken
+    /// all of it, or the connection has failed.
     void asyncSend(std::string& text) override;
     /// Binary frames cannot travel on this link: dropped.
     void asyncSend(std::vector<unsigned char>& frame) override;
     int getDeviceListNumber() override { return 0; }
 
-    /// Sends what was kept and then `text` in its frame, which is made in the text's place. Waits until
-    /// everything has been sent, or the connection has failed.
-    void answer(std::string text);
+protected:
+    /// Sends with these flags of `send`. Returns how many bytes need no further attempt: all, unless the
+    /// flags forbid to wait.
+    std::size_t send(std::string_view bytes, int flags) const;
 
 private:
-    void sendAll();
-    void sendSome(std::size_t limit, int flags);
-
     int m_socket;
-    std::string m_pending;
-    std::size_t m_sent = 0; // of m_pending
 };

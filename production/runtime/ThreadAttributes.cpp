@@ -1,5 +1,7 @@
 #include "runtime/ThreadAttributes.h"
 
+#include <utility>
+
 #include "platform/ThreadTraits.h"
 
 namespace System {
@@ -8,8 +10,12 @@ ThreadAttributes::ThreadAttributes()
     : m_initialised(pthread_attr_init(&m_attributes) == 0), m_valid(m_initialised && setAll()) {}
 
 ThreadAttributes::~ThreadAttributes() {
-    if (m_initialised)
-        pthread_attr_destroy(&m_attributes);
+    destroy();
+}
+
+int ThreadAttributes::destroy() {
+    m_valid = false;
+    return std::exchange(m_initialised, false) ? pthread_attr_destroy(&m_attributes) : 0;
 }
 
 bool ThreadAttributes::setAll() {

@@ -23,6 +23,9 @@ public:
     bool isValid() const { return m_valid; }
     const pthread_attr_t* get() const { return &m_attributes; }
 
+    /// Destroys them before their time. Returns what the system said: 0, or an error number.
+    int destroy();
+
 private:
     bool setAll();
 

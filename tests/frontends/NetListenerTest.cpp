@@ -28,6 +28,10 @@ void* toArgument(int descriptor) {
 
 } // namespace
 
+TEST_F(NetListenerTest, HasNothingOfItsOwn) {
+    EXPECT_EQ(sizeof(NetListener), sizeof(AbstractListener));
+}
+
 TEST_F(NetListenerTest, HasNoStationOfItsOwnToTalkTo) {
     NetListener listener;
     std::string text = "text";
@@ -84,11 +88,14 @@ TEST_F(NetListenerTest, AConnectionThreadIsDetachedWithASmallGuardedStack) {
     EXPECT_EQ(sockets.receive(15), "\x02#scripted ok\x03\n");
 }
 
-TEST_F(NetListenerTest, WithoutAThreadTheConnectionStaysTheCallers) {
-    const SocketPair sockets;
-    SystemCalls::failThreads(1);
-    EXPECT_EQ(NetListener::startAnonymousThread(toArgument(sockets.ours.get())), EAGAIN);
-    EXPECT_NE(::fcntl(sockets.ours.get(), F_GETFD), -1);
+TEST_F(NetListenerTest, WithoutAThreadTheConnectionWaitsForOne) {
+    SocketPair sockets;
+    const int before = SystemCalls::threadAttempts();
+    SystemCalls::failThreads(3);
+    EXPECT_EQ(NetListener::startAnonymousThread(toArgument(sockets.ours.release())), 0);
+    EXPECT_EQ(SystemCalls::threadAttempts(), before + 4);
+    sockets.send("\x02scripted\x03\n");
+    EXPECT_EQ(sockets.receive(15), "\x02#scripted ok\x03\n");
 }
 
 TEST_F(NetListenerTest, AConnectionThreadEndsWithItsConnection) {

@@ -84,6 +84,23 @@ TEST_F(ManyStationsTest, AThousandOpenedAtOnceAreAllServed) {
         expectNothingMore(station);
 }
 
+TEST_F(ManyStationsTest, ThatOpenManyConnectionsEachAreAllServed) {
+    constexpr std::size_t kClients = 20;
+    constexpr std::size_t kConnectionsEach = 50;
+    allowConnections(kClients * kConnectionsEach);
+    daemon.limit(RLIMIT_NOFILE, RLIM_INFINITY);
+    const std::string status = answer("status \"" + daemon.buildStamp() + "\" A024 \"1A\" 4");
+    runInThreads(kClients, [&status](std::size_t) {
+        std::vector<Connection> connections(kConnectionsEach);
+        for (Connection& connection : connections)
+            connection.send(request("status"));
+        for (Connection& connection : connections)
+            expectExchange(connection, "", status);
+        for (Connection& connection : connections)
+            expectExchange(connection, request("status"), status);
+    });
+}
+
 /// Opens connections until one is answered: the system may drop those that come in a rush.
 void askUntilAnswered(const std::string& name) {
     const auto deadline = std::chrono::steady_clock::now() + 2 * kPatience;
