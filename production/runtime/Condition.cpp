@@ -26,4 +26,19 @@ bool Condition::wait(Mutex& mutex) {
     return m_valid && mutex.isValid() && pthread_cond_wait(&m_condition, &mutex.m_mutex) == 0;
 }
 
+bool Condition::waitFor(Mutex& mutex, std::chrono::milliseconds limit) {
+    constexpr long kNanosecondsPerSecond = 1000000000;
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(limit);
+    timespec deadline{};
+    ::clock_gettime(CLOCK_MONOTONIC, &deadline);
+    deadline.tv_sec += static_cast<time_t>(seconds.count());
+    deadline.tv_nsec += static_cast<long>(std::chrono::nanoseconds(limit - seconds).count());
+    if (deadline.tv_nsec >= kNanosecondsPerSecond) {
+        ++deadline.tv_sec;
+        deadline.tv_nsec -= kNanosecondsPerSecond;
+    }
+    return m_valid && mutex.isValid() &&
+           pthread_cond_timedwait(&m_condition, &mutex.m_mutex, &deadline) == 0;
+}
+
 } // namespace System

@@ -2,6 +2,8 @@
 
 #include <pthread.h>
 
+#include <chrono>
+
 #include "runtime/Mutex.h"
 
 namespace System {
@@ -20,6 +22,9 @@ public:
 
     /// Gives `mutex`, which the caller holds, back while waiting and takes it again before returning.
     bool wait(Mutex& mutex);
+
+    /// The same, but no longer than this. True when it was woken in time.
+    bool waitFor(Mutex& mutex, std::chrono::milliseconds limit);
 
     bool isValid() const { return m_valid; }
 

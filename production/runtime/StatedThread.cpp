@@ -4,6 +4,13 @@ StatedThread::StatedThread() : Thread("StatedThread"), m_stateLock(System::Mutex
     setState(Created, false);
 }
 
+bool StatedThread::startOrDie() {
+    const bool isStarted = start();
+    if (!isStarted && !isValid())
+        setState(Dead, false);
+    return isStarted;
+}
+
 void StatedThread::setState(LState state, bool force) {
     const System::Lock lock(m_stateLock);
     if (!force && state <= m_state)

@@ -19,6 +19,9 @@ public:
 
     StatedThread();
 
+    /// As `start()`; one that could not be made is `Dead`, so that nobody waits for its end in vain.
+    bool startOrDie();
+
     /// Unless forced, a state only moves forward: an equal or smaller one changes nothing. Any thread.
     void setState(LState state, bool force);
     /// Any thread.

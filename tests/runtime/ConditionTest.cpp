@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <time.h>
 
+#include <chrono>
 #include <thread>
 #include <type_traits>
 
@@ -112,4 +113,15 @@ TEST(ConditionTest, ASignalWakesOneWaiter) {
     first.join();
     second.join();
     EXPECT_EQ(tickets, 0);
+}
+
+TEST(ConditionTest, AWaitCanHaveALimit) {
+    constexpr std::chrono::milliseconds kLimit{1020};
+    Mutex mutex(Mutex::Normal);
+    Condition condition;
+    const Lock lock(mutex);
+    const auto before = std::chrono::steady_clock::now();
+    while (condition.waitFor(mutex, kLimit)) {
+    }
+    EXPECT_GE(std::chrono::steady_clock::now() - before, kLimit);
 }

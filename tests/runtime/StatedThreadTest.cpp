@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "support/Eventually.h"
+#include "support/PthreadCalls.h"
 
 namespace {
 
@@ -91,6 +92,24 @@ TEST(StatedThreadTest, WaitsThroughAllOtherStates) {
     thread.setState(StatedThread::Dead, false);
     EXPECT_TRUE(eventually([&] { return returned.load(); }));
     waiter.join();
+}
+
+TEST(StatedThreadTest, OneThatCannotBeMadeIsDead) {
+    PthreadCalls calls;
+    calls.fail("pthread_create");
+    Living thread;
+    EXPECT_FALSE(thread.startOrDie());
+    EXPECT_EQ(thread.getState(), StatedThread::Dead);
+    thread.waitForDead(); // returns
+}
+
+TEST(StatedThreadTest, OneThatRunsDoesNotDieOfAnotherStart) {
+    Living thread;
+    ASSERT_TRUE(thread.startOrDie());
+    EXPECT_FALSE(thread.startOrDie());
+    EXPECT_TRUE(eventually([&] { return thread.getState() == StatedThread::Running; }));
+    thread.setState(StatedThread::Stopping, false);
+    thread.waitForDead();
 }
 
 TEST(StatedThreadTest, LivesFromStartToDeathAndMayBeDeletedThen) {
