@@ -1,10 +1,15 @@
 #include "commands/mvbtCmd.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
 #include <limits>
 #include <thread>
 #include <utility>
+
+#include "core/StandardStream.h"
+#include "core/StringFormat.h"
 
 namespace {
 
@@ -33,8 +38,9 @@ System::DriverLibrary loadLibrary() {
     if (!library)
         library = System::DriverLibrary::load(kLibraryPath);
     if (!library) {
-        std::perror(kLibraryPath);
-        std::fputs(kNoLibrary, stderr);
+        const int error = errno;
+        StandardStream::error().write(string_format("%s: %s\n", kLibraryPath, std::strerror(error)));
+        StandardStream::error().write(kNoLibrary);
     }
     return library;
 }
@@ -65,7 +71,7 @@ int mvbtCmd::open() {
         return 0;
     // A reader that tries to open the driver anew goes on doing so, whatever comes of this.
     if (!useDriver()) {
-        std::fputs(kNoDevice, stderr);
+        StandardStream::error().write(kNoDevice);
         return kFailed;
     }
     const int result = checkDll() ? 0 : load();
@@ -81,12 +87,12 @@ int mvbtCmd::load() {
         return kFailed;
     const auto* table = static_cast<const EntryTable*>(library.symbol(kEntry));
     if (!isComplete(table)) {
-        std::fputs(kNoEntry, stderr);
+        StandardStream::error().write(kNoEntry);
         return kFailed;
     }
     const int handle = table->open(kDevice, 0);
     if (handle == 0) {
-        std::fputs(kNoDevice, stderr);
+        StandardStream::error().write(kNoDevice);
         return kFailed;
     }
     initializeMutex();
@@ -166,7 +172,7 @@ void mvbtCmd::write(int type, const void* data, int length) {
     }
     clearQueue();
     if (table->write(handle, type, data, length) != 0)
-        std::fputs(kWriteFailed, stderr);
+        StandardStream::error().write(kWriteFailed);
     leaveDriver();
 }
 
@@ -219,7 +225,7 @@ void mvbtCmd::initializeMutex() {
     const int error = ::pthread_mutex_init(&fifo_mutex, nullptr);
     mutex_initialized = error == 0;
     if (error != 0)
-        std::fprintf(stderr, kNoMutex, error);
+        StandardStream::error().write(string_format(kNoMutex, error));
 }
 
 unsigned char mvbtCmd::popQueue() {

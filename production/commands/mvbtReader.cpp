@@ -1,10 +1,11 @@
 // The thread that reads from the Bluetooth driver, from its start to its end.
 #include <chrono>
-#include <cstdio>
 #include <utility>
 
 #include "commands/mvbtCmd.h"
 #include "core/Diagnostics.h"
+#include "core/StandardStream.h"
+#include "core/StringFormat.h"
 
 namespace {
 
@@ -56,7 +57,7 @@ void mvbtCmd::startReadingThread() {
         return;
     m_reader.reset();
     lock.unlock();
-    std::fprintf(stderr, kNoThread, error);
+    StandardStream::error().write(string_format(kNoThread, error));
 }
 
 void mvbtCmd::stopReadingThread() {

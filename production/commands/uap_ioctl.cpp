@@ -4,10 +4,11 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 
 #include "core/LittleEndian.h"
+#include "core/StandardStream.h"
+#include "core/StringFormat.h"
 #include "platform/NetworkStack.h"
 
 int debug_level = 0;
@@ -72,26 +73,26 @@ int exchange(int socket, const System::ReplyPart& data, int bufferSize) {
 int uap_ioctl(unsigned char* buffer, int* size, int bufferSize) {
     const System::Descriptor socket = System::openDatagramSocket();
     if (!socket) {
-        std::fputs(kNoSocket, stderr);
+        StandardStream::error().write(kNoSocket);
         return kFailed;
     }
     if (*size > bufferSize) {
-        std::fputs(kTooLarge, stderr);
+        StandardStream::error().write(kTooLarge);
         return kFailed;
     }
     const int room = bufferSize - kLengthField;
     putLittleEndian32(buffer, static_cast<std::uint32_t>(room));
     if (debug_level > 1)
-        std::fprintf(stderr, kSizes, bufferSize, *size);
+        StandardStream::error().write(string_format(kSizes, bufferSize, *size));
     const auto length = static_cast<std::size_t>(std::max(*size, bufferSize));
     if (const int result = exchange(socket.get(), {buffer, length}, bufferSize); result != 0) {
         const int error = errno;
-        std::fprintf(stderr, kRefused, __func__, result, error);
+        StandardStream::error().write(string_format(kRefused, __func__, result, error));
         return result;
     }
     *size = littleEndian16(buffer + kReplySizeAt);
     if (*size <= room)
         return kReplied;
-    std::fprintf(stderr, kReplyTooLong, *size, bufferSize);
+    StandardStream::error().write(string_format(kReplyTooLong, *size, bufferSize));
     return kFailed;
 }

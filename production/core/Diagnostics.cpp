@@ -1,8 +1,11 @@
 #include "core/Diagnostics.h"
 
-#include <cstdio>
+#include "core/StandardStream.h"
 
 void printDiagnostic(const std::string& message) {
-    const std::string line = "Prod.testserver: " + message + "\n";
-    std::fputs(line.c_str(), stderr);
+    StandardStream::error().write(diagnosticLine(message));
+}
+
+std::string diagnosticLine(const std::string& message) {
+    return "Prod.testserver: " + message + "\n";
 }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdio>
 #include <exception>
 #include <stdexcept>
 #include <utility>
@@ -12,6 +11,7 @@
 #include "commands/ErrorCmd.h"
 #include "core/Diagnostics.h"
 #include "core/ProcessResponseAscii.h"
+#include "core/StandardStream.h"
 #include "core/TokenText.h"
 
 namespace {
@@ -29,11 +29,6 @@ constexpr char kReason[] = "Reason: Command ";
 constexpr char kRegisteredBy[] = " registered by ";
 constexpr char kNoHandler[] = "No Handler for the Command ";
 constexpr char kEmptyRequest[] = "command fehler\n";
-
-void reportEmptyRequest() {
-    std::fputs(kEmptyRequest, stdout);
-    std::fflush(stdout);
-}
 
 /// Frees a response that asks for no answer, which the exec functions leave to its owner.
 std::unique_ptr<ProcessResponse> ownIfUnanswered(ProcessResponse* response) {
@@ -214,7 +209,7 @@ void Handler::run(Request& request) {
         if (request.action)
             request.action();
         else if (request.command == nullptr)
-            reportEmptyRequest();
+            StandardStream::output().write(kEmptyRequest);
         else
             runCommand(request);
     } catch (...) {

@@ -1,10 +1,13 @@
+#include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "core/BuildStamp.h"
+#include "core/Diagnostics.h"
 #include "core/Handler.h"
+#include "core/StandardStream.h"
+#include "core/StringFormat.h"
 #include "core/Usage.h"
 #include "devices/CommHandler.h"
 #include "frontends/FlexListener.h"
@@ -15,6 +18,14 @@
 namespace {
 
 constexpr char kLegalNotice[] = "For authorised use in production and service only.";
+
+constexpr char kNoDispatcher[] = "No thread for the dispatcher, giving up";
+constexpr char kNoSerial[] = "No thread for the serial front end";
+constexpr char kNoNetwork[] = "No thread for the network front end";
+constexpr char kNoFrontEnd[] = "No front end could be started, giving up";
+
+// What a standard stream is given to take what was said last.
+constexpr std::chrono::seconds kLastWordsPatience{1};
 
 constexpr char kSupplierVariable[] = "FIRST_TIER_SUPPLIER";
 constexpr int kStationChannel = 3;
@@ -56,7 +67,25 @@ void prepareProcess() {
     std::signal(SIGPIPE, SIG_IGN);
     // A parent that ignored it would keep us from learning how a shell ended.
     std::signal(SIGCHLD, SIG_DFL);
-    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+}
+
+bool start(AbstractListener& frontEnd, const char* complaint) {
+    const bool isStarted = frontEnd.startOrDie();
+    if (!isStarted)
+        printDiagnostic(complaint);
+    return isStarted;
+}
+
+void writeLastWords() {
+    StandardStream::output().flush(kLastWordsPatience);
+    StandardStream::error().flush(kLastWordsPatience);
+}
+
+/// Ends a process that could serve nobody, so that whoever started it learns of that and starts it
+/// again. There is no exit status but 0: it ends by a signal.
+[[noreturn]] void giveUp(const char* reason) {
+    printDiagnostic(reason);
+    std::abort();
 }
 
 } // namespace
@@ -65,19 +94,27 @@ int main(int argc, char** argv) {
     prepareProcess();
     if (Usage::answer(argc, argv))
         return 0;
-    std::fprintf(stderr, "%s%s%s%s%s", "Production Test Server (Build ", getDateTimeString(), ")", "\n",
-                 kLegalNotice);
+    StandardStream::error().write(string_format("%s%s%s%s%s", "Production Test Server (Build ",
+                                                getDateTimeString(), ")", "\n", kLegalNotice));
     const Supplier supplier = chosenSupplier();
     comm()->setInterfaceTyp(kStationChannel, supplier.interface);
     AbstractListener* serial = supplier.create();
     auto* network = new NetListener;
     comm()->setInterface(Comm::On);
     Handler::getInstance()->initHandler();
-    serial->start();
-    network->start();
+    if (!Handler::getInstance()->isValid())
+        giveUp(kNoDispatcher);
+    const bool isSerialStarted = start(*serial, kNoSerial);
+    const bool isNetworkStarted = start(*network, kNoNetwork);
+    if (!isSerialStarted && !isNetworkStarted)
+        giveUp(kNoFrontEnd);
+    // Behind those that serve: they get what threads there are.
+    StandardStream::output().start();
+    StandardStream::error().start();
     serial->waitForDead();
     network->waitForDead();
     delete network;
     delete serial;
+    writeLastWords();
     return 0;
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/MemoryGuard.h"
+#include "core/StandardStream.h"
 #include "frontends/serial_lexer.h"
 #include "runtime/Mutex.h"
 #include "serial_lexer.yy.h"
@@ -22,6 +23,16 @@ struct ReleaseBuffer {
 };
 
 using Buffer = std::unique_ptr<yy_buffer_state, ReleaseBuffer>;
+
+/// Shows what the rules echoed: now, and not when a buffer happens to be full.
+struct ShownEchoes {
+    ShownEchoes() = default;
+    ShownEchoes(const ShownEchoes&) = delete;
+    ShownEchoes& operator=(const ShownEchoes&) = delete;
+    ~ShownEchoes() { StandardStream::output().write(text); }
+
+    std::string text;
+};
 
 std::size_t bytesIn(const std::vector<std::vector<char>>& tokens) {
     std::size_t bytes = tokens.size() * sizeof(std::vector<char>);
@@ -59,14 +70,16 @@ void fillList(std::string_view line) {
 } // namespace
 
 std::vector<std::vector<char>> CommandLexer::scan(std::string_view line) {
+    ShownEchoes echoes; // when the lock is free again
     const System::Lock lock(s_lexerLock);
     try {
         fillList(line);
-        // What the rules echoed is there to be seen now, not when a buffer happens to be full.
-        showEchoes();
+        echoes.text = takeEchoes();
         MemoryGuard::require(bytesIn(mylist));
         return mylist;
     } catch (...) {
+        if (echoes.text.empty())
+            echoes.text = takeEchoes();
         // Half a command must not be taken for the next one's leftovers; and its memory is needed.
         std::vector<std::vector<char>>().swap(mylist);
         yylex_destroy();

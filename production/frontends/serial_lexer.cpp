@@ -1,12 +1,12 @@
 #include "frontends/serial_lexer.h"
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <utility>
 
 #include "core/HexDigit.h"
 #include "core/MemoryGuard.h"
+#include "core/StringFormat.h"
 #include "frontends/Base64Quads.h"
 #include "platform/Base64.h"
 #include "platform/Memory.h"
@@ -24,7 +24,8 @@ constexpr std::size_t kTokenOverhead = 2 * (sizeof(std::vector<char>) + 32);
 constexpr std::size_t kKeptTokens = 1024;
 
 MemoryGuard tokenMemory;
-bool echoed = false;
+MemoryGuard echoMemory;
+std::string echoes;
 
 std::vector<char>& append(std::size_t size) {
     tokenMemory.add(2 * size + kTokenOverhead);
@@ -83,20 +84,17 @@ std::size_t addBase64Run(std::string_view text) {
 void printList() {}
 
 void echo(const char* text, std::size_t length) {
-    echoed = true;
-    std::fwrite(text, 1, length, stdout);
+    echoMemory.add(length);
+    echoes.append(text, length);
 }
 
 void echoLength(const char* header, int length) {
-    echoed = true;
-    std::fprintf(stdout, "len %s: %d\n", header, length);
+    const std::string text = string_format("len %s: %d\n", header, length);
+    echo(text.data(), text.size());
 }
 
-void showEchoes() {
-    if (!echoed)
-        return;
-    echoed = false;
-    std::fflush(stdout);
+std::string takeEchoes() {
+    return std::exchange(echoes, {});
 }
 
 void clearList() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -25,11 +26,11 @@ void addBase64ToList(const char* text);
 std::size_t addBase64Run(std::string_view text);
 /// Walks the list; prints nothing.
 void printList();
-/// Writes text that no rule wants to standard output.
+/// Keeps text that no rule wants for standard output.
 void echo(const char* text, std::size_t length);
-/// Writes what a length header said to standard output.
+/// Keeps what a length header said for standard output.
 void echoLength(const char* header, int length);
-/// Makes visible what has been echoed since the last call.
-void showEchoes();
+/// What has been kept since the last call.
+std::string takeEchoes();
 /// Empties the list, as a command's name does.
 void clearList();

@@ -5,6 +5,7 @@
 #include <functional>
 #include <random>
 
+#include "core/StandardStream.h"
 #include "support/BluetoothFixture.h"
 #include "support/PthreadCalls.h"
 
@@ -69,6 +70,7 @@ TEST_F(mvbtCmdFailureTest, AThreadThatCannotBeMadeIsToldAndNothingIsRead) {
 }
 
 TEST_F(mvbtCmdFailureTest, AMutexThatCannotBeMadeIsToldAndChangesNothing) {
+    StandardStream::error(); // which makes mutexes of its own
     PthreadCalls calls;
     calls.fail("pthread_mutex_init");
     EXPECT_EQ(errorOutputOf([&] { open(); }),

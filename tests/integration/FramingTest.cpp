@@ -145,7 +145,8 @@ TEST_F(FramingTest, EmptyListIsAnsweredByAnEmptyText) {
     }
     // The fifth line's echo stands in front of its own report.
     const std::string report = "command fehler\n";
-    EXPECT_EQ(daemon.output(), report + report + report + report + " .," + report + report);
+    EXPECT_TRUE(daemon.waitForOutput(report + report + report + report + " .," + report + report))
+        << daemon.output();
     expectNothingMore(station);
 }
 

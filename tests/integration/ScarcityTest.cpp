@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/resource.h>
 
 #include <chrono>
@@ -84,11 +85,63 @@ TEST(FewDescriptors, CommandsTellWhatTheyCouldNotOpen) {
     ASSERT_TRUE(hasDescriptors(daemon, kDescriptorLimit - 2));
     expectExchange(station, shell, failure("exec", "Error, the /tmp/resp.txt could not be created"));
 
+    // The shell tells through a pipe whether it has started.
+    for (const std::size_t available : {3, 4}) {
+        stations.pop_back();
+        ASSERT_TRUE(hasDescriptors(daemon, kDescriptorLimit - available));
+        expectExchange(station, shell, failure("exec", "spawn for starting /bin/sh failed"));
+    }
+
     stations.pop_back();
-    ASSERT_TRUE(hasDescriptors(daemon, kDescriptorLimit - 3));
+    ASSERT_TRUE(hasDescriptors(daemon, kDescriptorLimit - 5));
     expectExchange(station, shell, answer("exec base64(" + base64("enough\n") + ")"));
-    EXPECT_TRUE(hasDescriptors(daemon, kDescriptorLimit - 3));
+    EXPECT_TRUE(hasDescriptors(daemon, kDescriptorLimit - 5));
     expectHealthy(daemon);
+}
+
+constexpr char kNoDispatcher[] = "Prod.testserver: No thread for the dispatcher, giving up\n";
+constexpr char kNoNetwork[] = "Prod.testserver: No thread for the network front end\n";
+constexpr char kNoFrontEnd[] = "Prod.testserver: No front end could be started, giving up\n";
+constexpr int kEndedByAbort = 128 + SIGABRT;
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+// More and more address space, from what no daemon can start with to what is enough: on the way each
+// of its threads is the first that cannot be made.
+TEST(NoThreads, ADaemonThatCannotServeEndsAndSaysWhy) {
+    if (kSanitized)
+        GTEST_SKIP() << "a sanitizer needs the address space";
+    constexpr rlim_t kStep = rlim_t{128} << 10;
+    rlim_t most = 0;
+    {
+        const Daemon enough;
+        most = addressSpaceBytes(enough.pid());
+    }
+    int withoutDispatcher = 0;
+    int withOneFrontEnd = 0;
+    for (rlim_t bytes = rlim_t{5} << 20; bytes < most; bytes += kStep) {
+        SCOPED_TRACE(bytes);
+        DaemonStart start;
+        start.limits = {{RLIMIT_AS, bytes}, {RLIMIT_CORE, 0}};
+        start.waitForPort = false;
+        Daemon daemon(start);
+        // It ends, or it serves; anything else would be a process that stands around for nobody.
+        ASSERT_TRUE(eventually(
+            [&] { return !daemon.isAlive() || isListening() || contains(daemon.error(), kNoNetwork); }));
+        if (contains(daemon.error(), kNoDispatcher) || contains(daemon.error(), kNoFrontEnd)) {
+            EXPECT_EQ(daemon.waitForEnd(), kEndedByAbort);
+            ++withoutDispatcher;
+        } else if (contains(daemon.error(), kNoNetwork)) {
+            EXPECT_TRUE(daemon.isAlive() || contains(daemon.error(), kNoFrontEnd));
+            ++withOneFrontEnd;
+        }
+        if (isListening())
+            break;
+    }
+    EXPECT_GT(withoutDispatcher, 0);
+    EXPECT_GT(withOneFrontEnd, 0);
 }
 
 TEST(NoThreads, AStationWaitsUntilThereIsOneForIt) {
@@ -109,6 +162,26 @@ TEST(NoThreads, AStationWaitsUntilThereIsOneForIt) {
 
     daemon.limit(RLIMIT_AS, RLIM_INFINITY);
     expectExchange(station, "", unknown("patient"));
+    expectHealthy(daemon);
+}
+
+TEST(NoThreads, MoreStationsThanMayWaitToBeAcceptedWaitForTheirs) {
+    if (kSanitized)
+        GTEST_SKIP() << "a sanitizer needs the address space";
+    constexpr std::size_t kStations = 20;
+    const Daemon daemon;
+    const std::size_t threads = threadCount(daemon.pid());
+    daemon.limit(RLIMIT_AS, addressSpaceBytes(daemon.pid()));
+
+    std::vector<Connection> stations(kStations);
+    for (Connection& station : stations)
+        station.send(request("patient"));
+    ASSERT_TRUE(hasDescriptors(daemon, kOwnDescriptors + kStations)) << "all are accepted";
+    EXPECT_EQ(threadCount(daemon.pid()), threads);
+
+    daemon.limit(RLIMIT_AS, RLIM_INFINITY);
+    for (Connection& station : stations)
+        expectExchange(station, "", unknown("patient"));
     expectHealthy(daemon);
 }
 

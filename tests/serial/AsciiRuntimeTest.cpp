@@ -16,7 +16,7 @@ TEST(AsciiRuntime, OfMoreThanSevenAndAHalfSecondsIsReportedOnceForTheCommand) {
     const std::string quiet = daemon.error();
 
     expectExchange(adapter, request("exec command 60 \"sleep 8\""), answer("exec base64()"));
-    // Written before the answer was sent.
+    ASSERT_TRUE(daemon.waitForError(" ms\n"));
     const std::string attention = daemon.error().substr(quiet.size());
     EXPECT_TRUE(matchesWhole(attention,
                              "Prod\\.testserver: ### ATTENTION: Command-Runtime for "

@@ -41,6 +41,10 @@ bool streamTo(const std::string& path, int stream) {
     return file >= 0 && ::dup2(file, stream) == stream;
 }
 
+bool streamTo(std::optional<int> descriptor, const std::string& path, int stream) {
+    return descriptor ? ::dup2(*descriptor, stream) == stream : streamTo(path, stream);
+}
+
 /// Neither the test's own descriptors nor those of whatever started the tests belong to the unit.
 void closeAllBut(std::optional<int> leftOpen) {
     const unsigned first = STDERR_FILENO + 1;
@@ -82,9 +86,9 @@ void become(std::string program, std::vector<std::string> arguments) {
 [[noreturn]] void becomeDaemon(const DaemonStart& start, const std::string& outputFile,
                                const std::string& errorFile) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const bool streams = streamTo("/dev/null", STDIN_FILENO) && streamTo(errorFile, STDERR_FILENO) &&
-                         (start.standardOutput ? ::dup2(*start.standardOutput, STDOUT_FILENO) >= 0
-                                               : streamTo(outputFile, STDOUT_FILENO));
+    const bool streams = streamTo("/dev/null", STDIN_FILENO) &&
+                         streamTo(start.standardError, errorFile, STDERR_FILENO) &&
+                         streamTo(start.standardOutput, outputFile, STDOUT_FILENO);
     closeAllBut(start.leftOpen);
     for (const int stream : start.closed)
         System::Descriptor(stream).reset();
@@ -140,6 +144,10 @@ std::string Daemon::output() const {
 
 std::string Daemon::error() const {
     return contentOf(m_errorFile);
+}
+
+bool Daemon::waitForOutput(const std::string& all) const {
+    return eventually([&] { return output() == all; });
 }
 
 bool Daemon::waitForError(const std::string& text) const {

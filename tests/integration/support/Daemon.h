@@ -20,6 +20,7 @@ struct DaemonStart {
     std::vector<Limit> limits;
     std::vector<int> closed;           ///< standard streams that are closed
     std::optional<int> standardOutput; ///< in place of the file that `Daemon::output` reads
+    std::optional<int> standardError;  ///< in place of the file that `Daemon::error` reads
     std::optional<int> leftOpen;       ///< a descriptor that the starting program forgot to close
     std::vector<KernelRefusal> refusals;
     bool stationLine = false;            ///< else the unit has no adapter plugged in
@@ -47,6 +48,9 @@ public:
     /// What it has written so far.
     std::string output() const;
     std::string error() const;
+
+    /// Waits until it has written exactly this.
+    bool waitForOutput(const std::string& all) const;
 
     bool waitForError(const std::string& text) const;
 
