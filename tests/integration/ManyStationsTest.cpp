@@ -70,20 +70,23 @@ TEST_F(ManyStationsTest, EachGetsItsOwnAnswers) {
     });
 }
 
-TEST_F(ManyStationsTest, AThousandOpenedAtOnceAreAllServed) {
+TEST_F(ManyStationsTest, AThousandAreServedSideBySide) {
     allowConnections(kManyConnections);
     daemon.limit(RLIMIT_NOFILE, RLIM_INFINITY);
-    // In a rush: faster than anybody accepts.
-    std::vector<Connection> stations(kManyConnections);
-    for (std::size_t number = 0; number < stations.size(); ++number)
-        stations[number].send(request("s" + std::to_string(number)));
-    for (std::size_t number = 0; number < stations.size(); ++number)
-        expectExchange(stations[number], "", unknown("s" + std::to_string(number)));
+    std::vector<Connection> stations;
+    stations.reserve(kManyConnections);
+    for (std::size_t number = 0; number < kManyConnections; ++number) {
+        stations.emplace_back();
+        const std::string name = "s" + std::to_string(number);
+        expectExchange(stations.back(), request(name), unknown(name));
+    }
     EXPECT_EQ(openDescriptors(daemon.pid()).size(), kManyConnections + kOwnDescriptors);
     for (Connection& station : stations)
         expectNothingMore(station);
 }
 
+// Faster than anybody accepts. Who is turned away by a full queue tries again after a second, and after
+// twice as long each time.
 TEST_F(ManyStationsTest, ThatOpenManyConnectionsEachAreAllServed) {
     constexpr std::size_t kClients = 20;
     constexpr std::size_t kConnectionsEach = 50;

@@ -134,7 +134,8 @@ TEST(NoThreads, ADaemonThatCannotServeEndsAndSaysWhy) {
             EXPECT_EQ(daemon.waitForEnd(), kEndedByAbort);
             ++withoutDispatcher;
         } else if (contains(daemon.error(), kNoNetwork)) {
-            EXPECT_TRUE(daemon.isAlive() || contains(daemon.error(), kNoFrontEnd));
+            // There may be too little memory for the other one, too.
+            EXPECT_TRUE(daemon.isAlive() || daemon.waitForEnd() == kEndedByAbort);
             ++withOneFrontEnd;
         }
         if (isListening())
