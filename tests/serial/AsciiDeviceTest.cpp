@@ -53,6 +53,10 @@ TEST(AsciiAbsentDevice, MayBeALinkToNowhere) {
     expectHealthy(daemon);
 }
 
+bool endsWith(const std::string& text, const std::string& end) {
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
 struct NoTerminal {
     const char* name;
     std::function<void()> make;
@@ -94,8 +98,7 @@ protected:
     static std::size_t complaintsIn(std::string error) {
         std::size_t count = 0;
         const std::string text = complaint();
-        while (error.size() >= text.size() &&
-               error.compare(error.size() - text.size(), text.size(), text) == 0) {
+        while (endsWith(error, text)) {
             error.resize(error.size() - text.size());
             ++count;
         }
@@ -122,7 +125,12 @@ TEST_P(AsciiNoTerminalTest, IsReportedAndTriedAgainWithoutHaste) {
     adapter.plug();
     expectExchange(adapter, "", banner(daemon));
     expectNothingMore(adapter);
-    const std::size_t attempts = complaintsIn(daemon.error());
+    std::string error;
+    ASSERT_TRUE(eventually([&] {
+        error = daemon.error();
+        return endsWith(error, complaint());
+    }));
+    const std::size_t attempts = complaintsIn(error);
     EXPECT_GE(attempts, 2U);
     const auto taken = std::chrono::steady_clock::now() - start;
     EXPECT_LE(attempts, kQuickAttempts + static_cast<std::size_t>(taken / std::chrono::seconds(1)));

@@ -59,12 +59,12 @@ TEST(BinaryDeviceAbsent, APulledAdapterCostsNothing) {
     adapter.pull();
     EXPECT_TRUE(daemon.waitForError(LinkErrors::kHungUp));
     EXPECT_LT(processorTimeWhileObserved(daemon), kLittleProcessorTime);
-    EXPECT_EQ(errorLines(daemon), LinkErrors::kLineGone);
+    EXPECT_EQ(errorLines(daemon, LinkErrors::kLineGone.size()), LinkErrors::kLineGone);
 
     adapter.plug();
     expectAnnouncement(adapter, repetitionFrames() + statusFrame(daemon.buildStamp(), true));
     expectServed(adapter, daemon);
-    EXPECT_EQ(errorLines(daemon), LinkErrors::kLineGone);
+    EXPECT_EQ(errorLines(daemon, LinkErrors::kLineGone.size()), LinkErrors::kLineGone);
 }
 
 /// What stands at the node's place but is no terminal, and what opening it ends in.

@@ -44,7 +44,7 @@ TEST_F(BinaryRuntimeTest, ALongCommandIsRemarkedOnByItsName) {
     const std::string request = execRequest(60, "sleep 8; echo done");
     expectExchange(request, answerFrame(request, "done\n"));
     expectServedInTime();
-    const std::vector<std::string> lines = errorLines(daemon);
+    const std::vector<std::string> lines = errorLines(daemon, 1);
     ASSERT_EQ(lines.size(), 1U);
     expectRemark(lines.front());
 }
@@ -54,7 +54,7 @@ TEST_F(BinaryRuntimeTest, ItsDebugFrameIsNot) {
     expectExchange(request,
                    refusal(request, "Process sleep 1000 was killed after timeout\nstdout+err:\n\n"));
     expectServedInTime();
-    const std::vector<std::string> lines = errorLines(daemon);
+    const std::vector<std::string> lines = errorLines(daemon, 1);
     ASSERT_EQ(lines.size(), 1U);
     expectRemark(lines.front());
 }

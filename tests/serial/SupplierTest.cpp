@@ -95,6 +95,7 @@ TEST_P(BinarySupplierTest, SpeaksFramesThroughADescriptorThatDoesNotBlock) {
 
     // Announced while no command's time was taken, so that the clock's own time is shown. On a busy
     // machine an acknowledgement may come late.
+    ASSERT_TRUE(daemon.waitForError(" ms\n"));
     const std::string error = daemon.error();
     const std::size_t start = error.find(kStartEnd);
     ASSERT_NE(start, std::string::npos) << error;

@@ -3,21 +3,14 @@
 #include <sstream>
 
 #include "support/Pattern.h"
+#include "support/Waiting.h"
 
 namespace {
 
 constexpr char kPrefix[] = "Prod.testserver: ";
 constexpr char kStatusRuntime[] = "### ATTENTION: Command-Runtime for \"s\": [0-9]+ ms";
 
-} // namespace
-
-DaemonStart withStationLine() {
-    DaemonStart start;
-    start.stationLine = true;
-    return start;
-}
-
-std::vector<std::string> errorLines(const Daemon& daemon) {
+std::vector<std::string> linesSoFar(const Daemon& daemon) {
     const std::string text = daemon.error();
     const std::size_t startEnd = text.find(kStartEnd);
     if (startEnd == std::string::npos)
@@ -35,6 +28,23 @@ std::vector<std::string> errorLines(const Daemon& daemon) {
     return lines;
 }
 
+} // namespace
+
+DaemonStart withStationLine() {
+    DaemonStart start;
+    start.stationLine = true;
+    return start;
+}
+
+std::vector<std::string> errorLines(const Daemon& daemon, std::size_t fewest) {
+    std::vector<std::string> lines;
+    EXPECT_TRUE(eventually([&] {
+        lines = linesSoFar(daemon);
+        return lines.size() >= fewest;
+    }));
+    return lines;
+}
+
 void BinaryLinkTest::SetUp() {
     expectFrames(status(false));
     acknowledge();
@@ -47,7 +57,7 @@ void BinaryLinkTest::TearDown() {
         return;
     expectServed();
     EXPECT_TRUE(daemon.isAlive());
-    EXPECT_EQ(errorLines(daemon), m_expectedErrors);
+    EXPECT_EQ(errorLines(daemon, m_expectedErrors.size()), m_expectedErrors);
     EXPECT_EQ(daemon.output(), "");
 }
 

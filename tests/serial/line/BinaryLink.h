@@ -35,8 +35,9 @@ const std::vector<std::string> kLineGone = {kReadFailed, kLoop, kHungUp};
 DaemonStart withStationLine();
 
 /// Each line that the daemon has written to standard error behind its banner, without its prefix. What a
-/// startup status has to say of its runtime, which is the machine's, is left out.
-std::vector<std::string> errorLines(const Daemon& daemon);
+/// startup status has to say of its runtime, which is the machine's, is left out. The daemon writes them
+/// a moment later than it answers, so that this waits until there are at least so many.
+std::vector<std::string> errorLines(const Daemon& daemon, std::size_t fewest = 0);
 
 /// A daemon whose announcement has been acknowledged, for each case. In the end the daemon must serve,
 /// and have written to standard error the expected lines and no others.
