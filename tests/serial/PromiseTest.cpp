@@ -11,6 +11,7 @@
 
 #include "AsciiDaemonTest.h"
 #include "line/BinaryLink.h"
+#include "platform/Descriptors.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
 
@@ -32,6 +33,7 @@ struct Row {
     const char* name;
     bool isAscii; ///< what the serial line speaks
     std::function<void(Situation&)> stall;
+    bool hasUnreadStreams = false; ///< nobody reads what the daemon writes to its standard streams
 };
 
 void PrintTo(const Row& row, std::ostream* out) {
@@ -95,11 +97,33 @@ const Row kRows[] = {
              situation.adapter.send(std::string(kStatusRequest).append(kAcknowledgement));
      }},
     {"ALineThatHasGone", true, [](Situation& situation) { situation.adapter.pull(); }},
+    {"ABluetoothChipThatSaysNothing", false,
+     [](Situation& situation) {
+         expectExchange(connect(situation), request("serial open 241"), answer("serial ok"));
+     }},
+    {"ReadersOfStandardStreamsThatDoNotRead", false,
+     [](Situation& situation) {
+         // Noise goes to standard output, and the reason of a failure to standard error.
+         Connection& noisy = connect(situation);
+         noisy.send(std::string(1'000'000, '%') + request("unknown"));
+         EXPECT_NE(noisy.receiveLine(), "");
+         for (int count = 0; count < 2'000; ++count) {
+             noisy.send(request("serial get 2 1"));
+             EXPECT_NE(noisy.receiveLine(), "");
+         }
+     },
+     true},
 };
 
 class PromiseTest : public testing::TestWithParam<Row> {
 protected:
     PromiseTest() { writeFile(kImageVersionFile, std::string(kLongContent, 'x')); }
+
+    static std::string undisturbedStatus() {
+        Connection station;
+        station.send(request("status"));
+        return station.receiveLine();
+    }
 
     /// How long half of the requests take at most: on a busy machine a single one may wait for its turn.
     static std::chrono::milliseconds usualDelay(const std::string& status) {
@@ -118,12 +142,21 @@ protected:
 };
 
 TEST_P(PromiseTest, IsKeptWhateverAStrangerDoes) {
-    const Daemon daemon(GetParam().isAscii ? asciiStart() : withStationLine());
+    System::Descriptor unread;
+    System::Descriptor stream;
+    ASSERT_TRUE(System::openPipe(unread, stream));
+    DaemonStart start = GetParam().isAscii ? asciiStart() : withStationLine();
+    if (GetParam().hasUnreadStreams) {
+        start.standardOutput = stream.get();
+        start.standardError = stream.get();
+    }
+    const Daemon daemon(start);
     EXPECT_FALSE(adapter.isSilentFor(kPatience)); // greeted or announced
+    const std::string status = undisturbedStatus();
     Situation situation{adapter, {}};
     GetParam().stall(situation);
     if (!HasFailure()) {
-        EXPECT_LE(usualDelay(answer("status \"" + daemon.buildStamp() + "\" A024 \"1A\" 4")), kPromised);
+        EXPECT_LE(usualDelay(status), kPromised);
     }
     EXPECT_TRUE(daemon.isAlive());
 }
