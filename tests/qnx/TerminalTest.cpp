@@ -36,10 +36,10 @@ TEST_F(QnxTerminalTest, AStreamIsOpenedForUpdateAndMadeNonBlocking) {
     ASSERT_NE(stream, nullptr);
     const std::string descriptor = std::to_string(::fileno(stream));
     std::fclose(stream);
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("fopen64 \"/dev/usbserialadapter1\" \"rb+\"",
-                                                 "fcntl " + descriptor + " 2 0x1",
-                                                 "fcntl " + descriptor + " 3 0x0",
-                                                 "fcntl " + descriptor + " 4 0x80", "fclose"));
+    EXPECT_THAT(
+        FakeSystem::calls(),
+        ElementsAre("fopen64 \"/dev/usbserialadapter1\" \"rb+\"", "fcntl " + descriptor + " 2 0x1",
+                    "fcntl " + descriptor + " 3 0x0", "fcntl " + descriptor + " 4 0x80", "fclose"));
 }
 
 TEST_F(QnxTerminalTest, AStreamThatIsMissingIsNullAndSaysWhy) {

@@ -27,8 +27,8 @@ DaemonStart startWithin(rlim_t addressSpace) {
 
 /// Whether the network's thread, and no other one that serves, could not be made.
 bool lacksNetworkOnly(const Daemon& daemon) {
-    EXPECT_TRUE(eventually(
-        [&] { return !daemon.isAlive() || isListening() || isWithoutNetworkOnly(daemon); }));
+    EXPECT_TRUE(
+        eventually([&] { return !daemon.isAlive() || isListening() || isWithoutNetworkOnly(daemon); }));
     return isWithoutNetworkOnly(daemon);
 }
 
