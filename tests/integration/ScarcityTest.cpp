@@ -86,7 +86,7 @@ TEST(FewDescriptors, CommandsTellWhatTheyCouldNotOpen) {
     expectExchange(station, shell, failure("exec", "Error, the /tmp/resp.txt could not be created"));
 
     // The shell tells through a pipe whether it has started.
-    for (const std::size_t available : {3, 4}) {
+    for (const std::size_t available : {3U, 4U}) {
         stations.pop_back();
         ASSERT_TRUE(hasDescriptors(daemon, kDescriptorLimit - available));
         expectExchange(station, shell, failure("exec", "spawn for starting /bin/sh failed"));

@@ -28,20 +28,17 @@ TEST_F(BinaryAcknowledgementTest, NoneAtAll) {
 }
 
 TEST_F(BinaryAcknowledgementTest, OneByte) {
-    askForStatus();
-    adapter.send("\x02");
+    expectReply(std::string(kStatusRequest).append("\x02"), status(true));
     expectComplaint("Received Data invalid: 1");
 }
 
 TEST_F(BinaryAcknowledgementTest, OneWrongByte) {
-    askForStatus();
-    adapter.send("\xFF");
+    expectReply(std::string(kStatusRequest).append("\xFF"), status(true));
     expectComplaint("Received Data invalid: 1");
 }
 
 TEST_F(BinaryAcknowledgementTest, ByteByByte) {
-    askForStatus();
-    adapter.send("\x02");
+    expectReply(std::string(kStatusRequest).append("\x02"), status(true));
     adapter.waitUntilTaken();
     adapter.send("\x06");
 }
@@ -50,8 +47,7 @@ TEST_F(BinaryAcknowledgementTest, WrongBytes) {
     for (const std::string& wrong :
          {"\x02\x07"s, "\x02\x15"s, "\x06\x02"s, "\x03\x06"s, "\0\0"s, "\x06\x06"s, "\x82\x86"s}) {
         SCOPED_TRACE(testing::PrintToString(wrong));
-        askForStatus();
-        adapter.send(wrong);
+        expectReply(std::string(kStatusRequest).append(wrong), status(true));
         expectServed();
         expectErrors({"Received not an Ack-Message"});
     }
@@ -60,7 +56,7 @@ TEST_F(BinaryAcknowledgementTest, WrongBytes) {
 TEST_F(BinaryAcknowledgementTest, ALateOneIsARequestWithoutAnswer) {
     askForStatus();
     EXPECT_TRUE(daemon.waitForError("NO ACK"));
-    acknowledge();
+    adapter.send(kAcknowledgement);
     expectComplaint("NO ACK message received from the client (not critical)");
 }
 
