@@ -68,7 +68,7 @@ TEST_F(BinarySilentNodesTest, VersionFilesAreReportedWithoutAnAnswerFrame) {
 }
 
 TEST(BinarySilentRevision, HoldsUpNobodyButTheLine) {
-    constexpr long kAttempts = 4;
+    constexpr long kAttempts = 10;
     constexpr std::chrono::milliseconds kSlow{300};
     Adapter adapter;
     makeSilent(kRevisionFile);
