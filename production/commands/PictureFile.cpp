@@ -43,8 +43,12 @@ System::Descriptor openDestination(const char* path) {
     constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     System::Descriptor file(::open(path, kFlags, kMode));
     struct stat information {};
-    if (!file || (::fstat(file.get(), &information) == 0 && S_ISREG(information.st_mode)))
+    if (!file)
         return file;
+    if (::fstat(file.get(), &information) == 0 && S_ISREG(information.st_mode)) {
+        ::fchmod(file.get(), kMode); // whatever the process takes away from new files
+        return file;
+    }
     file.reset();
     errno = EINVAL;
     return file;

@@ -67,7 +67,7 @@ mvbtCmd::~mvbtCmd() {
 }
 
 int mvbtCmd::open() {
-    if (checkDll())
+    if (isOpenForGood())
         return 0;
     // A reader that tries to open the driver anew goes on doing so, whatever comes of this.
     if (!useDriver()) {
@@ -79,6 +79,12 @@ int mvbtCmd::open() {
     if (result == 0)
         startReadingThread();
     return result;
+}
+
+/// Not when a reader is about to replace the driver, or to unload it because it was left behind.
+bool mvbtCmd::isOpenForGood() const {
+    const std::lock_guard<std::mutex> lock(m_lock);
+    return isLoaded() && !m_isInUse;
 }
 
 int mvbtCmd::load() {

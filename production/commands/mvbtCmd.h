@@ -107,6 +107,7 @@ private:
     };
 
     bool isLoaded() const; // by whoever holds m_lock
+    bool isOpenForGood() const;
     int load();
     Driver takeDriver();
     void unload();
@@ -117,6 +118,7 @@ private:
     void initializeMutex();    // once; a failure is told and changes nothing
     void startReadingThread(); // does nothing when it runs; a failure is told
     void stopReadingThread();  // cancels it, and gives it time to end
+    void joinReader();
     void dismissReader(System::DriverLibrary library);
 
     // On the reader's thread.

@@ -67,10 +67,20 @@ void mvbtCmd::stopReadingThread() {
         return;
     m_changed.notify_all();
     ::pthread_cancel(tidmvbtReader);
-    m_changed.wait_for(lock, kPatience, [this] { return m_reader->hasEnded; });
+    if (!m_changed.wait_for(lock, kPatience, [this] { return m_reader->hasEnded; }))
+        return;
+    lock.unlock();
+    joinReader();
 }
 
-/// Joins the reader and then unloads the library, or leaves it to the reader to do so.
+/// Of one that has ended.
+void mvbtCmd::joinReader() {
+    ::pthread_join(tidmvbtReader, nullptr);
+    m_reader.reset();
+}
+
+/// What becomes of a reader that did not end in time: closing the driver may have ended it; else it is
+/// left behind, with the library to unload.
 void mvbtCmd::dismissReader(System::DriverLibrary library) {
     {
         const std::lock_guard<std::mutex> lock(m_lock);
@@ -83,8 +93,7 @@ void mvbtCmd::dismissReader(System::DriverLibrary library) {
             return;
         }
     }
-    ::pthread_join(tidmvbtReader, nullptr);
-    m_reader.reset();
+    joinReader();
 }
 
 void* mvbtCmd::readingThread(void* reader) {

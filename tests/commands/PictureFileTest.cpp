@@ -97,7 +97,7 @@ TEST_F(PictureFileTest, UnpacksAPicture) {
 
 TEST_F(PictureFileTest, AnUnpackedPictureCanBeReadByAll) {
     pack(packed(), pictureContent(1));
-    const mode_t before = ::umask(0);
+    const mode_t before = ::umask(S_IRWXG | S_IRWXO);
     EXPECT_EQ(unpack(), "");
     ::umask(before);
     struct stat information {};

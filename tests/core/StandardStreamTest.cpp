@@ -139,12 +139,21 @@ TEST_F(StandardStreamTest, AFlushWaitsNoLongerThanItIsTold) {
     EXPECT_EQ(readNow(), "");
 }
 
-TEST_F(StandardStreamTest, TellsALossOfAnotherStream) {
-    auto* const full = // NOLINT(cppcoreguidelines-owning-memory)
-        new StandardStream(::open("/dev/full", O_WRONLY | O_CLOEXEC), "test", &makeStream());
-    full->write("lost");
-    full->write("lost, too");
+TEST_F(StandardStreamTest, TellsALossOfAnotherStreamOnceThatTakesTextAgain) {
+    System::Descriptor otherReading;
+    System::Descriptor otherWriting;
+    ASSERT_TRUE(System::openPipe(otherReading, otherWriting));
+    StandardStream& notices = makeStream();
+    auto* const other = new StandardStream(otherWriting.release(), "test", &notices); // NOLINT
+    const std::string much(kMoreThanAPipeTakes, 'x');
+    other->write(much);
+    other->write("lost, too");
     EXPECT_EQ(readNow(), "") << "as long as it takes nothing, there is nothing to tell";
+    std::string taken(much.size(), '\0');
+    const ssize_t count = ::read(otherReading.get(), taken.data(), taken.size());
+    ASSERT_GT(count, 0);
+    other->write("and on");
+    EXPECT_EQ(readNow(), lossOf(much.size() - static_cast<std::size_t>(count) + 9));
 }
 
 TEST_F(StandardStreamTest, AStreamThatIsClosedIsNoMatter) {

@@ -100,6 +100,7 @@ TEST(FewDescriptors, CommandsTellWhatTheyCouldNotOpen) {
 }
 
 constexpr char kNoDispatcher[] = "Prod.testserver: No thread for the dispatcher, giving up\n";
+constexpr char kNoSerial[] = "Prod.testserver: No thread for the serial front end\n";
 constexpr char kNoNetwork[] = "Prod.testserver: No thread for the network front end\n";
 constexpr char kNoFrontEnd[] = "Prod.testserver: No front end could be started, giving up\n";
 constexpr int kEndedByAbort = 128 + SIGABRT;
@@ -113,13 +114,14 @@ bool contains(const std::string& text, const std::string& part) {
 TEST(NoThreads, ADaemonThatCannotServeEndsAndSaysWhy) {
     if (kSanitized)
         GTEST_SKIP() << "a sanitizer needs the address space";
-    constexpr rlim_t kStep = rlim_t{128} << 10;
+    constexpr rlim_t kStep = rlim_t{64} << 10;
     rlim_t most = 0;
     {
         const Daemon enough;
         most = addressSpaceBytes(enough.pid());
     }
     int withoutDispatcher = 0;
+    int withoutFrontEnd = 0;
     int withOneFrontEnd = 0;
     for (rlim_t bytes = rlim_t{5} << 20; bytes < most; bytes += kStep) {
         SCOPED_TRACE(bytes);
@@ -128,11 +130,17 @@ TEST(NoThreads, ADaemonThatCannotServeEndsAndSaysWhy) {
         start.waitForPort = false;
         Daemon daemon(start);
         // It ends, or it serves; anything else would be a process that stands around for nobody.
-        ASSERT_TRUE(eventually(
-            [&] { return !daemon.isAlive() || isListening() || contains(daemon.error(), kNoNetwork); }));
-        if (contains(daemon.error(), kNoDispatcher) || contains(daemon.error(), kNoFrontEnd)) {
+        ASSERT_TRUE(eventually([&] {
+            const std::string error = daemon.error();
+            return !daemon.isAlive() || isListening() ||
+                   (contains(error, kNoNetwork) && !contains(error, kNoSerial));
+        }));
+        if (contains(daemon.error(), kNoDispatcher)) {
             EXPECT_EQ(daemon.waitForEnd(), kEndedByAbort);
             ++withoutDispatcher;
+        } else if (contains(daemon.error(), kNoFrontEnd)) {
+            EXPECT_EQ(daemon.waitForEnd(), kEndedByAbort);
+            ++withoutFrontEnd;
         } else if (contains(daemon.error(), kNoNetwork)) {
             // There may be too little memory for the other one, too.
             EXPECT_TRUE(daemon.isAlive() || daemon.waitForEnd() == kEndedByAbort);
@@ -142,6 +150,7 @@ TEST(NoThreads, ADaemonThatCannotServeEndsAndSaysWhy) {
             break;
     }
     EXPECT_GT(withoutDispatcher, 0);
+    EXPECT_GT(withoutFrontEnd, 0);
     EXPECT_GT(withOneFrontEnd, 0);
 }
 
