@@ -65,7 +65,7 @@ struct Handler::Request {
     AbstractListener* listener = nullptr;
     bool isAscii = false;
     std::vector<unsigned char>* frame = nullptr;
-    std::vector<std::vector<char>> tokens;
+    std::vector<std::vector<char>>* tokens = nullptr;
     std::string unknownCommand; // what to complain of; empty when the command is known
 
     std::vector<unsigned char> answerFrame;
@@ -154,7 +154,7 @@ std::string Handler::handleCommand(std::vector<std::vector<char>> tokens, Abstra
             request->command = entry->second;
         }
     }
-    request->tokens = std::move(tokens);
+    request->tokens = &tokens; // freed here: there may be millions
     runAndWait(request);
     return request->response ? answerLine(*request) : std::string();
 }
@@ -242,7 +242,7 @@ void Handler::runBinary(Request& request) {
 void Handler::runAscii(Request& request) {
     request.response.reset(guarded([&request]() -> ProcessResponse* {
         if (request.unknownCommand.empty())
-            return request.command->process(request.tokens);
+            return request.command->process(*request.tokens);
         // The name came from outside: it is text, never a format.
         return new ProcessResponseAscii(kUnknownName, "%s", request.unknownCommand.c_str());
     }));

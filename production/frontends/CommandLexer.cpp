@@ -4,85 +4,186 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "core/MemoryGuard.h"
 #include "core/StandardStream.h"
 #include "frontends/serial_lexer.h"
+#include "platform/Memory.h"
 #include "runtime/Mutex.h"
 #include "serial_lexer.yy.h"
 
 namespace {
 
+using Tokens = std::vector<std::vector<char>>;
+
 // What the scanner wants to see behind the text.
 constexpr std::string_view kEndOfBuffer("\0\0", 2);
 
-System::Mutex s_lexerLock(System::Mutex::Normal);
+/// Tokens in two blocks of memory: whoever lets go of them does not pay for their number.
+class PackedTokens {
+public:
+    PackedTokens() = default;
 
-struct ReleaseBuffer {
-    void operator()(yy_buffer_state* buffer) const { yy_delete_buffer(buffer); }
-};
-
-using Buffer = std::unique_ptr<yy_buffer_state, ReleaseBuffer>;
-
-/// Shows what the rules echoed: now, and not when a buffer happens to be full.
-struct ShownEchoes {
-    ShownEchoes() = default;
-    ShownEchoes(const ShownEchoes&) = delete;
-    ShownEchoes& operator=(const ShownEchoes&) = delete;
-    ~ShownEchoes() { StandardStream::output().write(text); }
-
-    std::string text;
-};
-
-std::size_t bytesIn(const std::vector<std::vector<char>>& tokens) {
-    std::size_t bytes = tokens.size() * sizeof(std::vector<char>);
-    for (const auto& token : tokens)
-        bytes += token.size();
-    return bytes;
-}
-
-/// What is scanned next is `text` from there on.
-Buffer scanFrom(std::string& text, std::size_t begin) {
-    Buffer buffer(yy_scan_buffer(text.data() + begin, text.size() - begin));
-    yy_switch_to_buffer(buffer.get());
-    return buffer;
-}
-
-/// Scans `line` into `mylist`.
-void fillList(std::string_view line) {
-    line = line.substr(0, line.find('\0'));
-    // The scanner counts in int.
-    if (line.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()) - kEndOfBuffer.size())
-        throw std::bad_alloc();
-    MemoryGuard::require(line.size());
-    // The scanner's own copy would be lost if memory ran out right behind it.
-    std::string text;
-    text.reserve(line.size() + kEndOfBuffer.size());
-    text.append(line).append(kEndOfBuffer);
-    Buffer buffer = scanFrom(text, 0);
-    while (yylex() == kBase64Begins) {
-        const auto begin = static_cast<std::size_t>(yytext - text.data() + yyleng);
-        buffer = scanFrom(text, begin + addBase64Run(line.substr(begin)));
+    explicit PackedTokens(const Tokens& tokens) {
+        std::size_t bytes = 0;
+        for (const auto& token : tokens)
+            bytes += token.size();
+        MemoryGuard::require(bytes + tokens.size() * sizeof(std::size_t));
+        m_bytes.reserve(bytes);
+        m_ends.reserve(tokens.size());
+        for (const auto& token : tokens) {
+            m_bytes.append(token.data(), token.size());
+            m_ends.push_back(m_bytes.size());
+        }
     }
-    printList();
+
+    Tokens unpacked() const {
+        MemoryGuard::require(m_bytes.size() + m_ends.size() * (sizeof(std::vector<char>) + kBlock));
+        Tokens tokens;
+        tokens.reserve(m_ends.size());
+        std::size_t begin = 0;
+        for (const std::size_t end : m_ends) {
+            tokens.emplace_back(m_bytes.begin() + static_cast<std::ptrdiff_t>(begin),
+                                m_bytes.begin() + static_cast<std::ptrdiff_t>(end));
+            begin = end;
+        }
+        return tokens;
+    }
+
+    /// Whether the allocator should be asked to give back what they leave.
+    bool areMany() const { return m_bytes.size() > CommandLexer::kLongLine; }
+
+private:
+    static constexpr std::size_t kBlock = 32; // at least, on the heap
+
+    std::string m_bytes;
+    std::vector<std::size_t> m_ends;
+};
+
+/// What one line leaves to the next one, whoever sends that.
+struct Leftovers {
+    int startState = 0; // outside of a command
+    std::shared_ptr<const PackedTokens> mylist;
+};
+
+System::Mutex s_lexerLock(System::Mutex::Normal); // guards s_leftovers, and is held for moments only
+Leftovers& s_leftovers = *new Leftovers;
+
+Leftovers currentLeftovers() {
+    const System::Lock lock(s_lexerLock);
+    return s_leftovers;
+}
+
+void replaceLeftovers(Leftovers after) {
+    const System::Lock lock(s_lexerLock);
+    std::swap(s_leftovers, after);
+}
+
+/// The same, unless the line should have been scanned differently because of lines that were scanned
+/// meanwhile.
+bool replaceLeftovers(const Leftovers& before, bool dependsOnList, Leftovers& after) {
+    const System::Lock lock(s_lexerLock);
+    if (s_leftovers.startState != before.startState ||
+        (dependsOnList && s_leftovers.mylist != before.mylist))
+        return false;
+    std::swap(s_leftovers, after);
+    return true;
+}
+
+/// The generated scanner, for one line.
+class Scanner {
+public:
+    Scanner(LineScan& scan, int startState) : m_scan(scan) {
+        if (yylex_init_extra(&scan, &m_scanner) != 0)
+            throw std::bad_alloc();
+        beginIn(startState, m_scanner);
+    }
+    Scanner(const Scanner&) = delete;
+    Scanner& operator=(const Scanner&) = delete;
+    ~Scanner() { yylex_destroy(m_scanner); }
+
+    /// Returns the start state that the line ends in.
+    int run(std::string_view line) {
+        line = line.substr(0, line.find('\0'));
+        // The scanner counts in int.
+        if (line.size() >
+            static_cast<std::size_t>(std::numeric_limits<int>::max()) - kEndOfBuffer.size())
+            throw std::bad_alloc();
+        MemoryGuard::require(line.size());
+        // The scanner's own copy would be lost if memory ran out right behind it.
+        std::string text;
+        text.reserve(line.size() + kEndOfBuffer.size());
+        text.append(line).append(kEndOfBuffer);
+        // A buffer would be lost if memory ran out while the scanner makes a place for it, which it does
+        // in two steps.
+        for (int step = 0; step < 2; ++step)
+            yy_switch_to_buffer(nullptr, m_scanner);
+        scanFrom(text, 0);
+        while (yylex(m_scanner) == kBase64Begins) {
+            const auto begin =
+                static_cast<std::size_t>(yyget_text(m_scanner) - text.data() + yyget_leng(m_scanner));
+            scanFrom(text, begin + m_scan.addBase64Run(line.substr(begin)));
+        }
+        m_scan.printList();
+        return startStateOf(m_scanner);
+    }
+
+private:
+    /// What is scanned next is `text` from there on.
+    void scanFrom(std::string& text, std::size_t begin) {
+        yy_buffer_state* const before =
+            std::exchange(m_buffer, yy_scan_buffer(text.data() + begin, text.size() - begin, m_scanner));
+        yy_switch_to_buffer(m_buffer, m_scanner);
+        yy_delete_buffer(before, m_scanner);
+    }
+
+    LineScan& m_scan;
+    yyscan_t m_scanner = nullptr;
+    yy_buffer_state* m_buffer = nullptr;
+};
+
+/// The tokens that the scanned line gives.
+Tokens tokensOf(LineScan& scan, const Leftovers& before) {
+    if (scan.isNewList || before.mylist == nullptr)
+        return std::move(scan.mylist);
+    Tokens tokens = before.mylist->unpacked();
+    for (auto& token : scan.mylist)
+        tokens.push_back(std::move(token));
+    return tokens;
+}
+
+/// Scans a line as if no other one were scanned meanwhile; empty when one was, and it matters.
+bool scanOnce(std::string_view line, Tokens& tokens) {
+    LineScan scan;
+    Leftovers before = currentLeftovers();
+    Leftovers after;
+    try {
+        after.startState = Scanner(scan, before.startState).run(line);
+        tokens = tokensOf(scan, before);
+        after.mylist = std::make_shared<const PackedTokens>(tokens);
+    } catch (...) {
+        // Half a command must not be taken for the next one's leftovers.
+        replaceLeftovers({});
+        StandardStream::output().write(scan.echoes);
+        throw;
+    }
+    if (!replaceLeftovers(before, !scan.isNewList, after))
+        return false;
+    StandardStream::output().write(scan.echoes);
+    if (before.mylist != nullptr && before.mylist->areMany()) {
+        before.mylist.reset();
+        after.mylist.reset();
+        System::returnFreedMemory();
+    }
+    return true;
 }
 
 } // namespace
 
 std::vector<std::vector<char>> CommandLexer::scan(std::string_view line) {
-    ShownEchoes echoes; // when the lock is free again
-    const System::Lock lock(s_lexerLock);
-    try {
-        fillList(line);
-        echoes.text = takeEchoes();
-        MemoryGuard::require(bytesIn(mylist));
-        return mylist;
-    } catch (...) {
-        if (echoes.text.empty())
-            echoes.text = takeEchoes();
-        // Half a command must not be taken for the next one's leftovers; and its memory is needed.
-        std::vector<std::vector<char>>().swap(mylist);
-        yylex_destroy();
-        throw;
+    Tokens tokens;
+    while (!scanOnce(line, tokens)) {
     }
+    return tokens;
 }

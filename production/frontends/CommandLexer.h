@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-/// The one scanner of command lines, shared by all front ends.
+/// The scanner of command lines. All front ends share what a line leaves to the next one.
 class CommandLexer {
 public:
     /// Lines that are longer than this leave so much behind that it is worth giving back.
@@ -13,7 +13,7 @@ public:
     /// The tokens of the command in `line`, the command's name first. A line without a command gives the
     /// tokens of the command before it, whoever sent that. A line ends at its first zero byte, if any.
     ///
-    /// Any thread; waits while another thread scans. Throws std::bad_alloc for a line that does not fit
+    /// Any thread, and any number of them at once. Throws std::bad_alloc for a line that does not fit
     /// into memory, or is longer than the scanner can count; the scanner is as new then.
     static std::vector<std::vector<char>> scan(std::string_view line);
 };

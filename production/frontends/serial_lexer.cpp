@@ -2,46 +2,34 @@
 
 #include <cstring>
 #include <string>
-#include <utility>
 
 #include "core/HexDigit.h"
-#include "core/MemoryGuard.h"
 #include "core/StringFormat.h"
 #include "frontends/Base64Quads.h"
 #include "platform/Base64.h"
-#include "platform/Memory.h"
 
 namespace {
 
 constexpr std::size_t kMaxHexCharacters = 2048;
 constexpr std::size_t kCharactersPerQuad = 4;
 constexpr std::size_t kBytesPerQuad = 3;
-// What a token of a few bytes costs beside them: its vector and its block on the heap. It counts twice,
-// since the list is copied before it is used.
-constexpr std::size_t kTokenOverhead = 2 * (sizeof(std::vector<char>) + 32);
-
-// A list that was once longer gives its memory back.
-constexpr std::size_t kKeptTokens = 1024;
-
-MemoryGuard tokenMemory;
-MemoryGuard echoMemory;
-std::string echoes;
-
-std::vector<char>& append(std::size_t size) {
-    tokenMemory.add(2 * size + kTokenOverhead);
-    return mylist.emplace_back();
-}
+// What a token of a few bytes costs beside them: its vector, its block on the heap, and its place in
+// what is kept of the list, which has the bytes once more.
+constexpr std::size_t kTokenOverhead = sizeof(std::vector<char>) + 32 + sizeof(std::size_t);
 
 } // namespace
 
-std::vector<std::vector<char>> mylist;
+std::vector<char>& LineScan::append(std::size_t size) {
+    m_tokenMemory.add(2 * size + kTokenOverhead);
+    return mylist.emplace_back();
+}
 
-void addToList(const char* text) {
+void LineScan::addToList(const char* text) {
     const std::size_t size = std::strlen(text) + 1;
     append(size).assign(text, text + size);
 }
 
-void addHexToList(char* text) {
+void LineScan::addHexToList(char* text) {
     const std::size_t length = strnlen(text, kMaxHexCharacters);
     std::vector<char>& bytes = append(length / 2);
     bool high = true;
@@ -59,11 +47,11 @@ void addHexToList(char* text) {
     }
 }
 
-void addBase64ToList(const char* text) {
+void LineScan::addBase64ToList(const char* text) {
     addBase64Run(text);
 }
 
-std::size_t addBase64Run(std::string_view text) {
+std::size_t LineScan::addBase64Run(std::string_view text) {
     const std::size_t length = base64RunLength(text.data(), text.size());
     if (length == 0)
         return 0;
@@ -81,27 +69,17 @@ std::size_t addBase64Run(std::string_view text) {
     return length;
 }
 
-void printList() {}
-
-void echo(const char* text, std::size_t length) {
-    echoMemory.add(length);
+void LineScan::echo(const char* text, std::size_t length) {
+    m_echoMemory.add(length);
     echoes.append(text, length);
 }
 
-void echoLength(const char* header, int length) {
+void LineScan::echoLength(const char* header, int length) {
     const std::string text = string_format("len %s: %d\n", header, length);
     echo(text.data(), text.size());
 }
 
-std::string takeEchoes() {
-    return std::exchange(echoes, {});
-}
-
-void clearList() {
-    if (mylist.capacity() <= kKeptTokens) {
-        mylist.clear();
-        return;
-    }
-    std::vector<std::vector<char>>().swap(mylist);
-    System::returnFreedMemory();
+void LineScan::clearList() {
+    mylist.clear();
+    isNewList = true;
 }

@@ -260,36 +260,20 @@ TEST_F(CommandLexerTest, ALineEndsAtItsFirstZeroByte) {
     EXPECT_EQ(scan(std::string("\x02s a\0b\x03", 7)), (Scan{tokens({"s", "a"}), ""}));
 }
 
-TEST_F(CommandLexerTest, TheScannersOwnEntryPointsLeaveTheListBehind) {
-    const auto run = [](const char* line) {
-        yy_buffer_state* const buffer = yy_scan_string(line);
-        yy_switch_to_buffer(buffer);
-        const int result = yylex();
-        printList();
-        yy_delete_buffer(buffer);
-        return result;
-    };
-    EXPECT_EQ(run("\x02s a\x03 rest"), 0);
-    EXPECT_EQ(mylist, tokens({"s", "a"}));
-    EXPECT_EQ(run("\x02t b"), 0);
-    EXPECT_EQ(mylist, tokens({"t", "b"}));
-    EXPECT_EQ(run("c\x03"), 0);
-    EXPECT_EQ(mylist, tokens({"t", "b", "c"}));
-}
-
-TEST_F(CommandLexerTest, TheListIsFilledByItsThreeRoutines) {
+TEST(LineScanTest, TheListIsFilledByItsThreeRoutines) {
     char digits[] = "12 aB-c";
     char text[] = "QUJDQQ==";
-    clearList();
-    addToList("");
-    addToList("word");
-    addHexToList(digits);
-    addBase64ToList(text);
-    ::testing::internal::CaptureStdout();
-    printList();
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
-    EXPECT_THAT(mylist, ElementsAre(token(""), token("word"), decoded("\x12\xAB"),
-                                    std::vector<char>{'A', 'B', 'C', 'A', '\0', '\0'}));
-    clearList();
-    EXPECT_TRUE(mylist.empty());
+    LineScan scan;
+    EXPECT_FALSE(scan.isNewList);
+    scan.addToList("");
+    scan.addToList("word");
+    scan.addHexToList(digits);
+    scan.addBase64ToList(text);
+    scan.printList();
+    EXPECT_THAT(scan.mylist, ElementsAre(token(""), token("word"), decoded("\x12\xAB"),
+                                         std::vector<char>{'A', 'B', 'C', 'A', '\0', '\0'}));
+    EXPECT_FALSE(scan.isNewList);
+    scan.clearList();
+    EXPECT_TRUE(scan.isNewList);
+    EXPECT_TRUE(scan.mylist.empty());
 }

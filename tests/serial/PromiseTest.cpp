@@ -2,10 +2,8 @@
 // answered within 100 ms.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,13 +12,15 @@
 #include "platform/Descriptors.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
+#include "support/Witness.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-constexpr std::chrono::milliseconds kPromised{100};
-constexpr int kRequests = 51;
+// A sanitizer makes the daemon so much slower.
+constexpr std::chrono::milliseconds kPromised{kSanitized ? 1000 : 100};
+// On a busy machine the one who asks may have to wait for its turn.
+constexpr int kAttempts = 5;
+constexpr long kAnswers = 100;
 constexpr std::size_t kLongContent = 350'000; // a version file whose answer no line or connection holds
 
 /// Both of the daemon's sides, and what has to outlive a case.
@@ -70,6 +70,15 @@ const Row kRows[] = {
     {"AQuotedLineWithoutEnd", false,
      [](Situation& situation) {
          connect(situation).send("\x02unfinished \"" + std::string(5'000'000, 'x'));
+     }},
+    {"AVeryLongLine", false,
+     [](Situation& situation) {
+         std::string line = "unknown";
+         for (int word = 0; word < 500'000; ++word)
+             line += " a";
+         Connection& station = connect(situation);
+         station.send(request(line));
+         EXPECT_NE(station.receiveLine(), "");
      }},
     {"ALineStationThatDoesNotRead", true, askForMuchOverTheLine},
     {"ALineStationThatDoesNotReadWhileOthersUseItsLine", true,
@@ -125,40 +134,36 @@ protected:
         return station.receiveLine();
     }
 
-    /// How long half of the requests take at most: on a busy machine a single one may wait for its turn.
-    static std::chrono::milliseconds usualDelay(const std::string& status) {
-        std::vector<Clock::duration> delays;
-        Connection station;
-        for (int count = 0; count < kRequests; ++count) {
-            const auto begin = Clock::now();
-            expectExchange(station, request("status"), status);
-            delays.push_back(Clock::now() - begin);
+    /// How long another connection's status takes at most, from before the stranger comes.
+    static std::chrono::milliseconds longestDelay() {
+        Adapter adapter;
+        System::Descriptor unread;
+        System::Descriptor stream;
+        EXPECT_TRUE(System::openPipe(unread, stream));
+        DaemonStart start = GetParam().isAscii ? asciiStart() : withStationLine();
+        if (GetParam().hasUnreadStreams) {
+            start.standardOutput = stream.get();
+            start.standardError = stream.get();
         }
-        std::sort(delays.begin(), delays.end());
-        return std::chrono::duration_cast<std::chrono::milliseconds>(delays[kRequests / 2]);
+        const Daemon daemon(start);
+        EXPECT_FALSE(adapter.isSilentFor(kPatience)); // greeted or announced
+        Situation situation{adapter, {}};
+        const Witness witness(request("status"), undisturbedStatus());
+        GetParam().stall(situation);
+        EXPECT_TRUE(witness.seesMore(kAnswers));
+        EXPECT_TRUE(daemon.isAlive());
+        return witness.longestDelay();
     }
-
-    Adapter adapter;
 };
 
 TEST_P(PromiseTest, IsKeptWhateverAStrangerDoes) {
-    System::Descriptor unread;
-    System::Descriptor stream;
-    ASSERT_TRUE(System::openPipe(unread, stream));
-    DaemonStart start = GetParam().isAscii ? asciiStart() : withStationLine();
-    if (GetParam().hasUnreadStreams) {
-        start.standardOutput = stream.get();
-        start.standardError = stream.get();
+    std::chrono::milliseconds delay{};
+    for (int attempt = 0; attempt < kAttempts && !HasFailure(); ++attempt) {
+        delay = longestDelay();
+        if (delay <= kPromised)
+            return;
     }
-    const Daemon daemon(start);
-    EXPECT_FALSE(adapter.isSilentFor(kPatience)); // greeted or announced
-    const std::string status = undisturbedStatus();
-    Situation situation{adapter, {}};
-    GetParam().stall(situation);
-    if (!HasFailure()) {
-        EXPECT_LE(usualDelay(status), kPromised);
-    }
-    EXPECT_TRUE(daemon.isAlive());
+    EXPECT_LE(delay, kPromised) << "each time";
 }
 
 INSTANTIATE_TEST_SUITE_P(Strangers, PromiseTest, testing::ValuesIn(kRows),

@@ -3,12 +3,23 @@
 #include <gtest/gtest.h>
 
 #include <exception>
+#include <utility>
 
 #include "support/Connection.h"
 #include "support/Lines.h"
 #include "support/Waiting.h"
 
-Witness::Witness() : m_thread([this] { ask(); }) {}
+Witness::Witness()
+    : Witness([](long number) {
+          const std::string name = "witness" + std::to_string(number);
+          return Exchange{request(name), unknown(name)};
+      }) {}
+
+Witness::Witness(std::string asked, std::string expected)
+    : Witness([exchange = Exchange{std::move(asked), std::move(expected)}](long) { return exchange; }) {}
+
+Witness::Witness(std::function<Exchange(long number)> next)
+    : m_next(std::move(next)), m_thread([this] { ask(); }) {}
 
 Witness::~Witness() {
     m_stop = true;
@@ -25,8 +36,13 @@ void Witness::ask() {
     try {
         Connection station;
         while (!m_stop && !testing::Test::HasFailure()) {
-            const std::string name = "witness" + std::to_string(m_answers);
-            expectExchange(station, request(name), unknown(name));
+            const Exchange exchange = m_next(m_answers);
+            const auto begin = std::chrono::steady_clock::now();
+            expectExchange(station, exchange.asked, exchange.expected);
+            const auto delay = std::chrono::duration_cast<std::chrono::milliseconds>(
+                std::chrono::steady_clock::now() - begin);
+            if (delay > m_longestDelay.load())
+                m_longestDelay = delay;
             ++m_answers;
         }
     } catch (const std::exception& exception) {
