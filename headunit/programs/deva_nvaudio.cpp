@@ -2,6 +2,7 @@
 // ready for signals, and runs until SIGTERM: SIGUSR1 activates it, SIGUSR2 deactivates it.
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -91,5 +92,8 @@ int main(int argc, char** argv) {
         return beDriver(path, std::move(writing), signals);
     }
     writing.reset();
-    return isReady(reading.get()) ? 0 : kFailed;
+    if (isReady(reading.get()))
+        return 0;
+    ::waitpid(driver, nullptr, 0); // it must not be found by its name any more
+    return kFailed;
 }
