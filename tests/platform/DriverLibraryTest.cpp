@@ -39,6 +39,10 @@ TEST(DriverLibraryTest, AMissingLibraryIsAnError) {
     }
 }
 
+TEST(DriverLibraryTest, ALibraryThatLacksAFunctionIsAnError) {
+    EXPECT_FALSE(DriverLibrary::load(INCOMPLETE_LIBRARY));
+}
+
 TEST(DriverLibraryTest, WhatIsNoLibraryIsAnError) {
     std::string path = (std::filesystem::temp_directory_path() / "library-XXXXXX").string();
     ASSERT_NE(::mkdtemp(path.data()), nullptr);
