@@ -1,8 +1,5 @@
 #include "commands/FileContent.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
@@ -29,20 +26,6 @@ void appendAsItIs(const std::string& piece, std::string& text) {
 
 void appendEncoded(const std::string& piece, std::string& text) {
     text += System::encodeBase64(reinterpret_cast<const unsigned char*>(piece.data()), piece.size());
-}
-
-/// -1 and errno for what has no content that can be read whole.
-off_t sizeOf(const System::Descriptor& file) {
-    struct stat information {};
-    if (::fstat(file.get(), &information) != 0)
-        return -1;
-    if (S_ISDIR(information.st_mode)) {
-        errno = EISDIR;
-        return -1;
-    }
-    const off_t end = ::lseek(file.get(), 0, SEEK_END);
-    // What has no positions, such as a pipe, has no size.
-    return end == -1 && errno == ESPIPE ? 0 : end;
 }
 
 /// Whether so many bytes can be read into memory at all.
@@ -85,7 +68,7 @@ int appendPieces(const System::Descriptor& file, off_t size, std::string& text, 
 
 int appendWhole(const System::Descriptor& file, std::string& text, bool encoded) noexcept {
     try {
-        const off_t size = sizeOf(file);
+        const off_t size = System::nodeSize(file.get());
         if (size < 0)
             return errno;
         requireMemoryFor(size);

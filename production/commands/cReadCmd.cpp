@@ -221,7 +221,7 @@ ProcessResponse* cReadCmd::ReadFromFileBinary(std::vector<unsigned char>* reques
     if (!file)
         return tavrinError(kCannotOpen, path);
     struct stat information {};
-    if (::fstat(file.get(), &information) != 0)
+    if (!System::nodeStatus(file.get(), information))
         return tavrinError(kCannotStat, path);
     std::vector<unsigned char> payload(
         static_cast<std::size_t>(std::min(information.st_size, kMaxPayload)));
@@ -241,7 +241,7 @@ ProcessResponse* cReadCmd::ReadFromFileBase64(const char* path) {
     if (!file)
         return asciiError(kCannotOpen, path);
     struct stat information {};
-    if (::fstat(file.get(), &information) != 0)
+    if (!System::nodeStatus(file.get(), information))
         return asciiError(kCannotStat, path);
     auto response = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
     response->answer = "base64(";

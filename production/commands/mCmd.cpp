@@ -15,6 +15,7 @@
 #include "core/TokenNumber.h"
 #include "core/TokenText.h"
 #include "platform/BlockDevice.h"
+#include "platform/Node.h"
 
 namespace {
 
@@ -161,7 +162,7 @@ DeviceResult mCmd::Handle::check(unsigned firstBlock, int blockCount, int space,
     if (!isInserted())
         return failure(kNotInserted);
     struct stat status {};
-    if (::fstat(m_device.get(), &status) != 0)
+    if (!System::nodeStatus(m_device.get(), status))
         return failure(writing ? kWriteInvalid : kReadInvalid);
     if (writing && !m_writable)
         return failure(kReadOnly);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -14,6 +15,9 @@ namespace System {
 ///
 /// No request is made twice. One that is interrupted ends with EINTR, whichever way its data goes: the
 /// device may have done a part of it already, and reading from a device can change it, too.
+
+/// The longest that a request waits for another process's answer; then it ends with ETIMEDOUT.
+constexpr std::chrono::seconds kLongestAnswer{10};
 
 /// One part of the data that travels to the device.
 struct SendPart {

@@ -105,6 +105,23 @@ TEST_F(NodeTest, AFileIsReadAndWrittenToTheByte) {
     EXPECT_EQ(content, "ab23456789");
 }
 
+TEST_F(NodeTest, TellsStatusAndSize) {
+    const Descriptor node = openNode(file("0123456789").c_str(), O_RDONLY);
+    struct stat status {};
+    ASSERT_TRUE(System::nodeStatus(node.get(), status));
+    EXPECT_TRUE(S_ISREG(status.st_mode));
+    EXPECT_EQ(System::nodeSize(node.get()), 10);
+
+    const Descriptor pipeNode(::open(pipe().c_str(), O_RDWR | O_CLOEXEC));
+    EXPECT_EQ(System::nodeSize(pipeNode.get()), 0) << "a pipe has no positions";
+    const Descriptor folder(::open(m_folder.c_str(), O_RDONLY | O_CLOEXEC));
+    EXPECT_EQ(System::nodeSize(folder.get()), -1);
+    EXPECT_EQ(errno, EISDIR);
+    EXPECT_FALSE(System::nodeStatus(-1, status));
+    EXPECT_EQ(System::nodeSize(-1), -1);
+    EXPECT_EQ(errno, EBADF);
+}
+
 TEST_F(NodeTest, WhatCannotBeOpenedIsEmptyAndSaysWhy) {
     struct Row {
         std::string path;

@@ -119,7 +119,7 @@ TEST_F(QnxCommandNodesTest, AnIdentityFileIsReadWithinItsSize) {
                 ElementsAre(12, 's', 2, 0, 0, 0, 0, 0, 'S', 'N', '4', '2'));
     EXPECT_THAT(FakeSystem::calls(),
                 ElementsAre("open64 \"/dev/nvsku/serial_num\" 0x80", "fcntl 7 2 0x1", kLimit, "fstat 7",
-                            "fstat 7", kLimit, "fstat 7", "pread 7 4 0", "close 7"));
+                            kLimit, "fstat 7", kLimit, "fstat 7", "pread 7 4 0", "close 7"));
 }
 
 TEST_F(QnxCommandNodesTest, AnIdentityNodeThatReadsOnIsRead) {
@@ -133,6 +133,33 @@ TEST_F(QnxCommandNodesTest, AnIdentityNodeThatReadsOnIsRead) {
                 ElementsAre(12, 's', 2, 0, 0, 0, 0, 0, 'S', 'N', '4', '2'));
 }
 
+TEST_F(QnxCommandNodesTest, AnIdentityFileIsReadWholeInAscii) {
+    nextNode(S_IFREG, 4, 4);
+    FakeSystem::next("lseek", {4});
+    FakeSystem::next("pread", {4, 0, bytesOf("SN42")});
+    FakeSystem::next("__b64_ntop", {8, 0, bytesOf("U040Mg==")});
+    const Response response(cReadCmd::getInstance()->ReadFromFileBase64("/dev/nvsku/serial_num"));
+    ASSERT_EQ(response->protocol, 'a');
+    EXPECT_EQ(static_cast<ProcessResponseAscii&>(*response).answer, "base64(U040Mg==)");
+    const std::vector<std::string> calls = FakeSystem::calls();
+    EXPECT_EQ(std::vector<std::string>(calls.begin(), calls.begin() + 10),
+              (std::vector<std::string>{"open64 \"/dev/nvsku/serial_num\" 0x80", "fcntl 7 2 0x1", kLimit,
+                                        "fstat 7", kLimit, "fstat 7", kLimit, "fstat 7", "lseek 7 0 2",
+                                        kLimit}));
+}
+
+TEST_F(QnxCommandNodesTest, ANodeThatDoesNotTellItsStatusOrSizeIsReported) {
+    const auto textOf = [] {
+        return Response(cReadCmd::getInstance()->ReadFromFileBase64("/dev/node"))->message;
+    };
+    nextNode(S_IFCHR, 1);
+    FakeSystem::fail("fstat", ETIMEDOUT);
+    EXPECT_EQ(textOf(), "cannot stat /dev/node, no information available");
+    nextNode(S_IFCHR, 3);
+    FakeSystem::fail("lseek", ETIMEDOUT);
+    EXPECT_EQ(textOf(), "cannot read /dev/node: Connection timed out");
+}
+
 TEST_F(QnxCommandNodesTest, BlocksAreMovedWithOneTransfer) {
     FakeSystem::next("open64", {7});
     nextKind(S_IFBLK);
@@ -144,10 +171,10 @@ TEST_F(QnxCommandNodesTest, BlocksAreMovedWithOneTransfer) {
     nextStatus(told);
     mCmd::Handle card(kSdCard, "/dev/mnand0", true);
     EXPECT_FALSE(card.open().failed());
-    EXPECT_THAT(
-        FakeSystem::calls(),
-        ElementsAre("access \"/dev/mnand0\" 0x0", "open64 \"/dev/mnand0\" 0x82", "fcntl 7 2 0x1", kLimit,
-                    "fstat 7", "open64 \"/dev/mnand0\" 0x2", "fcntl 8 2 0x1", "close 7", "fstat 8"));
+    EXPECT_THAT(FakeSystem::calls(),
+                ElementsAre("access \"/dev/mnand0\" 0x0", "open64 \"/dev/mnand0\" 0x82", "fcntl 7 2 0x1",
+                            kLimit, "fstat 7", "open64 \"/dev/mnand0\" 0x2", "fcntl 8 2 0x1", "close 7",
+                            kLimit, "fstat 8"));
 
     Bytes buffer(4);
     unsigned bytes = 0;
@@ -156,11 +183,11 @@ TEST_F(QnxCommandNodesTest, BlocksAreMovedWithOneTransfer) {
     EXPECT_EQ(bytes, 4u);
     EXPECT_EQ(buffer, bytesOf("abcd"));
     EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("access \"/dev/mnand0\" 0x0", "fstat 8", "lseek 8 6 0", "read 8 4"));
+                ElementsAre("access \"/dev/mnand0\" 0x0", kLimit, "fstat 8", "lseek 8 6 0", "read 8 4"));
 
     EXPECT_FALSE(card.write(bytes, 3, 2, buffer.data(), 4).failed());
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("access \"/dev/mnand0\" 0x0", "fstat 8", "lseek 8 6 0", "write 8 \"abcd\""));
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre("access \"/dev/mnand0\" 0x0", kLimit, "fstat 8",
+                                                 "lseek 8 6 0", "write 8 \"abcd\""));
     EXPECT_FALSE(card.close().failed());
     EXPECT_THAT(FakeSystem::calls(), ElementsAre("access \"/dev/mnand0\" 0x0", "close 8"));
 }

@@ -9,6 +9,7 @@
 using System::ReplyPart;
 using System::SendPart;
 using ::testing::ElementsAre;
+using ::testing::StartsWith;
 
 namespace {
 
@@ -41,7 +42,7 @@ TEST_F(QnxDeviceManagerTest, WhatCannotBeOpenedIsEmptyAndSaysWhy) {
 
 TEST_F(QnxDeviceManagerTest, OneBlockGoesWithItsSize) {
     EXPECT_EQ(System::requestDevice(kDevice, 0x80040502, m_data.data(), m_data.size()), 0);
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("devctl 7 0x80040502 [b1b2b3] 3 null"));
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kAnswerLimit, "devctl 7 0x80040502 [b1b2b3] 3 null"));
 }
 
 TEST_F(QnxDeviceManagerTest, OneBlockTakesWhatComesBack) {
@@ -53,20 +54,21 @@ TEST_F(QnxDeviceManagerTest, OneBlockTakesWhatComesBack) {
 TEST_F(QnxDeviceManagerTest, SendPartsAreCountedBeforeReplyParts) {
     EXPECT_EQ(System::requestDevice(kDevice, 0x80100505, m_send, {}), 0);
     EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("devctlv 7 0x80100505 2 0 [a1a2][b1b2b3] nothing null"));
+                ElementsAre(kAnswerLimit, "devctlv 7 0x80100505 2 0 [a1a2][b1b2b3] nothing null"));
 }
 
 TEST_F(QnxDeviceManagerTest, ARequestWithoutASendPartIsPassedOnAsItIs) {
     EXPECT_EQ(System::requestDevice(kDevice, 0xC0100506, {}, m_reply), 0);
     EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("devctlv 7 0xc0100506 0 2 nothing [a1a2][b1b2b3] null"));
+                ElementsAre(kAnswerLimit, "devctlv 7 0xc0100506 0 2 nothing [a1a2][b1b2b3] null"));
 }
 
 TEST_F(QnxDeviceManagerTest, TheReplyIsSpreadOverItsParts) {
     FakeSystem::next("devctlv", {0, 0, {0xC1, 0xC2, 0xC3, 0xC4}});
     EXPECT_EQ(System::requestDevice(kDevice, 0xC0140507, m_send, m_reply), 0);
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("devctlv 7 0xc0140507 2 2 [a1a2][b1b2b3] [a1a2][b1b2b3] null"));
+    EXPECT_THAT(
+        FakeSystem::calls(),
+        ElementsAre(kAnswerLimit, "devctlv 7 0xc0140507 2 2 [a1a2][b1b2b3] [a1a2][b1b2b3] null"));
     EXPECT_THAT(m_header, ElementsAre(0xC1, 0xC2));
     EXPECT_THAT(m_data, ElementsAre(0xC3, 0xC4, 0xB3));
 }
@@ -74,7 +76,8 @@ TEST_F(QnxDeviceManagerTest, TheReplyIsSpreadOverItsParts) {
 TEST_F(QnxDeviceManagerTest, WhatMustBeWholeIsTakenForWhole) {
     FakeSystem::next("devctlv", {0, 0, {0xC1}});
     EXPECT_EQ(System::requestDevice(kDevice, 0x40050501, {}, m_reply, System::ReplySize::Whole), 0);
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("devctlv 7 0x40050501 0 2 nothing "
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kAnswerLimit,
+                                                 "devctlv 7 0x40050501 0 2 nothing "
                                                  "[a1a2][b1b2b3] null"));
     EXPECT_THAT(m_header, ElementsAre(0xC1, 0xA2));
 }
@@ -87,4 +90,21 @@ TEST_F(QnxDeviceManagerTest, TheManagersResultComesBackAsItIs) {
         EXPECT_EQ(System::requestDevice(kDevice, 0x80040502, m_data.data(), m_data.size()), result);
         EXPECT_EQ(System::requestDevice(kDevice, 0xC0140507, m_send, m_reply), result);
     }
+}
+
+TEST_F(QnxDeviceManagerTest, AManagerThatDoesNotAnswerIsGivenUp) {
+    FakeSystem::next("devctl", {ETIMEDOUT});
+    FakeSystem::next("devctlv", {ETIMEDOUT});
+    EXPECT_EQ(System::requestDevice(kDevice, 0x80040502, m_data.data(), m_data.size()), ETIMEDOUT);
+    EXPECT_EQ(System::requestDevice(kDevice, 0xC0140507, m_send, m_reply), ETIMEDOUT);
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kAnswerLimit, StartsWith("devctl 7 "), kAnswerLimit,
+                                                 StartsWith("devctlv 7 ")));
+}
+
+TEST_F(QnxDeviceManagerTest, ARequestThatCannotBeLimitedIsNotMade) {
+    FakeSystem::fail("TimerTimeout", EAGAIN);
+    FakeSystem::fail("TimerTimeout", EAGAIN);
+    EXPECT_EQ(System::requestDevice(kDevice, 0x80040502, m_data.data(), m_data.size()), EAGAIN);
+    EXPECT_EQ(System::requestDevice(kDevice, 0xC0140507, m_send, m_reply), EAGAIN);
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kAnswerLimit, kAnswerLimit));
 }

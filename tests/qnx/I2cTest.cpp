@@ -31,7 +31,7 @@ protected:
 
 TEST_F(QnxI2cTest, TheSpeedIsABlockOfFourBytes) {
     EXPECT_EQ(m_bus.setBusSpeed(400000).code, 0);
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("devctl 7 0x80040502 [801a0600] 4 null"));
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kAnswerLimit, "devctl 7 0x80040502 [801a0600] 4 null"));
 }
 
 TEST_F(QnxI2cTest, TheSpeedIsWhatTheManagerMadeOfIt) {
@@ -45,7 +45,8 @@ TEST_F(QnxI2cTest, TheSpeedIsWhatTheManagerMadeOfIt) {
 TEST_F(QnxI2cTest, AWriteIsItsHeaderAndItsBytes) {
     EXPECT_EQ(m_bus.write(kAddress, m_sent.data(), 3).code, 0);
     EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("devctlv 7 0x80100505 2 0 [50000000020000000300000001000000][101112] "
+                ElementsAre(kAnswerLimit,
+                            "devctlv 7 0x80100505 2 0 [50000000020000000300000001000000][101112] "
                             "nothing null"));
 }
 
@@ -54,7 +55,8 @@ TEST_F(QnxI2cTest, AReadHandsItsHeaderOverWhereTheReplyGoes) {
     reply.insert(reply.end(), {0x21, 0x22});
     FakeSystem::next("devctlv", {0, 0, reply});
     EXPECT_EQ(m_bus.read(kAddress, m_received.data(), 2).code, 0);
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("devctlv 7 0xc0100506 0 2 nothing "
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kAnswerLimit,
+                                                 "devctlv 7 0xc0100506 0 2 nothing "
                                                  "[50000000020000000200000001000000][0000] null"));
     EXPECT_THAT(m_received, ElementsAre(0x21, 0x22));
 }
@@ -65,7 +67,8 @@ TEST_F(QnxI2cTest, ATransferHasTwoPartsEachWay) {
     FakeSystem::next("devctlv", {0, 0, reply});
     EXPECT_EQ(m_bus.transfer(kAddress, m_sent.data(), 3, m_received.data(), 2).code, 0);
     EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("devctlv 7 0xc0140507 2 2 "
+                ElementsAre(kAnswerLimit,
+                            "devctlv 7 0xc0140507 2 2 "
                             "[5000000002000000030000000200000001000000][101112] "
                             "[5000000002000000030000000200000001000000][0000] null"));
     EXPECT_THAT(m_received, ElementsAre(0x21, 0x22));
@@ -75,7 +78,8 @@ TEST_F(QnxI2cTest, WithoutAStopConditionTheHeaderSaysSo) {
     m_bus.disableStopBit();
     EXPECT_EQ(m_bus.write(kAddress, m_sent.data(), 1).code, 0);
     EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("devctlv 7 0x80100505 2 0 [50000000020000000100000000000000][10] "
+                ElementsAre(kAnswerLimit,
+                            "devctlv 7 0x80100505 2 0 [50000000020000000100000000000000][10] "
                             "nothing null"));
 }
 

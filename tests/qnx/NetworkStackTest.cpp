@@ -44,7 +44,8 @@ TEST_F(QnxNetworkStackTest, ASocketThatIsRefusedIsEmptyAndSaysWhy) {
 TEST_F(QnxNetworkStackTest, TheSameThreePartsServeBothWays) {
     FakeSystem::next("MsgSendv_r", {0, 0, {1, 2, 3, 4, 5}});
     EXPECT_EQ(message(), 0);
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("MsgSendv_r 7 [a1a2][b1][c1c2c3] 3 the same 3"));
+    EXPECT_THAT(FakeSystem::calls(),
+                ElementsAre(kAnswerLimit, "MsgSendv_r 7 [a1a2][b1][c1c2c3] 3 the same 3"));
     EXPECT_THAT(m_header, ElementsAre(1, 2));
     EXPECT_THAT(m_request, ElementsAre(3));
     EXPECT_THAT(m_data, ElementsAre(4, 5, 0xC3));
@@ -63,4 +64,10 @@ TEST_F(QnxNetworkStackTest, ADriversOwnResultIsAFailureToo) {
     FakeSystem::next("MsgSendv_r", {1});
     EXPECT_EQ(message(), -1);
     EXPECT_EQ(errno, 1);
+}
+
+TEST_F(QnxNetworkStackTest, AMessageThatCannotBeLimitedIsNotSent) {
+    FakeSystem::fail("TimerTimeout", EAGAIN);
+    EXPECT_EQ(message(), -EAGAIN);
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kAnswerLimit));
 }

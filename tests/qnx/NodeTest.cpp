@@ -15,6 +15,8 @@ using ::testing::StartsWith;
 
 namespace {
 
+constexpr char kAnyLimit[] = "TimerTimeout 0 0x50 null ";
+
 class QnxNodeTest : public QnxTest {
 protected:
     char m_byte = 'z';
@@ -83,11 +85,20 @@ TEST_F(QnxNodeTest, AManagerThatHasNothingYetIsToldToWait) {
     FakeSystem::next("read", {1, 0, {'1'}});
     EXPECT_EQ(System::readNode(7, &m_byte, 1), 1);
     const auto calls = FakeSystem::calls();
-    ASSERT_EQ(calls.size(), 7u);
-    EXPECT_EQ(calls[3], "read 7 1");
-    EXPECT_EQ(calls[4], "fcntl 7 4 0x0");
-    EXPECT_THAT(calls[5], StartsWith("TimerTimeout 0 0x50 null ")) << "what is left of the time";
-    EXPECT_EQ(calls[6], "read 7 1");
+    // Telling is a message as well; each one has what is left of the time.
+    EXPECT_THAT(calls, ElementsAre(kLimit, "fstat 7", kLimit, "read 7 1", StartsWith(kAnyLimit),
+                                   "fcntl 7 4 0x0", StartsWith(kAnyLimit), "read 7 1"));
+    EXPECT_NE(calls[4], kLimit);
+    EXPECT_NE(calls[6], kLimit);
+}
+
+TEST_F(QnxNodeTest, AManagerThatCannotBeToldToWaitIsReported) {
+    nextKind(S_IFCHR);
+    FakeSystem::fail("read", EAGAIN);
+    FakeSystem::fail("fcntl", ETIMEDOUT);
+    EXPECT_EQ(System::readNode(7, &m_byte, 1), -1);
+    EXPECT_EQ(errno, ETIMEDOUT);
+    EXPECT_EQ(FakeSystem::calls().back(), "fcntl 7 4 0x0");
 }
 
 TEST_F(QnxNodeTest, AWaitThatCannotBeLimitedIsNotBegun) {
@@ -172,4 +183,53 @@ TEST_F(QnxNodeTest, WhatIsNoDriveIsOpenedOnce) {
     EXPECT_EQ(System::openBlockDevice("/dev/fs0", O_RDWR).release(), 7);
     EXPECT_THAT(FakeSystem::calls(),
                 ElementsAre("open64 \"/dev/fs0\" 0x82", "fcntl 7 2 0x1", kLimit, "fstat 7"));
+}
+
+TEST_F(QnxNodeTest, TheStatusIsLimited) {
+    nextKind(S_IFCHR);
+    struct stat status {};
+    EXPECT_TRUE(System::nodeStatus(7, status));
+    EXPECT_TRUE(S_ISCHR(status.st_mode));
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kLimit, "fstat 7"));
+    FakeSystem::fail("fstat", ETIMEDOUT);
+    EXPECT_FALSE(System::nodeStatus(7, status));
+    EXPECT_EQ(errno, ETIMEDOUT);
+    FakeSystem::calls();
+    FakeSystem::fail("TimerTimeout", EINVAL);
+    EXPECT_FALSE(System::nodeStatus(7, status));
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kLimit));
+}
+
+TEST_F(QnxNodeTest, TheSizeIsWhereTheContentEnds) {
+    nextKind(S_IFREG);
+    FakeSystem::next("lseek", {5});
+    EXPECT_EQ(System::nodeSize(7), 5);
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kLimit, "fstat 7", "lseek 7 0 2"));
+    nextKind(S_IFCHR);
+    FakeSystem::next("lseek", {6});
+    EXPECT_EQ(System::nodeSize(7), 6);
+    EXPECT_THAT(FakeSystem::calls(), ElementsAre(kLimit, "fstat 7", kLimit, "lseek 7 0 2"));
+}
+
+TEST_F(QnxNodeTest, ASizeThatCannotBeToldIsReported) {
+    struct Row {
+        mode_t kind;
+        int error;
+        off_t size;
+    };
+    const Row rows[] = {{S_IFIFO, ESPIPE, 0}, {S_IFCHR, ETIMEDOUT, -1}, {S_IFREG, EINVAL, -1}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.kind);
+        nextKind(row.kind);
+        FakeSystem::fail("lseek", row.error);
+        EXPECT_EQ(System::nodeSize(7), row.size);
+        EXPECT_EQ(errno, row.error);
+    }
+    nextKind(S_IFDIR);
+    EXPECT_EQ(System::nodeSize(7), -1);
+    EXPECT_EQ(errno, EISDIR);
+    FakeSystem::fail("fstat", ETIMEDOUT);
+    EXPECT_EQ(System::nodeSize(7), -1);
+    EXPECT_EQ(errno, ETIMEDOUT);
 }

@@ -5,6 +5,9 @@
 
 #include "fake/FakeSystem.h"
 
+/// The next wait for another process's answer to a request is ended after `kLongestAnswer`.
+inline constexpr char kAnswerLimit[] = "TimerTimeout 0 0x50 null 10000000000 null";
+
 /// A fresh fake for each test; what was prepared for a call that never came is a failure.
 class QnxTest : public ::testing::Test {
 protected:

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <chrono>
-
 #include "platform/DeviceManager.h"
 
 namespace System {
@@ -12,9 +10,6 @@ namespace System {
 /// Request: command, number of bytes sent, number of bytes that the reply parts take, 0; then the bytes.
 /// Answer: result; then the bytes for the reply parts in their order.
 namespace ManagerSocket {
-
-/// The longest that a request waits for its answer.
-constexpr std::chrono::seconds kLongestAnswer{10};
 
 /// Whether a manager's socket is what the path leads to.
 bool isAt(const char* path);

@@ -14,9 +14,8 @@ Descriptor openFile(const char* path, int flags) {
     return Descriptor(::open(path, flags | O_NOCTTY | O_CLOEXEC));
 }
 
-mode_t modeOf(int descriptor) {
-    struct stat status {};
-    return ::fstat(descriptor, &status) == 0 ? status.st_mode : 0;
+bool nodeStatus(int node, struct stat& status) {
+    return ::fstat(node, &status) == 0;
 }
 
 // Asks first: a driver may wait whatever the descriptor says.

@@ -22,12 +22,21 @@ ssize_t uninterrupted(const std::function<ssize_t()>& transfer) {
     return moved;
 }
 
+/// The kind and permissions; 0 when it does not tell.
+mode_t modeOf(int node) {
+    struct stat status {};
+    return nodeStatus(node, status) ? status.st_mode : 0;
+}
+
 /// `events` is what the transfer may have to wait for; 0 for nothing.
-ssize_t move(int node, short events, const std::function<ssize_t()>& transfer) {
-    const mode_t mode = modeOf(node);
+ssize_t moveAs(mode_t mode, int node, short events, const std::function<ssize_t()>& transfer) {
     if (S_ISREG(mode) || S_ISBLK(mode))
         return uninterrupted(transfer);
     return transferInTime(node, events, transfer);
+}
+
+ssize_t move(int node, short events, const std::function<ssize_t()>& transfer) {
+    return moveAs(modeOf(node), node, events, transfer);
 }
 
 /// Nobody waits for nothing.
@@ -53,6 +62,24 @@ Descriptor openBlockDevice(const char* path, int access) {
     if (!device || !S_ISBLK(modeOf(device.get())))
         return device;
     return openFile(path, access);
+}
+
+off_t nodeSize(int node) {
+    struct stat status {};
+    if (!nodeStatus(node, status))
+        return -1;
+    if (S_ISDIR(status.st_mode)) {
+        errno = EISDIR;
+        return -1;
+    }
+    off_t end = 0;
+    const auto seek = [&] {
+        end = ::lseek(node, 0, SEEK_END);
+        return ssize_t{end == -1 ? -1 : 0};
+    };
+    if (moveAs(status.st_mode, node, 0, seek) == 0)
+        return end;
+    return errno == ESPIPE ? 0 : -1;
 }
 
 ssize_t readNode(int node, void* bytes, std::size_t size) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <functional>
@@ -9,14 +8,11 @@
 
 namespace System {
 
-/// What each system does in its own way for `platform/Node.h`.
+/// What each system does in its own way for `platform/Node.h`; `nodeStatus` is one of them, too.
 
 /// Opens with these flags, and keeps the descriptor from what is started later. Empty and `errno` on
 /// failure.
 Descriptor openFile(const char* path, int flags);
-
-/// The kind and permissions of what is open; 0 when it does not tell.
-mode_t modeOf(int descriptor);
 
 /// Does a transfer on what `openFile` has opened with O_NONBLOCK; when that would have to wait for one
 /// of the `poll` events, up to `kLongestNodeWait`. Past interruptions. -1 and `errno` on failure.

@@ -8,6 +8,7 @@
 
 #include "platform/qnx/CloseOnExec.h"
 #include "platform/qnx/Vector.h"
+#include "platform/qnx/WaitLimit.h"
 
 namespace System {
 
@@ -19,6 +20,8 @@ Descriptor openDatagramSocket() {
 int messageInterface(int socket, const char*, const std::vector<ReplyPart>& parts) {
     const std::vector<iov_t> vector = vectorOf(parts);
     const int count = static_cast<int>(vector.size());
+    if (!limitNextWait(kLongestAnswer))
+        return -errno;
     const int result = ::MsgSendv_r(socket, vector.data(), count, vector.data(), count);
     if (result == 0)
         return 0;

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
 
@@ -19,25 +18,28 @@ Descriptor openFile(const char* path, int flags) {
     return closeOnExec(::open64(path, flags));
 }
 
-mode_t modeOf(int descriptor) {
-    struct stat status {};
-    return limitNextWait(kLongestNodeWait) && ::fstat(descriptor, &status) == 0 ? status.st_mode : 0;
+bool nodeStatus(int node, struct stat& status) {
+    return limitNextWait(kLongestNodeWait) && ::fstat(node, &status) == 0;
 }
 
 // Whether a manager can tell of its readiness is up to it. The kernel ends the wait for its answer in
 // any case, so the answer itself is waited for.
 ssize_t transferInTime(int node, short, const std::function<ssize_t()>& transfer) {
     const Clock::time_point deadline = Clock::now() + kLongestNodeWait;
-    nanoseconds left = kLongestNodeWait;
-    while (left.count() > 0) {
+    bool managerHasToWait = false;
+    for (nanoseconds left = kLongestNodeWait; left.count() > 0; left = deadline - Clock::now()) {
         if (!limitNextWait(left))
             return -1;
+        if (managerHasToWait) {
+            if (::fcntl(node, F_SETFL, 0) == -1)
+                return -1;
+            managerHasToWait = false;
+            continue;
+        }
         const ssize_t moved = transfer();
         if (moved >= 0 || (errno != EAGAIN && errno != EINTR))
             return moved;
-        if (errno == EAGAIN && ::fcntl(node, F_SETFL, 0) == -1) // from now on the manager waits
-            return -1;
-        left = deadline - Clock::now();
+        managerHasToWait = errno == EAGAIN;
     }
     errno = ETIMEDOUT;
     return -1;
