@@ -79,12 +79,16 @@ ProcessResponse* asciiError(const char* format, Arguments... arguments) {
 /// What stands there and cannot be removed: another user's file in a folder that protects it. Empty when
 /// it is no file.
 System::Descriptor truncateCaptureFile() {
-    // Without waiting, since it may be a pipe.
+    struct stat seen {};
+    if (::lstat(kCaptureFile, &seen) != 0 || !S_ISREG(seen.st_mode))
+        return {};
+    // Without waiting, since it may have become a pipe.
     System::Descriptor file(
         ::open(kCaptureFile, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat information {};
-    if (!file || ::fstat(file.get(), &information) != 0 || !S_ISREG(information.st_mode) ||
-        ::ftruncate(file.get(), 0) != 0)
+    struct stat opened {};
+    // Compared, since not every system refuses to follow a link that was put in its place meanwhile.
+    if (!file || !System::nodeStatus(file.get(), opened) || opened.st_dev != seen.st_dev ||
+        opened.st_ino != seen.st_ino || ::ftruncate(file.get(), 0) != 0)
         return {};
     return file;
 }
