@@ -20,8 +20,8 @@ public:
 
     /// Runs `commandText` in a shell and waits for it, for at most `timeoutSeconds` (0 means 5 s). The
     /// output is left in "/tmp/resp.txt". Code 0 when the shell ended by itself, whatever its exit code.
-    /// A shell that outlives its limit is killed with everything it started. Blocks the dispatcher. The
-    /// caller owns the response.
+    /// What becomes of a shell that outlives its limit is the system's way, see `platform/Shell.h`.
+    /// Blocks the dispatcher. The caller owns the response.
     ProcessResponse* executeCommand(unsigned long long timeoutSeconds, const char* commandText);
 
     /// Answers the first bytes of a file, as many as one frame holds.

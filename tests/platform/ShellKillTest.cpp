@@ -85,6 +85,17 @@ TEST_F(ShellKillTest, TheOutputUpToTheLimitIsThere) {
               "started\nand more\n");
 }
 
+// A script whose command is killed before it would say so and run its next line.
+TEST_F(ShellKillTest, NothingReactsToTheEndOfAnother) {
+    for (int times = 0; times < 5; ++times) {
+        const ShellRun shell = runIntoLimit(
+            "for n in 1 2 3 4 5; do sh -c 'sleep 1000; echo after' & done\n"
+            "sleep 1000 | (cat; echo ended) & echo started; wait\n");
+        EXPECT_EQ(shell.result.outcome, ShellOutcome::Killed);
+        EXPECT_EQ(shell.output, "started\n");
+    }
+}
+
 TEST_F(ShellKillTest, ALimitThatHasPassedStillKills) {
     for (const std::chrono::nanoseconds limit : {0ns, 1ns, -1ns}) {
         SCOPED_TRACE(limit.count());

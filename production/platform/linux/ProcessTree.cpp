@@ -65,14 +65,18 @@ std::vector<Process> offspringOf(pid_t root) {
     return offspring;
 }
 
-/// Whether there was anything left to kill.
+/// Whether there was anything left to kill. All are stopped before the first one goes: a script whose
+/// command was killed would tell so in its output and go on.
 bool killOffspring(pid_t root) {
     bool found = false;
-    for (const Process& process : offspringOf(root)) {
-        if (process.dead)
-            continue;
-        found = true;
-        ::kill(process.pid, SIGKILL);
+    const std::vector<Process> offspring = offspringOf(root);
+    for (const int signal : {SIGSTOP, SIGKILL}) {
+        for (const Process& process : offspring) {
+            if (process.dead)
+                continue;
+            found = true;
+            ::kill(process.pid, signal);
+        }
     }
     return found;
 }

@@ -9,8 +9,8 @@ struct ShellStart {
     char* const* arguments; ///< ends in null
 
     /// Three descriptors that become 0, 1 and 2; the shell gets no other, leads a session of its own
-    /// and, as long as it lives, adopts all that loses its parents among what it starts. Null: it
-    /// inherits descriptors and session.
+    /// and, as long as it lives and does not itself give that up, adopts all that loses its parents
+    /// among what it starts. Null: it inherits descriptors and session.
     const int* streams = nullptr;
 };
 
