@@ -2,6 +2,7 @@
 
 #include <sys/syscall.h>
 
+#include <cstdint>
 #include <initializer_list>
 
 /// All by which the status of a file is asked for on this machine.
@@ -22,3 +23,6 @@ inline constexpr std::initializer_list<int> kSeekCalls = {SYS_lseek};
 /// calls. There is no way back: call it in a process made for the purpose. Ends the process when the
 /// kernel does not offer this.
 void refuseSystemCalls(std::initializer_list<int> numbers, int error);
+
+/// The same for `write`, as far as it is asked to write fewer bytes than that.
+void refuseWritesBelow(std::uint32_t bytes, int error);
