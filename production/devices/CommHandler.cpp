@@ -146,23 +146,23 @@ DeviceResult Comm::Handle::read_locked(unsigned& count, void* buffer, int length
     if (!m_driver)
         return notInitialized();
     unsigned received = 0;
-    DeviceResult result;
-    {
-        const System::Lock lock(m_mutex);
-        result = m_driver->read_locked(received, buffer, length, timeoutMs, &m_mutex);
-    }
+    const DeviceResult result = receive(received, buffer, length, timeoutMs);
     if (result.failed())
-        printDiagnostic(kReadFailed);
+        reportReadFailure();
     else
         count = received;
     return result;
 }
 
-DeviceResult Comm::Handle::receive(unsigned& count, void* buffer, int length) {
+DeviceResult Comm::Handle::receive(unsigned& count, void* buffer, int length, unsigned timeoutMs) {
     if (!m_driver)
         return notInitialized();
     const System::Lock lock(m_mutex);
-    return m_driver->read_locked(count, buffer, length, 0, &m_mutex);
+    return m_driver->read_locked(count, buffer, length, timeoutMs, &m_mutex);
+}
+
+void Comm::Handle::reportReadFailure() {
+    printDiagnostic(kReadFailed);
 }
 
 DeviceResult Comm::Handle::write(const void* buffer, int length) {

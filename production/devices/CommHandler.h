@@ -76,9 +76,11 @@ public:
     /// The same; the last argument is ignored.
     virtual DeviceResult open(unsigned baud, unsigned dataBits, unsigned stopBits, Parity parity, int);
 
-    /// Reads as a stream does: waits without limit for what the next arrival brings. Like `read` with
-    /// time-out 0, but reports nothing, for a caller to whom the end of the line is no news.
-    DeviceResult receive(unsigned& count, void* buffer, int length);
+    /// Like `read`, but reports nothing, for a caller to whom not every end of a read is news; with
+    /// time-out 0 it waits without limit for what the next arrival brings.
+    DeviceResult receive(unsigned& count, void* buffer, int length, unsigned timeoutMs);
+    /// What `read` reports, for such a caller.
+    static void reportReadFailure();
 
     /// Writes all of it in its turn without waiting: what the device does not take yet goes out while
     /// somebody reads or transmits. Refused (EAGAIN) while very much waits already.

@@ -120,7 +120,7 @@ DeviceResult FlexListener::takeByte(Comm::Handle& port, char& byte) {
     if (m_taken == m_receivedCount) {
         unsigned count = 0;
         DeviceResult result =
-            port.receive(count, m_received.data(), static_cast<int>(m_received.size()));
+            port.receive(count, m_received.data(), static_cast<int>(m_received.size()), 0);
         if (result.failed())
             return result;
         m_pause.reset();

@@ -52,6 +52,21 @@ void printSendException(const DeviceResult& result) {
         string_format("%s%d%s%s", kException, result.code, kDescription, result.message.c_str()));
 }
 
+/// Whether a read of a port that was open ended because somebody else has closed it, and perhaps opened
+/// it again: it is theirs then, and their doing is no failure.
+bool isTaken(const DeviceResult& result, bool wasOpen) {
+    return wasOpen && result.code == DeviceError::kNotUsable;
+}
+
+/// Reports a failure as `Comm::Handle::read` does, unless the port was taken.
+DeviceResult receive(Comm::Handle& port, bool isOpen, unsigned& count, unsigned char* buffer,
+                     std::size_t length, unsigned timeoutMs) {
+    DeviceResult result = port.receive(count, buffer, static_cast<int>(length), timeoutMs);
+    if (result.failed() && !isTaken(result, isOpen))
+        Comm::Handle::reportReadFailure();
+    return result;
+}
+
 DeviceResult asResult(const std::exception& exception) {
     return {static_cast<std::int32_t>(ProcessResponse::kGenericError), exception.what()};
 }
@@ -111,14 +126,20 @@ Listener::Wait Listener::waitOnce(unsigned char& length) {
         !m_device.waitFor(port->devicePath().c_str(), StationLine::kDeviceWait))
         return Wait::TryAgain;
     bool open = false;
-    if (const DeviceResult result = port->isOpen(open); result.failed()) {
+    DeviceResult result = port->isOpen(open);
+    if (!result.failed() && !open) {
+        announce(*port);
+        result = port->isOpen(open);
+    }
+    if (result.failed()) {
         printLoopError(m_channel, result);
         return Wait::Unusable;
     }
-    if (!open)
-        announce(*port);
     unsigned count = 0;
-    if (const DeviceResult result = port->read(count, &length, 1, kLengthTimeoutMs); result.failed()) {
+    result = receive(*port, open, count, &length, 1, kLengthTimeoutMs);
+    if (isTaken(result, open))
+        return Wait::TryAgain;
+    if (result.failed()) {
         printLoopError(m_channel, result);
         port->close();
         m_pause.wait();
@@ -212,8 +233,12 @@ bool Listener::readBody(std::vector<unsigned char>& frame) const {
     Comm::Handle* port = nullptr;
     DeviceResult result = comm()->device(&port, m_channel);
     unsigned count = 0;
-    if (!result.failed())
-        result = port->read(count, frame.data() + 1, static_cast<int>(frame.size()) - 1, kBodyTimeoutMs);
+    if (!result.failed()) {
+        constexpr bool kIsOpen = true; // the length has come over it
+        result = receive(*port, kIsOpen, count, frame.data() + 1, frame.size() - 1, kBodyTimeoutMs);
+        if (isTaken(result, kIsOpen))
+            return false;
+    }
     if (result.failed()) {
         printLinkException(m_channel, result);
         if (port != nullptr)
@@ -243,9 +268,13 @@ int Listener::send(std::vector<unsigned char>& frame, bool waitAck) {
     bool open = false;
     if (isToBeHandled(port->isOpen(open)))
         return 0;
-    if (!open && isToBeHandled(port->open(StationLine::kBaud, StationLine::kDataBits,
-                                          StationLine::kStopBits, StationLine::kParity)))
-        return 0;
+    if (!open) {
+        const DeviceResult result = port->open(StationLine::kBaud, StationLine::kDataBits,
+                                               StationLine::kStopBits, StationLine::kParity);
+        if (isToBeHandled(result))
+            return 0;
+        open = !result.failed();
+    }
     if (frame.empty()) {
         printDiagnostic(kEmptyResponse);
         return 0;
@@ -254,12 +283,16 @@ int Listener::send(std::vector<unsigned char>& frame, bool waitAck) {
     if (isToBeHandled(port->write(frame.data(), length)))
         return 0;
     notifyInterruptCommand(&frame);
-    return waitAck ? readAcknowledgement(*port) : 1;
+    return waitAck ? readAcknowledgement(*port, open) : 1;
 }
 
-int Listener::readAcknowledgement(Comm::Handle& port) {
+int Listener::readAcknowledgement(Comm::Handle& port, bool isOpen) {
     unsigned count = 0;
-    if (isToBeHandled(port.read(count, command.data(), sizeof kAcknowledgement, kAcknowledgeTimeoutMs)))
+    const DeviceResult result =
+        receive(port, isOpen, count, command.data(), sizeof kAcknowledgement, kAcknowledgeTimeoutMs);
+    if (isTaken(result, isOpen))
+        return -1;
+    if (isToBeHandled(result))
         return 0;
     if (count == 0) {
         printDiagnostic(kNoAcknowledgement);

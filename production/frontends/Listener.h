@@ -14,8 +14,9 @@
 /// announces itself with the startup status; then it reads a request by its length byte, has it run,
 /// answers, and waits for the acknowledgement before it reads on.
 ///
-/// A line that is gone is closed, waited for and opened again. The thread ends only when the channel is
-/// unusable.
+/// A line that is gone is closed, waited for and opened again. A port that somebody else closes is
+/// opened and announced again at once; one that somebody else has opened is read on as it is. The thread
+/// ends only when the channel is unusable.
 class Listener : public AbstractListener {
 public:
     explicit Listener(int channel);
@@ -50,7 +51,7 @@ private:
     std::vector<unsigned char> runRequest(std::vector<unsigned char>& frame);
     bool readBody(std::vector<unsigned char>& frame) const;
 
-    int readAcknowledgement(Comm::Handle& port);
+    int readAcknowledgement(Comm::Handle& port, bool isOpen);
     bool isToBeHandled(const DeviceResult& result);
 
     CommandClock m_clock;

@@ -190,7 +190,7 @@ TEST_F(CommTest, AnOperationWithoutADriverIsRefusedInSilence) {
     EXPECT_THAT(handle.write("abc", 3), refused);
     EXPECT_THAT(handle.read(count, buffer, 4, 10), refused);
     EXPECT_THAT(handle.read_locked(count, buffer, 4, 10, &mutex), refused);
-    EXPECT_THAT(handle.receive(count, buffer, 4), refused);
+    EXPECT_THAT(handle.receive(count, buffer, 4, 0), refused);
     EXPECT_EQ(count, kUntouched);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }

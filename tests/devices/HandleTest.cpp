@@ -122,7 +122,7 @@ TEST_F(HandleTest, BytesGoThroughInBothDirections) {
         EXPECT_THAT(handle.read(m_count, m_buffer, 6, 60000), isSuccess());
         EXPECT_EQ(std::string(m_buffer, m_count), "answer");
         m_lines[number].send("more", 4);
-        EXPECT_THAT(handle.receive(m_count, m_buffer, 16), isSuccess());
+        EXPECT_THAT(handle.receive(m_count, m_buffer, 16, 0), isSuccess());
         EXPECT_EQ(std::string(m_buffer, m_count), "more");
     }
 }
@@ -157,10 +157,10 @@ TEST_F(HandleTest, AReadThatFailsIsToldAndLeavesTheCount) {
 
 TEST_F(HandleTest, AReceiveThatFailsTellsItsCallerOnly) {
     const std::string error = errorOutputOf([&] {
-        EXPECT_THAT(channel(3).receive(m_count, m_buffer, 4), isFailure(0x400, kNotOpen));
+        EXPECT_THAT(channel(3).receive(m_count, m_buffer, 4, 0), isFailure(0x400, kNotOpen));
         Comm::Handle& handle = openChannel(3);
         m_lines[3].hangUp();
-        EXPECT_THAT(handle.receive(m_count, m_buffer, 4),
+        EXPECT_THAT(handle.receive(m_count, m_buffer, 4, 0),
                     isFailure(EIO, "Failed to read from /dev/usbserialadapter1: Input/output error"));
     });
     EXPECT_EQ(error, "");
@@ -212,7 +212,7 @@ TEST_F(HandleTest, AReadGivesTheMutexBackWhileItWaits) {
     EXPECT_THAT(m_calls.all(), gaveItBack);
     m_lines[0].send("x", 1);
     m_calls.forget();
-    EXPECT_THAT(handle.receive(m_count, m_buffer, 1), isSuccess());
+    EXPECT_THAT(handle.receive(m_count, m_buffer, 1, 0), isSuccess());
     EXPECT_THAT(m_calls.all(), gaveItBack);
 }
 

@@ -167,10 +167,39 @@ TEST_F(BinarySharedLineTest, IsAnnouncedAndServedAfterAnotherHasClosedIt) {
     for (int round = 0; round < 3; ++round) {
         ::expectExchange(other, kClose, kOk);
         expectReturn();
-        expectErrors({LinkErrors::kReadFailed, LinkErrors::kLoop, LinkErrors::kNotOpen});
         expectServed();
     }
     EXPECT_TRUE(witness.seesMore(kSomeAnswers));
+}
+
+TEST_F(BinarySharedLineTest, IsServedWithoutAnAnnouncementAfterAnotherHasOpenedIt) {
+    Connection other;
+    for (int round = 0; round < kRounds; ++round) {
+        ::expectExchange(other, kOpen, kOk);
+        expectServed();
+    }
+}
+
+TEST_F(BinarySharedLineTest, LosesNoMoreThanTheRequestThatItWasSending) {
+    Connection other;
+    for (const std::string& change : {kClose, kOpen}) {
+        // Alone it is dropped also when the change comes late.
+        adapter.send("\x05");
+        adapter.waitUntilTaken();
+        ::expectExchange(other, change, kOk);
+        if (change == kClose)
+            expectReturn();
+        expectServed();
+    }
+}
+
+TEST_F(BinarySharedLineTest, NeedsNoAcknowledgementOnceAnotherHasOpenedIt) {
+    Connection other;
+    adapter.send(kStatusRequest);
+    expectFrames(status(true));
+    ::expectExchange(other, kOpen, kOk);
+    acknowledge(); // which comes too late to be one, and gets no answer
+    expectServed();
 }
 
 } // namespace
