@@ -16,6 +16,7 @@
 namespace {
 
 constexpr char kException[] = "~ ### ~ Exception: ID: 0x%X DESC: %s";
+constexpr char kNothingRead[] = "Nothing was read";
 constexpr char kBanner[] = "Info Production Test Server (Build %s)";
 
 std::string framed(const std::string& text) {
@@ -123,6 +124,9 @@ DeviceResult FlexListener::takeByte(Comm::Handle& port, char& byte) {
             port.receive(count, m_received.data(), static_cast<int>(m_received.size()), 0);
         if (result.failed())
             return result;
+        // Waiting may end with an event of another kind, which would come back at once, for ever.
+        if (count == 0)
+            return {static_cast<std::int32_t>(ProcessResponse::kGenericError), kNothingRead};
         m_pause.reset();
         m_receivedCount = count;
         m_taken = 0;
