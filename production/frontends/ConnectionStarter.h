@@ -12,6 +12,7 @@
 class ConnectionStarter : public System::Thread {
 public:
     /// The one of the process; it is never destroyed, since its thread runs until the process is gone.
+    /// The first call may throw std::bad_alloc.
     static ConnectionStarter& getInstance();
 
     /// Takes over a connection that waits for its thread. Any thread; waits for nothing but a little

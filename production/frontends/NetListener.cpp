@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <cstdint>
 #include <exception>
+#include <new>
+#include <utility>
 
 #include "core/Diagnostics.h"
 #include "core/StringFormat.h"
@@ -31,34 +33,13 @@ bool isOnlyThisConnection(int error) {
     return error == EINTR || error == ECONNABORTED;
 }
 
-/// What has to be there before stations are accepted. Each part that could be had is kept.
-class Reception {
-public:
-    explicit Reception(int socket) : m_socket(socket) {}
-
-    bool open() {
-        m_bound = m_bound || bind();
-        m_listening = m_listening || (m_bound && ::listen(m_socket, kBacklog) == 0);
-        return m_listening && (m_starter.isValid() || m_starter.start());
-    }
-
-    /// The next station gets its thread, as soon as there is one.
-    void handOver(System::Descriptor connection) { m_starter.add(std::move(connection)); }
-
-private:
-    bool bind() const {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(NetListener::kPort);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        return ::bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    }
-
-    int m_socket;
-    bool m_bound = false;
-    bool m_listening = false;
-    ConnectionStarter& m_starter = ConnectionStarter::getInstance();
-};
+bool bindToPort(int socket) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(NetListener::kPort);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
 
 bool makeThread(const System::ThreadAttributes& attributes, void* arg) {
     pthread_t thread;
@@ -66,6 +47,15 @@ bool makeThread(const System::ThreadAttributes& attributes, void* arg) {
 }
 
 } // namespace
+
+bool NetListener::start() {
+    try {
+        ConnectionStarter& starter = ConnectionStarter::getInstance();
+        return (starter.isValid() || starter.start()) && AbstractListener::start();
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
 
 void NetListener::threadLoop(System::Thread*) {
     setState(Started, false);
@@ -92,13 +82,14 @@ void NetListener::stop() {
 }
 
 void NetListener::acceptFrom(int socket) {
-    Reception reception(socket);
-    while (getState() < Stopping && !reception.open())
+    while (getState() < Stopping && !bindToPort(socket))
+        pauseForScarcity();
+    while (getState() < Stopping && ::listen(socket, kBacklog) != 0)
         pauseForScarcity();
     while (getState() < Stopping) {
         System::Descriptor connection = System::acceptConnection(socket);
         if (connection)
-            reception.handOver(std::move(connection));
+            ConnectionStarter::getInstance().add(std::move(connection));
         else if (!isOnlyThisConnection(errno))
             pauseForScarcity();
     }

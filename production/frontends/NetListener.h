@@ -11,8 +11,12 @@ class NetListener : public AbstractListener {
 public:
     static constexpr int kPort = 15051;
 
-    /// The accept loop. Where the port is taken, or descriptors, memory or threads have run out, it
-    /// pauses and tries again until it can serve.
+    /// Makes the thread that starts connections, too: without it nobody would be served. False, with
+    /// nobody listening, when one of the two could not be made.
+    bool start() override;
+
+    /// The accept loop, for whoever has been started. Where the port is taken, or descriptors or memory
+    /// have run out, it pauses and tries again until it can serve.
     void threadLoop(System::Thread* self) override;
 
     /// There is no single station to talk to: these do nothing.

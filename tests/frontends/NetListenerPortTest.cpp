@@ -3,6 +3,7 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include "frontends/ConnectionStarter.h"
 #include "frontends/NetListener.h"
 #include "platform/Descriptors.h"
 #include "support/Eventually.h"
@@ -95,6 +96,24 @@ TEST_F(NetListenerPortTest, WaitsForAPortThatIsTaken) {
     const SocketPair served = connectStation();
     served.send(kRequest);
     EXPECT_EQ(served.receive(kAnswer.size()), kAnswer);
+}
+
+TEST_F(NetListenerPortTest, IsReadyToServeStationsBeforeItListens) {
+    const System::Descriptor other = System::openTcpSocket();
+    const sockaddr_in address = addressOf("127.0.0.1");
+    ASSERT_EQ(::bind(other.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    startListener();
+    EXPECT_TRUE(ConnectionStarter::getInstance().isValid());
+}
+
+TEST_F(NetListenerPortTest, WithoutAThreadToServeStationsItDoesNotListen) {
+    NetListener listener;
+    SystemCalls::failThreads(1);
+    EXPECT_FALSE(listener.startOrDie());
+    EXPECT_EQ(SystemCalls::threadAttempts(), 2) << "the dispatcher's and one more";
+    EXPECT_EQ(listener.getState(), StatedThread::Dead);
+    EXPECT_FALSE(ConnectionStarter::getInstance().isValid());
+    EXPECT_FALSE(connectTo("127.0.0.1", System::openTcpSocket()));
 }
 
 TEST_F(NetListenerPortTest, AStationWaitsWhileThereIsNoThreadForIt) {
