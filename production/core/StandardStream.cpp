@@ -59,25 +59,21 @@ bool StandardStream::start() {
 }
 
 void StandardStream::write(std::string_view text) noexcept {
-    if (text.empty() || keep(text))
+    if (text.empty() || takeOver(text))
         return;
-    const std::size_t lost = writeAtOnce(text);
-    std::string notice;
-    {
-        const System::Lock lock(m_textLock);
-        notice = noticeAfter(lost);
-    }
+    const std::string notice = endWritingAtOnce(writeAtOnce(text));
     (m_notices == nullptr ? this : m_notices)->write(notice);
 }
 
-/// False when there is no thread to write it.
-bool StandardStream::keep(std::string_view text) noexcept {
+/// False when the caller has to write it, at once and before anybody else writes: whether a stream takes
+/// text, and writing, are two steps.
+bool StandardStream::takeOver(std::string_view text) noexcept {
     {
         const System::Lock lock(m_textLock);
-        if (!m_hasThread)
+        if (!m_hasThread && !std::exchange(m_isWritingAtOnce, true))
             return false;
         try {
-            if (m_waiting.size() < kMostWaiting)
+            if (m_hasThread && m_waiting.size() < kMostWaiting)
                 m_waiting += text;
             else
                 m_lost += text.size();
@@ -87,6 +83,18 @@ bool StandardStream::keep(std::string_view text) noexcept {
     }
     m_added.signal();
     return true;
+}
+
+/// The notice to write now, if any.
+std::string StandardStream::endWritingAtOnce(std::size_t lost) noexcept {
+    std::string notice;
+    {
+        const System::Lock lock(m_textLock);
+        m_isWritingAtOnce = false;
+        notice = noticeAfter(lost);
+    }
+    m_added.signal(); // the thread may have been started meanwhile
+    return notice;
 }
 
 /// What to tell now that a text has been tried, of which so much was lost: nothing as long as the stream
@@ -111,22 +119,26 @@ void StandardStream::threadLoop(System::Thread*) {
         const Batch batch = next(wasAttempted, lost);
         if (m_notices != nullptr)
             m_notices->write(batch.notice);
-        wasAttempted = !batch.text.empty();
         lost = writeWaiting(batch.text);
+        wasAttempted = !batch.text.empty();
+        if (m_notices == nullptr) {
+            lost += writeWaiting(batch.notice);
+            wasAttempted = wasAttempted || !batch.notice.empty();
+        }
     }
 }
 
 /// Waits for the next text. A loss is told behind the text before it and ahead of the next.
 StandardStream::Batch StandardStream::next(bool wasAttempted, std::size_t lost) {
     const System::Lock lock(m_textLock);
+    while (m_isWritingAtOnce)
+        m_added.wait(m_textLock);
     Batch batch;
     if (wasAttempted)
         batch.notice = noticeAfter(lost);
-    if (m_notices == nullptr) {
-        // Of a text that waits, nothing was lost.
+    // Of a text that waits, nothing was lost: it comes before a notice on the same stream.
+    if (m_notices == nullptr)
         batch.text.swap(m_waiting);
-        batch.text += std::exchange(batch.notice, {});
-    }
     m_isWriting = false;
     while (batch.text.empty() && batch.notice.empty() && m_waiting.empty()) {
         m_written.signal();

@@ -28,7 +28,8 @@ public:
     StandardStream(int descriptor, const char* name, StandardStream* notices);
 
     /// From now on texts are written by the thread. Without it, which also means when it cannot be made,
-    /// whoever has something to say writes as much as the stream takes at once, and the rest is lost.
+    /// whoever has something to say writes as much as the stream takes at once, and the rest is lost; so
+    /// is all of it while somebody else writes.
     bool start() override;
 
     /// Any thread; no lock is held while something is written. Text that does not fit into memory is
@@ -44,12 +45,13 @@ public:
 private:
     struct Batch {
         std::string text;
-        std::string notice; ///< for the other stream
+        std::string notice; ///< of what was lost, for the stream that losses are told on
     };
 
-    bool keep(std::string_view text) noexcept;
+    bool takeOver(std::string_view text) noexcept;
     Batch next(bool wasAttempted, std::size_t lost);
     std::string noticeAfter(std::size_t lost) noexcept;
+    std::string endWritingAtOnce(std::size_t lost) noexcept;
     std::size_t writeWaiting(std::string_view text) const;
     std::size_t writeAtOnce(std::string_view text) const;
 
@@ -61,7 +63,8 @@ private:
     System::Condition m_added;
     System::Condition m_written;
     std::string m_waiting;
-    std::size_t m_lost = 0; // bytes that nobody has been told of
-    bool m_isWriting = false;
+    std::size_t m_lost = 0;         // bytes that nobody has been told of
+    bool m_isWriting = false;       // the thread
+    bool m_isWritingAtOnce = false; // whoever had something to say before there was a thread
     bool m_hasThread = false;
 };

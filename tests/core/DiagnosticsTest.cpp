@@ -1,9 +1,14 @@
 #include "core/Diagnostics.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <sstream>
+#include <string>
 #include <thread>
 #include <vector>
+
+using ::testing::AnyOf;
+using ::testing::MatchesRegex;
 
 namespace {
 
@@ -34,8 +39,12 @@ TEST(DiagnosticsTest, LinesOfSeveralThreadsDoNotMix) {
         });
     for (std::thread& thread : threads)
         thread.join();
-    std::string expected;
-    for (int line = 0; line < kThreads * kLines; ++line)
-        expected += "Prod.testserver: one line\n";
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), expected);
+    // Without a thread of the stream's own some may be lost, which is told, but none in part.
+    const std::string text = ::testing::internal::GetCapturedStderr();
+    EXPECT_FALSE(text.empty());
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_THAT(line,
+                    AnyOf("Prod.testserver: one line",
+                          MatchesRegex("Prod.testserver: [0-9]+ bytes for standard error were lost")));
 }

@@ -2,8 +2,10 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <limits.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <string>
 #include <thread>
@@ -106,6 +108,40 @@ TEST_F(StandardStreamTest, WithoutAThreadWhatIsNotTakenAtOnceIsLostAndToldOnce) 
     stream.write("again\n");
     stream.write("and again\n");
     EXPECT_EQ(readNow(), "again\n" + lossOf(text.size() - taken.size() + 9) + "and again\n");
+}
+
+TEST_F(StandardStreamTest, WithoutAThreadNobodyWaitsForRoomThatAnotherHasTaken) {
+    constexpr int kRounds = 200; // the moment has to be met
+    constexpr int kThreads = 4;
+    const std::string piece(static_cast<std::size_t>(PIPE_BUF), 'x');
+    const int descriptor = m_writing.get();
+    StandardStream& stream = makeStream();
+    // As many pieces as it takes.
+    ::fcntl(descriptor, F_SETFL, O_NONBLOCK);
+    while (::write(descriptor, piece.data(), piece.size()) > 0) {
+    }
+    ::fcntl(descriptor, F_SETFL, 0);
+    for (int round = 0; round < kRounds && !HasFailure(); ++round) {
+        read(piece.size());
+        std::atomic<int> ready{0};
+        std::atomic<int> done{0};
+        std::vector<std::thread> threads;
+        threads.reserve(kThreads);
+        for (int index = 0; index < kThreads; ++index)
+            threads.emplace_back([&] {
+                ++ready;
+                while (ready < kThreads) {
+                }
+                stream.write(piece);
+                ++done;
+            });
+        EXPECT_TRUE(eventually([&] { return done == kThreads; })) << "round " << round;
+        // Whoever waits all the same comes to an end.
+        while (done < kThreads)
+            read(1);
+        for (std::thread& thread : threads)
+            thread.join();
+    }
 }
 
 TEST_F(StandardStreamTest, WhatCannotBeKeptIsLostAndToldOnceBehindWhatWasKept) {
