@@ -3,6 +3,7 @@
 #include <termios.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -79,8 +80,12 @@ private:
 
     std::optional<DeviceResult> waitFor(short events, const Deadline& deadline, System::Mutex* mutex,
                                         short& ready);
+    DeviceResult readUpTo(unsigned& count, void* buffer, int length, unsigned timeoutMs,
+                          System::Mutex* mutex);
+    DeviceResult drainUpTo(std::uint64_t end, System::Mutex* mutex);
     ssize_t writeOnce(std::string_view bytes);
     bool drainOnce();
+    void handOn();
 
     std::string& m_path;
     termios& m_savedAttributes;

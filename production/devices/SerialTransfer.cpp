@@ -59,6 +59,13 @@ DeviceResult SerialLine::read_locked(unsigned& count, void* buffer, int length, 
                                      System::Mutex* mutex) {
     if (!isDeviceOpen())
         return notOpen();
+    DeviceResult result = readUpTo(count, buffer, length, timeoutMs, mutex);
+    handOn();
+    return result;
+}
+
+DeviceResult SerialLine::readUpTo(unsigned& count, void* buffer, int length, unsigned timeoutMs,
+                                  System::Mutex* mutex) {
     errno = 0;
     int total = 0;
     for (Deadline deadline(timeoutMs);;) {
@@ -89,11 +96,14 @@ DeviceResult SerialLine::read_locked(unsigned& count, void* buffer, int length, 
             break;
         deadline = Deadline(timeoutMs);
     }
-    // Whoever else waits for the line sees now to what waits for the device.
-    if (!m_output.isEmpty())
-        m_opening->wake();
     count = static_cast<unsigned>(total);
     return {};
+}
+
+/// Whoever else waits for the line sees now to what waits for the device.
+void SerialLine::handOn() {
+    if (!m_output.isEmpty())
+        m_opening->wake();
 }
 
 /// Waits for one of the events, for room when output waits, for news, or for the end of the time. A
@@ -149,8 +159,7 @@ DeviceResult SerialLine::post(std::string bytes) {
     m_output.append(std::move(bytes));
     if (!drainOnce())
         return systemError(kNoWrite);
-    if (!m_output.isEmpty())
-        m_opening->wake();
+    handOn();
     return {};
 }
 
@@ -158,7 +167,13 @@ DeviceResult SerialLine::transmit(std::string bytes, System::Mutex* mutex) {
     if (!isDeviceOpen())
         return notOpen();
     m_output.append(std::move(bytes));
-    const std::uint64_t end = m_output.appended();
+    DeviceResult result = drainUpTo(m_output.appended(), mutex);
+    // What came meanwhile may have woken nobody but this caller, who leaves now.
+    handOn();
+    return result;
+}
+
+DeviceResult SerialLine::drainUpTo(std::uint64_t end, System::Mutex* mutex) {
     for (;;) {
         if (!drainOnce())
             return systemError(kNoWrite);

@@ -51,6 +51,16 @@ protected:
         return m_driver->post(bytes);
     }
 
+    /// From another thread, without limit.
+    std::thread readByte() {
+        return std::thread([this] {
+            char byte = 0;
+            unsigned count = 0;
+            const System::Lock lock(m_mutex);
+            EXPECT_THAT(m_driver->read_locked(count, &byte, 1, 0, &m_mutex), isSuccess());
+        });
+    }
+
     /// More than the line takes before its far end reads.
     const std::string m_much = std::string(500000, 'x');
     System::Mutex m_mutex{System::Mutex::Normal};
@@ -160,12 +170,7 @@ TEST_P(TransmitTest, WhatIsPostedGoesOutWhileSomebodyReads) {
 TEST_P(TransmitTest, AReaderThatWaitsAlreadySendsWhatIsPosted) {
     std::atomic<bool> waits{false};
     m_calls.script("poll", {DeviceCalls::after([&] { waits = true; })});
-    std::thread reader([this] {
-        char byte = 0;
-        unsigned count = 0;
-        const System::Lock lock(m_mutex);
-        EXPECT_THAT(m_driver->read_locked(count, &byte, 1, 0, &m_mutex), isSuccess());
-    });
+    std::thread reader = readByte();
     ASSERT_TRUE(eventually([&] { return waits.load(); }));
     EXPECT_THAT(post(m_much), isSuccess());
     EXPECT_EQ(m_line.receive(m_much.size()), m_much);
@@ -189,6 +194,47 @@ TEST_P(TransmitTest, WhatIsPostedMeanwhileComesWholeBehindIt) {
     EXPECT_EQ(m_line.receive(some.size() + 11), some + "behindlast!");
     EXPECT_THAT(done.get(), isSuccess());
     transmitter.join();
+}
+
+TEST_P(TransmitTest, WhatIsPostedMeanwhileIsLeftToAReader) {
+    if (!usesStream())
+        return; // the other driver takes nothing meanwhile
+    const std::string some(200000, 'y');
+    std::promise<void> returned;
+    std::atomic<bool> waits{false};
+    // The reader looks at the line only when the transmitter has gone.
+    m_calls.script("poll", {DeviceCalls::after([&] {
+                       waits = true;
+                       returned.get_future().wait();
+                   })});
+    std::thread reader = readByte();
+    EXPECT_TRUE(eventually([&] { return waits.load(); }));
+    std::future<DeviceResult> done = transmit(some);
+    EXPECT_TRUE(eventually([this] { return !m_line.isSilent(); }));
+    EXPECT_THAT(post(m_much), isSuccess());
+    EXPECT_EQ(m_line.receive(some.size()), some);
+    EXPECT_THAT(done.get(), isSuccess());
+    returned.set_value();
+    EXPECT_EQ(m_line.receive(m_much.size()), m_much);
+    m_line.send("!");
+    reader.join();
+}
+
+TEST_P(TransmitTest, WhatATransmissionThatFailsLeavesIsLeftToAReader) {
+    std::promise<void> returned;
+    std::atomic<bool> waits{false};
+    m_calls.script("poll", {DeviceCalls::after([&] {
+                                waits = true;
+                                returned.get_future().wait();
+                            }),
+                            DeviceCalls::failing(ENOMEM)});
+    std::thread reader = readByte();
+    EXPECT_TRUE(eventually([&] { return waits.load(); }));
+    EXPECT_THAT(transmit(m_much).get(), isFailure(ENOMEM, textFor("Failed to select from ", ENOMEM)));
+    returned.set_value();
+    EXPECT_EQ(m_line.receive(m_much.size()), m_much);
+    m_line.send("!");
+    reader.join();
 }
 
 WITH_BOTH_DRIVERS(TransmitTest);
