@@ -146,7 +146,7 @@ DeviceResult Comm::Handle::read_locked(unsigned& count, void* buffer, int length
     if (!m_driver)
         return notInitialized();
     unsigned received = 0;
-    const DeviceResult result = receive(received, buffer, length, timeoutMs);
+    DeviceResult result = receive(received, buffer, length, timeoutMs);
     if (result.failed())
         reportReadFailure();
     else
