@@ -42,9 +42,9 @@ TEST_F(HugeAnswerTest, OfAFileIsSentWhileOthersAreServed) {
 }
 
 TEST_F(HugeAnswerTest, OfAKilledCommandIsSentWhileOthersAreServed) {
-    expectOthersAreServedDuring(request("exec command 5 \"yes | head -c " + std::to_string(kHuge) +
-                                        "; sleep 1000\""),
-                                kHuge / 10);
+    expectOthersAreServedDuring(
+        request("exec command 5 \"yes | head -c " + std::to_string(kHuge) + "; sleep 1000\""),
+        kHuge / 10);
 }
 
 } // namespace
