@@ -133,7 +133,9 @@ TEST_F(NetListenerPortTest, AStopIsNoticedWithTheNextConnection) {
     NetListener& listener = startListener();
     connectStation();
     listener.setState(StatedThread::Stopping, false);
-    connectStation();
+    // Wakes it, unless it had not yet begun to wait.
+    const System::Descriptor next = System::openTcpSocket();
+    connectTo("127.0.0.1", next);
     listener.waitForDead();
     EXPECT_TRUE(eventually([&] { return !connectTo("127.0.0.1", System::openTcpSocket()); }));
 }

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <future>
 #include <string>
+#include <utility>
 
 #include "core/ProcessResponseAscii.h"
 #include "devices/CommHandler.h"
@@ -73,8 +74,11 @@ TEST_F(AsciiListenerTest, ACommandDoesNotWaitForAStationThatDoesNotRead) {
 }
 
 TEST_F(AsciiListenerTest, AWaitThatEndsWithNothingToReadIsALineThatHasGone) {
-    // The wait that is under way first ends with a line.
-    s_waitsForNothing = 1;
+    int waits = 1;
+    command().onTokens = [&waits](auto&) {
+        s_waitsForNothing = std::exchange(waits, 0); // nobody waits for the line meanwhile
+        return new ProcessResponseAscii(0, "%s", "");
+    };
     adapter.send(request("scripted"));
     EXPECT_EQ(adapter.receiveLine(), answer("scripted ok"));
     const std::string greeting = adapter.receiveLine();
