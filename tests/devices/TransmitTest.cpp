@@ -188,7 +188,10 @@ TEST_P(TransmitTest, WhatIsPostedMeanwhileComesWholeBehindIt) {
         EXPECT_THAT(done.get(), isSuccess());
         return;
     }
-    EXPECT_THAT(m_driver->write("behind", 6), isSuccess());
+    {
+        const System::Lock lock(m_mutex);
+        EXPECT_THAT(m_driver->write("behind", 6), isSuccess());
+    }
     EXPECT_THAT(post("last"), isSuccess());
     std::thread transmitter([&] { EXPECT_THAT(transmit("!").get(), isSuccess()); });
     EXPECT_EQ(m_line.receive(some.size() + 11), some + "behindlast!");

@@ -64,6 +64,9 @@ TEST_F(BluetoothCyclesTest, WithTheUnitsDriverLeaveNothingBehind) {
 }
 
 TEST_F(BluetoothCyclesTest, WithADriverThatClosingDoesNotWakeLeaveNothingBehind) {
+    if (kSanitized && !kAddressSanitized)
+        GTEST_SKIP()
+            << "the thread sanitizer loses sight of a thread that is cancelled in a system call";
     const std::string unitsOwn = std::filesystem::read_symlink(kLibrary);
     removeFile(kLibrary);
     makeLink(kLibrary, DEAF_BLUETOOTH_DRIVER);
