@@ -52,7 +52,9 @@ public:
     }
 
     /// Whether the allocator should be asked to give back what they leave.
-    bool areMany() const { return m_bytes.size() > CommandLexer::kLongLine; }
+    bool areMany() const {
+        return m_bytes.size() + m_ends.size() * sizeof(std::size_t) > CommandLexer::kLongLine;
+    }
 
 private:
     static constexpr std::size_t kBlock = 32; // at least, on the heap
@@ -61,10 +63,13 @@ private:
     std::vector<std::size_t> m_ends;
 };
 
-/// What one line leaves to the next one, whoever sends that.
+using KeptTokens = std::shared_ptr<const PackedTokens>; // null for none
+
+/// What lines leave to the next one, whoever sends that. A line begins with what was left when its scan
+/// began, and leaves its own when it ends, so that no line waits for another.
 struct Leftovers {
     int startState = 0; // outside of a command
-    std::shared_ptr<const PackedTokens> mylist;
+    KeptTokens mylist;
 };
 
 System::Mutex s_lexerLock(System::Mutex::Normal); // guards s_leftovers, and is held for moments only
@@ -75,17 +80,16 @@ Leftovers currentLeftovers() {
     return s_leftovers;
 }
 
-void replaceLeftovers(Leftovers after) {
+/// Returns what was there, for the caller to let go of.
+Leftovers replaceLeftovers(Leftovers after) {
     const System::Lock lock(s_lexerLock);
-    std::swap(s_leftovers, after);
+    return std::exchange(s_leftovers, std::move(after));
 }
 
-/// The same, unless the line should have been scanned differently because of lines that were scanned
-/// meanwhile.
-bool replaceLeftovers(const Leftovers& before, bool dependsOnList, Leftovers& after) {
+/// The same, as long as the list is still that one.
+bool replaceLeftoversOf(const KeptTokens& list, Leftovers after) {
     const System::Lock lock(s_lexerLock);
-    if (s_leftovers.startState != before.startState ||
-        (dependsOnList && s_leftovers.mylist != before.mylist))
+    if (s_leftovers.mylist != list)
         return false;
     std::swap(s_leftovers, after);
     return true;
@@ -143,47 +147,48 @@ private:
     yy_buffer_state* m_buffer = nullptr;
 };
 
-/// The tokens that the scanned line gives.
-Tokens tokensOf(LineScan& scan, const Leftovers& before) {
-    if (scan.isNewList || before.mylist == nullptr)
-        return std::move(scan.mylist);
-    Tokens tokens = before.mylist->unpacked();
-    for (auto& token : scan.mylist)
-        tokens.push_back(std::move(token));
-    return tokens;
+KeptTokens keep(const Tokens& tokens) {
+    return std::make_shared<const PackedTokens>(tokens);
 }
 
-/// Scans a line as if no other one were scanned meanwhile; empty when one was, and it matters.
-bool scanOnce(std::string_view line, Tokens& tokens) {
+/// The tokens of a line with a command's name, which are the new list.
+Tokens replaceList(LineScan& scan, int startState) {
+    KeptTokens before = replaceLeftovers({startState, keep(scan.mylist)}).mylist;
+    if (before != nullptr && before->areMany()) {
+        before.reset();
+        System::returnFreedMemory();
+    }
+    return std::move(scan.mylist);
+}
+
+/// The tokens of a line without one: its own come behind those of the list as it is then.
+Tokens extendList(const LineScan& scan, int startState) {
+    for (;;) {
+        const KeptTokens list = currentLeftovers().mylist;
+        Tokens tokens = list == nullptr ? Tokens() : list->unpacked();
+        tokens.insert(tokens.end(), scan.mylist.begin(), scan.mylist.end());
+        if (replaceLeftoversOf(list, {startState, scan.mylist.empty() ? list : keep(tokens)}))
+            return tokens;
+    }
+}
+
+Tokens scanLine(std::string_view line, LineScan& scan) {
+    const int startState = Scanner(scan, currentLeftovers().startState).run(line);
+    return scan.isNewList ? replaceList(scan, startState) : extendList(scan, startState);
+}
+
+} // namespace
+
+std::vector<std::vector<char>> CommandLexer::scan(std::string_view line) {
     LineScan scan;
-    Leftovers before = currentLeftovers();
-    Leftovers after;
     try {
-        after.startState = Scanner(scan, before.startState).run(line);
-        tokens = tokensOf(scan, before);
-        after.mylist = std::make_shared<const PackedTokens>(tokens);
+        Tokens tokens = scanLine(line, scan);
+        StandardStream::output().write(scan.echoes);
+        return tokens;
     } catch (...) {
         // Half a command must not be taken for the next one's leftovers.
         replaceLeftovers({});
         StandardStream::output().write(scan.echoes);
         throw;
     }
-    if (!replaceLeftovers(before, !scan.isNewList, after))
-        return false;
-    StandardStream::output().write(scan.echoes);
-    if (before.mylist != nullptr && before.mylist->areMany()) {
-        before.mylist.reset();
-        after.mylist.reset();
-        System::returnFreedMemory();
-    }
-    return true;
-}
-
-} // namespace
-
-std::vector<std::vector<char>> CommandLexer::scan(std::string_view line) {
-    Tokens tokens;
-    while (!scanOnce(line, tokens)) {
-    }
-    return tokens;
 }

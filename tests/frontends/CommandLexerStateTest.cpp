@@ -109,3 +109,31 @@ TEST_F(CommandLexerStateTest, EachThreadGetsTheTokensOfItsOwnLine) {
         thread.join();
     EXPECT_EQ(mistakes, 0);
 }
+
+// It used to begin anew whenever another line had left a list of its own.
+TEST_F(CommandLexerStateTest, ALongLineWithoutACommandComesToItsEndAmongOthersCommands) {
+    std::atomic<bool> stop{false};
+    std::atomic<long> scanned{0};
+    std::thread other([&] {
+        for (; !stop; ++scanned)
+            CommandLexer::scan(commandLine("other " + std::to_string(scanned)));
+    });
+    const std::string noise = std::string(std::size_t{8} << 20, 'n') + "\x03\n";
+    const long before = scanned;
+    while (scanned == before)
+        std::this_thread::yield();
+    const Tokens given = CommandLexer::scan(noise);
+    stop = true;
+    other.join();
+    ASSERT_EQ(given.size(), 2U);
+    EXPECT_EQ(given.front(), token("other"));
+}
+
+TEST_F(CommandLexerStateTest, TokensWithoutACommandComeBehindThoseOfTheOneBefore) {
+    EXPECT_EQ(scan(commandLine("s a")).tokens, tokens({"s", "a"}));
+    const std::vector<char> parameter = token("#<parameter>\x02");
+    EXPECT_EQ(scan("#<parameter>\x02s\x03\n").tokens, (Tokens{token("s"), token("a"), parameter}));
+    EXPECT_EQ(scan("#<parameter>\x02s\x03\n").tokens,
+              (Tokens{token("s"), token("a"), parameter, parameter}));
+    EXPECT_EQ(scan(commandLine("")).tokens, (Tokens{token("s"), token("a"), parameter, parameter}));
+}
