@@ -19,6 +19,16 @@ namespace {
 
 constexpr char kNoCaptureFile[] = "Error, the /tmp/resp.txt could not be created";
 
+/// What stands in the capture file's place before a command runs.
+struct Planted {
+    const char* what;
+    void (*plant)();
+};
+
+const Planted kLink = {"a symbolic link",
+                       [] { ASSERT_EQ(::symlink("/tmp/precious", kCaptureFile), 0); }};
+const Planted kPipe = {"a pipe", [] { ASSERT_EQ(::mkfifo(kCaptureFile, 0600), 0); }};
+
 class cReadCmdShellTest : public UnitFixture {
 protected:
     static ProcessResponse execute(const std::string& text, unsigned long long limit = 60) {
@@ -159,18 +169,14 @@ TEST_F(cReadCmdShellTest, ADirectoryInPlaceOfTheCaptureFileIsReported) {
 
 TEST_F(cReadCmdShellTest, WhatWasPutInPlaceOfTheCaptureFileIsNotTouched) {
     write("/tmp/precious", "precious");
-    struct Row {
-        const char* what;
-        void (*plant)();
-    };
-    const Row rows[] = {
-        {"a symbolic link", [] { ASSERT_EQ(::symlink("/tmp/precious", kCaptureFile), 0); }},
+    const Planted rows[] = {
+        kLink,
         {"a link to nothing", [] { ASSERT_EQ(::symlink("/tmp/none", kCaptureFile), 0); }},
         {"a hard link", [] { ASSERT_EQ(::link("/tmp/precious", kCaptureFile), 0); }},
-        {"a pipe", [] { ASSERT_EQ(::mkfifo(kCaptureFile, 0600), 0); }},
+        kPipe,
         {"an older answer", [] { write(kCaptureFile, "a much longer answer of an earlier command"); }},
     };
-    for (const Row& row : rows) {
+    for (const Planted& row : rows) {
         SCOPED_TRACE(row.what);
         remove(kCaptureFile);
         row.plant();
@@ -259,15 +265,11 @@ TEST_F(cReadCmdShellTest, ACaptureFileThatCannotBeRemovedIsTruncatedAndUsed) {
 
 TEST_F(cReadCmdShellTest, WhatCannotBeRemovedAndIsNoFileIsNotTouched) {
     write("/tmp/precious", "precious");
-    struct Row {
-        const char* what;
-        void (*plant)();
+    const Planted rows[] = {
+        kLink,
+        kPipe,
     };
-    const Row rows[] = {
-        {"a symbolic link", [] { ASSERT_EQ(::symlink("/tmp/precious", kCaptureFile), 0); }},
-        {"a pipe", [] { ASSERT_EQ(::mkfifo(kCaptureFile, 0600), 0); }},
-    };
-    for (const Row& row : rows) {
+    for (const Planted& row : rows) {
         SCOPED_TRACE(row.what);
         remove(kCaptureFile);
         row.plant();

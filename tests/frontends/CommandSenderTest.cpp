@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "support/Eventually.h"
+#include "support/Framed.h"
 #include "support/SocketPair.h"
 
 namespace {
@@ -14,16 +15,10 @@ namespace {
 /// More than a socket takes.
 const std::string kLarge(std::size_t{8} << 20, 'x');
 
-std::string framed(const std::string& text) {
-    return "\x02#" + text + "\x03\n";
-}
-
 } // namespace
 
 TEST(CommandSenderTest, FramesEachText) {
-    const std::string texts[] = {"status ok", "", "Info \"what\"", std::string("a\0b", 3),
-                                 "100%s \x02\x03\n"};
-    for (const std::string& text : texts) {
+    for (const std::string& text : kTexts) {
         SCOPED_TRACE(::testing::PrintToString(text));
         const SocketPair sockets;
         CommandSender sender(sockets.ours.get());

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "core/ProcessResponseAscii.h"
+#include "support/Framed.h"
 #include "support/RunningHandler.h"
 #include "support/SocketPair.h"
 
@@ -15,10 +16,6 @@ namespace {
 
 std::string request(const std::string& text) {
     return "\x02" + text + "\x03\n";
-}
-
-std::string answer(const std::string& text) {
-    return "\x02#" + text + "\x03\n";
 }
 
 /// A connection served on its own thread; the command "scripted" answers its first argument.
@@ -44,7 +41,7 @@ protected:
     void expectAnswers(const std::vector<std::string>& texts) {
         std::string expected;
         for (const std::string& text : texts)
-            expected += answer(text);
+            expected += framed(text);
         EXPECT_EQ(m_sockets.receive(expected.size()), expected);
     }
 
@@ -108,7 +105,7 @@ TEST_F(NetConnectionTest, ALineWithoutACommandRunsTheOneBefore) {
 TEST_F(NetConnectionTest, ACommandMayBeLong) {
     const std::string argument(100000, 'x');
     m_sockets.send(request("scripted " + argument));
-    const std::string expected = answer("scripted " + argument);
+    const std::string expected = framed("scripted " + argument);
     EXPECT_TRUE(m_sockets.receive(expected.size()) == expected);
 }
 

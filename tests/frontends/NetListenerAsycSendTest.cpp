@@ -6,22 +6,17 @@
 #include <thread>
 
 #include "support/Eventually.h"
+#include "support/Framed.h"
 #include "support/SocketPair.h"
 
 namespace {
 
 constexpr std::size_t kMoreThanASocketTakes = std::size_t{8} << 20;
 
-std::string framed(const std::string& text) {
-    return "\x02#" + text + "\x03\n";
-}
-
 } // namespace
 
 TEST(NetListenerAsycSendTest, FramesEachText) {
-    const std::string texts[] = {"status ok", "", "Info \"what\"", std::string("a\0b", 3),
-                                 "100%s \x02\x03\n"};
-    for (const std::string& text : texts) {
+    for (const std::string& text : kTexts) {
         SCOPED_TRACE(::testing::PrintToString(text));
         const SocketPair sockets;
         NetListenerAsycSend sender(sockets.ours.get());

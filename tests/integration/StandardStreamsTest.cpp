@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/Descriptors.h"
 #include "support/DaemonTest.h"
@@ -35,6 +37,13 @@ struct Pipe {
     System::Descriptor writing;
 };
 
+Daemon startWith(std::optional<int> DaemonStart::*stream, Pipe& pipe) {
+    const System::Descriptor writing = std::move(pipe.writing); // for the daemon alone
+    DaemonStart start;
+    start.*stream = writing.get();
+    return Daemon(start);
+}
+
 /// The number in front of "bytes for NAME were lost", if that is there.
 std::size_t lossIn(const std::string& error, const std::string& stream) {
     const std::size_t end = error.find(" bytes for " + stream + " were lost\n");
@@ -58,10 +67,7 @@ TEST(BlockedStandardOutput, HoldsUpNoAnswer) {
     constexpr std::size_t kNoise = 100000;
     constexpr std::size_t kRounds = 20;
     Pipe pipe;
-    DaemonStart start;
-    start.standardOutput = pipe.writing.get();
-    const Daemon daemon(start);
-    pipe.writing.reset();
+    const Daemon daemon = startWith(&DaemonStart::standardOutput, pipe);
     Connection noisy;
     Connection other;
     for (std::size_t round = 0; round < kRounds; ++round) {
@@ -88,10 +94,7 @@ TEST(BlockedStandardOutput, HoldsUpNoAnswer) {
 TEST(BlockedStandardError, HoldsUpNoAnswer) {
     constexpr std::size_t kDiagnostics = 8000;
     Pipe pipe;
-    DaemonStart start;
-    start.standardError = pipe.writing.get();
-    const Daemon daemon(start);
-    pipe.writing.reset();
+    const Daemon daemon = startWith(&DaemonStart::standardError, pipe);
     Connection noisy;
     Connection other;
     for (std::size_t round = 0; round < kDiagnostics; ++round)
