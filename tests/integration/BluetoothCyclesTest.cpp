@@ -33,7 +33,7 @@ protected:
         Connection other;
         expectExchange(other, request("status"), status());
         expectExchange(station, request("serial close 241"), answer("serial ok"));
-        const std::size_t threads = threadCount(daemon.pid());
+        const std::size_t threads = settledThreadCount(daemon.pid());
         const std::size_t descriptors = openDescriptors(daemon.pid()).size();
         const auto before = steady_clock::now();
         for (int cycle = 1; cycle <= kCycles && !HasFailure(); ++cycle) {

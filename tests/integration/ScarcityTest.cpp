@@ -171,7 +171,7 @@ TEST(NoThreads, AStationWaitsUntilThereIsOneForIt) {
     if (kSanitized)
         GTEST_SKIP() << "a sanitizer needs the address space";
     const Daemon daemon;
-    const std::size_t threads = threadCount(daemon.pid());
+    const std::size_t threads = settledThreadCount(daemon.pid());
     daemon.limit(RLIMIT_AS, addressSpaceBytes(daemon.pid()));
 
     Connection station;
@@ -193,7 +193,7 @@ TEST(NoThreads, MoreStationsThanMayWaitToBeAcceptedWaitForTheirs) {
         GTEST_SKIP() << "a sanitizer needs the address space";
     constexpr std::size_t kStations = 20;
     const Daemon daemon;
-    const std::size_t threads = threadCount(daemon.pid());
+    const std::size_t threads = settledThreadCount(daemon.pid());
     daemon.limit(RLIMIT_AS, addressSpaceBytes(daemon.pid()));
 
     std::vector<Connection> stations(kStations);

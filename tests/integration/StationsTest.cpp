@@ -53,7 +53,7 @@ TEST_F(StationsTest, ReachTheDaemonOnLoopbackOnly) {
 
 TEST_F(StationsTest, LeaveNothingBehind) {
     const auto descriptors = openDescriptors(daemon.pid());
-    const std::size_t threads = threadCount(daemon.pid());
+    const std::size_t threads = settledThreadCount(daemon.pid());
     {
         const std::vector<Connection> stations = acceptedStations(50);
         EXPECT_EQ(openDescriptors(daemon.pid()).size(), descriptors.size() + stations.size());

@@ -33,7 +33,7 @@ protected:
 
 private:
     std::vector<int> m_descriptors = openDescriptors(daemon.pid());
-    std::size_t m_threads = threadCount(daemon.pid());
+    std::size_t m_threads = settledThreadCount(daemon.pid());
 };
 
 TEST_F(VanishingStationsTest, AtEveryPointOfARequest) {

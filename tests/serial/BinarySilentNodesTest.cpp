@@ -44,9 +44,6 @@ TEST_F(BinarySilentNodesTest, AreReportedAndTheLineIsServed) {
         {"/dev/cd0", "\5m\xB2\0\1"s,
          debugFrame("Failed to open Device /dev/cd0: Connection timed out, errorCode: 110") +
              "\x08m\xB2\0\1\1\0\0"s},
-        {"/dev/i2c0", "\5i\0\1\x50"s,
-         debugFrame("Read Error on Device /dev/i2c0: Inappropriate ioctl for device, errorcode: 25") +
-             "\x08i\0\1\7\0\0\1"s},
         // The revision is known by now.
         {kRevisionFile, "\2s"s, status(true)},
     };
@@ -55,6 +52,15 @@ TEST_F(BinarySilentNodesTest, AreReportedAndTheLineIsServed) {
         expectExchange(row.request, row.answer);
         expectServed();
     }
+}
+
+TEST_F(BinarySilentNodesTest, ABusIsReportedAndTheLineIsServed) {
+    makeSilent("/dev/i2c0");
+    expectExchange(
+        "\5i\0\1\x50"s,
+        debugFrame("Read Error on Device /dev/i2c0: Inappropriate ioctl for device, errorcode: 25") +
+            "\x08i\0\1\7\0\0\1"s);
+    expectServed();
 }
 
 TEST_F(BinarySilentNodesTest, VersionFilesAreReportedWithoutAnAnswerFrame) {

@@ -7,12 +7,16 @@
 #include <iterator>
 #include <optional>
 #include <sstream>
+#include <stdexcept>
 
 #include "support/UnitFiles.h"
+#include "support/Waiting.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr char kLastThread[] = "standard error\n";
 
 std::string folderOf(pid_t pid) {
     return "/proc/" + std::to_string(pid) + "/";
@@ -78,6 +82,19 @@ std::vector<std::string> inheritableDescriptors(pid_t pid) {
 
 std::size_t threadCount(pid_t pid) {
     return namesIn(folderOf(pid) + "task").size();
+}
+
+std::size_t settledThreadCount(pid_t pid) {
+    const std::string folder = folderOf(pid) + "task/";
+    const bool isSettled = eventually([&] {
+        const std::vector<std::string> threads = namesIn(folder);
+        return std::any_of(threads.begin(), threads.end(), [&](const std::string& thread) {
+            return contentOf(folder + thread + "/comm") == kLastThread;
+        });
+    });
+    if (!isSettled)
+        throw std::runtime_error("the daemon has not started all of its threads");
+    return threadCount(pid);
 }
 
 std::size_t residentBytes(pid_t pid) {

@@ -16,6 +16,10 @@ std::vector<std::string> inheritableDescriptors(pid_t pid);
 
 std::size_t threadCount(pid_t pid);
 
+/// The same for a daemon that may have been started a moment ago: it is waited for the last of its own
+/// threads, which comes behind the port.
+std::size_t settledThreadCount(pid_t pid);
+
 std::size_t residentBytes(pid_t pid);
 std::size_t addressSpaceBytes(pid_t pid);
 
