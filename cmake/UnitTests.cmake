@@ -3,12 +3,22 @@ if(CMAKE_CROSSCOMPILING)
   include(Emulation)
 endif()
 
+# Reading these headers takes longer than most tests take to be compiled, so that is done once for all of them.
+# What a test uses it includes nevertheless: lint reads it without them.
+add_library(test_headers STATIC ${CMAKE_SOURCE_DIR}/tests/TestHeaders.cpp)
+target_link_libraries(test_headers PRIVATE GTest::gmock project_warnings)
+target_precompile_headers(test_headers PRIVATE
+  <gmock/gmock.h> <gtest/gtest.h>
+  <algorithm> <atomic> <chrono> <filesystem> <fstream> <functional> <map> <memory> <optional> <sstream> <string>
+  <thread> <vector>)
+
 # add_unit_test(NAME SOURCES ... DEPENDS ...): a GoogleTest program whose cases are CTest tests with the
 # label 'unit'. Under an emulator, which takes longer to start than a case to run, the program is one test.
 function(add_unit_test name)
   cmake_parse_arguments(TEST "" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
   target_link_libraries(${name} PRIVATE ${TEST_DEPENDS} GTest::gmock_main project_warnings)
+  target_precompile_headers(${name} REUSE_FROM test_headers)
   if(NOT CMAKE_CROSSCOMPILING)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES LABELS unit)
     return()
@@ -29,6 +39,7 @@ function(add_integration_test name)
   cmake_parse_arguments(TEST "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
   target_link_libraries(${name} PRIVATE ${TEST_DEPENDS} GTest::gmock_main project_warnings)
+  target_precompile_headers(${name} REUSE_FROM test_headers)
   add_dependencies(${name} production headunit station)
   if(CMAKE_CROSSCOMPILING)
     set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
