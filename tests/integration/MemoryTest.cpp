@@ -84,7 +84,7 @@ TEST_F(MemoryTest, LeavesNoHalfCommandBehind) {
     // A line without a name repeats the last command, and there is none.
     Connection next;
     expectExchange(next, "\x03\n", "\x02#\x03\n");
-    EXPECT_EQ(daemon->output(), "command fehler\n");
+    EXPECT_TRUE(daemon->waitForOutput("command fehler\n")) << daemon->output();
 }
 
 TEST_F(MemoryTest, OutputThatDoesNotFitIsAnError) {
