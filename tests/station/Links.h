@@ -10,6 +10,7 @@
 
 #include "StationProcess.h"
 #include "support/Daemon.h"
+#include "support/Waiting.h"
 
 namespace station {
 
@@ -48,7 +49,7 @@ inline std::vector<LinkCase> allLinks() {
              {"--target", kLineTarget, "--protocol", "ascii"},
              true,
              startOnTheLine("SOLMED"),
-             {"status"}}};
+             {"--timeout", "3", "status"}}};
 }
 
 inline std::string nameOfLink(const testing::TestParamInfo<LinkCase>& info) {
@@ -59,7 +60,10 @@ inline std::string nameOfLink(const testing::TestParamInfo<LinkCase>& info) {
 /// about the link. A unit of its own for each case, with a fresh daemon.
 class Links : public testing::TestWithParam<LinkCase> {
 protected:
-    void SetUp() override { ASSERT_EQ(run(GetParam().greeting).exitCode, 0); }
+    void SetUp() override {
+        // What comes before the unit has opened its line is lost.
+        ASSERT_TRUE(eventually([] { return run(GetParam().greeting).exitCode == 0; }));
+    }
 
     static Invocation invocation(const std::vector<std::string>& arguments) {
         Invocation invocation;
