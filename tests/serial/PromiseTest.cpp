@@ -1,5 +1,5 @@
 // What the daemon promises everybody: whatever a peer or a line does, another connection's status is
-// answered within 100 ms.
+// answered within 100 ms, and what the machine itself adds because it has other things to do.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -10,6 +10,7 @@
 #include "AsciiDaemonTest.h"
 #include "line/BinaryLink.h"
 #include "platform/Descriptors.h"
+#include "support/BareExchange.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
 #include "support/Witness.h"
@@ -18,7 +19,7 @@ namespace {
 
 // A sanitizer makes the daemon so much slower.
 constexpr std::chrono::milliseconds kPromised{kSanitized ? 1000 : 100};
-// On a busy machine the one who asks may have to wait for its turn.
+// What the machine adds is measured beside it, and need not be the same for both.
 constexpr int kAttempts = 5;
 constexpr long kAnswers = 100;
 constexpr std::size_t kLongContent = 350'000; // a version file whose answer no line or connection holds
@@ -134,7 +135,8 @@ protected:
         return station.receiveLine();
     }
 
-    /// How long another connection's status takes at most, from before the stranger comes.
+    /// How much longer another connection's status takes at most, from before the stranger comes, than
+    /// an exchange without a daemon.
     static std::chrono::milliseconds longestDelay() {
         Adapter adapter;
         System::Descriptor unread;
@@ -148,11 +150,12 @@ protected:
         const Daemon daemon(start);
         EXPECT_FALSE(adapter.isSilentFor(kPatience)); // greeted or announced
         Situation situation{adapter, {}};
+        const BareExchange bare;
         const Witness witness(request("status"), undisturbedStatus());
         GetParam().stall(situation);
         EXPECT_TRUE(witness.seesMore(kAnswers));
         EXPECT_TRUE(daemon.isAlive());
-        return witness.longestDelay();
+        return witness.longestDelay() - bare.longestDelay();
     }
 };
 
