@@ -1,5 +1,6 @@
 #include "frontends/CommandLexer.h"
 
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
@@ -8,6 +9,7 @@
 
 #include "core/MemoryGuard.h"
 #include "core/StandardStream.h"
+#include "frontends/LineAssembler.h"
 #include "frontends/serial_lexer.h"
 #include "platform/Memory.h"
 #include "runtime/Mutex.h"
@@ -107,44 +109,44 @@ public:
     Scanner& operator=(const Scanner&) = delete;
     ~Scanner() { yylex_destroy(m_scanner); }
 
-    /// Returns the start state that the line ends in.
-    int run(std::string_view line) {
-        line = line.substr(0, line.find('\0'));
+    /// Returns the start state that the line ends in. Behind it there is room for the end of the buffer.
+    int run(char* line, std::size_t size) {
+        size = ::strnlen(line, size);
         // The scanner counts in int.
-        if (line.size() >
-            static_cast<std::size_t>(std::numeric_limits<int>::max()) - kEndOfBuffer.size())
+        if (size > static_cast<std::size_t>(std::numeric_limits<int>::max()) - kEndOfBuffer.size())
             throw std::bad_alloc();
-        MemoryGuard::require(line.size());
-        // The scanner's own copy would be lost if memory ran out right behind it.
-        std::string text;
-        text.reserve(line.size() + kEndOfBuffer.size());
-        text.append(line).append(kEndOfBuffer);
+        kEndOfBuffer.copy(line + size, kEndOfBuffer.size());
+        m_end = line + size + kEndOfBuffer.size();
         // A buffer would be lost if memory ran out while the scanner makes a place for it, which it does
         // in two steps.
         for (int step = 0; step < 2; ++step)
             yy_switch_to_buffer(nullptr, m_scanner);
-        scanFrom(text, 0);
-        while (yylex(m_scanner) == kBase64Begins) {
-            const auto begin =
-                static_cast<std::size_t>(yyget_text(m_scanner) - text.data() + yyget_leng(m_scanner));
-            scanFrom(text, begin + m_scan.addBase64Run(line.substr(begin)));
-        }
+        scanFrom(line);
+        while (yylex(m_scanner) == kBase64Begins)
+            skipBase64();
         m_scan.printList();
         return startStateOf(m_scanner);
     }
 
 private:
-    /// What is scanned next is `text` from there on.
-    void scanFrom(std::string& text, std::size_t begin) {
-        yy_buffer_state* const before =
-            std::exchange(m_buffer, yy_scan_buffer(text.data() + begin, text.size() - begin, m_scanner));
-        yy_switch_to_buffer(m_buffer, m_scanner);
+    /// Takes the characters behind "base64(".
+    void skipBase64() {
+        char* const begin = yyget_text(m_scanner) + yyget_leng(m_scanner);
+        scanFrom(begin); // gives the character back that the scanner had ended its text with
+        scanFrom(begin + m_scan.addBase64Run({begin, static_cast<std::size_t>(m_end - begin)}));
+    }
+
+    /// What is scanned next is the line from there on.
+    void scanFrom(char* begin) {
+        yy_buffer_state* const before = std::exchange(
+            m_buffer, yy_scan_buffer(begin, static_cast<std::size_t>(m_end - begin), m_scanner));
         yy_delete_buffer(before, m_scanner);
     }
 
     LineScan& m_scan;
     yyscan_t m_scanner = nullptr;
     yy_buffer_state* m_buffer = nullptr;
+    char* m_end = nullptr; // of the line and what the scanner wants to see behind it
 };
 
 KeptTokens keep(const Tokens& tokens) {
@@ -152,9 +154,10 @@ KeptTokens keep(const Tokens& tokens) {
 }
 
 /// The tokens of a line with a command's name, which are the new list.
-Tokens replaceList(LineScan& scan, int startState) {
+Tokens replaceList(LineScan& scan, int startState, bool isLong) {
     KeptTokens before = replaceLeftovers({startState, keep(scan.mylist)}).mylist;
-    if (before != nullptr && before->areMany()) {
+    // Behind a long line its front end asks for all.
+    if (!isLong && before != nullptr && before->areMany()) {
         before.reset();
         System::returnFreedMemory();
     }
@@ -172,14 +175,18 @@ Tokens extendList(const LineScan& scan, int startState) {
     }
 }
 
-Tokens scanLine(std::string_view line, LineScan& scan) {
-    const int startState = Scanner(scan, currentLeftovers().startState).run(line);
-    return scan.isNewList ? replaceList(scan, startState) : extendList(scan, startState);
+Tokens scanLine(LineAssembler& assembler, LineScan& scan) {
+    const std::size_t size = assembler.line().size();
+    const int startState =
+        Scanner(scan, currentLeftovers().startState).run(assembler.data(kEndOfBuffer.size()), size);
+    assembler.reset(); // its memory is wanted for what comes now
+    const bool isLong = size > CommandLexer::kLongLine;
+    return scan.isNewList ? replaceList(scan, startState, isLong) : extendList(scan, startState);
 }
 
 } // namespace
 
-std::vector<std::vector<char>> CommandLexer::scan(std::string_view line) {
+std::vector<std::vector<char>> CommandLexer::scan(LineAssembler& line) {
     LineScan scan;
     try {
         Tokens tokens = scanLine(line, scan);

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <string_view>
 #include <vector>
+
+class LineAssembler;
 
 /// The scanner of command lines. All front ends share what a line leaves to the next one.
 class CommandLexer {
@@ -12,8 +13,9 @@ public:
 
     /// The tokens of the command in `line`, the command's name first. A line without a command gives the
     /// tokens of the command before it, whoever sent that. A line ends at its first zero byte, if any.
+    /// It is scanned where it is, and is gone then: the next one begins.
     ///
     /// Any thread, and any number of them at once. Throws std::bad_alloc for a line that does not fit
     /// into memory, or is longer than the scanner can count; the scanner is as new then.
-    static std::vector<std::vector<char>> scan(std::string_view line);
+    static std::vector<std::vector<char>> scan(LineAssembler& line);
 };

@@ -136,17 +136,16 @@ DeviceResult FlexListener::takeByte(Comm::Handle& port, char& byte) {
 }
 
 void FlexListener::runLine() {
-    std::vector<std::vector<char>> tokens = CommandLexer::scan(m_assembler.line());
+    const bool isLong = m_assembler.line().size() > CommandLexer::kLongLine;
+    std::vector<std::vector<char>> tokens = CommandLexer::scan(m_assembler);
     const std::vector<std::vector<char>> name(tokens.begin(), tokens.begin() + (tokens.empty() ? 0 : 1));
     notifyStartCommand();
     const std::string answer = Handler::getInstance()->handleCommand(std::move(tokens), this);
     notifyInterruptCommand(name);
     if (!answer.empty())
         sendAnswer(answer);
-    if (m_assembler.line().size() > CommandLexer::kLongLine) {
-        m_assembler.reset();
+    if (isLong)
         System::returnFreedMemory();
-    }
 }
 
 void FlexListener::send(const std::string& text) {

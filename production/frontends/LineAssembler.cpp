@@ -25,6 +25,12 @@ bool LineAssembler::append(const char* bytes, std::size_t count) {
            std::memcmp(line + m_size - sizeof kLineEnd, kLineEnd, sizeof kLineEnd) == 0;
 }
 
+char* LineAssembler::data(std::size_t room) {
+    if (m_size + room > m_capacity)
+        grow(m_size + room);
+    return m_line.get();
+}
+
 void LineAssembler::reset() {
     m_size = 0;
     if (m_capacity <= kKeptCapacity)

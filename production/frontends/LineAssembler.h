@@ -17,6 +17,9 @@ public:
 
     /// What has been received since the last `reset`; valid until the next call.
     std::string_view line() const { return {m_line.get(), m_size}; }
+    /// The same, to be written to, and `room` bytes behind it; not null unless both are empty. Throws
+    /// std::bad_alloc like `append`.
+    char* data(std::size_t room);
     std::size_t capacity() const { return m_capacity; }
 
     /// Starts the next line; gives the memory of a long one back.

@@ -57,11 +57,9 @@ bool NetConnection::readLine() {
 }
 
 void NetConnection::answer() {
+    const bool isLong = m_assembler.line().size() > CommandLexer::kLongLine;
     CommandSender sender(m_socket.get());
-    sender.answer(
-        Handler::getInstance()->handleCommand(CommandLexer::scan(m_assembler.line()), &sender));
-    if (m_assembler.line().size() > CommandLexer::kLongLine) {
-        m_assembler.reset();
+    sender.answer(Handler::getInstance()->handleCommand(CommandLexer::scan(m_assembler), &sender));
+    if (isLong)
         System::returnFreedMemory();
-    }
 }

@@ -17,10 +17,12 @@ const Tokens kTokens = {token("s"),        token("word"), token("a string"), dec
 
 /// Scans with memory for `allocations` blocks. True when that was enough.
 bool scanWithMemoryFor(int allocations, Allocations& memory) {
+    LineAssembler assembler;
+    assembler.append(kLine.data(), kLine.size());
     memory.failAfter(allocations);
     bool enough = false;
     try {
-        enough = CommandLexer::scan(kLine) == kTokens;
+        enough = CommandLexer::scan(assembler) == kTokens;
     } catch (const std::bad_alloc&) {
     }
     memory.failNever();
@@ -54,7 +56,7 @@ TEST_F(CommandLexerMemoryTest, NothingIsLostWhenMemoryRunsOut) {
     live.reserve(kMoreThanItTakes);
     for (bool enough = false; !enough && live.size() < kMoreThanItTakes;) {
         enough = scanWithMemoryFor(static_cast<int>(live.size()), memory);
-        CommandLexer::scan(kLine);
+        scanTokens(kLine);
         live.push_back(memory.live());
     }
     EXPECT_LT(live.size(), std::size_t{kMoreThanItTakes});
@@ -64,9 +66,9 @@ TEST_F(CommandLexerMemoryTest, NothingIsLostWhenMemoryRunsOut) {
 TEST_F(CommandLexerMemoryTest, ScanningTakesNoMemoryForGood) {
     constexpr int kScans = 100000;
     for (int round = 0; round < 10; ++round)
-        CommandLexer::scan(kLine);
+        scanTokens(kLine);
     const Allocations memory;
     for (int round = 0; round < kScans; ++round)
-        CommandLexer::scan(kLine);
+        scanTokens(kLine);
     EXPECT_EQ(memory.live(), 0);
 }

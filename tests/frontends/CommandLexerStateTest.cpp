@@ -101,7 +101,7 @@ TEST_F(CommandLexerStateTest, EachThreadGetsTheTokensOfItsOwnLine) {
                                          decoded(std::string(1, static_cast<char>(thread)))};
                 const std::string line = commandLine(string_format(
                     "c%s \"%s quoted\" %s hex(0%d)", own.c_str(), own.c_str(), own.c_str(), thread));
-                if (CommandLexer::scan(line) != expected)
+                if (scanTokens(line) != expected)
                     ++mistakes;
             }
         });
@@ -116,13 +116,13 @@ TEST_F(CommandLexerStateTest, ALongLineWithoutACommandComesToItsEndAmongOthersCo
     std::atomic<long> scanned{0};
     std::thread other([&] {
         for (; !stop; ++scanned)
-            CommandLexer::scan(commandLine("other " + std::to_string(scanned)));
+            scanTokens(commandLine("other " + std::to_string(scanned)));
     });
     const std::string noise = std::string(std::size_t{8} << 20, 'n') + "\x03\n";
     const long before = scanned;
     while (scanned == before)
         std::this_thread::yield();
-    const Tokens given = CommandLexer::scan(noise);
+    const Tokens given = scanTokens(noise);
     stop = true;
     other.join();
     ASSERT_EQ(given.size(), 2U);

@@ -93,6 +93,19 @@ TEST(LineAssemblerTest, ALineMayBeLong) {
     EXPECT_EQ(assembler.line(), line);
 }
 
+TEST(LineAssemblerTest, BehindALineOfAnySizeThereIsRoom) {
+    constexpr std::size_t kRoom = 2;
+    for (std::size_t size = 0; size <= 1024; ++size) {
+        LineAssembler assembler;
+        const std::string text(size, 'x');
+        append(assembler, text);
+        assembler.data(kRoom)[size] = 'a';
+        assembler.data(kRoom)[size + kRoom - 1] = 'b';
+        EXPECT_EQ(assembler.line(), text);
+        EXPECT_GE(assembler.capacity(), size + kRoom);
+    }
+}
+
 TEST(LineAssemblerTest, ResetStartsTheNextLine) {
     LineAssembler assembler;
     EXPECT_TRUE(append(assembler, "\x02s" + kEnd));

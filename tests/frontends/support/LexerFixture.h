@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "frontends/CommandLexer.h"
+#include "frontends/LineAssembler.h"
 #include "support/RecordingListener.h"
 
 using Tokens = std::vector<std::vector<char>>;
@@ -31,6 +32,13 @@ inline std::string commandLine(const std::string& text) {
     return "\x02" + text + "\x03\n";
 }
 
+/// The tokens of one line.
+inline Tokens scanTokens(const std::string& line) {
+    LineAssembler assembler;
+    assembler.append(line.data(), line.size());
+    return CommandLexer::scan(assembler);
+}
+
 /// A token of decoded data, which has no zero byte of its own at its end.
 inline std::vector<char> decoded(const std::string& bytes) {
     return {bytes.begin(), bytes.end()};
@@ -42,11 +50,11 @@ class LexerFixture : public ::testing::Test {
 protected:
     LexerFixture() { startOver(); }
 
-    static void startOver() { CommandLexer::scan(commandLine("old")); }
+    static void startOver() { scanTokens(commandLine("old")); }
 
     static Scan scan(const std::string& line) {
         ::testing::internal::CaptureStdout();
-        Tokens tokens = CommandLexer::scan(line);
+        Tokens tokens = scanTokens(line);
         return {std::move(tokens), ::testing::internal::GetCapturedStdout()};
     }
 };
