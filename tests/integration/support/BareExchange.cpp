@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-BareExchange::BareExchange() {
+BareExchange::BareExchange(Delays& delays) : m_delays(delays) {
     int ends[2] = {};
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
         throw std::runtime_error(std::string("socketpair: ") + std::strerror(errno));
@@ -28,16 +28,13 @@ BareExchange::~BareExchange() {
 void BareExchange::ask() {
     constexpr int kTurns = 2;
     while (!m_stop) {
-        const auto begin = std::chrono::steady_clock::now();
+        const auto begin = Delays::Clock::now();
         for (int turn = 0; turn < kTurns; ++turn) {
             char byte = 0;
             if (::write(m_asking.get(), &byte, 1) != 1 || ::read(m_asking.get(), &byte, 1) != 1)
                 return;
         }
-        const auto delay = std::chrono::duration_cast<std::chrono::milliseconds>(
-            std::chrono::steady_clock::now() - begin);
-        if (delay > m_longestDelay.load())
-            m_longestDelay = delay;
+        m_delays.addSince(begin);
     }
 }
 

@@ -10,16 +10,19 @@
 #include "support/Waiting.h"
 
 Witness::Witness()
-    : Witness([](long number) {
-          const std::string name = "witness" + std::to_string(number);
-          return Exchange{request(name), unknown(name)};
-      }) {}
+    : Witness(
+          [](long number) {
+              const std::string name = "witness" + std::to_string(number);
+              return Exchange{request(name), unknown(name)};
+          },
+          nullptr) {}
 
-Witness::Witness(std::string asked, std::string expected)
-    : Witness([exchange = Exchange{std::move(asked), std::move(expected)}](long) { return exchange; }) {}
+Witness::Witness(std::string asked, std::string expected, Delays& delays)
+    : Witness([exchange = Exchange{std::move(asked), std::move(expected)}](long) { return exchange; },
+              &delays) {}
 
-Witness::Witness(std::function<Exchange(long number)> next)
-    : m_next(std::move(next)), m_thread([this] { ask(); }) {}
+Witness::Witness(std::function<Exchange(long number)> next, Delays* delays)
+    : m_next(std::move(next)), m_delays(delays), m_thread([this] { ask(); }) {}
 
 Witness::~Witness() {
     m_stop = true;
@@ -37,12 +40,10 @@ void Witness::ask() {
         Connection station;
         while (!m_stop && !testing::Test::HasFailure()) {
             const Exchange exchange = m_next(m_answers);
-            const auto begin = std::chrono::steady_clock::now();
+            const auto begin = Delays::Clock::now();
             expectExchange(station, exchange.asked, exchange.expected);
-            const auto delay = std::chrono::duration_cast<std::chrono::milliseconds>(
-                std::chrono::steady_clock::now() - begin);
-            if (delay > m_longestDelay.load())
-                m_longestDelay = delay;
+            if (m_delays)
+                m_delays->addSince(begin);
             ++m_answers;
         }
     } catch (const std::exception& exception) {
