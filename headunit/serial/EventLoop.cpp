@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -78,9 +79,16 @@ int EventLoop::waitTime() const {
 
 void EventLoop::callDue() {
     const EventClock::time_point now = EventClock::now();
-    const std::vector<EventSource*> sources = m_sources;
+    const auto isDue = [now](const EventSource* source) {
+        return source->due().value_or(EventClock::time_point::max()) <= now;
+    };
+    std::vector<EventSource*> sources;
+    std::copy_if(m_sources.begin(), m_sources.end(), std::back_inserter(sources), isDue);
+    std::stable_sort(
+        sources.begin(), sources.end(),
+        [](const EventSource* left, const EventSource* right) { return *left->due() < *right->due(); });
     for (EventSource* source : sources)
-        if (has(source) && source->due().value_or(EventClock::time_point::max()) <= now)
+        if (has(source) && isDue(source))
             source->onDue();
 }
 

@@ -60,6 +60,7 @@ private:
 };
 
 /// Serves its sources on the one thread that calls run(). It sleeps in poll(2) while nothing happens.
+/// What has become due at once is called in the order of the times.
 class EventLoop {
 public:
     /// Throws UnitError when the system refuses a descriptor.

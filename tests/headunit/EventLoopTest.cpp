@@ -84,6 +84,23 @@ TEST(EventLoop, callsTimersOnceInTheOrderOfTheirTimes) {
     EXPECT_GE(EventClock::now() - start, milliseconds(60));
 }
 
+TEST(EventLoop, callsWhatIsLateInTheOrderOfTheTimesToo) {
+    EventLoop loop;
+    std::string order;
+    Timer last(loop, [&] {
+        order += 'c';
+        loop.stop();
+    });
+    Timer second(loop, [&] { order += 'b'; });
+    Timer first(loop, [&] { order += 'a'; });
+    const EventClock::time_point now = EventClock::now();
+    last.start(now - milliseconds(1));
+    second.start(now - milliseconds(2));
+    first.start(now - milliseconds(3));
+    loop.run();
+    EXPECT_EQ(order, "abc");
+}
+
 TEST(EventLoop, letsASourceRemoveAnother) {
     EventLoop loop;
     std::unique_ptr<Counter> victim;
