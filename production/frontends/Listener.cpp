@@ -127,14 +127,12 @@ Listener::Wait Listener::waitOnce(unsigned char& length) {
         return Wait::TryAgain;
     bool open = false;
     DeviceResult result = port->isOpen(open);
-    if (!result.failed() && !open) {
-        announce(*port);
-        result = port->isOpen(open);
-    }
     if (result.failed()) {
         printLoopError(m_channel, result);
         return Wait::Unusable;
     }
+    if (!open)
+        open = announce(*port);
     unsigned count = 0;
     result = receive(*port, open, count, &length, 1, kLengthTimeoutMs);
     if (isTaken(result, open))
@@ -151,7 +149,8 @@ Listener::Wait Listener::waitOnce(unsigned char& length) {
     return Wait::LengthArrived;
 }
 
-void Listener::announce(Comm::Handle& port) {
+/// True when the port was open for it; somebody else may have closed it by now.
+bool Listener::announce(Comm::Handle& port) {
     const System::Lock lock(l_mutex);
     std::unique_ptr<ProcessResponse> response;
     // A silent node costs its time here, where nobody else waits for it.
@@ -163,10 +162,13 @@ void Listener::announce(Comm::Handle& port) {
         response.reset(status->tavrin_getStartupStatus());
         status->setListener(nullptr);
     });
-    if (send(static_cast<ProcessResponseTavrin&>(*response).data, true) == 0)
+    bool open = false;
+    if (transmit(static_cast<ProcessResponseTavrin&>(*response).data, true, open) == 0) {
         port.close();
-    else
-        setState(Connected, false);
+        return false;
+    }
+    setState(Connected, false);
+    return open;
 }
 
 /// Serves one request. False when the channel is unusable.
@@ -256,6 +258,12 @@ std::vector<unsigned char> Listener::runRequest(std::vector<unsigned char>& fram
 }
 
 int Listener::send(std::vector<unsigned char>& frame, bool waitAck) {
+    bool open = false;
+    return transmit(frame, waitAck, open);
+}
+
+/// As `send`; `open` tells whether the port was open for it.
+int Listener::transmit(std::vector<unsigned char>& frame, bool waitAck, bool& open) {
     const LState state = getState();
     if (state != Running && state != Connected)
         return 0;
@@ -265,7 +273,6 @@ int Listener::send(std::vector<unsigned char>& frame, bool waitAck) {
         errsend = true;
         return 0;
     }
-    bool open = false;
     if (isToBeHandled(port->isOpen(open)))
         return 0;
     if (!open) {

@@ -44,13 +44,14 @@ private:
 
     bool waitForLength(unsigned char& length);
     Wait waitOnce(unsigned char& length);
-    void announce(Comm::Handle& port);
+    bool announce(Comm::Handle& port);
     bool serve(unsigned char length);
     bool answer(std::vector<unsigned char>& response);
     std::vector<unsigned char> refuseLength(unsigned char length);
     std::vector<unsigned char> runRequest(std::vector<unsigned char>& frame);
     bool readBody(std::vector<unsigned char>& frame) const;
 
+    int transmit(std::vector<unsigned char>& frame, bool waitAck, bool& open);
     int readAcknowledgement(Comm::Handle& port, bool isOpen);
     bool isToBeHandled(const DeviceResult& result);
 

@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <chrono>
 #include <map>
@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "core/Handler.h"
 #include "devices/CommHandler.h"
 #include "frontends/Listener.h"
 #include "line/Adapter.h"
@@ -23,6 +24,16 @@ constexpr std::chrono::milliseconds kSilence{300};
 
 std::vector<unsigned char> bytes(const std::string& text) {
     return {text.begin(), text.end()};
+}
+
+/// Waits for what another thread does within microseconds, without giving up the processor.
+template <typename Condition>
+bool becomes(Condition condition) {
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (!condition())
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+    return true;
 }
 
 /// The front end by itself, on the unit's line.
@@ -177,6 +188,32 @@ TEST_F(BinaryListenerTest, ChannelsThatAreSwitchedOffEndItsThread) {
               }),
               "Prod.testserver: Error in Listener thead loop\n"
               "Prod.testserver: 3~ ### ~ Exception: ID: 0x400 DESC: No Interface defined\n");
+}
+
+TEST_F(BinaryListenerTest, APortThatIsClosedRightBehindItsAnnouncementIsNoFailure) {
+    constexpr int kRounds = 200;
+    if (!Handler::getInstance()->isValid())
+        Handler::getInstance()->start();
+    Listener listener(kStationChannel);
+    const std::string error = errorOf([&] {
+        ASSERT_TRUE(listener.start());
+        EXPECT_NE(adapter.receiveFrame(), "");
+        for (int round = 0; round < kRounds && !HasFailure(); ++round) {
+            listener.setState(Listener::Running, true);
+            adapter.send(kAcknowledgement);
+            const auto connected = [&] { return listener.getState() == Listener::Connected; };
+            ASSERT_TRUE(becomes(connected));
+            Comm::Handle* port = nullptr;
+            ASSERT_FALSE(comm()->device(&port, kStationChannel).failed());
+            port->close();
+            EXPECT_EQ(adapter.receive(repetitionFrames().size()), repetitionFrames());
+            EXPECT_NE(adapter.receiveFrame(), "");
+        }
+        adapter.send(kAcknowledgement);
+        listener.setState(Listener::Stopping, false);
+        listener.waitForDead();
+    });
+    EXPECT_THAT(error, testing::Not(testing::HasSubstr("Exception")));
 }
 
 TEST_F(BinaryListenerTest, EndsWhenItIsAskedTo) {
