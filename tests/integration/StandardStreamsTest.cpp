@@ -10,6 +10,7 @@
 
 #include "platform/Descriptors.h"
 #include "support/DaemonTest.h"
+#include "support/ProcessFigures.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
 
@@ -68,6 +69,7 @@ TEST(BlockedStandardOutput, HoldsUpNoAnswer) {
     constexpr std::size_t kRounds = 20;
     Pipe pipe;
     const Daemon daemon = startWith(&DaemonStart::standardOutput, pipe);
+    settledThreadCount(daemon.pid()); // before that nothing waits: what the stream does not take is lost
     Connection noisy;
     Connection other;
     for (std::size_t round = 0; round < kRounds; ++round) {
@@ -95,6 +97,7 @@ TEST(BlockedStandardError, HoldsUpNoAnswer) {
     constexpr std::size_t kDiagnostics = 8000;
     Pipe pipe;
     const Daemon daemon = startWith(&DaemonStart::standardError, pipe);
+    settledThreadCount(daemon.pid()); // before that nothing waits: what the stream does not take is lost
     Connection noisy;
     Connection other;
     for (std::size_t round = 0; round < kDiagnostics; ++round)

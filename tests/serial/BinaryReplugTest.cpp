@@ -176,7 +176,7 @@ protected:
 
 TEST_P(BinaryReplug, TheUnitComesBack) {
     const std::size_t descriptors = openDescriptors(daemon.pid()).size();
-    const std::size_t threads = threadCount(daemon.pid());
+    const std::size_t threads = settledThreadCount(daemon.pid());
     {
         const Witness witness;
         for (cut.round = 0; cut.round < kReplugs && !HasFailure(); ++cut.round) {
