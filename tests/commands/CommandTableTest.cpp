@@ -18,7 +18,7 @@
 #include "commands/sReadCmd.h"
 #include "commands/tCmd.h"
 #include "core/Handler.h"
-#include "support/Eventually.h"
+#include "support/Waiting.h"
 
 namespace {
 

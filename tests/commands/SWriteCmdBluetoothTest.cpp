@@ -1,7 +1,7 @@
 // The Bluetooth side of the wireless chip as the pass-through command's channel 241.
 #include "driver/ScriptedBluetooth.h"
-#include "support/Eventually.h"
 #include "support/PassThroughUnit.h"
+#include "support/Waiting.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 #include <thread>
 #include <vector>
 
-#include "support/Eventually.h"
 #include "support/RunningHandler.h"
 #include "support/SleepingThread.h"
+#include "support/Waiting.h"
 
 using ::testing::ElementsAre;
 

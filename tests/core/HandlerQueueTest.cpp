@@ -4,8 +4,8 @@
 #include <thread>
 
 #include "core/ProcessResponseAscii.h"
-#include "support/Eventually.h"
 #include "support/RunningHandler.h"
+#include "support/Waiting.h"
 
 namespace {
 

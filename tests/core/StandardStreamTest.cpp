@@ -12,11 +12,10 @@
 #include <vector>
 
 #include "platform/Descriptors.h"
-#include "support/Eventually.h"
+#include "support/Waiting.h"
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{20};
 constexpr std::chrono::milliseconds kMoment{20};
 // More than the pipes of any system take.
 constexpr std::size_t kMoreThanAPipeTakes = std::size_t{2} << 20;

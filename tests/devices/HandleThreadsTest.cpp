@@ -3,8 +3,8 @@
 #include <future>
 #include <thread>
 
-#include "support/Eventually.h"
 #include "support/UnitLines.h"
+#include "support/Waiting.h"
 
 namespace {
 

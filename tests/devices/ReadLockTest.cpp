@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "support/DriverFixture.h"
-#include "support/Eventually.h"
+#include "support/Waiting.h"
 
 using ::testing::ElementsAre;
 

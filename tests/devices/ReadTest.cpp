@@ -5,8 +5,8 @@
 #include <chrono>
 
 #include "support/DriverFixture.h"
-#include "support/Eventually.h"
 #include "support/GuardedBuffer.h"
+#include "support/Waiting.h"
 
 using ::testing::AllOf;
 using ::testing::Each;

@@ -10,7 +10,7 @@
 
 #include "platform/Descriptor.h"
 #include "support/DriverFixture.h"
-#include "support/Eventually.h"
+#include "support/Waiting.h"
 
 namespace {
 

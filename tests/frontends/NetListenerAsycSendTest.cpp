@@ -5,9 +5,9 @@
 #include <atomic>
 #include <thread>
 
-#include "support/Eventually.h"
 #include "support/Framed.h"
 #include "support/SocketPair.h"
+#include "support/Waiting.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include "frontends/ConnectionStarter.h"
 #include "frontends/NetListener.h"
 #include "platform/Descriptors.h"
-#include "support/Eventually.h"
 #include "support/RunningHandler.h"
 #include "support/SocketPair.h"
 #include "support/SystemCalls.h"
+#include "support/Waiting.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 #include <thread>
 
 #include "support/DescriptorLimit.h"
-#include "support/Eventually.h"
 #include "support/SleepingThread.h"
+#include "support/Waiting.h"
 
 using System::PathWait;
 

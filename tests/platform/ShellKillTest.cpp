@@ -9,10 +9,10 @@
 
 #include "platform/Descriptors.h"
 #include "platform/Shell.h"
-#include "support/Eventually.h"
 #include "support/MarkedProcesses.h"
 #include "support/RefusedCalls.h"
 #include "support/ShellFixture.h"
+#include "support/Waiting.h"
 
 using System::Descriptor;
 using System::ShellOutcome;
@@ -40,7 +40,7 @@ TEST_P(ShellKillTest, EndsEverythingThatTheShellStarted) {
     EXPECT_THAT(shell.output, ::testing::HasSubstr("started\n"));
     EXPECT_LT(shell.took, kPromptly * 2);
     // Their ends were ordered; the kernel may still be about it.
-    EXPECT_TRUE(eventually([&] { return processes.alive().empty(); }, 5s));
+    EXPECT_TRUE(eventually([&] { return processes.alive().empty(); }));
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "platform/Shell.h"
-#include "support/Eventually.h"
 #include "support/MarkedProcesses.h"
 #include "support/ShellFixture.h"
+#include "support/Waiting.h"
 
 using System::ShellOutcome;
 using ::testing::Contains;

@@ -6,8 +6,8 @@
 #include <thread>
 #include <vector>
 
-#include "support/Eventually.h"
 #include "support/PthreadCalls.h"
+#include "support/Waiting.h"
 
 using System::Lock;
 using System::Mutex;

@@ -8,8 +8,8 @@
 #include <string>
 #include <thread>
 
-#include "support/Eventually.h"
 #include "support/PthreadCalls.h"
+#include "support/Waiting.h"
 
 namespace {
 

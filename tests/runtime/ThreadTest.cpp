@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "support/Eventually.h"
 #include "support/PthreadCalls.h"
+#include "support/Waiting.h"
 
 using System::Thread;
 

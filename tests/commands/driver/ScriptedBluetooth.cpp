@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "driver/BluetoothHooks.h"
-#include "support/Eventually.h"
+#include "support/Waiting.h"
 
 namespace {
 

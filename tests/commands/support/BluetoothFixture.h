@@ -9,7 +9,7 @@
 #include "commands/mvbtCmd.h"
 #include "driver/ScriptedBluetooth.h"
 #include "support/ErrorOutput.h"
-#include "support/Eventually.h"
+#include "support/Waiting.h"
 
 using Bytes = std::vector<unsigned char>;
 

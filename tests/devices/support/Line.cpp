@@ -17,7 +17,7 @@
 #include <tuple>
 
 #include "support/DeviceCalls.h"
-#include "support/Eventually.h"
+#include "support/Waiting.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "platform/Descriptors.h"
-#include "support/Eventually.h"
+#include "support/Waiting.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-#include "support/Eventually.h"
+#include "support/Waiting.h"
 
 namespace {
 

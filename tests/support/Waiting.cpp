@@ -1,23 +1,5 @@
 #include "support/Waiting.h"
 
-#include <poll.h>
-
-namespace {
-
-constexpr int kBetweenLooksMs = 2;
-
-} // namespace
-
-bool eventually(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + kPatience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        ::poll(nullptr, 0, kBetweenLooksMs);
-    }
-    return true;
-}
-
 void observeFor(std::chrono::milliseconds duration) {
     const auto end = std::chrono::steady_clock::now() + duration;
     for (;;) {
