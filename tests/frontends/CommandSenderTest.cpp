@@ -97,7 +97,7 @@ TEST(CommandSenderTest, APeerThatHasGoneEndsNothingButTheSending) {
     static volatile sig_atomic_t raised = 0;
     const auto before = ::signal(SIGPIPE, [](int) { raised = 1; });
     SocketPair sockets;
-    sockets.peer.reset();
+    sockets.close();
     CommandSender sender(sockets.ours.get());
     for (std::string text : {"nobody reads this", "nor this"}) {
         sender.asyncSend(text);
@@ -115,7 +115,7 @@ TEST(CommandSenderTest, APeerThatGoesWhileItIsWaitedForEndsTheWait) {
         sender.answer(kLarge);
         answered = true;
     });
-    sockets.peer.reset();
+    sockets.close();
     EXPECT_TRUE(eventually([&] { return answered.load(); }));
     answerer.join();
 }

@@ -36,7 +36,7 @@ protected:
         m_thread.join();
     }
 
-    void hangUp() const { ::shutdown(m_sockets.peer.get(), SHUT_WR); }
+    void hangUp() const { ::shutdown(m_sockets.descriptor(), SHUT_WR); }
 
     void expectAnswers(const std::vector<std::string>& texts) {
         std::string expected;

@@ -53,7 +53,7 @@ TEST(NetListenerAsycSendTest, DropsBinaryFrames) {
 
 TEST(NetListenerAsycSendTest, APeerThatHasGoneEndsNothingButTheSending) {
     SocketPair sockets;
-    sockets.peer.reset();
+    sockets.close();
     NetListenerAsycSend sender(sockets.ours.get());
     std::string text = "nobody reads this";
     sender.asyncSend(text); // a signal would end this test

@@ -6,8 +6,9 @@
 #include "frontends/ConnectionStarter.h"
 #include "frontends/NetListener.h"
 #include "platform/Descriptors.h"
+#include "support/Connection.h"
 #include "support/RunningHandler.h"
-#include "support/SocketPair.h"
+#include "support/SocketTable.h"
 #include "support/SystemCalls.h"
 #include "support/Waiting.h"
 
@@ -19,7 +20,7 @@ const std::string kAnswer = "\x02#scripted ok\x03\n";
 sockaddr_in addressOf(const char* host) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_port = htons(15051);
+    address.sin_port = htons(Connection::kPort);
     ::inet_pton(AF_INET, host, &address.sin_addr);
     return address;
 }
@@ -30,14 +31,9 @@ bool connectTo(const char* host, const System::Descriptor& socket) {
 }
 
 /// A station that has reached the listener, as soon as that listens.
-SocketPair connectStation() {
-    SocketPair station;
-    station.ours.reset();
-    EXPECT_TRUE(eventually([&] {
-        station.peer = System::openTcpSocket();
-        return connectTo("127.0.0.1", station.peer);
-    }));
-    return station;
+Connection connectStation() {
+    EXPECT_TRUE(eventually(isListening));
+    return Connection();
 }
 
 class NetListenerPortTest : public RunningHandler {
@@ -54,10 +50,10 @@ protected:
 
 TEST_F(NetListenerPortTest, ServesAnyNumberOfStationsAtOnce) {
     NetListener& listener = startListener();
-    const SocketPair first = connectStation();
-    const SocketPair second = connectStation();
-    const SocketPair third = connectStation();
-    for (const SocketPair* station : {&third, &first, &second, &first}) {
+    const Connection first = connectStation();
+    const Connection second = connectStation();
+    const Connection third = connectStation();
+    for (const Connection* station : {&third, &first, &second, &first}) {
         station->send(kRequest);
         EXPECT_EQ(station->receive(kAnswer.size()), kAnswer);
     }
@@ -66,9 +62,9 @@ TEST_F(NetListenerPortTest, ServesAnyNumberOfStationsAtOnce) {
 
 TEST_F(NetListenerPortTest, AHalfSentCommandHoldsUpNobodyElse) {
     startListener();
-    const SocketPair slow = connectStation();
+    const Connection slow = connectStation();
     slow.send("\x02scrip");
-    const SocketPair quick = connectStation();
+    const Connection quick = connectStation();
     quick.send(kRequest);
     EXPECT_EQ(quick.receive(kAnswer.size()), kAnswer);
     slow.send("ted\x03\n");
@@ -77,7 +73,7 @@ TEST_F(NetListenerPortTest, AHalfSentCommandHoldsUpNobodyElse) {
 
 TEST_F(NetListenerPortTest, ListensOnTheLoopbackAddressOnly) {
     startListener();
-    const SocketPair station = connectStation();
+    const Connection station = connectStation();
     const System::Descriptor elsewhere = System::openTcpSocket();
     EXPECT_FALSE(connectTo("127.0.0.2", elsewhere)) << "not even on another address of this machine";
     EXPECT_EQ(errno, ECONNREFUSED);
@@ -89,11 +85,11 @@ TEST_F(NetListenerPortTest, WaitsForAPortThatIsTaken) {
     ASSERT_EQ(::bind(other.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     ASSERT_EQ(::listen(other.get(), 1), 0);
     startListener();
-    const SocketPair notServed = connectStation();
+    const Connection notServed = connectStation();
     notServed.send(kRequest);
-    EXPECT_FALSE(eventually([&] { return notServed.hasSomething(); }, std::chrono::milliseconds(150)));
+    EXPECT_TRUE(notServed.isSilentFor(std::chrono::milliseconds(150)));
     other.reset();
-    const SocketPair served = connectStation();
+    const Connection served = connectStation();
     served.send(kRequest);
     EXPECT_EQ(served.receive(kAnswer.size()), kAnswer);
 }
@@ -118,12 +114,12 @@ TEST_F(NetListenerPortTest, WithoutAThreadToServeStationsItDoesNotListen) {
 
 TEST_F(NetListenerPortTest, AStationWaitsWhileThereIsNoThreadForIt) {
     startListener();
-    const SocketPair first = connectStation();
+    const Connection first = connectStation();
     first.send(kRequest);
     EXPECT_EQ(first.receive(kAnswer.size()), kAnswer);
     const int before = SystemCalls::threadAttempts();
     SystemCalls::failThreads(3);
-    const SocketPair station = connectStation();
+    const Connection station = connectStation();
     station.send(kRequest);
     EXPECT_EQ(station.receive(kAnswer.size()), kAnswer);
     EXPECT_EQ(SystemCalls::threadAttempts(), before + 4);

@@ -104,7 +104,7 @@ TEST_F(NetListenerTest, AConnectionThreadEndsWithItsConnection) {
     std::thread thread([&] { result = runAnonthread(toArgument(sockets.ours.release())); });
     sockets.send("\x02scripted\x03\n");
     EXPECT_EQ(sockets.receive(15), "\x02#scripted ok\x03\n");
-    ::shutdown(sockets.peer.get(), SHUT_WR);
+    ::shutdown(sockets.descriptor(), SHUT_WR);
     thread.join();
     EXPECT_EQ(result, nullptr);
     EXPECT_TRUE(sockets.closed());

@@ -235,8 +235,8 @@ TEST_F(ControlTest, doesEverythingThatItKnows) {
 TEST_F(ControlTest, tellsTheStateOfEveryDevice) {
     tell("receiver off");
     const Line line(node("/dev/ser1"));
-    ASSERT_TRUE(line.write("abc"));
-    EXPECT_EQ(line.read(3), "abc");
+    ASSERT_TRUE(line.trySend("abc"));
+    EXPECT_EQ(line.receive(3), "abc");
     tell("unplug modem");
     EXPECT_EQ(ask("unplug modem").text, "modem is unplugged already");
     EXPECT_EQ(ask("state").text,
@@ -343,8 +343,8 @@ TEST_F(ControlTest, takesThePlaceOfARunThatWasKilled) {
     m_peers.emplace(m_unit);
     EXPECT_TRUE(ask("state").done);
     const Line line(node("/dev/ser1"));
-    ASSERT_TRUE(line.write("x"));
-    EXPECT_EQ(line.read(1), "x");
+    ASSERT_TRUE(line.trySend("x"));
+    EXPECT_EQ(line.receive(1), "x");
 }
 
 TEST_F(ControlTest, doesNotStartOverSomethingElse) {
@@ -374,14 +374,14 @@ TEST_F(ControlTest, twoUnitsHaveNothingInCommon) {
     const UnitPeers peers(other);
     const Line ours(node("/dev/usbserialadapter1"));
     const Line theirs(other.hostPath("/dev/usbserialadapter1"));
-    ASSERT_TRUE(Line(stationEnd()).write("ours"));
-    ASSERT_TRUE(Line(peers.stationPath()).write("theirs"));
-    EXPECT_EQ(ours.read(4), "ours");
-    EXPECT_EQ(theirs.read(6), "theirs");
+    ASSERT_TRUE(Line(stationEnd()).trySend("ours"));
+    ASSERT_TRUE(Line(peers.stationPath()).trySend("theirs"));
+    EXPECT_EQ(ours.receive(4), "ours");
+    EXPECT_EQ(theirs.receive(6), "theirs");
     tell("unplug station");
     EXPECT_TRUE(ours.seesHangUp());
-    ASSERT_TRUE(Line(peers.stationPath()).write("more"));
-    EXPECT_EQ(theirs.read(4), "more");
+    ASSERT_TRUE(Line(peers.stationPath()).trySend("more"));
+    EXPECT_EQ(theirs.receive(4), "more");
 }
 
 } // namespace

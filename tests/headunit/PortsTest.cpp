@@ -59,8 +59,8 @@ TEST_F(PortsTest, theTelephoneReactsToNothingElse) {
     // An answer that is due later than the telephone's reaction would have been.
     tell("modem late 300");
     const Line modem(node("/dev/NAD/AT_port"));
-    ASSERT_TRUE(modem.write("AT\r"));
-    EXPECT_THAT(modem.readTo("\r\nOK\r\n"), HasSubstr("OK"));
+    ASSERT_TRUE(modem.trySend("AT\r"));
+    EXPECT_THAT(modem.receiveTo("\r\nOK\r\n"), HasSubstr("OK"));
     EXPECT_EQ(level("nad_status"), "1");
     EXPECT_EQ(level("nad_reset"), "1");
 }

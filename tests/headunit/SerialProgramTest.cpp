@@ -91,8 +91,8 @@ TEST_F(SerialProgramTest, aRunningUnitIsControlledFromOutside) {
 
     const Line ours(station);
     const Line theirs(unit + "/dev/usbserialadapter1");
-    ASSERT_TRUE(ours.write("request"));
-    EXPECT_EQ(theirs.read(7), "request");
+    ASSERT_TRUE(ours.trySend("request"));
+    EXPECT_EQ(theirs.receive(7), "request");
     program.signal(SIGTERM);
     EXPECT_EQ(program.wait(), 0);
     EXPECT_TRUE(ours.seesHangUp());

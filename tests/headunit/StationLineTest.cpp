@@ -37,10 +37,11 @@ protected:
     void sendsSlowly(const Line& from, const Line& to) {
         const std::string sent = longText(kMebibyte);
         bool written = false;
-        std::thread writer([&] { written = from.write(sent); });
+        std::thread writer([&] { written = from.trySend(sent); });
         std::string received;
         while (received.size() < sent.size()) {
-            const std::string piece = to.read(std::min<std::size_t>(997, sent.size() - received.size()));
+            const std::string piece =
+                to.receive(std::min<std::size_t>(997, sent.size() - received.size()));
             if (piece.empty())
                 break;
             received += piece;
@@ -63,17 +64,17 @@ protected:
             return refusals == 50 || sent == text.size();
         }));
         ASSERT_LT(sent, text.size()) << "somebody keeps any number of bytes";
-        EXPECT_TRUE(to.read(sent) == text.substr(0, sent));
+        EXPECT_TRUE(to.receive(sent) == text.substr(0, sent));
     }
 };
 
 TEST_F(StationLineTest, passesEveryByteBothWays) {
     const Line unit(node(kNode));
     const Line station(stationEnd());
-    ASSERT_TRUE(station.write(everyByte()));
-    EXPECT_EQ(unit.read(256), everyByte());
-    ASSERT_TRUE(unit.write(everyByte()));
-    EXPECT_EQ(station.read(256), everyByte());
+    ASSERT_TRUE(station.trySend(everyByte()));
+    EXPECT_EQ(unit.receive(256), everyByte());
+    ASSERT_TRUE(unit.trySend(everyByte()));
+    EXPECT_EQ(station.receive(256), everyByte());
     EXPECT_EQ(unit.readNow(), "");
 }
 
@@ -95,10 +96,10 @@ TEST_F(StationLineTest, isTheSameForAProgramThatClosesAndReopensIt) {
     const Line station(stationEnd());
     for (int round = 0; round < 3; ++round) {
         const Line unit(node(kNode));
-        ASSERT_TRUE(unit.write("a\r"));
-        EXPECT_EQ(station.read(2), "a\r");
-        ASSERT_TRUE(station.write("b\n"));
-        EXPECT_EQ(unit.read(2), "b\n");
+        ASSERT_TRUE(unit.trySend("a\r"));
+        EXPECT_EQ(station.receive(2), "a\r");
+        ASSERT_TRUE(station.trySend("b\n"));
+        EXPECT_EQ(unit.receive(2), "b\n");
     }
 }
 
@@ -114,24 +115,24 @@ TEST_F(StationLineTest, hangsUpWhenItIsUnplugged) {
 TEST_F(StationLineTest, losesWhatTheStationSendsMeanwhile) {
     const Line station(stationEnd());
     tell("unplug station");
-    ASSERT_TRUE(station.write(longText(kMebibyte)));
+    ASSERT_TRUE(station.trySend(longText(kMebibyte)));
     tell("plug station");
     const Line unit(node(kNode));
-    ASSERT_TRUE(station.write("kept"));
-    EXPECT_EQ(unit.read(4), "kept");
+    ASSERT_TRUE(station.trySend("kept"));
+    EXPECT_EQ(unit.receive(4), "kept");
 }
 
 TEST_F(StationLineTest, deliversToTheStationWhatTheUnitWroteBefore) {
     const Line station(stationEnd());
     {
         const Line unit(node(kNode));
-        ASSERT_TRUE(unit.write("before"));
+        ASSERT_TRUE(unit.trySend("before"));
         ASSERT_TRUE(eventually([&] {
             return ask("state").text.find("station /dev/usbserialadapter1 plugged from-unit 6 ") == 0;
         }));
         tell("unplug station");
     }
-    EXPECT_EQ(station.read(6), "before");
+    EXPECT_EQ(station.receive(6), "before");
 }
 
 TEST_F(StationLineTest, isUnpluggedManyTimesWhileDataFlows) {
@@ -175,10 +176,10 @@ TEST_F(StationLineTest, isUnpluggedManyTimesWhileDataFlows) {
     }
     tell("plug station");
     const Line fresh(node(kNode));
-    ASSERT_TRUE(station.write("to the unit"));
-    EXPECT_EQ(fresh.read(11), "to the unit");
-    ASSERT_TRUE(fresh.write("to the station\xFF"));
-    const std::string received = station.readTo("to the station\xFF");
+    ASSERT_TRUE(station.trySend("to the unit"));
+    EXPECT_EQ(fresh.receive(11), "to the unit");
+    ASSERT_TRUE(fresh.trySend("to the station\xFF"));
+    const std::string received = station.receiveTo("to the station\xFF");
     EXPECT_NE(received, "");
     EXPECT_EQ(received.back(), '\xFF');
 }
@@ -187,12 +188,12 @@ TEST_F(StationLineTest, outlivesAProgramThatHadItAsItsControllingTerminal) {
     const Line station(stationEnd());
     Program leader({"setsid", "sh", "-c", "exec <" + node(kNode) + "; echo here >" + node(kNode)});
     ASSERT_EQ(leader.wait(), 0) << leader.error();
-    EXPECT_EQ(station.read(5), "here\n");
+    EXPECT_EQ(station.receive(5), "here\n");
     const Line unit(node(kNode));
-    ASSERT_TRUE(station.write("a\rb\n\x03"));
-    EXPECT_EQ(unit.read(5), "a\rb\n\x03");
-    ASSERT_TRUE(unit.write("c\n"));
-    EXPECT_EQ(station.read(2), "c\n");
+    ASSERT_TRUE(station.trySend("a\rb\n\x03"));
+    EXPECT_EQ(unit.receive(5), "a\rb\n\x03");
+    ASSERT_TRUE(unit.trySend("c\n"));
+    EXPECT_EQ(station.receive(2), "c\n");
 }
 
 } // namespace

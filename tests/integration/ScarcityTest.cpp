@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/DaemonTest.h"
+#include "support/SocketTable.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
 

@@ -15,6 +15,7 @@
 
 #include "platform/Descriptors.h"
 #include "support/DaemonTest.h"
+#include "support/SocketTable.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
 

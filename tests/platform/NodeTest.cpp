@@ -19,6 +19,7 @@
 #include <thread>
 
 #include "platform/BlockDevice.h"
+#include "support/PseudoTerminal.h"
 #include "support/SleepingThread.h"
 
 using std::chrono::steady_clock;
@@ -72,15 +73,9 @@ protected:
 /// A character device that answers what the test types.
 class TerminalNodeTest : public NodeTest {
 protected:
-    TerminalNodeTest() : m_far(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-        std::array<char, 64> path{};
-        EXPECT_EQ(::unlockpt(m_far.get()), 0);
-        EXPECT_EQ(::ptsname_r(m_far.get(), path.data(), path.size()), 0);
-        m_path = path.data();
-    }
+    Descriptor openLine() const { return openNode(m_line.path().c_str(), O_RDONLY); }
 
-    Descriptor m_far;
-    std::string m_path;
+    PseudoTerminal m_line;
 };
 
 } // namespace
@@ -191,7 +186,7 @@ TEST_F(NodeTest, APipeThatIsFullIsNotWrittenTo) {
 }
 
 TEST_F(TerminalNodeTest, ASilentDeviceIsOpenAtOnceAndNotReadWithoutEnd) {
-    const Descriptor node = openNode(m_path.c_str(), O_RDONLY);
+    const Descriptor node = openLine();
     ASSERT_TRUE(node);
     expectTimedOut([&] { return readNode(node.get(), &m_byte, 1) >= 0; });
     expectTimedOut([&] { return readNodeAt(node.get(), &m_byte, 1, 0) >= 0; });
@@ -200,7 +195,7 @@ TEST_F(TerminalNodeTest, ASilentDeviceIsOpenAtOnceAndNotReadWithoutEnd) {
 }
 
 TEST_F(TerminalNodeTest, ADeviceThatTakesAMomentIsRead) {
-    const Descriptor node = openNode(m_path.c_str(), O_RDONLY);
+    const Descriptor node = openLine();
     ASSERT_TRUE(node);
     SleepingThread reader;
     ssize_t count = 0;
@@ -209,14 +204,14 @@ TEST_F(TerminalNodeTest, ADeviceThatTakesAMomentIsRead) {
         count = readNode(node.get(), &m_byte, 1);
     });
     EXPECT_TRUE(reader.fallsAsleep());
-    EXPECT_EQ(::write(m_far.get(), "1\n", 2), 2);
+    m_line.send("1\n");
     thread.join();
     EXPECT_EQ(count, 1);
     EXPECT_EQ(m_byte, '1');
 }
 
 TEST_F(TerminalNodeTest, ADeviceThatIsGoneEndsTheWait) {
-    const Descriptor node = openNode(m_path.c_str(), O_RDONLY);
+    const Descriptor node = openLine();
     SleepingThread reader;
     ssize_t count = 1;
     std::thread thread([&] {
@@ -224,7 +219,7 @@ TEST_F(TerminalNodeTest, ADeviceThatIsGoneEndsTheWait) {
         count = readNode(node.get(), &m_byte, 1);
     });
     EXPECT_TRUE(reader.fallsAsleep());
-    m_far.reset();
+    m_line.hangUp();
     thread.join();
     EXPECT_LE(count, 0);
 }

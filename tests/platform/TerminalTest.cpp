@@ -4,14 +4,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <memory>
-#include <string>
 #include <utility>
 
 #include "support/DescriptorLimit.h"
+#include "support/PseudoTerminal.h"
 
 using System::Descriptor;
 
@@ -24,19 +22,10 @@ using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
 class TerminalTest : public ::testing::Test {
 protected:
-    TerminalTest() : m_far(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-        std::array<char, 64> path{};
-        EXPECT_EQ(::grantpt(m_far.get()), 0);
-        EXPECT_EQ(::unlockpt(m_far.get()), 0);
-        EXPECT_EQ(::ptsname_r(m_far.get(), path.data(), path.size()), 0);
-        m_path = path.data();
-    }
-
     static int statusFlags(int descriptor) { return ::fcntl(descriptor, F_GETFL); }
     static bool closesOnExec(int descriptor) { return (::fcntl(descriptor, F_GETFD) & FD_CLOEXEC) != 0; }
 
-    Descriptor m_far;
-    std::string m_path;
+    PseudoTerminal m_line;
 };
 
 constexpr std::pair<unsigned, speed_t> kSpeeds[] = {
@@ -47,7 +36,7 @@ constexpr std::pair<unsigned, speed_t> kSpeeds[] = {
 } // namespace
 
 TEST_F(TerminalTest, ADescriptorIsNonBlockingForBothDirectionsAndCannotBeInherited) {
-    const Descriptor terminal = System::openTerminal(m_path.c_str());
+    const Descriptor terminal = System::openTerminal(m_line.path().c_str());
     ASSERT_TRUE(terminal);
     EXPECT_EQ(statusFlags(terminal.get()) & O_ACCMODE, O_RDWR);
     EXPECT_NE(statusFlags(terminal.get()) & O_NONBLOCK, 0);
@@ -58,7 +47,7 @@ TEST_F(TerminalTest, ADescriptorIsNonBlockingForBothDirectionsAndCannotBeInherit
 }
 
 TEST_F(TerminalTest, AStreamIsNonBlockingForBothDirectionsAndCannotBeInherited) {
-    const Stream stream(System::openTerminalStream(m_path.c_str()));
+    const Stream stream(System::openTerminalStream(m_line.path().c_str()));
     ASSERT_NE(stream, nullptr);
     const int descriptor = ::fileno(stream.get());
     EXPECT_EQ(statusFlags(descriptor) & O_ACCMODE, O_RDWR);
@@ -66,10 +55,7 @@ TEST_F(TerminalTest, AStreamIsNonBlockingForBothDirectionsAndCannotBeInherited) 
     EXPECT_TRUE(closesOnExec(descriptor));
     ASSERT_EQ(std::fputs("out\n", stream.get()), 1);
     ASSERT_EQ(std::fflush(stream.get()), 0);
-    std::array<char, 16> received{};
-    const ssize_t count = ::read(m_far.get(), received.data(), received.size());
-    ASSERT_GT(count, 0);
-    EXPECT_EQ(std::string(received.data(), 3), "out");
+    EXPECT_EQ(m_line.receive(3), "out");
 }
 
 TEST_F(TerminalTest, WhatDoesNotExistIsNotOpened) {
@@ -82,10 +68,10 @@ TEST_F(TerminalTest, WhatDoesNotExistIsNotOpened) {
 
 TEST_F(TerminalTest, WithoutDescriptorsNothingIsOpened) {
     const NoMoreDescriptors none;
-    EXPECT_FALSE(System::openTerminal(m_path.c_str()));
+    EXPECT_FALSE(System::openTerminal(m_line.path().c_str()));
     EXPECT_EQ(errno, EMFILE);
     errno = 0;
-    EXPECT_EQ(System::openTerminalStream(m_path.c_str()), nullptr);
+    EXPECT_EQ(System::openTerminalStream(m_line.path().c_str()), nullptr);
     EXPECT_EQ(errno, EMFILE);
 }
 

@@ -144,7 +144,7 @@ class AsciiDeviceTest : public AsciiDaemonTest {};
 
 TEST_F(AsciiDeviceTest, IsSetTo115200Baud8N1) {
     const System::Descriptor terminal(
-        ::open(adapter.terminal().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
+        ::open(adapter.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
     termios settings{};
     ASSERT_EQ(::tcgetattr(terminal.get(), &settings), 0);
     EXPECT_EQ(::cfgetospeed(&settings), static_cast<speed_t>(B115200));
@@ -170,7 +170,7 @@ TEST_F(AsciiDeviceTest, IsReadOnlyWhileItsNodeExists) {
     adapter.send(request("two"));
     EXPECT_TRUE(adapter.isSilentFor(kSilence));
     expectServedByTcp();
-    makeLink(Adapter::kNode, adapter.terminal());
+    makeLink(Adapter::kNode, adapter.path());
     expectExchange(adapter, "", unknown("two"));
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "AsciiDaemonTest.h"
+#include "support/SocketTable.h"
 #include "support/Waiting.h"
 
 namespace {

@@ -6,41 +6,25 @@
 #include <thread>
 
 #include "client/Target.h"
-#include "platform/Descriptor.h"
+#include "support/PseudoTerminal.h"
 
 namespace station {
 
-/// A serial line made of a pseudo-terminal: the station opens the terminal at `target()`, and this is
-/// what a unit does at the other end. Keeps a descriptor of the terminal of its own, so that the line
-/// stays up while no station is there. One thread at a time. Every call gives up with a test failure
-/// after a while.
-class FakeLine {
+/// A serial line whose terminal the station opens at `target()`; this is what a unit does at the other
+/// end.
+class FakeLine : public PseudoTerminal {
 public:
     FakeLine();
 
     const SerialTarget& target() const { return m_target; }
 
-    /// The terminal itself, to look at its attributes.
-    int terminal() const { return m_terminal.get(); }
-
     /// Waits until a station has set the line up, the first one.
     void waitForStation() const;
-
-    void send(std::string_view bytes) const;
-    void sendByteByByte(std::string_view bytes) const;
-
-    /// Waits for that many bytes from the station.
-    std::string receive(std::size_t count) const;
 
     /// All that the station has sent and nobody has received yet. The station must have finished.
     std::string receiveRest() const;
 
-    /// Ends the line; no other call but `target()` after that.
-    void hangUp();
-
 private:
-    System::Descriptor m_master;
-    System::Descriptor m_terminal;
     SerialTarget m_target;
 };
 

@@ -6,9 +6,7 @@
 #include <netinet/tcp.h>
 #include <pthread.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
@@ -17,7 +15,7 @@ namespace station {
 
 namespace {
 
-constexpr time_t kPatienceSeconds = 30;
+constexpr std::size_t kLargePiece = 65536;
 constexpr std::string_view kRequestEnd = "\x03\n";
 
 [[noreturn]] void fail(const char* call) {
@@ -59,68 +57,31 @@ void BoundSocket::listen(int backlog) const {
         fail("listen");
 }
 
-UnitConnection::UnitConnection(System::Descriptor socket) : m_socket(std::move(socket)) {
-    const timeval patience = {kPatienceSeconds, 0};
-    ::setsockopt(m_socket.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    ::setsockopt(m_socket.get(), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+UnitConnection::UnitConnection(System::Descriptor socket) : m_stream(std::move(socket)) {
     const int enabled = 1;
-    ::setsockopt(m_socket.get(), IPPROTO_TCP, TCP_NODELAY, &enabled, sizeof enabled);
+    ::setsockopt(m_stream.descriptor(), IPPROTO_TCP, TCP_NODELAY, &enabled, sizeof enabled);
 }
 
-std::string UnitConnection::readRequest() {
+std::string UnitConnection::readRequest() const {
     std::string request;
-    std::array<char, 65536> buffer;
     for (;;) {
-        const ssize_t received = ::recv(m_socket.get(), buffer.data(), buffer.size(), 0);
-        if (received < 0)
-            ADD_FAILURE() << "no request arrived";
-        if (received <= 0)
-            return request;
-        request.append(buffer.data(), static_cast<std::size_t>(received));
+        const std::string more = m_stream.receiveSome(kLargePiece);
+        request += more;
         const bool isComplete =
             request.size() >= kRequestEnd.size() &&
             request.compare(request.size() - kRequestEnd.size(), kRequestEnd.size(), kRequestEnd) == 0;
-        if (isComplete)
+        if (more.empty() || isComplete)
             return request;
     }
 }
 
-bool UnitConnection::send(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t sent = ::send(m_socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (sent < 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(sent));
-    }
-    return true;
-}
-
-bool UnitConnection::sendText(std::string_view text) {
+bool UnitConnection::sendText(std::string_view text) const {
     return send(framed(text));
 }
 
-void UnitConnection::sendByteByByte(std::string_view bytes) {
-    for (std::size_t i = 0; i < bytes.size(); ++i)
-        send(bytes.substr(i, 1));
-}
-
-void UnitConnection::waitUntilStationCloses() {
-    std::array<char, 65536> buffer;
-    for (;;) {
-        const ssize_t received = ::recv(m_socket.get(), buffer.data(), buffer.size(), 0);
-        const int error = errno;
-        if (received == 0 || (received < 0 && error == ECONNRESET))
-            return;
-        if (received > 0)
-            continue;
-        ADD_FAILURE() << "the station did not close the connection";
-        return;
-    }
-}
-
-void UnitConnection::resetAtEnd() {
+void UnitConnection::resetAtEnd() const {
     const linger reset = {1, 0};
-    ::setsockopt(m_socket.get(), SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+    ::setsockopt(m_stream.descriptor(), SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
 }
 
 FakeUnit::FakeUnit(Script script, const std::string& host) : m_socket(host) {

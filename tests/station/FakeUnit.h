@@ -8,6 +8,7 @@
 
 #include "client/Target.h"
 #include "platform/Descriptor.h"
+#include "support/ByteStream.h"
 
 namespace station {
 
@@ -27,30 +28,30 @@ private:
     TcpTarget m_target;
 };
 
-/// A unit's end of a connection. Every call gives up with a test failure after a while.
+/// A unit's end of a connection.
 class UnitConnection {
 public:
     explicit UnitConnection(System::Descriptor socket);
 
     /// Bytes up to and including ETX LF, or up to the end of the connection.
-    std::string readRequest();
+    std::string readRequest() const;
 
     /// False once the station has gone.
-    bool send(std::string_view bytes);
+    bool send(std::string_view bytes) const { return m_stream.trySend(bytes); }
 
     /// One text with its framing.
-    bool sendText(std::string_view text);
+    bool sendText(std::string_view text) const;
 
     /// Each byte in a write of its own.
-    void sendByteByByte(std::string_view bytes);
+    void sendByteByByte(std::string_view bytes) const { m_stream.sendByteByByte(bytes); }
 
-    void waitUntilStationCloses();
+    void waitUntilStationCloses() const { m_stream.receiveUntilClosed(); }
 
     /// The connection ends in a reset instead of in order.
-    void resetAtEnd();
+    void resetAtEnd() const;
 
 private:
-    System::Descriptor m_socket;
+    ByteStream m_stream;
 };
 
 /// A unit that takes one connection and plays a script on it, on a thread of its own; the connection

@@ -1,49 +1,38 @@
 #pragma once
 
-#include <termios.h>
-
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "platform/Descriptor.h"
+#include "support/PseudoTerminal.h"
 
-/// A serial line with the test at its far end: a pseudo-terminal whose path the code under test opens.
-/// The test keeps the terminal open too, so that it can look at it. Each wait has a deadline. One thread
-/// at a time may send and one may receive. What cannot go on throws std::runtime_error.
+/// A serial line with the test at its far end. What it calls itself is no call of the code under test.
 class Line {
 public:
-    Line();
-    Line(const Line&) = delete;
-    Line& operator=(const Line&) = delete;
-
-    const std::string& path() const { return m_path; }
+    const std::string& path() const { return m_line.path(); }
 
     /// From the far end.
-    void send(std::string_view bytes);
+    void send(std::string_view bytes) const;
     /// From the far end; returns when there are `waiting` bytes to be read from the terminal.
-    void send(std::string_view bytes, int waiting);
+    void send(std::string_view bytes, int waiting) const;
     /// How many bytes there are to be read from the terminal.
     int waiting() const;
-    /// At the far end: exactly so many bytes, fewer when the deadline passes.
-    std::string receive(std::size_t count);
+    /// At the far end.
+    std::string receive(std::size_t count) const;
     /// Whether nothing has come to the far end.
     bool isSilent() const;
     /// The far end goes away for good.
-    void hangUp() { m_far.reset(); }
+    void hangUp() { m_line.hangUp(); }
 
     /// Of the terminal.
     termios attributes() const;
-    void setAttributes(const termios& attributes);
+    void setAttributes(const termios& attributes) const;
 
     /// The descriptors of this process that have the terminal open, without the line's own.
     std::vector<int> opened() const;
 
 private:
-    System::Descriptor m_far;
-    System::Descriptor m_terminal;
-    std::string m_path;
+    PseudoTerminal m_line;
 };
 
 bool sameAttributes(const termios& one, const termios& other);

@@ -1,24 +1,20 @@
 #pragma once
 
-#include <chrono>
-#include <string>
+#include <utility>
 
-#include "platform/Descriptor.h"
+#include "support/ByteStream.h"
 
-/// Two connected stream sockets: ours for the code under test, the peer's for the test.
-struct SocketPair {
+/// Two connected stream sockets: ours for the code under test, and this is the peer's for the test.
+struct SocketPair : ByteStream {
     SocketPair();
 
-    /// Sends all of `bytes` as the peer.
-    void send(const std::string& bytes) const;
-    /// What the peer gets until it has `size` bytes or the other side has closed; less when it does not
-    /// come.
-    std::string receive(std::size_t size) const;
     /// True when the other side has closed and the peer has read everything.
-    bool closed() const;
+    bool closed() const { return receiveSome(1).empty(); }
     /// True when something waits to be read by the peer.
-    bool hasSomething() const;
+    bool hasSomething() const { return hasInputWithin({}); }
 
     System::Descriptor ours;
-    System::Descriptor peer;
+
+private:
+    explicit SocketPair(std::pair<System::Descriptor, System::Descriptor> both);
 };

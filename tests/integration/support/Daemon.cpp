@@ -15,7 +15,6 @@
 #include <stdexcept>
 
 #include "platform/Descriptor.h"
-#include "support/Connection.h"
 #include "support/Pattern.h"
 #include "support/SocketTable.h"
 #include "support/UnitFiles.h"
@@ -168,13 +167,6 @@ std::string Daemon::buildStamp() const {
     if (text.rfind(kBannerStart, 0) != 0)
         throw std::runtime_error("no banner: " + text);
     return text.substr(std::strlen(kBannerStart), kStampLength);
-}
-
-bool isListening() {
-    const auto sockets = tcpSockets();
-    return std::any_of(sockets.begin(), sockets.end(), [](const TcpSocket& socket) {
-        return socket.localPort == Connection::kPort && socket.state == TcpSocket::kListening;
-    });
 }
 
 bool isBannerOnly(const std::string& error) {

@@ -71,8 +71,6 @@ private:
 /// the listening socket.
 constexpr std::size_t kOwnDescriptors = 5;
 
-bool isListening();
-
 /// "yyyy/mm/dd hh:mm:ss" with a day that may be padded with a blank.
 constexpr char kBuildStampPattern[] = "[0-9]{4}/[0-9]{2}/[ 0-9][0-9] [0-9]{2}:[0-9]{2}:[0-9]{2}";
 

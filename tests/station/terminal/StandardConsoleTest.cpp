@@ -14,11 +14,11 @@
 
 #include "Keyboard.h"
 #include "platform/Descriptor.h"
+#include "support/Waiting.h"
 
 namespace station {
 namespace {
 
-constexpr Seconds kPatience{60};
 constexpr std::size_t kMost = 100;
 
 struct Pipe {
@@ -59,7 +59,7 @@ TEST_F(StandardConsoleTest, MakesATerminalRawAndPutsItBack) {
     console.begin();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "station: the line is open; Ctrl-] ends\r\n");
     EXPECT_FALSE(keyboard.isCooked());
-    keyboard.type("\x03\r\x04");
+    keyboard.send("\x03\r\x04");
     EXPECT_EQ(console.read(kPatience, kMost).bytes, "\x03\r\x04");
     console.end();
     EXPECT_TRUE(keyboard.isCooked());
@@ -68,7 +68,7 @@ TEST_F(StandardConsoleTest, MakesATerminalRawAndPutsItBack) {
 TEST_F(StandardConsoleTest, KeepsWhatWasTypedAhead) {
     Keyboard keyboard;
     StandardConsole console(keyboard.terminal(), m_output.writeEnd.get(), interruption);
-    keyboard.type("early");
+    keyboard.send("early");
     testing::internal::CaptureStderr();
     console.begin();
     testing::internal::GetCapturedStderr();
@@ -90,7 +90,7 @@ TEST_F(StandardConsoleTest, PutsATerminalBackWhenItGoes) {
 TEST_F(StandardConsoleTest, TakesATerminalThatHasGoneForTheEnd) {
     Keyboard keyboard;
     StandardConsole console(keyboard.terminal(), m_output.writeEnd.get(), interruption);
-    keyboard.close();
+    keyboard.hangUp();
     EXPECT_TRUE(console.read(kPatience, kMost).isEnded);
 }
 

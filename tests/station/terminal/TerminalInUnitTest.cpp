@@ -107,11 +107,11 @@ TEST_P(TerminalInUnit, PipesEveryByteOverTheLoopBackLine) {
 TEST_P(TerminalInUnit, ServesAPersonAtATerminal) {
     Keyboard keyboard;
     auto ending = startAt(keyboard, terminal("1"));
-    keyboard.type("AT\r");
-    EXPECT_EQ(keyboard.seeUntil("OK\r\n"), kModemAnswer);
-    keyboard.type("\x03");
-    EXPECT_EQ(keyboard.seeUntil("\x03"), "\x03") << "the modem echoes it, and nobody ends";
-    keyboard.type(kEscape);
+    keyboard.send("AT\r");
+    EXPECT_EQ(keyboard.receiveTo("OK\r\n"), kModemAnswer);
+    keyboard.send("\x03");
+    EXPECT_EQ(keyboard.receiveTo("\x03"), "\x03") << "the modem echoes it, and nobody ends";
+    keyboard.send(kEscape);
     const Outcome outcome = ending.get();
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, kHint);

@@ -1,7 +1,10 @@
 #include "support/SocketTable.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
+
+#include "support/Connection.h"
 
 namespace {
 
@@ -30,4 +33,11 @@ std::vector<TcpSocket> tcpSockets(const std::string& table) {
         sockets.push_back(socket);
     }
     return sockets;
+}
+
+bool isListening() {
+    const auto sockets = tcpSockets();
+    return std::any_of(sockets.begin(), sockets.end(), [](const TcpSocket& socket) {
+        return socket.localPort == Connection::kPort && socket.state == TcpSocket::kListening;
+    });
 }

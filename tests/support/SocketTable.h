@@ -18,3 +18,6 @@ struct TcpSocket {
 
 /// `table` is "/proc/net/tcp" or "/proc/net/tcp6"; empty when the system has no such table.
 std::vector<TcpSocket> tcpSockets(const std::string& table = "/proc/net/tcp");
+
+/// Whether somebody listens at the daemon's port.
+bool isListening();
