@@ -9,7 +9,7 @@ namespace {
 class CommandLexerMemoryTest : public LexerFixture {};
 
 const std::string kLine =
-    commandLine("s word \"a string\" hex(01 02 03) base64(QUJDREVG) 1 2 3 4 5 6 7 8 9");
+    request("s word \"a string\" hex(01 02 03) base64(QUJDREVG) 1 2 3 4 5 6 7 8 9");
 const Tokens kTokens = {token("s"),        token("word"), token("a string"), decoded("\x01\x02\x03"),
                         decoded("ABCDEF"), token("1"),    token("2"),        token("3"),
                         token("4"),        token("5"),    token("6"),        token("7"),

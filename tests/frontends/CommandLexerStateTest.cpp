@@ -21,13 +21,13 @@ TEST_F(CommandLexerStateTest, ALineWithoutEtxIsContinuedByTheNext) {
     };
     const Row rows[] = {
         {"waiting for the word", "\x02", "s a\x03", tokens({"s", "a"}), ""},
-        {"waiting for the word, restarted", "\x02", commandLine("t"), tokens({"t"}), ""},
+        {"waiting for the word, restarted", "\x02", request("t"), tokens({"t"}), ""},
         {"opened by a frame header", "x#<frame>1:", "s a\x03", tokens({"s", "a"}), ""},
         {"behind the word", "\x02s", "a\x03", tokens({"s", "a"}), ""},
         {"in the arguments", "\x02s a", "b, c\x03", tokens({"s", "a", "b", "c"}), ","},
-        {"in the arguments, restarted", "\x02s a", commandLine("t"), tokens({"t"}), ""},
+        {"in the arguments, restarted", "\x02s a", request("t"), tokens({"t"}), ""},
         {"in a string", "\x02s \"a b", "c d\" e\x03", tokens({"s", "a b", "c d", "e"}), ""},
-        {"in a string, restarted", "\x02s \"a b", commandLine("t \"c\""), tokens({"t", "c"}), ""},
+        {"in a string, restarted", "\x02s \"a b", request("t \"c\""), tokens({"t", "c"}), ""},
         {"in hex",
          "\x02s hex(01",
          "02) x\x03",
@@ -38,13 +38,13 @@ TEST_F(CommandLexerStateTest, ALineWithoutEtxIsContinuedByTheNext) {
          "2)\x03",
          {token("s"), decoded(""), decoded("")},
          ""},
-        {"in hex, restarted", "\x02s hex(01", commandLine("t"), tokens({"t"}), ""},
+        {"in hex, restarted", "\x02s hex(01", request("t"), tokens({"t"}), ""},
         {"in base64",
          "\x02s base64(QUJD",
          "REVG)x\x03",
          {token("s"), decoded("ABC"), decoded("DEF"), token("x")},
          ""},
-        {"in base64, restarted", "\x02s base64(QUJD", commandLine("t"), tokens({"t"}), ""},
+        {"in base64, restarted", "\x02s base64(QUJD", request("t"), tokens({"t"}), ""},
         {"ended by ETX", "\x02s a\x03", "b c", tokens({"s", "a"}), ""},
         {"ended by ETX inside a string", "\x02s \"a\x03", "b\" c\x03", tokens({"s", "a"}), ""},
         {"without any command", "a b", "c d\x03", tokens({"old"}), ""},
@@ -58,8 +58,8 @@ TEST_F(CommandLexerStateTest, ALineWithoutEtxIsContinuedByTheNext) {
 }
 
 TEST_F(CommandLexerStateTest, ALineWithoutACommandGivesTheTokensOfTheOneBefore) {
-    EXPECT_EQ(scan(commandLine("s a \"b c\"")).tokens, tokens({"s", "a", "b c"}));
-    for (const std::string& line : {commandLine(""), std::string(), std::string("noise\x03\n")}) {
+    EXPECT_EQ(scan(request("s a \"b c\"")).tokens, tokens({"s", "a", "b c"}));
+    for (const std::string& line : {request(""), std::string(), std::string("noise\x03\n")}) {
         SCOPED_TRACE(::testing::PrintToString(line));
         EXPECT_EQ(scan(line).tokens, tokens({"s", "a", "b c"}));
     }
@@ -82,7 +82,7 @@ TEST_F(CommandLexerStateTest, ACommandStartsAfreshWhereverTheLineBeforeWasCut) {
         SCOPED_TRACE(length);
         startOver();
         scan(line.substr(0, length));
-        EXPECT_EQ(scan(commandLine("s \"c d\" hex(03)")),
+        EXPECT_EQ(scan(request("s \"c d\" hex(03)")),
                   (Scan{{token("s"), token("c d"), decoded("\x03")}, ""}));
     }
 }
@@ -99,7 +99,7 @@ TEST_F(CommandLexerStateTest, EachThreadGetsTheTokensOfItsOwnLine) {
                 const std::string own = std::to_string(thread) + "x" + std::to_string(number);
                 const Tokens expected = {token("c" + own), token(own + " quoted"), token(own),
                                          decoded(std::string(1, static_cast<char>(thread)))};
-                const std::string line = commandLine(string_format(
+                const std::string line = request(string_format(
                     "c%s \"%s quoted\" %s hex(0%d)", own.c_str(), own.c_str(), own.c_str(), thread));
                 if (scanTokens(line) != expected)
                     ++mistakes;
@@ -116,7 +116,7 @@ TEST_F(CommandLexerStateTest, ALongLineWithoutACommandComesToItsEndAmongOthersCo
     std::atomic<long> scanned{0};
     std::thread other([&] {
         for (; !stop; ++scanned)
-            scanTokens(commandLine("other " + std::to_string(scanned)));
+            scanTokens(request("other " + std::to_string(scanned)));
     });
     const std::string noise = std::string(std::size_t{8} << 20, 'n') + "\x03\n";
     const long before = scanned;
@@ -130,10 +130,10 @@ TEST_F(CommandLexerStateTest, ALongLineWithoutACommandComesToItsEndAmongOthersCo
 }
 
 TEST_F(CommandLexerStateTest, TokensWithoutACommandComeBehindThoseOfTheOneBefore) {
-    EXPECT_EQ(scan(commandLine("s a")).tokens, tokens({"s", "a"}));
+    EXPECT_EQ(scan(request("s a")).tokens, tokens({"s", "a"}));
     const std::vector<char> parameter = token("#<parameter>\x02");
     EXPECT_EQ(scan("#<parameter>\x02s\x03\n").tokens, (Tokens{token("s"), token("a"), parameter}));
     EXPECT_EQ(scan("#<parameter>\x02s\x03\n").tokens,
               (Tokens{token("s"), token("a"), parameter, parameter}));
-    EXPECT_EQ(scan(commandLine("")).tokens, (Tokens{token("s"), token("a"), parameter, parameter}));
+    EXPECT_EQ(scan(request("")).tokens, (Tokens{token("s"), token("a"), parameter, parameter}));
 }

@@ -6,7 +6,8 @@
 #include <atomic>
 #include <thread>
 
-#include "support/Framed.h"
+#include "support/LineTexts.h"
+#include "support/Lines.h"
 #include "support/SocketPair.h"
 #include "support/Waiting.h"
 
@@ -24,10 +25,10 @@ TEST(CommandSenderTest, FramesEachText) {
         CommandSender sender(sockets.ours.get());
         std::string copy = text;
         sender.asyncSend(copy);
-        EXPECT_EQ(sockets.receive(framed(text).size()), framed(text));
+        EXPECT_EQ(sockets.receive(answer(text).size()), answer(text));
         EXPECT_FALSE(sockets.hasSomething());
         sender.answer(text);
-        EXPECT_EQ(sockets.receive(framed(text).size()), framed(text));
+        EXPECT_EQ(sockets.receive(answer(text).size()), answer(text));
         EXPECT_FALSE(sockets.hasSomething());
     }
 }
@@ -38,7 +39,7 @@ TEST(CommandSenderTest, KeepsTextsInOrder) {
     for (std::string text : {"one", "two"})
         sender.asyncSend(text);
     sender.answer("three");
-    const std::string expected = framed("one") + framed("two") + framed("three");
+    const std::string expected = answer("one") + answer("two") + answer("three");
     EXPECT_EQ(sockets.receive(expected.size()), expected);
 }
 
@@ -49,7 +50,7 @@ TEST(CommandSenderTest, DropsBinaryFrames) {
     sender.asyncSend(frame);
     EXPECT_FALSE(sockets.hasSomething());
     sender.answer("");
-    EXPECT_EQ(sockets.receive(framed("").size()), framed(""));
+    EXPECT_EQ(sockets.receive(answer("").size()), answer(""));
     EXPECT_FALSE(sockets.hasSomething());
     EXPECT_EQ(frame.size(), 5u);
 }
@@ -57,7 +58,7 @@ TEST(CommandSenderTest, DropsBinaryFrames) {
 TEST(CommandSenderTest, NeverWaitsForAPeerThatDoesNotRead) {
     const SocketPair sockets;
     CommandSender sender(sockets.ours.get());
-    const std::string expected = framed(kLarge) + framed("behind it") + framed("answer");
+    const std::string expected = answer(kLarge) + answer("behind it") + answer("answer");
     std::string large = kLarge;
     std::string small = "behind it";
     sender.asyncSend(large); // would hang here
@@ -125,6 +126,6 @@ TEST(CommandSenderTest, LeavesTheSocketOpen) {
     { CommandSender sender(sockets.ours.get()); }
     std::string text = "still there";
     CommandSender(sockets.ours.get()).asyncSend(text);
-    const std::string expected = framed("still there");
+    const std::string expected = answer("still there");
     EXPECT_EQ(sockets.receive(expected.size()), expected);
 }

@@ -5,7 +5,8 @@
 #include <thread>
 
 #include "core/ProcessResponseAscii.h"
-#include "support/Framed.h"
+#include "support/LineTexts.h"
+#include "support/Lines.h"
 #include "support/RunningHandler.h"
 #include "support/SocketPair.h"
 
@@ -13,10 +14,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
-
-std::string request(const std::string& text) {
-    return "\x02" + text + "\x03\n";
-}
 
 /// A connection served on its own thread; the command "scripted" answers its first argument.
 class NetConnectionTest : public RunningHandler {
@@ -41,7 +38,7 @@ protected:
     void expectAnswers(const std::vector<std::string>& texts) {
         std::string expected;
         for (const std::string& text : texts)
-            expected += framed(text);
+            expected += answer(text);
         EXPECT_EQ(m_sockets.receive(expected.size()), expected);
     }
 
@@ -105,7 +102,7 @@ TEST_F(NetConnectionTest, ALineWithoutACommandRunsTheOneBefore) {
 TEST_F(NetConnectionTest, ACommandMayBeLong) {
     const std::string argument(100000, 'x');
     m_sockets.send(request("scripted " + argument));
-    const std::string expected = framed("scripted " + argument);
+    const std::string expected = answer("scripted " + argument);
     EXPECT_TRUE(m_sockets.receive(expected.size()) == expected);
 }
 

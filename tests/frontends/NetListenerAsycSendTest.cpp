@@ -5,7 +5,8 @@
 #include <atomic>
 #include <thread>
 
-#include "support/Framed.h"
+#include "support/LineTexts.h"
+#include "support/Lines.h"
 #include "support/SocketPair.h"
 #include "support/Waiting.h"
 
@@ -22,7 +23,7 @@ TEST(NetListenerAsycSendTest, FramesEachText) {
         NetListenerAsycSend sender(sockets.ours.get());
         std::string copy = text;
         sender.asyncSend(copy);
-        EXPECT_EQ(sockets.receive(framed(text).size()), framed(text));
+        EXPECT_EQ(sockets.receive(answer(text).size()), answer(text));
         EXPECT_FALSE(sockets.hasSomething());
         EXPECT_EQ(copy, text);
     }
@@ -38,7 +39,7 @@ TEST(NetListenerAsycSendTest, SendsAllOfALongText) {
         sent = true;
     });
     EXPECT_FALSE(eventually([&] { return sent.load(); }, std::chrono::milliseconds(10)));
-    EXPECT_TRUE(sockets.receive(framed(large).size()) == framed(large));
+    EXPECT_TRUE(sockets.receive(answer(large).size()) == answer(large));
     writer.join();
 }
 
@@ -65,7 +66,7 @@ TEST(NetListenerAsycSendTest, LeavesTheSocketOpen) {
     { NetListenerAsycSend sender(sockets.ours.get()); }
     std::string text = "still there";
     NetListenerAsycSend(sockets.ours.get()).asyncSend(text);
-    EXPECT_EQ(sockets.receive(framed(text).size()), framed(text));
+    EXPECT_EQ(sockets.receive(answer(text).size()), answer(text));
 }
 
 TEST(NetListenerAsycSendTest, IsNoThreadAndNoSerialChannel) {

@@ -7,6 +7,7 @@
 #include "frontends/NetListener.h"
 #include "platform/Descriptors.h"
 #include "support/Connection.h"
+#include "support/Lines.h"
 #include "support/RunningHandler.h"
 #include "support/SocketTable.h"
 #include "support/SystemCalls.h"
@@ -14,8 +15,8 @@
 
 namespace {
 
-const std::string kRequest = "\x02scripted\x03\n";
-const std::string kAnswer = "\x02#scripted ok\x03\n";
+const std::string kRequest = request("scripted");
+const std::string kAnswer = answer("scripted ok");
 
 sockaddr_in addressOf(const char* host) {
     sockaddr_in address{};

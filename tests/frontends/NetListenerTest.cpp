@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <thread>
 
+#include "support/Lines.h"
 #include "support/RefusedCalls.h"
 #include "support/RunningHandler.h"
 #include "support/SocketPair.h"
@@ -84,8 +85,7 @@ TEST_F(NetListenerTest, AConnectionThreadIsDetachedWithASmallGuardedStack) {
     EXPECT_EQ(thread.detachState, PTHREAD_CREATE_DETACHED);
     EXPECT_EQ(thread.guardBytes, 16384u);
     EXPECT_EQ(thread.stackBytes, 262144u);
-    sockets.send("\x02scripted\x03\n");
-    EXPECT_EQ(sockets.receive(15), "\x02#scripted ok\x03\n");
+    expectExchange(sockets, request("scripted"), answer("scripted ok"));
 }
 
 TEST_F(NetListenerTest, WithoutAThreadTheConnectionWaitsForOne) {
@@ -94,16 +94,14 @@ TEST_F(NetListenerTest, WithoutAThreadTheConnectionWaitsForOne) {
     SystemCalls::failThreads(3);
     EXPECT_EQ(NetListener::startAnonymousThread(toArgument(sockets.ours.release())), 0);
     EXPECT_EQ(SystemCalls::threadAttempts(), before + 4);
-    sockets.send("\x02scripted\x03\n");
-    EXPECT_EQ(sockets.receive(15), "\x02#scripted ok\x03\n");
+    expectExchange(sockets, request("scripted"), answer("scripted ok"));
 }
 
 TEST_F(NetListenerTest, AConnectionThreadEndsWithItsConnection) {
     SocketPair sockets;
     void* result = &sockets;
     std::thread thread([&] { result = runAnonthread(toArgument(sockets.ours.release())); });
-    sockets.send("\x02scripted\x03\n");
-    EXPECT_EQ(sockets.receive(15), "\x02#scripted ok\x03\n");
+    expectExchange(sockets, request("scripted"), answer("scripted ok"));
     ::shutdown(sockets.descriptor(), SHUT_WR);
     thread.join();
     EXPECT_EQ(result, nullptr);

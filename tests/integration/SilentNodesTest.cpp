@@ -21,10 +21,6 @@ struct Silence {
     std::string answer; ///< both lines
 };
 
-std::string refused(const std::string& command, const std::string& code, const std::string& text) {
-    return answer("Info \"" + text + "\"") + answer(command + " Error 0x" + code);
-}
-
 std::string noInformation(const std::string& path) {
     return failure("status", "cannot open " + path + ", no information available");
 }
@@ -51,12 +47,6 @@ const std::vector<Silence> kSilences = {
              "Device is not proprely opened, file descriptor is invalid, errorCode: "
              "16842752")},
 };
-
-void makeSilent(const std::string& path) {
-    if (exists(path))
-        removeFile(path);
-    makeFifo(path);
-}
 
 /// What is answered when the node at that path says nothing.
 std::string silenceOf(const std::string& path) {

@@ -27,23 +27,6 @@ inline std::string banner(const Daemon& daemon) {
     return answer("Info Production Test Server (Build " + daemon.buildStamp() + ")");
 }
 
-/// Sends `sent` and expects exactly `received` to come.
-inline void expectExchange(Adapter& station, const std::string& sent, const std::string& received) {
-    constexpr std::size_t kShownBytes = 300;
-    station.send(sent);
-    const std::string bytes = station.receive(received.size());
-    EXPECT_TRUE(bytes == received) << "expected "
-                                   << testing::PrintToString(received.substr(0, kShownBytes))
-                                   << "\nreceived "
-                                   << testing::PrintToString(bytes.substr(0, kShownBytes)) << "\n("
-                                   << bytes.size() << " of " << received.size() << " bytes)";
-}
-
-/// Proves that the unit sent nothing beyond what has been received.
-inline void expectNothingMore(Adapter& station) {
-    expectExchange(station, request("nothingMore"), unknown("nothingMore"));
-}
-
 /// The numbers of those descriptors of a process that stand for a terminal, also for one that has hung
 /// up.
 inline std::vector<int> openTerminals(pid_t pid) {

@@ -10,7 +10,7 @@
 #include "devices/CommHandler.h"
 #include "frontends/Listener.h"
 #include "line/Adapter.h"
-#include "line/BinaryFrames.h"
+#include "support/BinaryFrames.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
 

@@ -18,12 +18,6 @@ namespace {
 
 using namespace std::string_literals;
 
-void makeSilent(const std::string& path) {
-    if (exists(path))
-        removeFile(path);
-    makeFifo(path);
-}
-
 class BinarySilentNodesTest : public BinaryLinkTest {};
 
 TEST_F(BinarySilentNodesTest, AreReportedAndTheLineIsServed) {

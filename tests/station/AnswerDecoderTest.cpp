@@ -19,7 +19,7 @@ const std::vector<std::string> kTexts = {
 std::string framedTexts() {
     std::string bytes;
     for (const std::string& text : kTexts)
-        bytes += framed(text);
+        bytes += answer(text);
     return bytes;
 }
 
@@ -79,7 +79,7 @@ class AnswerDecoderRefuses : public testing::TestWithParam<std::string> {};
 
 TEST_P(AnswerDecoderRefuses, WhatDoesNotBeginALine) {
     AnswerDecoder decoder;
-    decoder.feed(framed("first") + GetParam());
+    decoder.feed(answer("first") + GetParam());
     EXPECT_EQ(decoder.next(), "first");
     for (int attempt = 0; attempt < 2; ++attempt)
         EXPECT_THAT(failureOf([&] { decoder.next(); }),
@@ -95,13 +95,13 @@ INSTANTIATE_TEST_SUITE_P(Bytes, AnswerDecoderRefuses,
 
 TEST(AnswerDecoder, TakesATextOfTheLimit) {
     AnswerDecoder decoder(4);
-    decoder.feed(framed("1234"));
+    decoder.feed(answer("1234"));
     EXPECT_EQ(decoder.next(), "1234");
 }
 
 TEST(AnswerDecoder, RefusesALongerTextThanTheLimit) {
     AnswerDecoder decoder(4);
-    decoder.feed(framed("12345"));
+    decoder.feed(answer("12345"));
     EXPECT_THAT(failureOf([&] { decoder.next(); }),
                 FailsWith(Failure::Kind::MalformedAnswer, "longer than 4 bytes"));
 }

@@ -62,8 +62,8 @@ const Step kHangUp{Step::HangUp};
 
 const std::string kStatusRequest = "\x02s";
 const std::string kExecRequest = std::string("\x07\x63\x01\0\x05ls", 7);
-const std::string kExecAnswer = unitFrame(std::string("\x63\x01\0\0\0\0\0hi\n", 10));
-const std::string kExecRefusal = unitFrame(std::string("\x63\x01\0\x01\x01\0\0", 7));
+const std::string kExecAnswer = framed(std::string("\x63\x01\0\0\0\0\0hi\n", 10));
+const std::string kExecRefusal = framed(std::string("\x63\x01\0\x01\x01\0\0", 7));
 const std::string kStartup = "startup status " + std::string(kStatusText);
 const std::vector<std::string> kPreludeTexts = {"Startup State sent but requested again",
                                                 "Probaby due to connection cut"};
@@ -103,7 +103,8 @@ protected:
 };
 
 TEST_F(BinaryClientTest, SendsTheRequestAndAcknowledgesTheAnswer) {
-    const Answer answer = execute({sent(kExecRequest), arrives(kExecAnswer), sent(kAck)}, exec());
+    const Answer answer =
+        execute({sent(kExecRequest), arrives(kExecAnswer), sent(kAcknowledgement)}, exec());
     EXPECT_EQ(answer.text, "hi\n");
     EXPECT_EQ(answer.code, 0U);
     EXPECT_EQ(answer.payload, "hi\n");
@@ -112,7 +113,7 @@ TEST_F(BinaryClientTest, SendsTheRequestAndAcknowledgesTheAnswer) {
 
 TEST_F(BinaryClientTest, HandsDebugTextsOutWithoutAcknowledgingThem) {
     const Answer answer = execute({sent(kExecRequest), arrives(debugFrame("one") + debugFrame("")),
-                                   arrives(debugFrame("two") + kExecRefusal), sent(kAck)},
+                                   arrives(debugFrame("two") + kExecRefusal), sent(kAcknowledgement)},
                                   exec());
     EXPECT_EQ(answer.code, 0x1010000U);
     EXPECT_EQ(answer.text, "Error 0x1010000");
@@ -120,30 +121,32 @@ TEST_F(BinaryClientTest, HandsDebugTextsOutWithoutAcknowledgingThem) {
 }
 
 TEST_F(BinaryClientTest, AnswersAStatusRequest) {
-    EXPECT_EQ(execute({sent(kStatusRequest), arrives(statusFrame()), sent(kAck)}, status()).text,
-              kStatusText);
+    EXPECT_EQ(
+        execute({sent(kStatusRequest), arrives(statusFrame()), sent(kAcknowledgement)}, status()).text,
+        kStatusText);
     EXPECT_THAT(m_infos, IsEmpty());
 }
 
 TEST_F(BinaryClientTest, TakesAStartupStatusThatCameBefore) {
-    const Answer answer = execute({arrives(statusFrame(true)), sent(kAck), sent(kStatusRequest),
-                                   arrives(statusFrame()), sent(kAck)},
+    const Answer answer = execute({arrives(statusFrame(true)), sent(kAcknowledgement),
+                                   sent(kStatusRequest), arrives(statusFrame()), sent(kAcknowledgement)},
                                   status());
     EXPECT_EQ(answer.text, kStatusText);
     EXPECT_THAT(m_infos, ElementsAre(kStartup));
 }
 
 TEST_F(BinaryClientTest, TakesAStartupStatusWithItsPrelude) {
-    execute({arrives(kPrelude.substr(0, 10)), arrives(kPrelude.substr(10)), arrives(statusFrame()),
-             sent(kAck), sent(kStatusRequest), arrives(statusFrame()), sent(kAck)},
-            status());
+    execute(
+        {arrives(kPrelude.substr(0, 10)), arrives(kPrelude.substr(10)), arrives(statusFrame()),
+         sent(kAcknowledgement), sent(kStatusRequest), arrives(statusFrame()), sent(kAcknowledgement)},
+        status());
     EXPECT_THAT(m_infos, ElementsAre(kPreludeTexts[0], kPreludeTexts[1], kStartup));
 }
 
 TEST_F(BinaryClientTest, DropsALateAnswerThatCameBefore) {
-    const Answer answer = execute(
-        {arrives(kExecRefusal), sent(kAck), sent(kExecRequest), arrives(kExecAnswer), sent(kAck)},
-        exec());
+    const Answer answer = execute({arrives(kExecRefusal), sent(kAcknowledgement), sent(kExecRequest),
+                                   arrives(kExecAnswer), sent(kAcknowledgement)},
+                                  exec());
     EXPECT_EQ(answer.text, "hi\n");
     EXPECT_THAT(m_infos, ElementsAre("station: dropped an answer to an earlier command: "
                                      "hex(08 63 01 00 01 01 00 00)"));
@@ -151,14 +154,15 @@ TEST_F(BinaryClientTest, DropsALateAnswerThatCameBefore) {
 
 TEST_F(BinaryClientTest, DropsHalfAFrameThatCameBefore) {
     const Answer answer = execute(
-        {arrives("\x18s,"), kSilence, sent(kExecRequest), arrives(kExecAnswer), sent(kAck)}, exec());
+        {arrives("\x18s,"), kSilence, sent(kExecRequest), arrives(kExecAnswer), sent(kAcknowledgement)},
+        exec());
     EXPECT_EQ(answer.text, "hi\n");
     EXPECT_THAT(m_infos, ElementsAre(kDropped));
 }
 
 TEST_F(BinaryClientTest, DropsGarbageThatCameBefore) {
     const Answer answer = execute({arrives("\x01garbage"), arrives(debugFrame("text")),
-                                   sent(kExecRequest), arrives(kExecAnswer), sent(kAck)},
+                                   sent(kExecRequest), arrives(kExecAnswer), sent(kAcknowledgement)},
                                   exec());
     EXPECT_EQ(answer.text, "hi\n");
     EXPECT_THAT(m_infos, ElementsAre(kDropped, "text"));
@@ -167,29 +171,31 @@ TEST_F(BinaryClientTest, DropsGarbageThatCameBefore) {
 TEST_F(BinaryClientTest, TellsAStartupStatusFromTheAnswerToAnotherCommand) {
     for (const bool isFirst : {true, false}) {
         m_infos.clear();
-        const Answer answer = execute(
-            {sent(kExecRequest), arrives(statusFrame(isFirst) + kExecAnswer), sent(kAck), sent(kAck)},
-            exec());
+        const Answer answer = execute({sent(kExecRequest), arrives(statusFrame(isFirst) + kExecAnswer),
+                                       sent(kAcknowledgement), sent(kAcknowledgement)},
+                                      exec());
         EXPECT_EQ(answer.text, "hi\n");
         EXPECT_THAT(m_infos, ElementsAre(kStartup));
     }
-    const Answer file = execute({sent("\x03s\x01"), arrives(statusFrame()), sent(kAck),
-                                 arrives(unitFrame(std::string("s\x01\0\0\0\0\0text", 11))), sent(kAck)},
-                                BinaryRequest::encode("status", {"01"}));
+    const Answer file =
+        execute({sent("\x03s\x01"), arrives(statusFrame()), sent(kAcknowledgement),
+                 arrives(framed(std::string("s\x01\0\0\0\0\0text", 11))), sent(kAcknowledgement)},
+                BinaryRequest::encode("status", {"01"}));
     EXPECT_EQ(file.text, "text");
 }
 
 TEST_F(BinaryClientTest, TellsTheFirstStatusFromTheAnswerToAStatusRequest) {
-    const Answer answer = execute({sent(kStatusRequest), arrives(statusFrame(true)), sent(kAck),
-                                   arrives(statusFrame()), sent(kAck)},
-                                  status());
+    const Answer answer =
+        execute({sent(kStatusRequest), arrives(statusFrame(true)), sent(kAcknowledgement),
+                 arrives(statusFrame()), sent(kAcknowledgement)},
+                status());
     EXPECT_EQ(answer.text, kStatusText);
     EXPECT_THAT(m_infos, ElementsAre(kStartup));
 }
 
 TEST_F(BinaryClientTest, TellsAStatusWithAPreludeFromTheAnswerToAStatusRequest) {
-    execute({sent(kStatusRequest), arrives(kPrelude + statusFrame()), sent(kAck), arrives(statusFrame()),
-             sent(kAck)},
+    execute({sent(kStatusRequest), arrives(kPrelude + statusFrame()), sent(kAcknowledgement),
+             arrives(statusFrame()), sent(kAcknowledgement)},
             status());
     EXPECT_THAT(m_infos, ElementsAre(kPreludeTexts[0], kPreludeTexts[1], kStartup));
 }
@@ -198,13 +204,14 @@ TEST_F(BinaryClientTest, TakesAPreludeForOneOnlyDirectlyBeforeTheStatus) {
     for (const std::string& texts :
          {kPrelude + debugFrame("other"), debugFrame(kPreludeTexts[0]), debugFrame(kPreludeTexts[1]),
           debugFrame(kPreludeTexts[1]) + debugFrame(kPreludeTexts[0])})
-        EXPECT_EQ(
-            execute({sent(kStatusRequest), arrives(texts + statusFrame()), sent(kAck)}, status()).text,
-            kStatusText);
+        EXPECT_EQ(execute({sent(kStatusRequest), arrives(texts + statusFrame()), sent(kAcknowledgement)},
+                          status())
+                      .text,
+                  kStatusText);
 }
 
 TEST_F(BinaryClientTest, TellsThatAnAnnouncementMayHaveCostTheRequest) {
-    expectFailure({sent(kStatusRequest), arrives(statusFrame(true)), sent(kAck)}, status(),
+    expectFailure({sent(kStatusRequest), arrives(statusFrame(true)), sent(kAcknowledgement)}, status(),
                   Failure::Kind::TimedOut, "the unit opened its port after the request was sent");
     EXPECT_THAT(m_infos, ElementsAre(kStartup));
 }
@@ -216,7 +223,7 @@ TEST_F(BinaryClientTest, TimesOutWithoutAnAnswer) {
 }
 
 TEST_F(BinaryClientTest, FailsOnAnAnswerToAnotherCommand) {
-    expectFailure({sent(kStatusRequest), arrives(kExecAnswer), sent(kAck)}, status(),
+    expectFailure({sent(kStatusRequest), arrives(kExecAnswer), sent(kAcknowledgement)}, status(),
                   Failure::Kind::MalformedAnswer,
                   "expected one to hex(02 73): hex(0B 63 01 00 00 00 00 00 68 69 0A)");
 }
@@ -243,15 +250,16 @@ TEST_F(BinaryClientTest, NeedsNoAnswerToAck) {
 }
 
 TEST_F(BinaryClientTest, TakesARefusalOfAck) {
-    const std::string refusal = unitFrame(std::string("\x06\0\0\x01\x01\0\0", 7));
-    EXPECT_EQ(
-        execute({sent("\x02\x06"), arrives(refusal), sent(kAck)}, BinaryRequest::encode("ack", {})).code,
-        0x1010000U);
+    const std::string refusal = framed(std::string("\x06\0\0\x01\x01\0\0", 7));
+    EXPECT_EQ(execute({sent("\x02\x06"), arrives(refusal), sent(kAcknowledgement)},
+                      BinaryRequest::encode("ack", {}))
+                  .code,
+              0x1010000U);
 }
 
 TEST_F(BinaryClientTest, RunsCommandsOneAfterTheOther) {
-    PlayedLink link({sent(kStatusRequest), arrives(statusFrame()), sent(kAck), sent(kExecRequest),
-                     arrives(kExecAnswer), sent(kAck)});
+    PlayedLink link({sent(kStatusRequest), arrives(statusFrame()), sent(kAcknowledgement),
+                     sent(kExecRequest), arrives(kExecAnswer), sent(kAcknowledgement)});
     BinaryClient client(link, observer());
     EXPECT_EQ(client.execute(status(), patient()).text, kStatusText);
     EXPECT_EQ(client.execute(exec(), patient()).text, "hi\n");
@@ -260,8 +268,8 @@ TEST_F(BinaryClientTest, RunsCommandsOneAfterTheOther) {
 
 TEST_F(BinaryClientTest, WaitsForTheStartupStatus) {
     PlayedLink link({arrives("\xF0noise"), kSilence, arrives(debugFrame("text") + kExecRefusal),
-                     sent(kAck), arrives(statusFrame(true)), sent(kAck), sent(kExecRequest),
-                     arrives(kExecAnswer), sent(kAck)});
+                     sent(kAcknowledgement), arrives(statusFrame(true)), sent(kAcknowledgement),
+                     sent(kExecRequest), arrives(kExecAnswer), sent(kAcknowledgement)});
     BinaryClient client(link, observer());
     client.waitForStartup(patient());
     EXPECT_EQ(client.execute(exec(), patient()).text, "hi\n");
@@ -290,11 +298,11 @@ TEST_F(BinaryClientTest, GivesUpOnALineThatNeverFallsSilent) {
 }
 
 TEST_F(BinaryClientTest, ShowsEveryFrameThatComesForRawBytes) {
-    const std::string refusal = unitFrame(std::string("x\0\0\x01\x01\0\0", 7));
-    const Answer answer =
-        execute({sent(std::string("\x04x\0\0", 4)), arrives(debugFrame("no")), arrives(refusal),
-                 sent(kAck), arrives(statusFrame()), sent(kAck), arrives(debugFrame("end"))},
-                BinaryRequest::raw({"hex(04 78 00 00)"}));
+    const std::string refusal = framed(std::string("x\0\0\x01\x01\0\0", 7));
+    const Answer answer = execute({sent(std::string("\x04x\0\0", 4)), arrives(debugFrame("no")),
+                                   arrives(refusal), sent(kAcknowledgement), arrives(statusFrame()),
+                                   sent(kAcknowledgement), arrives(debugFrame("end"))},
+                                  BinaryRequest::raw({"hex(04 78 00 00)"}));
     EXPECT_EQ(answer.code, 0U) << "of the last answer";
     EXPECT_EQ(answer.text, "");
     EXPECT_EQ(answer.payload, statusFrame().substr(8));
@@ -304,17 +312,20 @@ TEST_F(BinaryClientTest, ShowsEveryFrameThatComesForRawBytes) {
 }
 
 TEST_F(BinaryClientTest, TellsARefusalOfRawBytes) {
-    const std::string refusal = unitFrame(std::string("\0\0\0\x01\x01\0\0", 7));
-    EXPECT_EQ(
-        execute({sent("\x01"), arrives(refusal), sent(kAck)}, BinaryRequest::raw({"hex(01)"})).text,
-        "Error 0x1010000");
+    const std::string refusal = framed(std::string("\0\0\0\x01\x01\0\0", 7));
+    EXPECT_EQ(execute({sent("\x01"), arrives(refusal), sent(kAcknowledgement)},
+                      BinaryRequest::raw({"hex(01)"}))
+                  .text,
+              "Error 0x1010000");
 }
 
 TEST_F(BinaryClientTest, WaitsForAnAnswerToRawBytesUnlessTheyAreAnAck) {
     expectFailure({sent("\x03s"), arrives(debugFrame("x"))}, BinaryRequest::raw({"hex(03 73)"}),
                   Failure::Kind::TimedOut, "time-out while waiting for the answer");
-    EXPECT_EQ(execute({sent(kAck), arrives(debugFrame("x"))}, BinaryRequest::raw({"hex(02 06)"})).code,
-              0U);
+    EXPECT_EQ(
+        execute({sent(kAcknowledgement), arrives(debugFrame("x"))}, BinaryRequest::raw({"hex(02 06)"}))
+            .code,
+        0U);
 }
 
 } // namespace

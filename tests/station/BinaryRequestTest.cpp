@@ -157,7 +157,7 @@ TEST(RequestFrame, HoldsAtMost255Bytes) {
 }
 
 UnitFrame answerTo(std::string_view echo, std::string_view code, std::string_view payload = "") {
-    return UnitFrame(unitFrame(std::string(echo) + std::string(code) + std::string(payload)));
+    return UnitFrame(framed(std::string(echo) + std::string(code) + std::string(payload)));
 }
 
 const std::string kOk(4, '\0');

@@ -57,7 +57,7 @@ protected:
 };
 
 TEST_F(ClientTest, SendsTheRequestAndReturnsTheAnswer) {
-    ScriptedLink link({framed("status 1 2")});
+    ScriptedLink link({answer("status 1 2")});
     Client client(link);
     EXPECT_EQ(execute(client, "status").text, "1 2");
     EXPECT_EQ(link.sent(), "\x02status\x03\n");
@@ -66,8 +66,8 @@ TEST_F(ClientTest, SendsTheRequestAndReturnsTheAnswer) {
 
 TEST_F(ClientTest, HandsInfoMessagesOutInOrderBeforeTheAnswer) {
     ScriptedLink link(
-        {framed("Info \"first\nline \"two\"\"") + framed("Info \"\"") + framed("Info \"last\""),
-         framed("diag Error 0x1010000")});
+        {answer("Info \"first\nline \"two\"\"") + answer("Info \"\"") + answer("Info \"last\""),
+         answer("diag Error 0x1010000")});
     Client client(link);
     EXPECT_EQ(execute(client, "diag").code, 0x1010000U);
     EXPECT_THAT(m_infos, ElementsAre("first\nline \"two\"", "", "last"));
@@ -75,14 +75,14 @@ TEST_F(ClientTest, HandsInfoMessagesOutInOrderBeforeTheAnswer) {
 
 TEST_F(ClientTest, TakesTheNameThatAnswersForUnknownCommands) {
     ScriptedLink link(
-        {framed("Info \"No Handler for the Command nosuch\"") + framed("Error Error 0x10")});
+        {answer("Info \"No Handler for the Command nosuch\"") + answer("Error Error 0x10")});
     Client client(link);
     EXPECT_EQ(execute(client, "nosuch").code, 0x10U);
     EXPECT_THAT(m_infos, ElementsAre("No Handler for the Command nosuch"));
 }
 
 TEST_F(ClientTest, TakesAnEmptyLineAsSuccess) {
-    ScriptedLink link({framed("")});
+    ScriptedLink link({answer("")});
     Client client(link);
     const Answer answer = execute(client, "ack");
     EXPECT_EQ(answer.text, "");
@@ -90,7 +90,7 @@ TEST_F(ClientTest, TakesAnEmptyLineAsSuccess) {
 }
 
 TEST_F(ClientTest, RunsCommandsOneAfterTheOther) {
-    ScriptedLink link({framed("status 1") + "\x02#au", "dio ok\x03\n"});
+    ScriptedLink link({answer("status 1") + "\x02#au", "dio ok\x03\n"});
     Client client(link);
     EXPECT_EQ(execute(client, "status").text, "1");
     EXPECT_EQ(execute(client, "audio").text, "ok");
@@ -98,14 +98,14 @@ TEST_F(ClientTest, RunsCommandsOneAfterTheOther) {
 }
 
 TEST_F(ClientTest, ReturnsTheAnswerAlthoughGarbageFollows) {
-    ScriptedLink link({framed("audio ok") + "garbage"});
+    ScriptedLink link({answer("audio ok") + "garbage"});
     Client client(link);
     EXPECT_EQ(execute(client, "audio").text, "ok");
 }
 
 TEST_F(ClientTest, FailsWhenTheConnectionEndsBeforeTheFinalLine) {
     for (const std::string& bytes :
-         {std::string(), framed("Info \"text\""), std::string("\x02#status o")}) {
+         {std::string(), answer("Info \"text\""), std::string("\x02#status o")}) {
         ScriptedLink link({});
         if (!bytes.empty())
             link = ScriptedLink({bytes});
@@ -118,7 +118,7 @@ TEST_F(ClientTest, FailsWhenTheConnectionEndsBeforeTheFinalLine) {
 }
 
 TEST_F(ClientTest, FailsOnAnAnswerToAnotherCommand) {
-    ScriptedLink link({framed("audio ok")});
+    ScriptedLink link({answer("audio ok")});
     Client client(link);
     EXPECT_THAT(failureOf([&] { execute(client, "status"); }),
                 FailsWith(Failure::Kind::MalformedAnswer, "expected one to 'status'"));
@@ -133,14 +133,14 @@ TEST_F(ClientTest, FailsOnBrokenFramingWithoutWaitingForMore) {
 }
 
 TEST_F(ClientTest, TakesAGreetingForNoAnswer) {
-    ScriptedLink link({framed("Info Production Test Server (Build x)") + framed("status ok")});
+    ScriptedLink link({answer("Info Production Test Server (Build x)") + answer("status ok")});
     Client client(link);
     EXPECT_EQ(execute(client, "status").text, "ok");
     EXPECT_THAT(m_infos, ElementsAre("Production Test Server (Build x)"));
 }
 
 TEST_F(ClientTest, NeedsNoAnswerToAckWhereEmptyAnswersAreNotSent) {
-    ScriptedLink link({framed("Info \"text\"")}, true);
+    ScriptedLink link({answer("Info \"text\"")}, true);
     Client client(link, Client::EmptyAnswer::NotSent);
     EXPECT_FALSE(execute(client, "ack").isRefusal());
     EXPECT_THAT(m_infos, ElementsAre("text"));
@@ -156,13 +156,13 @@ TEST_F(ClientTest, NeedsAnAnswerToAckWhereEmptyAnswersAreSent) {
 }
 
 TEST_F(ClientTest, TakesAnAnswerToAckThatComesAllTheSame) {
-    ScriptedLink link({framed("Error Error 0x10")}, true);
+    ScriptedLink link({answer("Error Error 0x10")}, true);
     Client client(link, Client::EmptyAnswer::NotSent);
     EXPECT_EQ(execute(client, "ack").code, 0x10U);
 }
 
 TEST_F(ClientTest, TakesWhatArrivedBefore) {
-    ScriptedLink link({framed("Info Production Test") + framed("status o"), framed("Info \"text\"")},
+    ScriptedLink link({answer("Info Production Test") + answer("status o"), answer("Info \"text\"")},
                       true);
     Client client(link);
     takeArrived(client);
@@ -181,7 +181,7 @@ TEST_F(ClientTest, DropsWhatArrivedBeforeAndIsNoLine) {
         Client client(link);
         takeArrived(client);
         EXPECT_THAT(m_infos, ElementsAre(kDropped));
-        link = ScriptedLink({framed("status ok")});
+        link = ScriptedLink({answer("status ok")});
         EXPECT_EQ(execute(client, "status").text, "ok");
     }
 }

@@ -41,19 +41,8 @@ LineScript::LineScript(std::function<void()> script)
           script();
       }) {}
 
-std::string unitFrame(std::string_view rest) {
-    return static_cast<char>(rest.size() + 1) + std::string(rest);
-}
-
-std::string debugFrame(std::string_view text) {
-    return unitFrame("d" + std::string(text));
-}
-
 std::string statusFrame(bool isFirst) {
-    const std::string header = {'s', 0x2C, static_cast<char>(isFirst ? 0 : 1), 0, 0, 0, 0};
-    const std::string known = "\x21\x11\x26\x09\x03\xA0\x24";
-    const std::string board = {0, 0x1A, 4};
-    return unitFrame(header + known + board + std::string(6, '\0'));
+    return ::statusFrame("2026/11/21 09:03", !isFirst);
 }
 
 } // namespace station

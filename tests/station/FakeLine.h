@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "client/Target.h"
+#include "support/BinaryFrames.h"
 #include "support/PseudoTerminal.h"
 
 namespace station {
@@ -39,15 +40,6 @@ public:
 private:
     std::thread m_thread;
 };
-
-/// What acknowledges an answer frame.
-constexpr std::string_view kAck = "\x02\x06";
-
-/// A frame with its length byte, from what follows that.
-std::string unitFrame(std::string_view rest);
-
-/// The debug frame with this text.
-std::string debugFrame(std::string_view text);
 
 /// The status frame of a unit built at 2026/11/21 09:03, with board revision 1A.
 std::string statusFrame(bool isFirst = false);

@@ -76,7 +76,7 @@ std::string UnitConnection::readRequest() const {
 }
 
 bool UnitConnection::sendText(std::string_view text) const {
-    return send(framed(text));
+    return send(answer(text));
 }
 
 void UnitConnection::resetAtEnd() const {
@@ -100,10 +100,6 @@ FakeUnit::~FakeUnit() {
     // Ends an accept() that nobody came for.
     ::shutdown(m_socket.descriptor(), SHUT_RDWR);
     m_thread.join();
-}
-
-std::string framed(std::string_view text) {
-    return "\x02#" + std::string(text) + "\x03\n";
 }
 
 } // namespace station

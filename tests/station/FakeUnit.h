@@ -9,6 +9,7 @@
 #include "client/Target.h"
 #include "platform/Descriptor.h"
 #include "support/ByteStream.h"
+#include "support/Lines.h"
 
 namespace station {
 
@@ -69,8 +70,5 @@ private:
     BoundSocket m_socket;
     std::thread m_thread;
 };
-
-/// `text` as a unit sends it.
-std::string framed(std::string_view text);
 
 } // namespace station

@@ -20,7 +20,7 @@ BinaryRequest encode(const FormCommand& command) {
 UnitFrame answerTo(const BinaryRequest& request, const std::string& payload) {
     const std::string kOk(4, '\0');
     const std::string bytes = payload.empty() ? "" : argumentBytes("hex(" + payload + ")");
-    return UnitFrame(unitFrame(request.bytes().substr(1, 3) + kOk + bytes));
+    return UnitFrame(framed(request.bytes().substr(1, 3) + kOk + bytes));
 }
 
 void print(const FormCommand& command, std::ostream* out) {

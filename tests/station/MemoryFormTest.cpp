@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(MemoryForm, TellsAWrongChecksumByItsCode) {
     const auto request =
         BinaryRequest::encode("memory", {"write", "8bitcrc", "2", "0", "hex(0102)", "9"});
-    const UnitFrame frame(unitFrame(std::string("\x74\x07\x02\x08\x00\x04\x00\x00\x00\x03", 10)));
+    const UnitFrame frame(framed(std::string("\x74\x07\x02\x08\x00\x04\x00\x00\x00\x03", 10)));
     ASSERT_TRUE(request.isAnsweredBy(frame));
     const Answer answer = request.answer(frame);
     EXPECT_EQ(answer.code, 0x08000400U);

@@ -33,7 +33,7 @@ Outcome exchange(const std::string& request, const std::string& reply,
 
 TEST(ProgramSerialAscii, PrintsTheAnswer) {
     const Outcome outcome =
-        exchange("\x02status 03\x03\n", framed("Info \"text\"") + framed("status base64(QQ==)"),
+        exchange("\x02status 03\x03\n", answer("Info \"text\"") + answer("status base64(QQ==)"),
                  {"status", "03"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.output, "base64(QQ==)\n");
@@ -42,7 +42,7 @@ TEST(ProgramSerialAscii, PrintsTheAnswer) {
 
 TEST(ProgramSerialAscii, TellsARefusal) {
     const Outcome outcome =
-        exchange("\x02status 05\x03\n", framed("status Error 0x1010000"), {"status", "05"});
+        exchange("\x02status 05\x03\n", answer("status Error 0x1010000"), {"status", "05"});
     EXPECT_EQ(outcome.exitCode, 5);
     EXPECT_EQ(outcome.errors, "station: refused: Error 0x1010000\n");
 }
@@ -52,7 +52,7 @@ constexpr char kShownGreeting[] = "Info \"Production Test Server (Build 2026/11/
 
 TEST(ProgramSerialAscii, TakesAGreetingThatComesAfterTheCommand) {
     const Outcome outcome =
-        exchange("\x02status\x03\n", framed(kGreeting) + framed("status ok"), {"status"});
+        exchange("\x02status\x03\n", answer(kGreeting) + answer("status ok"), {"status"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.output, "ok\n");
     EXPECT_EQ(outcome.errors, kShownGreeting);
@@ -65,7 +65,7 @@ TEST(ProgramSerialAscii, TakesWhatCameBeforeTheCommand) {
     {
         const LineScript unit([&] {
             EXPECT_EQ(line.receive(9), "\x02status\x03\n");
-            line.send(framed("status new"));
+            line.send(answer("status new"));
         });
         garbage = runOn(line, {"status"});
     }
@@ -73,12 +73,12 @@ TEST(ProgramSerialAscii, TakesWhatCameBeforeTheCommand) {
     EXPECT_EQ(garbage.output, "new\n");
     EXPECT_THAT(garbage.errors, HasSubstr("dropped what had arrived before the command"));
 
-    line.send(framed(kGreeting) + framed("status old"));
+    line.send(answer(kGreeting) + answer("status old"));
     Outcome outcome;
     {
         const LineScript unit([&] {
             EXPECT_EQ(line.receive(9), "\x02status\x03\n");
-            line.send(framed("status new"));
+            line.send(answer("status new"));
         });
         outcome = runOn(line, {"status"});
     }

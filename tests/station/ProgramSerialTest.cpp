@@ -17,7 +17,7 @@ using testing::StartsWith;
 
 const std::string kExecRequest = std::string("\x07\x63\x01\0\x05ls", 7);
 const std::string kExecOpening = std::string("\x63\x01\0\0\0\0\0", 7);
-const std::string kRefusal = unitFrame(std::string("\x63\x01\0\x01\x01\0\0", 7));
+const std::string kRefusal = framed(std::string("\x63\x01\0\x01\x01\0\0", 7));
 
 Outcome runOn(const FakeLine& line, const std::vector<std::string>& arguments) {
     return runStationAt(line.target().text(), arguments);
@@ -32,7 +32,7 @@ Outcome exchange(const std::string& request, const std::string& reply,
         const LineScript unit([&] {
             EXPECT_EQ(line.receive(request.size()), request);
             line.send(reply);
-            EXPECT_EQ(line.receive(kAck.size()), kAck);
+            EXPECT_EQ(line.receive(kAcknowledgement.size()), kAcknowledgement);
         });
         outcome = runOn(line, arguments);
     }
@@ -48,21 +48,19 @@ TEST(ProgramSerial, PrintsAStatus) {
 }
 
 TEST(ProgramSerial, PrintsTextAsItIs) {
-    EXPECT_EQ(
-        exchange("\x03s\x02", unitFrame(std::string("s\x02\0\0\0\0\0", 7) + "0323"), {"status", "02"})
-            .output,
-        "0323\n");
-    EXPECT_EQ(exchange(kExecRequest, unitFrame(kExecOpening + "a\nb\n"), {"exec", "command", "5", "ls"})
+    EXPECT_EQ(exchange("\x03s\x02", framed(std::string("s\x02\0\0\0\0\0", 7) + "0323"), {"status", "02"})
                   .output,
-              "a\nb\n");
-    EXPECT_EQ(exchange(kExecRequest, unitFrame(kExecOpening), {"exec", "command", "5", "ls"}).output,
-              "");
+              "0323\n");
+    EXPECT_EQ(
+        exchange(kExecRequest, framed(kExecOpening + "a\nb\n"), {"exec", "command", "5", "ls"}).output,
+        "a\nb\n");
+    EXPECT_EQ(exchange(kExecRequest, framed(kExecOpening), {"exec", "command", "5", "ls"}).output, "");
 }
 
 TEST(ProgramSerial, PrintsOtherBytesAsHex) {
-    EXPECT_EQ(exchange(kExecRequest, unitFrame(kExecOpening + "\xFF\n"), {"exec", "command", "5", "ls"})
-                  .output,
-              "hex(FF 0A)\n");
+    EXPECT_EQ(
+        exchange(kExecRequest, framed(kExecOpening + "\xFF\n"), {"exec", "command", "5", "ls"}).output,
+        "hex(FF 0A)\n");
 }
 
 TEST(ProgramSerial, TellsARefusalAndTheDebugTexts) {
@@ -75,7 +73,7 @@ TEST(ProgramSerial, TellsARefusalAndTheDebugTexts) {
 
 TEST(ProgramSerial, PrintsTheBytesOfAReadAsTheAsciiFormDoes) {
     const Outcome outcome = exchange(std::string("\x08t\0\x02\0\0\x01\0", 8),
-                                     unitFrame(std::string("t\0\x02\0\0\0\0", 7) + "\x01\xFF"),
+                                     framed(std::string("t\0\x02\0\0\0\0", 7) + "\x01\xFF"),
                                      {"--json", "memory", "read", "8bit", "2", "0x100"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     const json object = json::parse(outcome.output);
@@ -85,7 +83,7 @@ TEST(ProgramSerial, PrintsTheBytesOfAReadAsTheAsciiFormDoes) {
 
 TEST(ProgramSerial, TellsAPayloadThatCannotBe) {
     const Outcome outcome = exchange(std::string("\x08t\0\x02\0\0\x01\0", 8),
-                                     unitFrame(std::string("t\0\x02\0\0\0\0", 7) + "\x01"),
+                                     framed(std::string("t\0\x02\0\0\0\0", 7) + "\x01"),
                                      {"memory", "read", "8bit", "2", "0x100"});
     EXPECT_EQ(outcome.exitCode, 6);
     EXPECT_EQ(outcome.output, "");
@@ -96,7 +94,7 @@ TEST(ProgramSerial, TellsAPayloadThatCannotBe) {
 TEST(ProgramSerial, TellsAWrongChecksum) {
     const Outcome outcome =
         exchange(std::string("\x0Dt\x07\x02\0\0\x01\0\0\0\x09\x01\x02", 13),
-                 unitFrame(std::string("t\x07\x02\x08\0\x04\0\0\0\x03", 10)),
+                 framed(std::string("t\x07\x02\x08\0\x04\0\0\0\x03", 10)),
                  {"--json", "memory", "write", "8bitcrc", "2", "0x100", "hex(01 02)", "9"});
     EXPECT_EQ(outcome.exitCode, 5);
     const json object = json::parse(outcome.output);
@@ -111,7 +109,7 @@ TEST(ProgramSerial, SendsAckWithoutAnAnswer) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors, "");
-    EXPECT_EQ(line.receiveRest(), kAck);
+    EXPECT_EQ(line.receiveRest(), kAcknowledgement);
 }
 
 TEST(ProgramSerial, TakesAnAnnouncementThatCameBefore) {
@@ -120,10 +118,10 @@ TEST(ProgramSerial, TakesAnAnnouncementThatCameBefore) {
     Outcome outcome;
     {
         const LineScript unit([&] {
-            EXPECT_EQ(line.receive(kAck.size()), kAck);
+            EXPECT_EQ(line.receive(kAcknowledgement.size()), kAcknowledgement);
             EXPECT_EQ(line.receive(2), "\x02s");
             line.send(statusFrame());
-            EXPECT_EQ(line.receive(kAck.size()), kAck);
+            EXPECT_EQ(line.receive(kAcknowledgement.size()), kAcknowledgement);
         });
         outcome = runOn(line, {"status"});
     }
@@ -139,10 +137,10 @@ TEST(ProgramSerial, WaitsForTheAnnouncementWhenTold) {
         const LineScript unit([&] {
             line.waitForStation();
             line.sendByteByByte(statusFrame(true));
-            EXPECT_EQ(line.receive(kAck.size()), kAck);
+            EXPECT_EQ(line.receive(kAcknowledgement.size()), kAcknowledgement);
             EXPECT_EQ(line.receive(kExecRequest.size()), kExecRequest);
-            line.send(unitFrame(kExecOpening + "text"));
-            EXPECT_EQ(line.receive(kAck.size()), kAck);
+            line.send(framed(kExecOpening + "text"));
+            EXPECT_EQ(line.receive(kAcknowledgement.size()), kAcknowledgement);
         });
         outcome = runOn(line, {"--wait-startup", "exec", "command", "5", "ls"});
     }
@@ -220,16 +218,15 @@ TEST(ProgramSerial, PrintsEachFrameThatComesForRawBytes) {
     EXPECT_EQ(outcome.output, "hex(04 64 6E 6F)\nhex(08 63 01 00 01 01 00 00)\n");
     EXPECT_EQ(outcome.errors, "Info \"no\"\nstation: refused: Error 0x1010000\n");
 
-    const Outcome success = exchange("\x03s\x01", unitFrame(kExecOpening + "a"), {"raw", "hex(037301)"});
+    const Outcome success = exchange("\x03s\x01", framed(kExecOpening + "a"), {"raw", "hex(037301)"});
     EXPECT_EQ(success.exitCode, 0);
     EXPECT_EQ(success.output, "hex(09 63 01 00 00 00 00 00 61)\n");
     EXPECT_EQ(success.errors, "");
 }
 
 TEST(ProgramSerialJson, PrintsOneObject) {
-    const Outcome outcome =
-        exchange(kExecRequest, debugFrame("text") + unitFrame(kExecOpening + "\xFFz"),
-                 {"--json", "exec", "command", "5", "ls"});
+    const Outcome outcome = exchange(kExecRequest, debugFrame("text") + framed(kExecOpening + "\xFFz"),
+                                     {"--json", "exec", "command", "5", "ls"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
     json object = json::parse(outcome.output);
@@ -252,10 +249,9 @@ TEST(ProgramSerialJson, ShowsARefusal) {
 }
 
 TEST(ProgramSerialJson, ShowsEachFrameThatComesForRawBytes) {
-    const json object =
-        json::parse(exchange("\x03s\x01", debugFrame("no") + unitFrame(kExecOpening + "a"),
-                             {"--json", "raw", "hex(03 73 01)"})
-                        .output);
+    const json object = json::parse(exchange("\x03s\x01", debugFrame("no") + framed(kExecOpening + "a"),
+                                             {"--json", "raw", "hex(03 73 01)"})
+                                        .output);
     EXPECT_EQ(object["name"], "raw");
     EXPECT_EQ(object["answer"], "hex(04 64 6E 6F)\nhex(09 63 01 00 00 00 00 00 61)");
     EXPECT_EQ(object["info"], json({"no"}));
@@ -277,7 +273,7 @@ TEST(ProgramSerial, TakesDefaultsFromTheEnvironment) {
     {
         const LineScript unit([&] {
             EXPECT_EQ(line.receive(9), "\x02status\x03\n");
-            line.send(framed("status ok"));
+            line.send(answer("status ok"));
         });
         outcome = runStation(
             {{"status"}, {"STATION_TARGET=" + line.target().text(), "STATION_PROTOCOL=ascii"}});
@@ -288,7 +284,7 @@ TEST(ProgramSerial, TakesDefaultsFromTheEnvironment) {
         runStation({{"--target", line.target().text(), "--protocol", "binary", "ack"},
                     {"STATION_TARGET=nowhere", "STATION_PROTOCOL=ascii"}});
     EXPECT_EQ(preferred.exitCode, 0) << preferred.errors;
-    EXPECT_EQ(line.receiveRest(), kAck);
+    EXPECT_EQ(line.receiveRest(), kAcknowledgement);
 }
 
 struct Misuse {

@@ -214,7 +214,7 @@ TEST(SerialLink, CarriesCommandsAndTheirAcknowledgements) {
             for (int i = 0; i < 20; ++i) {
                 EXPECT_EQ(line.receive(2), "\x02s");
                 line.sendByteByByte(debugFrame("text") + statusFrame());
-                EXPECT_EQ(line.receive(2), kAck);
+                EXPECT_EQ(line.receive(2), kAcknowledgement);
             }
         });
         for (int i = 0; i < 20; ++i)

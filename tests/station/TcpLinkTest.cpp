@@ -55,7 +55,7 @@ TEST(TcpLink, CarriesACommandAndItsAnswer) {
 TEST(TcpLink, TakesAnAnswerThatComesByteByByte) {
     FakeUnit unit([](UnitConnection& connection) {
         connection.readRequest();
-        connection.sendByteByByte(framed("Info \"a\nb\"") + framed("status ok"));
+        connection.sendByteByByte(answer("Info \"a\nb\"") + answer("status ok"));
     });
     EXPECT_EQ(execute(unit.target(), "status", patient()).text, "ok");
 }

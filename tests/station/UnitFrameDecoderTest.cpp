@@ -20,8 +20,8 @@ std::vector<std::string> allFrames() {
     return {debugFrame(""),
             statusFrame(),
             debugFrame(std::string(253, 'x')),
-            unitFrame(std::string("c\x01\0\0\0\0\0", 7)),
-            unitFrame(std::string("c\x01\0\0\0\0\0", 7) + everyByte),
+            framed(std::string("c\x01\0\0\0\0\0", 7)),
+            framed(std::string("c\x01\0\0\0\0\0", 7) + everyByte),
             debugFrame("last")};
 }
 
@@ -124,7 +124,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Malformed{"\x07s", "a frame too short for an answer, beginning with hex(07 73"}));
 
 TEST(UnitFrame, TellsItsParts) {
-    const UnitFrame frame(unitFrame("\x63\x01\x02\x81\x23\x45\x67payload"));
+    const UnitFrame frame(framed("\x63\x01\x02\x81\x23\x45\x67payload"));
     EXPECT_FALSE(frame.isDebug());
     EXPECT_EQ(frame.id(), 0x63);
     EXPECT_EQ(frame.subCommand(), 0x01);
@@ -152,8 +152,8 @@ TEST(UnitFrame, TellsAStatusFromWhatIsNone) {
     std::string refusal = statusFrame();
     refusal[7] = 1;
     EXPECT_FALSE(UnitFrame(refusal).isStatus());
-    EXPECT_FALSE(UnitFrame(unitFrame(statusFrame().substr(1, 22))).isStatus());
-    EXPECT_FALSE(UnitFrame(unitFrame(statusFrame().substr(1) + "x")).isStatus());
+    EXPECT_FALSE(UnitFrame(framed(statusFrame().substr(1, 22))).isStatus());
+    EXPECT_FALSE(UnitFrame(framed(statusFrame().substr(1) + "x")).isStatus());
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 
 #include "frontends/CommandLexer.h"
 #include "frontends/LineAssembler.h"
+#include "support/Lines.h"
 #include "support/RecordingListener.h"
 
 using Tokens = std::vector<std::vector<char>>;
@@ -25,11 +26,6 @@ inline bool operator==(const Scan& left, const Scan& right) {
 inline void PrintTo(const Scan& scan, std::ostream* out) {
     *out << ::testing::PrintToString(scan.tokens) << " and the echo "
          << ::testing::PrintToString(scan.echo);
-}
-
-/// `text` as a command: between STX and ETX, LF.
-inline std::string commandLine(const std::string& text) {
-    return "\x02" + text + "\x03\n";
 }
 
 /// The tokens of one line.
@@ -50,7 +46,7 @@ class LexerFixture : public ::testing::Test {
 protected:
     LexerFixture() { startOver(); }
 
-    static void startOver() { scanTokens(commandLine("old")); }
+    static void startOver() { scanTokens(request("old")); }
 
     static Scan scan(const std::string& line) {
         ::testing::internal::CaptureStdout();

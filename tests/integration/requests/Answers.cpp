@@ -8,8 +8,8 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "line/BinaryFrames.h"
 #include "requests/Notation.h"
+#include "support/BinaryFrames.h"
 #include "support/Lines.h"
 
 namespace {

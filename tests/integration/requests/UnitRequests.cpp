@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "line/BinaryFrames.h"
 #include "requests/Notation.h"
+#include "support/BinaryFrames.h"
 #include "support/UnitFiles.h"
 
 namespace {

@@ -52,6 +52,12 @@ void makeFifo(const std::string& path) {
     require(::mkfifo(path.c_str(), S_IRUSR | S_IWUSR) == 0, path);
 }
 
+void makeSilent(const std::string& path) {
+    if (exists(path))
+        removeFile(path);
+    makeFifo(path);
+}
+
 void makeLink(const std::string& path, const std::string& target) {
     require(::symlink(target.c_str(), path.c_str()) == 0, path);
 }

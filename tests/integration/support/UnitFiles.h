@@ -28,4 +28,7 @@ void makeFolder(const std::string& path);
 
 void makeFifo(const std::string& path);
 
+/// A node that opens and says nothing, in place of what is there.
+void makeSilent(const std::string& path);
+
 void makeLink(const std::string& path, const std::string& target);

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "line/Adapter.h"
-#include "line/BinaryFrames.h"
+#include "support/BinaryFrames.h"
 #include "support/Daemon.h"
 
 /// What the daemon writes to standard error about its line, without the prefix of each line.

@@ -1,4 +1,4 @@
-#include "line/BinaryFrames.h"
+#include "support/BinaryFrames.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -20,16 +20,20 @@ std::string request(const std::string& text) {
     return "\x02" + text + "\x03\n";
 }
 
-std::string answer(const std::string& text) {
-    return "\x02#" + text + "\x03\n";
+std::string answer(std::string_view text) {
+    return std::string("\x02#").append(text).append("\x03\n");
 }
 
 std::string unknown(const std::string& name) {
     return answer("Info \"No Handler for the Command " + name + "\"") + answer("Error Error 0x10");
 }
 
+std::string refused(const std::string& command, const std::string& code, const std::string& message) {
+    return answer("Info \"" + message + "\"") + answer(command + " Error 0x" + code);
+}
+
 std::string failure(const std::string& command, const std::string& message) {
-    return answer("Info \"" + message + "\"") + answer(command + " Error 0x1010000");
+    return refused(command, "1010000", message);
 }
 
 std::string base64(std::string_view bytes) {
@@ -47,7 +51,7 @@ std::string base64(std::string_view bytes) {
     return text;
 }
 
-void expectExchange(Connection& station, const std::string& sent, const std::string& received) {
+void expectExchange(const ByteStream& station, const std::string& sent, const std::string& received) {
     station.send(sent);
     const std::string bytes = station.receive(received.size());
     EXPECT_TRUE(bytes == received) << "sent     " << testing::PrintToString(shown(sent)) << "\nexpected "
@@ -56,6 +60,6 @@ void expectExchange(Connection& station, const std::string& sent, const std::str
                                    << " of " << received.size() << " bytes)";
 }
 
-void expectNothingMore(Connection& station) {
+void expectNothingMore(const ByteStream& station) {
     expectExchange(station, request("nothingMore"), unknown("nothingMore"));
 }
