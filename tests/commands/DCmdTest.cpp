@@ -30,18 +30,11 @@ Tokens line(const std::string& type, const std::string& offset, const std::strin
     return tokens({"diag", "cksum", type, offset, length});
 }
 
-class DCmdTest : public ScratchFixture {
+class DCmdTest : public CommandTest<DCmd, ScratchFixture> {
 protected:
-    static DCmd& diagnostics() { return *DCmd::getInstance(); }
-
-    DCmdTest() { diagnostics(); }
-
-    static Response process(Bytes frame) { return Response(diagnostics().process(&frame)); }
-    static Response process(Tokens list) { return Response(diagnostics().process(list)); }
-
     void expectChecksum(const Bytes& frame, unsigned int checksum) {
         const Bytes answer = joined({12, 'D', 9, frame[3], 0, 0, 0, 0}, bigEndian(checksum));
-        const Response response = process(frame);
+        const Response response = run(frame);
         EXPECT_EQ(response->code, 0u);
         EXPECT_EQ(frameOf(*response), answer);
         EXPECT_EQ(send(frame), answer);
@@ -49,23 +42,11 @@ protected:
     }
 
     void expectChecksum(const Tokens& list, const std::string& base64) {
-        const Response response = process(list);
+        const Response response = run(list);
         EXPECT_EQ(response->code, 0u);
         EXPECT_EQ(answerOf(*response), "cksum base64(" + base64 + ")");
         EXPECT_EQ(send(list), "diag cksum base64(" + base64 + ")");
         EXPECT_THAT(m_listener.lines, IsEmpty());
-    }
-
-    void expectRefused(const Bytes& frame, unsigned int code, const std::string& text) {
-        SCOPED_TRACE(::testing::PrintToString(frame));
-        expectError(*process(frame), code, text);
-        expectErrorFrames(frame, code, text);
-    }
-
-    void expectRefused(const Tokens& list, unsigned int code, const std::string& text) {
-        SCOPED_TRACE(::testing::PrintToString(list));
-        expectError(*process(list), code, text);
-        expectErrorLines(list, string_format("diag Error 0x%X", code), text);
     }
 };
 
@@ -83,9 +64,7 @@ Bytes inOrder() {
 } // namespace
 
 TEST_F(DCmdTest, HasItsIdAndName) {
-    EXPECT_EQ(diagnostics().tavrin_getName(), 'D');
-    EXPECT_EQ(diagnostics().ascii_getName(), "diag");
-    EXPECT_EQ(DCmd::getInstance(), DCmd::getInstance());
+    expectIdAndName('D', "diag");
 }
 
 TEST_F(DCmdTest, AnswersTheChecksumOfARange) {
@@ -118,7 +97,7 @@ TEST_F(DCmdTest, ChecksumsAllZeroBytesThatCanBeReached) {
     inFreshProcess([] {
         store(0, Bytes(kPrepared));
         store(kScratchBytes - kPrepared, Bytes(kPrepared));
-        const Response response = process(request(0, 0, kScratchBytes - 1));
+        const Response response = run(request(0, 0, kScratchBytes - 1));
         EXPECT_EQ(frameOf(*response), (Bytes{12, 'D', 9, 0, 0, 0, 0, 0, 0xE1, 0xDF, 0x95, 0x42}));
     });
 }
@@ -212,10 +191,10 @@ TEST_F(DCmdTest, RefusesFramesOfAnotherKind) {
 }
 
 TEST_F(DCmdTest, RefusesFramesTooShortToBeAnswered) {
-    expectError(*process(Bytes{2, 'D'}), kGenericError, kUnexpected);
-    expectError(*process(Bytes{}), kGenericError, kUnexpected);
-    expectError(*Response(diagnostics().process(static_cast<Bytes*>(nullptr))), kGenericError,
-                kUnexpected);
+    expectRefused(Bytes{2, 'D'}, kGenericError, kUnexpected);
+    Bytes none;
+    expectError(Response(command().process(&none)), kGenericError, kUnexpected);
+    expectError(Response(command().process(static_cast<Bytes*>(nullptr))), kGenericError, kUnexpected);
     EXPECT_THROW(send(Bytes{3, 'D', 9}), std::out_of_range);
     EXPECT_THAT(m_listener.frames,
                 ElementsAre(debugFrame(kInvalidLength), debugFrame("request size < 4")));
@@ -226,16 +205,16 @@ TEST_F(DCmdTest, TakesExactlyFiveTokens) {
     expectRefused(tokens({"diag", "cksum", "0", "0"}), kGenericError, kInvalidLength);
     expectRefused(tokens({"diag", "cksum", "0", "0", "9", "9"}), kGenericError, kInvalidLength);
     expectRefused(tokens({"diag", "wrong", "0", "0"}), kGenericError, kInvalidLength);
-    expectError(*process(Tokens{}), kGenericError, kInvalidLength);
+    expectRefused(Tokens{}, kGenericError, kInvalidLength);
 }
 
 TEST_F(DCmdTest, PutsTheChecksumIntoFourBytes) {
     store(0, {0x12, 0x34, 0x56, 0x78});
     Bytes result(4, 0x5A);
-    const Response refused(diagnostics().processData(0, 0, 3, result));
-    expectError(*refused, kSizeError, kTooSmall);
+    const Response refused(command().processData(0, 0, 3, result));
+    expectError(refused, kSizeError, kTooSmall);
     EXPECT_EQ(result, Bytes(4, 0x5A));
-    EXPECT_EQ(Response(diagnostics().processData(0, 0, 4, result))->code, 0u);
+    EXPECT_EQ(Response(command().processData(0, 0, 4, result))->code, 0u);
     EXPECT_THAT(result, ElementsAre(0x12, 0x34, 0x56, 0x78));
 }
 
@@ -252,11 +231,11 @@ TEST_F(DCmdTest, WithoutMemoryForTheTableThereIsNoChecksumUntilThereIs) {
     inFreshProcess([] {
         store(0, digits());
         refuseTableMemory(true);
-        expectError(*process(request(0, 0, 9)), kSizeError, "Memory allocation failure");
-        expectError(*process(line("0", "0", "9")), kSizeError, "Memory allocation failure");
-        expectError(*process(request(0, 0, 3)), kSizeError, kTooSmall);
+        expectError(run(request(0, 0, 9)), kSizeError, "Memory allocation failure");
+        expectError(run(line("0", "0", "9")), kSizeError, "Memory allocation failure");
+        expectError(run(request(0, 0, 3)), kSizeError, kTooSmall);
         refuseTableMemory(false);
-        EXPECT_EQ(answerOf(*process(line("0", "0", "9"))), "cksum base64(dFJwgQ==)");
+        EXPECT_EQ(answerOf(*run(line("0", "0", "9"))), "cksum base64(dFJwgQ==)");
     });
 }
 

@@ -2,22 +2,16 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <memory>
 #include <stdexcept>
 
 #include "commands/GCmd.h"
-#include "core/StringFormat.h"
-#include "support/FrontEnd.h"
+#include "support/CommandBench.h"
 #include "support/RefusedResources.h"
 
 using ::testing::ElementsAre;
 
 namespace {
 
-using Response = std::unique_ptr<ProcessResponse>;
-using Words = std::vector<std::string>;
-
-constexpr unsigned int kGenericError = 0x01010000;
 constexpr unsigned int kInvalidOutput = 0x49000002;
 constexpr unsigned int kInvalidIndex = 0x49000004;
 constexpr unsigned int kInvalidInput = 0x49000008;
@@ -29,36 +23,9 @@ constexpr char kNoLibraryPath[] =
 constexpr char kNoConfiguration[] =
     "Error when setting  env. variable IPL_CONFIG_DIR forshowimage application";
 
-class GCmdRefusalTest : public ::testing::Test {
+class GCmdRefusalTest : public CommandTest<GCmd> {
 protected:
-    GCmdRefusalTest() { graphics(); }
     ~GCmdRefusalTest() override { refuseVariable(nullptr); }
-
-    static GCmd& graphics() { return *GCmd::getInstance(); }
-
-    static void expectResponse(const ProcessResponse& response, unsigned int code,
-                               const std::string& text) {
-        EXPECT_EQ(response.code, code);
-        EXPECT_EQ(response.message, text);
-        EXPECT_EQ(response.protocol, 0);
-    }
-
-    void expectError(Bytes request, unsigned int code, const std::string& text) {
-        SCOPED_TRACE(::testing::PrintToString(request));
-        expectResponse(*Response(graphics().process(&request)), code, text);
-        EXPECT_THAT(m_frontEnd.send(request),
-                    ElementsAre(8, 'G', request[2], request[3], code >> 24, code >> 16 & 0xFF,
-                                code >> 8 & 0xFF, code & 0xFF));
-        EXPECT_THAT(m_frontEnd.frames, ElementsAre(debugFrame(text)));
-    }
-
-    void expectError(const Words& words, unsigned int code, const std::string& text) {
-        SCOPED_TRACE(::testing::PrintToString(words));
-        Tokens list = tokens(words);
-        expectResponse(*Response(graphics().process(list)), code, text);
-        EXPECT_EQ(m_frontEnd.sendWords(words), string_format("graphic Error 0x%X", code));
-        EXPECT_THAT(m_frontEnd.lines, ElementsAre(infoLine(text)));
-    }
 
     FrontEnd m_frontEnd;
 };
@@ -66,9 +33,7 @@ protected:
 } // namespace
 
 TEST_F(GCmdRefusalTest, HasItsIdAndName) {
-    EXPECT_EQ(graphics().tavrin_getName(), 'G');
-    EXPECT_EQ(graphics().ascii_getName(), "graphic");
-    EXPECT_EQ(GCmd::getInstance(), GCmd::getInstance());
+    expectIdAndName('G', "graphic");
 }
 
 TEST_F(GCmdRefusalTest, TheVariantsHaveTheirNumbers) {
@@ -98,9 +63,9 @@ TEST_F(GCmdRefusalTest, FramesOfAnotherLength) {
     for (const Bytes& request :
          {Bytes{4, 'G', 0xA0, 0}, Bytes{6, 'G', 0xA0, 0, 0, 0}, Bytes{6, 'G', 0xA0, 0, 3, 0},
           Bytes{4, 'G', 0xA1, 0}, Bytes{5, 'G', 0xA1, 0, 0}, Bytes{7, 'G', 0xA1, 0, 0, 0, 0}})
-        expectError(request, kGenericError, kInvalidLength);
+        expectRefused(request, kGenericError, kInvalidLength);
     Bytes tooShort = {3, 'G', 0xA0};
-    expectResponse(*Response(graphics().process(&tooShort)), kGenericError, kInvalidLength);
+    expectError(Response(command().process(&tooShort)), kGenericError, kInvalidLength);
     EXPECT_THROW(m_frontEnd.send(tooShort), std::out_of_range);
     EXPECT_THAT(m_frontEnd.frames,
                 ElementsAre(debugFrame(kInvalidLength), debugFrame("request size < 4")));
@@ -114,66 +79,65 @@ TEST_F(GCmdRefusalTest, FramesOfAnotherKind) {
     for (const Row& row :
          {Row{0x00, "00"}, Row{0x0A, "0a"}, Row{0x9F, "9f"}, Row{0xA2, "a2"}, Row{0xFF, "ff"}}) {
         const std::string text = "Unknown 'G' subcommand: " + std::string(row.shown);
-        expectError(Bytes{5, 'G', row.code, 0, 0}, kGenericError, text);
-        expectError(Bytes{7, 'G', row.code, 0, 0, 0, 0}, kGenericError, text);
+        expectRefused(Bytes{5, 'G', row.code, 0, 0}, kGenericError, text);
+        expectRefused(Bytes{7, 'G', row.code, 0, 0, 0, 0}, kGenericError, text);
     }
     for (Bytes request : {Bytes{2, 'G'}, Bytes{}})
-        expectResponse(*Response(graphics().process(&request)), kGenericError,
-                       "Unknown 'G' subcommand: ffffffff");
-    expectResponse(*Response(graphics().process(static_cast<Bytes*>(nullptr))), kGenericError,
-                   "Unknown 'G' subcommand: ffffffff");
+        expectError(Response(command().process(&request)), kGenericError,
+                    "Unknown 'G' subcommand: ffffffff");
+    expectError(Response(command().process(static_cast<Bytes*>(nullptr))), kGenericError,
+                "Unknown 'G' subcommand: ffffffff");
 }
 
 TEST_F(GCmdRefusalTest, LinesOfAnotherKind) {
-    expectError(Words{"graphic"}, kGenericError, "Expected a subcommand!");
+    expectRefused(Words{"graphic"}, kGenericError, "Expected a subcommand!");
     Tokens none;
-    expectResponse(*Response(graphics().process(none)), kGenericError, "Expected a subcommand!");
+    expectError(Response(command().process(none)), kGenericError, "Expected a subcommand!");
     for (const char* word :
          {"displa", "Display", " display", "captur", "CAPTURE", "show", "0xA0", "%s%n%x"})
-        expectError(Words{"graphic", word, "0", "0"}, kGenericError,
-                    "Unknown 'graphic' subcommand: " + std::string(word));
-    expectError(Words{"graphic", "wrong"}, kGenericError, "Unknown 'graphic' subcommand: wrong");
+        expectRefused(Words{"graphic", word, "0", "0"}, kGenericError,
+                      "Unknown 'graphic' subcommand: " + std::string(word));
+    expectRefused(Words{"graphic", "wrong"}, kGenericError, "Unknown 'graphic' subcommand: wrong");
     Tokens unended = {token("graphic"), {'d', 'i', 's'}};
-    expectResponse(*Response(graphics().process(unended)), kGenericError,
-                   "Unknown 'graphic' subcommand: dis");
+    expectError(Response(command().process(unended)), kGenericError,
+                "Unknown 'graphic' subcommand: dis");
     Tokens empty = {token("graphic"), {}};
-    expectResponse(*Response(graphics().process(empty)), kGenericError,
-                   "Unknown 'graphic' subcommand: ");
+    expectError(Response(command().process(empty)), kGenericError, "Unknown 'graphic' subcommand: ");
 }
 
 TEST_F(GCmdRefusalTest, LinesWithoutAllTheirNumbers) {
     for (const Words& words : {Words{"graphic", "display"}, Words{"graphic", "display", "0"}})
-        expectError(words, kGenericError, "Expected an output channel and a picture index!");
+        expectRefused(words, kGenericError, "Expected an output channel and a picture index!");
     for (const Words& words : {Words{"graphic", "capture"}, Words{"graphic", "capture", "0"}})
-        expectError(words, kGenericError, "Expected an input channel and an output channel!");
+        expectRefused(words, kGenericError, "Expected an input channel and an output channel!");
 }
 
 TEST_F(GCmdRefusalTest, PicturesThatThereAreNot) {
     for (const unsigned char index : Bytes{3, 4, 0x80, 0xFF}) {
-        expectError(Bytes{5, 'G', 0xA0, 0, index}, kInvalidIndex, kNoIndex);
-        expectResponse(graphics().displayTestImage(0, index), kInvalidIndex, kNoIndex);
+        expectRefused(Bytes{5, 'G', 0xA0, 0, index}, kInvalidIndex, kNoIndex);
+        expectError(command().displayTestImage(0, index), kInvalidIndex, kNoIndex);
     }
     for (const char* index : {"3", "0x3", "255", "-1", "259", "-253"})
-        expectError(Words{"graphic", "display", "0", index}, kInvalidIndex, kNoIndex);
-    expectError(Words{"graphic", "display", "256", "3"}, kInvalidIndex, kNoIndex);
+        expectRefused(Words{"graphic", "display", "0", index}, kInvalidIndex, kNoIndex);
+    expectRefused(Words{"graphic", "display", "256", "3"}, kInvalidIndex, kNoIndex);
 }
 
 TEST_F(GCmdRefusalTest, ChannelsThatCarryNoVideo) {
     for (const unsigned char output : Bytes{2, 3, 4, 0xFF}) {
         const std::string text =
             "The output channel : " + std::to_string(output) + " is invalid for video";
-        expectError(Bytes{6, 'G', 0xA1, 0, 0, output}, kInvalidOutput, text);
-        expectError(Bytes{6, 'G', 0xA1, 0, 9, output}, kInvalidOutput, text);
-        expectError(Words{"graphic", "capture", "0", std::to_string(output)}, kInvalidOutput, text);
+        expectRefused(Bytes{6, 'G', 0xA1, 0, 0, output}, kInvalidOutput, text);
+        expectRefused(Bytes{6, 'G', 0xA1, 0, 9, output}, kInvalidOutput, text);
+        expectRefused(Words{"graphic", "capture", "0", std::to_string(output)}, kInvalidOutput, text);
     }
     for (const unsigned char input : Bytes{1, 4, 0x80, 0xFF}) {
         const std::string text =
             "The input channel : " + std::to_string(input) + " is invalid for video";
-        expectError(Bytes{6, 'G', 0xA1, 0, input, 0}, kInvalidInput, text);
-        expectError(Words{"graphic", "capture", std::to_string(input), "1"}, kInvalidInput, text);
+        expectRefused(Bytes{6, 'G', 0xA1, 0, input, 0}, kInvalidInput, text);
+        expectRefused(Words{"graphic", "capture", std::to_string(input), "1"}, kInvalidInput, text);
     }
-    expectError(Words{"graphic", "capture", "257", "0"}, kInvalidInput,
-                "The input channel : 1 is invalid for video");
+    expectRefused(Words{"graphic", "capture", "257", "0"}, kInvalidInput,
+                  "The input channel : 1 is invalid for video");
 }
 
 TEST_F(GCmdRefusalTest, AnEnvironmentThatCannotBeSet) {
@@ -184,12 +148,12 @@ TEST_F(GCmdRefusalTest, AnEnvironmentThatCannotBeSet) {
     for (const Row& row :
          {Row{"LD_LIBRARY_PATH", kNoLibraryPath}, Row{"IPL_CONFIG_DIR", kNoConfiguration}}) {
         refuseVariable(row.variable);
-        expectResponse(GCmd::setEnvVar(), kGenericError, row.text);
-        expectResponse(graphics().switchToBlack(0), kGenericError, row.text);
-        expectError(Bytes{5, 'G', 0xA0, 0, 0}, kGenericError, row.text);
-        expectError(Words{"graphic", "display", "0", "0"}, kGenericError, row.text);
+        expectError(GCmd::setEnvVar(), kGenericError, row.text);
+        expectError(command().switchToBlack(0), kGenericError, row.text);
+        expectRefused(Bytes{5, 'G', 0xA0, 0, 0}, kGenericError, row.text);
+        expectRefused(Words{"graphic", "display", "0", "0"}, kGenericError, row.text);
         for (const char* input : {"0", "2", "3"})
-            expectError(Words{"graphic", "capture", input, "0"}, kGenericError, row.text);
+            expectRefused(Words{"graphic", "capture", input, "0"}, kGenericError, row.text);
     }
 }
 
@@ -197,7 +161,7 @@ TEST_F(GCmdRefusalTest, TheEnvironmentIsOverwritten) {
     ::setenv("LD_LIBRARY_PATH", "/before", 1);
     ::unsetenv("IPL_CONFIG_DIR");
     for (int time = 0; time < 2; ++time) {
-        expectResponse(GCmd::setEnvVar(), 0, "");
+        expectError(GCmd::setEnvVar(), 0, "");
         EXPECT_STREQ(std::getenv("LD_LIBRARY_PATH"),
                      "/root/lib-target:/vrk/lib:/armle/lib:/armle/lib/dll");
         EXPECT_STREQ(std::getenv("IPL_CONFIG_DIR"), "/etc/vrk/production");

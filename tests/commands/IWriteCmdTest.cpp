@@ -15,19 +15,7 @@ constexpr unsigned kSpeedError = 0x0700000D;
 
 constexpr char kTooFewBytes[] = "Bytes to Write is out of Range of received Bytes";
 
-class IWriteCmdTest : public I2cUnit {
-protected:
-    static IWriteCmd& command() { return *IWriteCmd::getInstance(); }
-    static Response process(const Bytes& request) { return run(command(), request); }
-
-    /// Both the response and what is sent.
-    void expectRefused(const Bytes& request, unsigned code, const std::string& text) {
-        SCOPED_TRACE(::testing::PrintToString(request));
-        expectError(process(request), code, text);
-        if (request.size() >= 4)
-            expectErrorFrame(request, code, text);
-    }
-};
+using IWriteCmdTest = CommandTest<IWriteCmd, I2cUnit>;
 
 /// A write of `count` bytes, of which `data` are there.
 Bytes writing(unsigned char bus, unsigned char count, const Bytes& data) {
@@ -37,14 +25,12 @@ Bytes writing(unsigned char bus, unsigned char count, const Bytes& data) {
 } // namespace
 
 TEST_F(IWriteCmdTest, HasItsIdAndNoName) {
-    EXPECT_EQ(command().tavrin_getName(), 'I');
-    EXPECT_EQ(command().ascii_getName(), "");
-    EXPECT_EQ(IWriteCmd::getInstance(), IWriteCmd::getInstance());
+    expectIdAndName('I', "");
 }
 
 TEST_F(IWriteCmdTest, HasNoAsciiForm) {
-    expectError(run(command(), Tokens{}), kGenericError, "IWrite is implemented in i2c");
-    expectError(run(command(), tokens({"i2c", "write", "0", "1", "x"})), kGenericError,
+    expectError(run(Tokens{}), kGenericError, "IWrite is implemented in i2c");
+    expectError(run(tokens({"i2c", "write", "0", "1", "x"})), kGenericError,
                 "IWrite is implemented in i2c");
     EXPECT_EQ(m_manager->connections(), 0);
 }
@@ -61,10 +47,10 @@ TEST_F(IWriteCmdTest, TheAddressIsSentAsTheFirstByteToo) {
 
 TEST_F(IWriteCmdTest, SuccessIsAResponseWithoutPayload) {
     m_manager->willAnswer(0);
-    const Response written = process({5, 'I', 0, 1, 0x50});
+    const Response written = run({5, 'I', 0, 1, 0x50});
     EXPECT_EQ(written->code, 0u);
     EXPECT_EQ(written->protocol, 't');
-    const Response set = process({6, 'I', 255, 0, 0, 1});
+    const Response set = run({6, 'I', 255, 0, 0, 1});
     EXPECT_EQ(set->code, 0u);
     EXPECT_EQ(set->protocol, 't');
 }

@@ -13,34 +13,20 @@ using ::testing::IsEmpty;
 
 namespace {
 
-constexpr unsigned int kOutOfRange = 0x27000010;
-constexpr unsigned int kNotAnOutput = 0x27000040;
-constexpr unsigned int kAccessFailed = 0x27000000;
-constexpr unsigned int kWriteFailed = 0x27010000;
-constexpr unsigned int kNotAvailable = 0x40000001;
-
-class PWriteCmdTest : public PortFixture {
+class PWriteCmdTest : public CommandTest<PWriteCmd, PortFixture> {
 protected:
-    static PWriteCmd& command() { return *PWriteCmd::getInstance(); }
-
-    static Response process(Bytes request) { return Response(command().tavrin_preCheck(&request)); }
-    static Response writePort(unsigned char port, unsigned char value) {
-        return process({6, 'P', 0xE3, 1, port, value});
+    static Bytes writing(unsigned char port, unsigned char value) {
+        return {6, 'P', 0xE3, 1, port, value};
     }
-
-    static void expectError(const Response& response, unsigned int code, const std::string& text) {
-        EXPECT_EQ(response->code, code);
-        EXPECT_EQ(response->message, text);
-        EXPECT_EQ(response->protocol, 0);
+    static Response writePort(unsigned char port, unsigned char value) {
+        return run(writing(port, value));
     }
 };
 
 } // namespace
 
 TEST_F(PWriteCmdTest, HasAnIdAndNoName) {
-    EXPECT_EQ(command().tavrin_getName(), 'P');
-    EXPECT_EQ(command().ascii_getName(), "");
-    EXPECT_EQ(PWriteCmd::getInstance(), PWriteCmd::getInstance());
+    expectIdAndName('P', "");
 }
 
 TEST_F(PWriteCmdTest, WritesOutputsAndNothingElse) {
@@ -49,9 +35,8 @@ TEST_F(PWriteCmdTest, WritesOutputsAndNothingElse) {
         SCOPED_TRACE(port.name);
         const Bytes high = m_frontEnd.send({6, 'P', 0xE3, 1, port.number, 0x04});
         if (port.type != kOutput) {
-            EXPECT_THAT(high, ElementsAre(8, 'P', 0xE3, 1, 0x27, 0, 0, 0x40));
-            EXPECT_THAT(m_frontEnd.frames, ElementsAre(debugFrame("Port " + std::to_string(port.number) +
-                                                                  " is not an Output Port")));
+            expectRefused(writing(port.number, 0x04), kNotAnOutput,
+                          "Port " + std::to_string(port.number) + " is not an Output Port");
             EXPECT_EQ(allLevels(), before);
             continue;
         }
@@ -89,9 +74,9 @@ TEST_F(PWriteCmdTest, WritesTheFirstCharacterAndLeavesTheRest) {
 
 TEST_F(PWriteCmdTest, AnInputIsNotEvenOpened) {
     relink(kPorts[1], nullptr);
-    expectError(writePort(1, 0x04), kNotAnOutput, "Port 1 is not an Output Port");
+    expectRefused(writing(1, 0x04), kNotAnOutput, "Port 1 is not an Output Port");
     relink(kPorts[1], kSomeFolder);
-    expectError(writePort(1, 0x04), kNotAnOutput, "Port 1 is not an Output Port");
+    expectRefused(writing(1, 0x04), kNotAnOutput, "Port 1 is not an Output Port");
 }
 
 TEST_F(PWriteCmdTest, APortThatCannotBeOpenedIsReported) {
@@ -105,11 +90,10 @@ TEST_F(PWriteCmdTest, APortThatCannotBeOpenedIsReported) {
     for (const OddNode& odd : nodes) {
         SCOPED_TRACE(odd.target);
         relink(kPorts[6], odd.target);
-        expectError(writePort(6, 0x04), kAccessFailed,
-                    "Open Port 6 results in Error " + std::to_string(odd.error) + ": " + odd.reason);
+        expectRefused(writing(6, 0x04), kAccessFailed,
+                      "Open Port 6 results in Error " + std::to_string(odd.error) + ": " + odd.reason);
     }
     EXPECT_EQ(openDescriptors(), before);
-    EXPECT_THAT(m_frontEnd.send({6, 'P', 0xE3, 1, 6, 4}), ElementsAre(8, 'P', 0xE3, 1, 0x27, 0, 0, 0));
 }
 
 TEST_F(PWriteCmdTest, APortThatMustNotBeOpenedIsReported) {
@@ -122,24 +106,21 @@ TEST_F(PWriteCmdTest, APortThatMustNotBeOpenedIsReported) {
 
 TEST_F(PWriteCmdTest, AnAbsentPortIsNotMade) {
     relink(kPorts[16], nullptr);
-    expectError(writePort(16, 0x04), kNotAvailable, "Port 16 does not exist on this Hardware");
+    expectRefused(writing(16, 0x04), kNotAvailable, "Port 16 does not exist on this Hardware");
     EXPECT_FALSE(exists(node(kPorts[16])));
     relink(kPorts[16], kNothing);
-    expectError(writePort(16, 0x04), kNotAvailable, "Port 16 does not exist on this Hardware");
+    expectRefused(writing(16, 0x04), kNotAvailable, "Port 16 does not exist on this Hardware");
     EXPECT_FALSE(exists(kNothing));
     remove(kFolder);
-    EXPECT_THAT(m_frontEnd.send({6, 'P', 0xE3, 1, 0, 4}), ElementsAre(8, 'P', 0xE3, 1, 0x40, 0, 0, 1));
-    EXPECT_THAT(m_frontEnd.frames, ElementsAre(debugFrame("Port 0 does not exist on this Hardware")));
+    expectRefused(writing(0, 0x04), kNotAvailable, "Port 0 does not exist on this Hardware");
 }
 
 TEST_F(PWriteCmdTest, AFailedWriteIsReported) {
     const std::size_t before = openDescriptors();
     relink(kPorts[13], "/dev/full");
-    expectError(writePort(13, 0x04), kWriteFailed,
-                "Writing to Port 13 results in Error 28: No space left on device");
+    expectRefused(writing(13, 0x04), kWriteFailed,
+                  "Writing to Port 13 results in Error 28: No space left on device");
     EXPECT_EQ(openDescriptors(), before);
-    EXPECT_THAT(m_frontEnd.send({6, 'P', 0xE3, 1, 13, 0}),
-                ElementsAre(8, 'P', 0xE3, 1, 0x27, 0x01, 0, 0));
     relink(kPorts[13], nullptr);
     setLevel(kPorts[13], "0");
     EXPECT_EQ(writePort(13, 0x04)->code, 0u);
@@ -147,13 +128,8 @@ TEST_F(PWriteCmdTest, AFailedWriteIsReported) {
 }
 
 TEST_F(PWriteCmdTest, WhatIsNoRequestForItIsRefused) {
-    struct Row {
-        Bytes request;
-        unsigned int code;
-        const char* text;
-    };
     const char* const noCommand = "Command not supported";
-    const Row rows[] = {
+    expectRefused(RefusedFrames{
         {{2, 'P'}, kGenericError, noCommand},
         {{3, 'P', 0xE3}, kGenericError, noCommand},
         {{4, 'P', 0xE3, 0}, kGenericError, noCommand},
@@ -166,11 +142,7 @@ TEST_F(PWriteCmdTest, WhatIsNoRequestForItIsRefused) {
          "Invalid Command Length: Expected a Length of 6, get 7"},
         {{6, 'P', 0xE3, 1, 21, 4}, kOutOfRange, "Invalid Port: 21. Allowed port range is: [0,20]"},
         {{6, 'P', 0xE3, 1, 255, 4}, kOutOfRange, "Invalid Port: 255. Allowed port range is: [0,20]"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.request));
-        expectError(process(row.request), row.code, row.text);
-    }
+    });
     EXPECT_EQ(allLevels(), std::string(21, '0'));
 }
 
@@ -184,8 +156,7 @@ TEST_F(PWriteCmdTest, LinesOfTextWriteThroughTheOtherCommand) {
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{}, {"port"}, {"port", "write", "3", "1"}}) {
         SCOPED_TRACE(words.size());
-        Tokens list = tokens(words);
-        expectError(Response(command().process(list)), kGenericError, "Implemented in port command");
+        expectError(run(words), kGenericError, "Implemented in port command");
     }
     EXPECT_EQ(levelOf(kPorts[3]), "0");
     EXPECT_EQ(m_frontEnd.sendWords({"", "write", "3", "1"}), "Error Error 0x10")

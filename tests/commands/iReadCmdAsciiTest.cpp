@@ -14,22 +14,7 @@ constexpr unsigned kNoSuchBus = 0x07000005;
 constexpr unsigned kUnknownAttribute = 0x0700000B;
 constexpr unsigned kSpeedError = 0x0700000D;
 
-class iReadCmdAsciiTest : public I2cUnit {
-protected:
-    static Response process(const Tokens& list) { return run(*iReadCmd::getInstance(), list); }
-
-    /// Both the response and what is sent.
-    void expectTokensRefused(const Tokens& list, unsigned code, const std::string& text) {
-        SCOPED_TRACE(text);
-        expectError(process(list), code, text);
-        if (!list.empty())
-            expectErrorLine(list, code, text);
-    }
-
-    void expectRefused(const std::vector<std::string>& texts, unsigned code, const std::string& text) {
-        expectTokensRefused(tokens(texts), code, text);
-    }
-};
+using iReadCmdAsciiTest = CommandTest<iReadCmd, I2cUnit>;
 
 /// The line's tokens, with bytes as its last one.
 std::vector<std::vector<char>> withData(const std::vector<std::string>& texts, const Bytes& data) {
@@ -42,12 +27,12 @@ std::vector<std::vector<char>> withData(const std::vector<std::string>& texts, c
 
 TEST_F(iReadCmdAsciiTest, ALineNeedsASubCommandThatIsKnown) {
     expectRefused({"i2c"}, kGenericError, "Expected a subcommand!");
-    expectError(process({}), kGenericError, "Expected a subcommand!");
+    expectRefused(Tokens{}, kGenericError, "Expected a subcommand!");
     for (const char* word : {"", "rea", "readx", "Read", "%s%n", "getattribute", "WRITE"})
         expectRefused({"i2c", word, "0", "1", "0x50"}, kGenericError,
                       std::string("unknown subcommand '") + word + "'");
-    expectTokensRefused({token("i2c"), {'x', 'y'}}, kGenericError, "unknown subcommand 'xy'");
-    expectTokensRefused({token("i2c"), {}}, kGenericError, "unknown subcommand ''");
+    expectRefused({token("i2c"), {'x', 'y'}}, kGenericError, "unknown subcommand 'xy'");
+    expectRefused({token("i2c"), {}}, kGenericError, "unknown subcommand ''");
     EXPECT_EQ(m_manager->connections(), 0);
 }
 
@@ -81,7 +66,7 @@ TEST_F(iReadCmdAsciiTest, UpTo247BytesAreRead) {
     std::string digits;
     for (int byte = 0; byte < 247; ++byte)
         digits += "AB";
-    const Response response = process(tokens({"i2c", "read", "0", "247", "0x50"}));
+    const Response response = run(tokens({"i2c", "read", "0", "247", "0x50"}));
     EXPECT_EQ(response->code, 0u);
     EXPECT_EQ(answerOf(*response), "hex(" + digits + ")");
 }
@@ -120,16 +105,15 @@ TEST_F(iReadCmdAsciiTest, TooMuchDataToWriteFirstIsRefusedBehindTheBus) {
     for (const std::size_t size : {256U, 257U, 511U, 65536U, 65537U}) {
         const std::string text =
             "Number of Bytes to write first must be in Range [0,255], received: " + std::to_string(size);
-        expectTokensRefused(withData({"i2c", "read", "0", "1", "0x50"}, Bytes(size)), kGenericError,
-                            text);
-        expectTokensRefused(withData({"i2c", "read", "1", "1", "0x50"}, Bytes(size)), kNoSuchBus,
-                            "Bus number 1 is invalid");
+        expectRefused(withData({"i2c", "read", "0", "1", "0x50"}, Bytes(size)), kGenericError, text);
+        expectRefused(withData({"i2c", "read", "1", "1", "0x50"}, Bytes(size)), kNoSuchBus,
+                      "Bus number 1 is invalid");
     }
     EXPECT_THAT(m_manager->requests(), IsEmpty());
 }
 
 TEST_F(iReadCmdAsciiTest, AReadNeedsFourParameters) {
-    expectRefused({"i2c", "read"}, kGenericError, "Expected at Least 4 Parameter, received: 1");
+    expectRefused(Words{"i2c", "read"}, kGenericError, "Expected at Least 4 Parameter, received: 1");
     expectRefused({"i2c", "read", "9", "999"}, kGenericError,
                   "Expected at Least 4 Parameter, received: 3");
     EXPECT_EQ(m_manager->connections(), 0);
@@ -169,7 +153,7 @@ TEST_F(iReadCmdAsciiTest, ThereIsOneBus) {
         expectRefused({"i2c", "read", bus, "1", "0x50"}, kNoSuchBus, text);
         expectRefused({"i2c", "getattributes", bus, "9"}, kNoSuchBus, text);
         expectRefused({"i2c", "setattributes", bus, "9", "00"}, kNoSuchBus, text);
-        expectTokensRefused(withData({"i2c", "write", bus, "0x50"}, {1}), kNoSuchBus, text);
+        expectRefused(withData({"i2c", "write", bus, "0x50"}, {1}), kNoSuchBus, text);
     }
     EXPECT_EQ(m_manager->connections(), 0);
 }
@@ -187,7 +171,7 @@ TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoBus) {
         expectRefused({"i2c", "read", row.bus, "1", "0x150"}, kNoSuchBus, text);
         expectRefused({"i2c", "getattributes", row.bus, "0x100"}, kNoSuchBus, text);
         expectRefused({"i2c", "setattributes", row.bus, "0x100", ""}, kNoSuchBus, text);
-        expectTokensRefused(withData({"i2c", "write", row.bus, "0x150"}, {}), kNoSuchBus, text);
+        expectRefused(withData({"i2c", "write", row.bus, "0x150"}, {}), kNoSuchBus, text);
     }
     EXPECT_EQ(m_manager->connections(), 0);
 }
@@ -201,8 +185,8 @@ TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoSlave) {
                            Row{"0x100000050", "2147483647"}}) {
         const std::string text = std::string("Slave address ") + row.number + " is invalid";
         expectRefused({"i2c", "read", "0", "1", row.address}, kGenericError, text);
-        expectTokensRefused(withData({"i2c", "write", "0", row.address}, {1}), kGenericError, text);
-        expectTokensRefused(withData({"i2c", "read", "0", "1", row.address}, {1}), kGenericError, text);
+        expectRefused(withData({"i2c", "write", "0", row.address}, {1}), kGenericError, text);
+        expectRefused(withData({"i2c", "read", "0", "1", row.address}, {1}), kGenericError, text);
     }
     EXPECT_THAT(m_manager->requests(), IsEmpty());
     m_manager->willAnswer(0, readReply({7}));
@@ -231,7 +215,7 @@ TEST_F(iReadCmdAsciiTest, ABusThatCannotBeOpenedIsTold) {
     expectRefused({"i2c", "read", "0", "1", "0x50"}, kBusError, kShort);
     expectRefused({"i2c", "getattributes", "0", "9"}, kBusError, kShort);
     expectRefused({"i2c", "setattributes", "0", "9", "00"}, kBusError, kLong);
-    expectTokensRefused(withData({"i2c", "write", "0", "0x50"}, {1}), kBusError, kLong);
+    expectRefused(withData({"i2c", "write", "0", "0x50"}, {1}), kBusError, kLong);
     comeBack();
     EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "0"})), "i2c hex(01)");
 }
@@ -243,7 +227,7 @@ TEST_F(iReadCmdAsciiTest, AttributesAreReadInHexadecimal) {
     expectRefused({"i2c", "getattributes", "0", "2"}, kUnknownAttribute, "Attribute ID 2 is unknown");
     expectRefused({"i2c", "getattributes", "0", "255"}, kUnknownAttribute,
                   "Attribute ID 255 is unknown");
-    expectRefused({"i2c", "getattributes"}, kGenericError, "Expected 3 Parameter, received: 1");
+    expectRefused(Words{"i2c", "getattributes"}, kGenericError, "Expected 3 Parameter, received: 1");
     expectRefused({"i2c", "getattributes", "9"}, kGenericError, "Expected 3 Parameter, received: 2");
     expectRefused({"i2c", "getattributes", "9", "0", "0"}, kGenericError,
                   "Expected 3 Parameter, received: 4");
@@ -327,7 +311,8 @@ TEST_F(iReadCmdAsciiTest, ASpeedThatTheBusDoesNotTakeIsTold) {
 }
 
 TEST_F(iReadCmdAsciiTest, SettingAnAttributeTakesThreeParametersAndAKnownOne) {
-    expectRefused({"i2c", "setattributes"}, kGenericError, "Expected at Least 4 Parameter, received: 1");
+    expectRefused(Words{"i2c", "setattributes"}, kGenericError,
+                  "Expected at Least 4 Parameter, received: 1");
     expectRefused({"i2c", "setattributes", "9", "0"}, kGenericError,
                   "Expected at Least 4 Parameter, received: 3");
     expectRefused({"i2c", "setattributes", "9", "0", "00", "x"}, kGenericError,
@@ -354,7 +339,7 @@ TEST_F(iReadCmdAsciiTest, AWriteSendsTheBytesOfItsToken) {
     expectSent("0x50", 0x50, counting(100000));
     const Response response = [this] {
         m_manager->willAnswer(0);
-        return process(withData({"i2c", "write", "0", "1"}, {1}));
+        return run(withData({"i2c", "write", "0", "1"}, {1}));
     }();
     EXPECT_EQ(response->code, 0u);
     EXPECT_EQ(answerOf(*response), "ok");
@@ -363,13 +348,13 @@ TEST_F(iReadCmdAsciiTest, AWriteSendsTheBytesOfItsToken) {
 
 TEST_F(iReadCmdAsciiTest, AWriteWithoutDataIsAnExceptionThatIsAnsweredAsTheGenericError) {
     const Tokens list = withData({"i2c", "write", "0", "0x50"}, {});
-    EXPECT_THROW(process(list), std::out_of_range);
+    EXPECT_THROW(run(list), std::out_of_range);
     expectErrorLine(list, kGenericError, "Expected Data to write");
     EXPECT_THAT(m_manager->requests(), IsEmpty());
 }
 
 TEST_F(iReadCmdAsciiTest, AWriteTakesThreeParameters) {
-    expectRefused({"i2c", "write"}, kGenericError, "Expected at Least 4 Parameter, received: 1");
+    expectRefused(Words{"i2c", "write"}, kGenericError, "Expected at Least 4 Parameter, received: 1");
     expectRefused({"i2c", "write", "9", "0x50"}, kGenericError,
                   "Expected at Least 4 Parameter, received: 3");
     expectRefused({"i2c", "write", "9", "0x50", "x", "y"}, kGenericError,
@@ -395,12 +380,12 @@ TEST_F(iReadCmdAsciiTest, AFailingTransactionIsToldWithItsTextAndItsCode) {
         for (int time = 0; time < 6; ++time)
             m_manager->willAnswer(row.result);
         const std::string end = ", errorcode: " + std::to_string(row.result);
-        expectTokensRefused(withData({"i2c", "write", "0", "0x50"}, {1}), kBusError,
-                            std::string("Write Error on Device /dev/i2c0: ") + row.write + end);
+        expectRefused(withData({"i2c", "write", "0", "0x50"}, {1}), kBusError,
+                      std::string("Write Error on Device /dev/i2c0: ") + row.write + end);
         expectRefused({"i2c", "read", "0", "3", "0x50"}, kBusError,
                       std::string("Read Error on Device /dev/i2c0: ") + row.read + end);
-        expectTokensRefused(withData({"i2c", "read", "0", "3", "0x50"}, {1}), kBusError,
-                            std::string("Transfer Error on Device /dev/i2c0: ") + row.write + end);
+        expectRefused(withData({"i2c", "read", "0", "3", "0x50"}, {1}), kBusError,
+                      std::string("Transfer Error on Device /dev/i2c0: ") + row.write + end);
     }
     EXPECT_EQ(m_manager->connections(), 1) << "the bus stays open";
 }

@@ -12,19 +12,7 @@ constexpr unsigned kBusError = 0x07000001;
 constexpr unsigned kNoSuchBus = 0x07000005;
 constexpr unsigned kUnknownAttribute = 0x0700000B;
 
-class iReadCmdBinaryTest : public I2cUnit {
-protected:
-    static iReadCmd& command() { return *iReadCmd::getInstance(); }
-    static Response process(const Bytes& request) { return run(command(), request); }
-
-    /// Both the response and what is sent.
-    void expectRefused(const Bytes& request, unsigned code, const std::string& text) {
-        SCOPED_TRACE(::testing::PrintToString(request));
-        expectError(process(request), code, text);
-        if (request.size() >= 4)
-            expectErrorFrame(request, code, text);
-    }
-};
+using iReadCmdBinaryTest = CommandTest<iReadCmd, I2cUnit>;
 
 Bytes answerFrame(unsigned char bus, unsigned char count, const Bytes& payload) {
     const auto size = static_cast<unsigned char>(8 + payload.size());
@@ -34,9 +22,7 @@ Bytes answerFrame(unsigned char bus, unsigned char count, const Bytes& payload) 
 } // namespace
 
 TEST_F(iReadCmdBinaryTest, HasItsIdAndName) {
-    EXPECT_EQ(command().tavrin_getName(), 'i');
-    EXPECT_EQ(command().ascii_getName(), "i2c");
-    EXPECT_EQ(iReadCmd::getInstance(), iReadCmd::getInstance());
+    expectIdAndName('i', "i2c");
 }
 
 TEST_F(iReadCmdBinaryTest, FiveBytesAreAPlainRead) {
@@ -53,7 +39,7 @@ TEST_F(iReadCmdBinaryTest, MoreBytesAreWrittenFirst) {
 
     const Bytes most = counting(250);
     m_manager->willAnswer(0, transferReply({0xA1}));
-    const Response response = process(joined({{255, 'i', 0, 1, 0x7F}, most}));
+    const Response response = run(joined({{255, 'i', 0, 1, 0x7F}, most}));
     EXPECT_EQ(response->code, 0u);
     EXPECT_EQ(frameOf(*response), answerFrame(0, 1, {0xA1}));
     EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x7F, most, 1));

@@ -51,17 +51,10 @@ Bytes moved(unsigned char type, unsigned char id, std::uint32_t count) {
     return frame;
 }
 
-class mCmdBinaryTest : public BlockUnit {
+class mCmdBinaryTest : public CommandTest<mCmd, BlockUnit> {
 protected:
-    static Response process(Bytes frame) { return Response(command().tavrin_preCheck(&frame)); }
-
-    void expectRefused(const Bytes& frame, const std::string& text) {
-        const Response response = process(frame);
-        EXPECT_EQ(response->code, kGenericError);
-        EXPECT_EQ(response->message, text);
-        EXPECT_EQ(response->protocol, 0);
-        EXPECT_THAT(m_frontEnd.send(frame), ElementsAre(8, 'm', frame[2], frame[3], 1, 1, 0, 0));
-        EXPECT_THAT(m_frontEnd.frames, ElementsAre(debugFrame(text)));
+    static void expectRefused(const Bytes& frame, const std::string& text) {
+        CommandTest::expectRefused(frame, kGenericError, text);
     }
 
     void expectAnswer(const Bytes& frame, const Bytes& answer) {
@@ -90,13 +83,13 @@ TEST_F(mCmdBinaryTest, MovesBlocksFromOneDeviceToAnother) {
 
 TEST_F(mCmdBinaryTest, ASuccessIsAFrameOfItsOwn) {
     const BlockFile card(kCardPath, 3);
-    const Response opened = process(request(kCard, 0, Open));
+    const Response opened = run(request(kCard, 0, Open));
     EXPECT_EQ(opened->code, 0u);
     EXPECT_EQ(opened->message, "");
     EXPECT_EQ(frameOf(*opened), success(kCard, 0));
-    EXPECT_EQ(frameOf(*process(transfer(kCard, 0, Read, 0, 1, 0))), moved(kCard, 0, kBlock));
-    EXPECT_EQ(frameOf(*process(transfer(kCard, 0, Write, 0, 1, 0))), moved(kCard, 0, kBlock));
-    EXPECT_EQ(frameOf(*process(request(kCard, 0, Close))), success(kCard, 0));
+    EXPECT_EQ(frameOf(*run(transfer(kCard, 0, Read, 0, 1, 0))), moved(kCard, 0, kBlock));
+    EXPECT_EQ(frameOf(*run(transfer(kCard, 0, Write, 0, 1, 0))), moved(kCard, 0, kBlock));
+    EXPECT_EQ(frameOf(*run(request(kCard, 0, Close))), success(kCard, 0));
 }
 
 TEST_F(mCmdBinaryTest, TheDevicesIdIsEchoed) {

@@ -2,30 +2,11 @@
 #include "commands/pReadCmd.h"
 #include "support/PortFixture.h"
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
 
-constexpr unsigned int kOutOfRange = 0x27000010;
-constexpr unsigned int kNotAnOutput = 0x27000040;
-constexpr unsigned int kAccessFailed = 0x27000000;
-constexpr unsigned int kWriteFailed = 0x27010000;
-constexpr unsigned int kNotAvailable = 0x40000001;
-
-class pReadCmdAsciiTest : public PortFixture {
-protected:
-    static Response process(Tokens request) {
-        return Response(pReadCmd::getInstance()->process(request));
-    }
-    static Response run(const std::vector<std::string>& words) { return process(tokens(words)); }
-
-    static void expectError(const Response& response, unsigned int code, const std::string& text) {
-        EXPECT_EQ(response->code, code);
-        EXPECT_EQ(response->message, text);
-        EXPECT_EQ(response->protocol, 0);
-    }
-};
+using pReadCmdAsciiTest = CommandTest<pReadCmd, PortFixture>;
 
 } // namespace
 
@@ -63,7 +44,7 @@ TEST_F(pReadCmdAsciiTest, ThePortsNumberIsTakenModulo256) {
                         {"2 and 3", "hex(0201)"}};
     for (const Row& row : rows) {
         SCOPED_TRACE(row.number);
-        const Response response = run({"port", "read", row.number});
+        const Response response = run(Words{"port", "read", row.number});
         EXPECT_EQ(response->code, 0u);
         EXPECT_EQ(answerOf(*response), row.answer);
     }
@@ -84,23 +65,20 @@ TEST_F(pReadCmdAsciiTest, ANumberBeyondTheTableIsRefused) {
                         {"0x100000000", "Invalid Port: 255. Allowed port range is: [0,20]"}};
     for (const Row& row : rows) {
         SCOPED_TRACE(row.number);
-        expectError(run({"port", "read", row.number}), kOutOfRange, row.text);
-        expectError(run({"port", "write", row.number, "1"}), kOutOfRange, row.text);
-        EXPECT_EQ(m_frontEnd.sendWords({"port", "read", row.number}), "port Error 0x27000010");
-        EXPECT_THAT(m_frontEnd.lines, ElementsAre(infoLine(row.text)));
+        expectRefused(Words{"port", "read", row.number}, kOutOfRange, row.text);
+        expectRefused(Words{"port", "write", row.number, "1"}, kOutOfRange, row.text);
     }
 }
 
 TEST_F(pReadCmdAsciiTest, APortThatCannotBeReadIsReported) {
     relink(kPorts[4], kSomeFolder);
-    EXPECT_EQ(m_frontEnd.sendWords({"port", "read", "4"}), "port Error 0x27000000");
-    EXPECT_THAT(m_frontEnd.lines, ElementsAre(infoLine("Reading from Port 4 results in Error-Code 21")));
-    EXPECT_EQ(m_frontEnd.sendWords({"port", "getattributes"}), "port Error 0x27000000");
-    EXPECT_THAT(m_frontEnd.lines,
-                ElementsAre(infoLine("Failed to read Port 4: Is a directory, errorcode: 21")));
+    expectRefused(Words{"port", "read", "4"}, kAccessFailed,
+                  "Reading from Port 4 results in Error-Code 21");
+    expectRefused(Words{"port", "getattributes"}, kAccessFailed,
+                  "Failed to read Port 4: Is a directory, errorcode: 21");
     relink(kPorts[4], nullptr);
-    expectError(run({"port", "read", "4"}), kAccessFailed,
-                "Reading from Port 4 results in Error-Code 2");
+    expectRefused(Words{"port", "read", "4"}, kAccessFailed,
+                  "Reading from Port 4 results in Error-Code 2");
 }
 
 TEST_F(pReadCmdAsciiTest, WritesOutputsAndNothingElse) {
@@ -109,8 +87,8 @@ TEST_F(pReadCmdAsciiTest, WritesOutputsAndNothingElse) {
         SCOPED_TRACE(port.name);
         const std::string number = std::to_string(port.number);
         if (port.type != kOutput) {
-            expectError(run({"port", "write", number, "1"}), kNotAnOutput,
-                        "Port " + number + " is not an Output Port");
+            expectRefused(Words{"port", "write", number, "1"}, kNotAnOutput,
+                          "Port " + number + " is not an Output Port");
             EXPECT_EQ(allLevels(), before);
             continue;
         }
@@ -125,12 +103,12 @@ TEST_F(pReadCmdAsciiTest, WritesOutputsAndNothingElse) {
 }
 
 TEST_F(pReadCmdAsciiTest, OnlyTheValuesFirstCharacterCounts) {
-    EXPECT_EQ(run({"port", "write", "3", "1x"})->code, 0u);
+    EXPECT_EQ(run(Words{"port", "write", "3", "1x"})->code, 0u);
     EXPECT_EQ(levelOf(kPorts[3]), "1");
-    EXPECT_EQ(run({"port", "write", "3", "01"})->code, 0u);
+    EXPECT_EQ(run(Words{"port", "write", "3", "01"})->code, 0u);
     EXPECT_EQ(levelOf(kPorts[3]), "0");
     setLevel(kPorts[3], "0\n");
-    const Response response = process({token("port"), token("write"), token("3"), {'1'}});
+    const Response response = run(Tokens{token("port"), token("write"), token("3"), {'1'}});
     EXPECT_EQ(response->code, 0u);
     EXPECT_EQ(response->message, "");
     EXPECT_EQ(levelOf(kPorts[3]), "1\n");
@@ -140,77 +118,68 @@ TEST_F(pReadCmdAsciiTest, AnUnknownValueIsRefusedOnceThePortIsOpen) {
     const std::size_t before = openDescriptors();
     for (const char* value : {"x", "2", " 1", "-1", "%s", "true"}) {
         SCOPED_TRACE(value);
-        expectError(run({"port", "write", "3", value}), kWriteFailed,
-                    std::string("Unknown value to write: ") + value[0]);
+        expectRefused(Words{"port", "write", "3", value}, kWriteFailed,
+                      std::string("Unknown value to write: ") + value[0]);
         EXPECT_EQ(levelOf(kPorts[3]), "0");
     }
     const std::string zeroByte("Unknown value to write: \0", 25);
-    expectError(run({"port", "write", "3", ""}), kWriteFailed, zeroByte);
-    expectError(process({token("port"), token("write"), token("3"), {}}), kWriteFailed, zeroByte);
+    expectRefused(Words{"port", "write", "3", ""}, kWriteFailed, zeroByte);
+    expectRefused(Tokens{token("port"), token("write"), token("3"), {}}, kWriteFailed, zeroByte);
     EXPECT_EQ(openDescriptors(), before);
 
-    EXPECT_EQ(m_frontEnd.sendWords({"port", "write", "3", "x"}), "port Error 0x27010000");
-    EXPECT_THAT(m_frontEnd.lines, ElementsAre(infoLine("Unknown value to write: x")));
+    expectRefused(Words{"port", "write", "3", "x"}, kWriteFailed, "Unknown value to write: x");
     relink(kPorts[3], nullptr);
-    expectError(run({"port", "write", "3", "x"}), kNotAvailable,
-                "Port 3 does not exist on this Hardware");
-    expectError(run({"port", "write", "1", "x"}), kNotAnOutput, "Port 1 is not an Output Port");
+    expectRefused(Words{"port", "write", "3", "x"}, kNotAvailable,
+                  "Port 3 does not exist on this Hardware");
+    expectRefused(Words{"port", "write", "1", "x"}, kNotAnOutput, "Port 1 is not an Output Port");
     EXPECT_FALSE(exists(node(kPorts[3])));
 }
 
 TEST_F(pReadCmdAsciiTest, APortThatCannotBeWrittenIsReported) {
     relink(kPorts[20], kSomeFolder);
-    EXPECT_EQ(m_frontEnd.sendWords({"port", "write", "20", "1"}), "port Error 0x27000000");
-    EXPECT_THAT(m_frontEnd.lines,
-                ElementsAre(infoLine("Open Port 20 results in Error 21: Is a directory")));
+    expectRefused(Words{"port", "write", "20", "1"}, kAccessFailed,
+                  "Open Port 20 results in Error 21: Is a directory");
     relink(kPorts[20], "/dev/full");
-    EXPECT_EQ(m_frontEnd.sendWords({"port", "write", "20", "1"}), "port Error 0x27010000");
-    EXPECT_THAT(
-        m_frontEnd.lines,
-        ElementsAre(infoLine("Writing to Port 20 results in Error 28: No space left on device")));
+    expectRefused(Words{"port", "write", "20", "1"}, kWriteFailed,
+                  "Writing to Port 20 results in Error 28: No space left on device");
 }
 
 TEST_F(pReadCmdAsciiTest, WhatIsNoRequestForItIsRefused) {
-    struct Row {
-        std::vector<std::string> words;
-        const char* text;
-    };
-    const Row rows[] = {
-        {{}, "Expected a subcommand!"},
-        {{"port"}, "Expected a subcommand!"},
-        {{"port", "read"}, "Expected a Port Number!"},
-        {{"port", "readthem"}, "Expected a Port Number!"},
-        {{"port", "read", "1", "2"}, "Expected a Port Number!"},
-        {{"port", "write"}, "Invalid Command Length: Expected a Length of 4, get 2"},
-        {{"port", "write", "3"}, "Invalid Command Length: Expected a Length of 4, get 3"},
-        {{"port", "write", "3", "1", "1"}, "Invalid Command Length: Expected a Length of 4, get 5"},
-        {{"port", "write", "21"}, "Invalid Command Length: Expected a Length of 4, get 3"},
-        {{"port", ""}, "unknown subcommand ''"},
-        {{"port", "rea", "1"}, "unknown subcommand 'rea'"},
-        {{"port", "READ", "1"}, "unknown subcommand 'READ'"},
-        {{"port", " read", "1"}, "unknown subcommand ' read'"},
-        {{"port", "getattribute"}, "unknown subcommand 'getattribute'"},
-        {{"port", "writ", "3", "1"}, "unknown subcommand 'writ'"},
-        {{"port", "%s%n"}, "unknown subcommand '%s%n'"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.words));
-        expectError(run(row.words), kGenericError, row.text);
-    }
+    expectRefused(RefusedLines{
+        {{}, kGenericError, "Expected a subcommand!"},
+        {{"port"}, kGenericError, "Expected a subcommand!"},
+        {{"port", "read"}, kGenericError, "Expected a Port Number!"},
+        {{"port", "readthem"}, kGenericError, "Expected a Port Number!"},
+        {{"port", "read", "1", "2"}, kGenericError, "Expected a Port Number!"},
+        {{"port", "write"}, kGenericError, "Invalid Command Length: Expected a Length of 4, get 2"},
+        {{"port", "write", "3"}, kGenericError, "Invalid Command Length: Expected a Length of 4, get 3"},
+        {{"port", "write", "3", "1", "1"},
+         kGenericError,
+         "Invalid Command Length: Expected a Length of 4, get 5"},
+        {{"port", "write", "21"},
+         kGenericError,
+         "Invalid Command Length: Expected a Length of 4, get 3"},
+        {{"port", ""}, kGenericError, "unknown subcommand ''"},
+        {{"port", "rea", "1"}, kGenericError, "unknown subcommand 'rea'"},
+        {{"port", "READ", "1"}, kGenericError, "unknown subcommand 'READ'"},
+        {{"port", " read", "1"}, kGenericError, "unknown subcommand ' read'"},
+        {{"port", "getattribute"}, kGenericError, "unknown subcommand 'getattribute'"},
+        {{"port", "writ", "3", "1"}, kGenericError, "unknown subcommand 'writ'"},
+        {{"port", "%s%n"}, kGenericError, "unknown subcommand '%s%n'"},
+    });
     EXPECT_EQ(allLevels(), std::string(21, '0'));
-    EXPECT_EQ(m_frontEnd.sendWords({"port", "set"}), "port Error 0x1010000");
-    EXPECT_THAT(m_frontEnd.lines, ElementsAre(infoLine("unknown subcommand 'set'")));
+    expectRefused(Words{"port", "set"}, kGenericError, "unknown subcommand 'set'");
 }
 
 TEST_F(pReadCmdAsciiTest, SubcommandsAreRecognisedByTheirBeginning) {
-    EXPECT_EQ(answerOf(*run({"port", "reading", "20"})), "hex(1403)");
-    EXPECT_EQ(run({"port", "writeto", "20", "1"})->code, 0u);
+    EXPECT_EQ(answerOf(*run(Words{"port", "reading", "20"})), "hex(1403)");
+    EXPECT_EQ(run(Words{"port", "writeto", "20", "1"})->code, 0u);
     EXPECT_EQ(levelOf(kPorts[20]), "1");
-    const Response bare = process({token("port"), {'r', 'e', 'a', 'd'}, {'2', '0'}});
+    const Response bare = run(Tokens{token("port"), {'r', 'e', 'a', 'd'}, {'2', '0'}});
     EXPECT_EQ(answerOf(*bare), "hex(1407)") << "without a zero byte";
-    expectError(process({token("port"), {'r', 'e', 'a'}, {'2', '0'}}), kGenericError,
-                "unknown subcommand 'rea'");
-    expectError(process({token("port"), {}}), kGenericError, "unknown subcommand ''");
+    expectRefused(Tokens{token("port"), {'r', 'e', 'a'}, {'2', '0'}}, kGenericError,
+                  "unknown subcommand 'rea'");
+    expectRefused(Tokens{token("port"), {}}, kGenericError, "unknown subcommand ''");
 }
 
 TEST_F(pReadCmdAsciiTest, NoResponseIsLeftOver) {

@@ -14,22 +14,13 @@ using ::testing::IsEmpty;
 
 namespace {
 
-constexpr unsigned int kOutOfRange = 0x27000010;
-constexpr unsigned int kAccessFailed = 0x27000000;
-
-class pReadCmdBinaryTest : public PortFixture {
+class pReadCmdBinaryTest : public CommandTest<pReadCmd, PortFixture> {
 protected:
-    static pReadCmd& command() { return *pReadCmd::getInstance(); }
+    static inline const Bytes kReadConfig = {4, 'p', 0xE3, 0};
 
-    static Response process(Bytes request) { return Response(command().tavrin_preCheck(&request)); }
-    static Response readPort(unsigned char port) { return process({5, 'p', 0xE3, 1, port}); }
-    static Response readConfig() { return process({4, 'p', 0xE3, 0}); }
-
-    static void expectError(const Response& response, unsigned int code, const std::string& text) {
-        EXPECT_EQ(response->code, code);
-        EXPECT_EQ(response->message, text);
-        EXPECT_EQ(response->protocol, 0);
-    }
+    static Bytes reading(unsigned char port) { return {5, 'p', 0xE3, 1, port}; }
+    static Response readPort(unsigned char port) { return run(reading(port)); }
+    static Response readConfig() { return run(kReadConfig); }
 };
 
 Bytes portFrame(unsigned char port, unsigned char attributes) {
@@ -58,9 +49,7 @@ const OddNode kUnreadable[] = {
 } // namespace
 
 TEST_F(pReadCmdBinaryTest, HasItsIdAndName) {
-    EXPECT_EQ(command().tavrin_getName(), 'p');
-    EXPECT_EQ(command().ascii_getName(), "port");
-    EXPECT_EQ(pReadCmd::getInstance(), pReadCmd::getInstance());
+    expectIdAndName('p', "port");
 }
 
 TEST_F(pReadCmdBinaryTest, ReadsEachPort) {
@@ -117,10 +106,10 @@ TEST_F(pReadCmdBinaryTest, APortThatCannotBeReadIsReported) {
             const std::string port = std::to_string(number);
             const std::string code = std::to_string(node.error);
             relink(kPorts[number], node.target);
-            expectError(readPort(number), kAccessFailed,
-                        "Reading from Port " + port + " results in Error-Code " + code);
-            expectError(readConfig(), kAccessFailed,
-                        "Failed to read Port " + port + ": " + node.reason + ", errorcode: " + code);
+            expectRefused(reading(number), kAccessFailed,
+                          "Reading from Port " + port + " results in Error-Code " + code);
+            expectRefused(kReadConfig, kAccessFailed,
+                          "Failed to read Port " + port + ": " + node.reason + ", errorcode: " + code);
             relink(kPorts[number], nullptr);
             setLevel(kPorts[number], "0");
         }
@@ -142,28 +131,19 @@ TEST_F(pReadCmdBinaryTest, APortThatMustNotBeOpenedIsReported) {
 TEST_F(pReadCmdBinaryTest, TheFirstUnreadablePortEndsTheList) {
     relink(kPorts[5], nullptr);
     relink(kPorts[2], kSomeFolder);
-    EXPECT_THAT(m_frontEnd.send({4, 'p', 0xE3, 0}), ElementsAre(8, 'p', 0xE3, 0, 0x27, 0, 0, 0));
-    EXPECT_THAT(m_frontEnd.frames,
-                ElementsAre(debugFrame("Failed to read Port 2: Is a directory, errorcode: 21")));
+    expectRefused(kReadConfig, kAccessFailed, "Failed to read Port 2: Is a directory, errorcode: 21");
 }
 
 TEST_F(pReadCmdBinaryTest, WithoutTheFolderThereAreNoPorts) {
     remove(kFolder);
-    EXPECT_THAT(m_frontEnd.send({5, 'p', 0xE3, 1, 20}), ElementsAre(8, 'p', 0xE3, 1, 0x27, 0, 0, 0));
-    EXPECT_THAT(m_frontEnd.frames,
-                ElementsAre(debugFrame("Reading from Port 20 results in Error-Code 2")));
-    expectError(readConfig(), kAccessFailed,
-                "Failed to read Port 0: No such file or directory, errorcode: 2");
+    expectRefused(reading(20), kAccessFailed, "Reading from Port 20 results in Error-Code 2");
+    expectRefused(kReadConfig, kAccessFailed,
+                  "Failed to read Port 0: No such file or directory, errorcode: 2");
 }
 
 TEST_F(pReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
-    struct Row {
-        Bytes request;
-        unsigned int code;
-        const char* text;
-    };
     const char* const noCommand = "Command is not supported";
-    const Row rows[] = {
+    expectRefused(RefusedFrames{
         {{2, 'p'}, kGenericError, noCommand},
         {{3, 'p', 0xE3}, kGenericError, noCommand},
         {{4, 'p', 0xE2, 0}, kGenericError, noCommand},
@@ -177,25 +157,10 @@ TEST_F(pReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
         {{5, 'p', 0xE3, 1, 21}, kOutOfRange, "Invalid Port: 21. Allowed port range is: [0,20]"},
         {{5, 'p', 0xE3, 1, 128}, kOutOfRange, "Invalid Port: 128. Allowed port range is: [0,20]"},
         {{5, 'p', 0xE3, 1, 255}, kOutOfRange, "Invalid Port: 255. Allowed port range is: [0,20]"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.request));
-        expectError(process(row.request), row.code, row.text);
-    }
+    });
     Bytes longest = {255, 'p', 0xE3, 0};
     longest.resize(255);
-    expectError(process(longest), kGenericError,
-                "Invalid Command Length: Expected a Length of 4, get 255");
-}
-
-TEST_F(pReadCmdBinaryTest, ARefusalIsAnsweredByItsTextAndItsCode) {
-    EXPECT_THAT(m_frontEnd.send({5, 'p', 0xE3, 1, 21}), ElementsAre(8, 'p', 0xE3, 1, 0x27, 0, 0, 0x10));
-    EXPECT_THAT(m_frontEnd.frames,
-                ElementsAre(debugFrame("Invalid Port: 21. Allowed port range is: [0,20]")));
-    EXPECT_THAT(m_frontEnd.send({6, 'p', 0xE3, 1, 3, 4}),
-                ElementsAre(8, 'p', 0xE3, 1, 0x01, 0x01, 0, 0));
-    EXPECT_THAT(m_frontEnd.frames,
-                ElementsAre(debugFrame("Expected at a Command Length of 5, received 6")));
+    expectRefused(longest, kGenericError, "Invalid Command Length: Expected a Length of 4, get 255");
 }
 
 TEST_F(pReadCmdBinaryTest, ARequestWithNothingToEchoIsReportedAndThrown) {

@@ -10,27 +10,13 @@ constexpr unsigned int kOutOfBounds = 0x08000100;
 constexpr char kMisaligned[] = "Alignment Error for Start Address";
 constexpr char kOutOfLimits[] = "Accessing Memory out of Limits";
 
-struct Refusal {
-    Tokens list;
-    unsigned int code;
-    std::string text;
-};
+using Refusals = std::vector<Refusal<Tokens>>;
 
-class tCmdAsciiRefusalTest : public ScratchFixture {
+class tCmdAsciiRefusalTest : public CommandTest<tCmd, ScratchFixture> {
 protected:
-    static tCmd& memory() { return *tCmd::getInstance(); }
-
-    tCmdAsciiRefusalTest() { memory(); }
-
-    static Response process(Tokens list) { return Response(memory().process(list)); }
-
-    void expectRefused(const std::vector<Refusal>& rows) {
+    static void expectRefused(const Refusals& rows) {
         const Bytes before = allStored();
-        for (const Refusal& row : rows) {
-            SCOPED_TRACE(::testing::PrintToString(row.list));
-            expectError(*process(row.list), row.code, row.text);
-            expectErrorLines(row.list, string_format("memory Error 0x%X", row.code), row.text);
-        }
+        CommandTest::expectRefused(rows);
         EXPECT_EQ(allStored(), before);
     }
 };
@@ -69,7 +55,7 @@ TEST_F(tCmdAsciiRefusalTest, TooFewFields) {
         {tokens({"memory", "write", "wrong", "1", "0"}), kGenericError, written + "5"},
         {tokens({"memory", "write", "8bitcrc", "1", "0", "A"}), kGenericError, checked + "6"},
     });
-    expectError(*process({}), kGenericError, any + "0");
+    CommandTest::expectRefused(Tokens{}, kGenericError, any + "0");
 }
 
 TEST_F(tCmdAsciiRefusalTest, UnknownCombinations) {
@@ -84,7 +70,7 @@ TEST_F(tCmdAsciiRefusalTest, UnknownCombinations) {
         {"writes", "8bit"}, {"write", "64bit"},   {"write", "16bitcrc"}, {"write", "8bitcr"},
         {"8bit", "read"},   {"%s%n", "%d"},       {" read", "8bit"},
     };
-    std::vector<Refusal> refusals;
+    Refusals refusals;
     for (const Row& row : rows)
         refusals.push_back({tokens({"memory", row.operation, row.keyword, "1", "0", "A"}), kGenericError,
                             std::string("unknown command combination param1:'") + row.operation +
@@ -108,7 +94,7 @@ TEST_F(tCmdAsciiRefusalTest, TooManyAccesses) {
         {"32bit", "255", "[(255*4 => 1020) > 244]"}, {"8bitcrc", "245", "[(245*1 => 245) > 244]"},
         {"32bit", "-129", "[(127*4 => 508) > 244]"},
     };
-    std::vector<Refusal> refusals;
+    Refusals refusals;
     for (const Row& row : rows) {
         refusals.push_back({read(row.keyword, row.count, "0"), kOutOfBounds, reads + row.numbers});
         refusals.push_back({write(row.keyword, row.count, "0"), kOutOfBounds, writes + row.numbers});
@@ -117,7 +103,7 @@ TEST_F(tCmdAsciiRefusalTest, TooManyAccesses) {
 }
 
 TEST_F(tCmdAsciiRefusalTest, AddressesThatAreNoMultipleOfTheWidth) {
-    std::vector<Refusal> refusals;
+    Refusals refusals;
     for (const auto& [keyword, address] :
          {std::pair{"16bit", "1"}, std::pair{"16bit", "-1"}, std::pair{"16bit", "0x7FFFFFF"},
           std::pair{"32bit", "1"}, std::pair{"32bit", "2"}, std::pair{"32bit", "3"},
@@ -160,7 +146,7 @@ TEST_F(tCmdAsciiRefusalTest, RangesThatReachTheLastByte) {
         {"32bit", "1", "-4"},
         {"32bit", "61", "0xFFFFFF0C"},
     };
-    std::vector<Refusal> refusals;
+    Refusals refusals;
     for (const Row& row : rows) {
         refusals.push_back({read(row.keyword, row.count, row.address), kOutOfBounds, kOutOfLimits});
         refusals.push_back({write(row.keyword, row.count, row.address), kOutOfBounds, kOutOfLimits});
@@ -188,7 +174,7 @@ TEST_F(tCmdAsciiRefusalTest, DataThatIsTooShortOrTooLong) {
         {"8bit", "4", 259, "[4,255], received: 259"},
         {"8bitcrc", "1", 70000, "[1,255], received: 70000"},
     };
-    std::vector<Refusal> refusals;
+    Refusals refusals;
     for (const Row& row : rows)
         refusals.push_back({write(row.keyword, row.count, "0", Bytes(row.size, 0xA5)), kGenericError,
                             std::string("Number of Data Bytes must be in Range ") + row.numbers});
@@ -209,7 +195,7 @@ TEST_F(tCmdAsciiRefusalTest, OfSeveralFaultsTheFirstIsTold) {
 TEST(tCmdWithoutBufferTest, NothingLiesWithinTheLimitsUntilThereIsMemory) {
     inFreshProcess([] {
         refuseScratchMemory(true);
-        const Refusal rows[] = {
+        const Refusals rows = {
             {read("8bit", "1", "0"), kOutOfBounds, kOutOfLimits},
             {read("8bitcrc", "0", "0"), kOutOfBounds, kOutOfLimits},
             {write("8bit", "0", "0"), kOutOfBounds, kOutOfLimits},
@@ -217,12 +203,8 @@ TEST(tCmdWithoutBufferTest, NothingLiesWithinTheLimitsUntilThereIsMemory) {
             {read("32bit", "255", "1"), kOutOfBounds,
              "Number of Accessesout of Bounds [(255*4 => 1020) > 244]"},
         };
-        for (Refusal row : rows) {
-            const Response response(tCmd::getInstance()->process(row.list));
-            EXPECT_EQ(response->code, row.code);
-            EXPECT_EQ(response->message, row.text);
-            EXPECT_EQ(response->protocol, 0);
-        }
+        for (const Refusal<Tokens>& row : rows)
+            expectError(runRequest(*tCmd::getInstance(), row.request), row.code, row.text);
         refuseScratchMemory(false);
         Tokens list = read("8bit", "1", "0");
         EXPECT_EQ(answerOf(*Response(tCmd::getInstance()->process(list))), "hex(00)");

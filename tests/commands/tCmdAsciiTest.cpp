@@ -6,14 +6,8 @@ using ::testing::IsEmpty;
 
 namespace {
 
-class tCmdAsciiTest : public ScratchFixture {
+class tCmdAsciiTest : public CommandTest<tCmd, ScratchFixture> {
 protected:
-    static tCmd& memory() { return *tCmd::getInstance(); }
-
-    tCmdAsciiTest() { memory(); }
-
-    static Response process(Tokens list) { return Response(memory().process(list)); }
-
     /// A write with the data as the lexer delivers it, and what follows.
     static Tokens write(const std::string& keyword, const std::string& count, const std::string& address,
                         const std::vector<char>& data, const std::string& checksum = "") {
@@ -26,7 +20,7 @@ protected:
 
     /// That a read is answered like this, by the command and on the wire.
     void expectAnswer(const Tokens& list, const std::string& answer) {
-        const Response response = process(list);
+        const Response response = run(list);
         EXPECT_EQ(response->code, 0u);
         EXPECT_EQ(response->message, "");
         EXPECT_EQ(answerOf(*response), answer);
@@ -36,7 +30,7 @@ protected:
 
     /// That a write is answered by plain success, by the command and on the wire.
     void expectOk(const Tokens& list) {
-        const Response response = process(list);
+        const Response response = run(list);
         EXPECT_EQ(response->code, 0u);
         EXPECT_EQ(response->message, "");
         EXPECT_EQ(response->protocol, 0);
@@ -193,7 +187,7 @@ TEST_F(tCmdAsciiTest, AWrongChecksumIsToldAndTheBytesAreWritten) {
         SCOPED_TRACE(row.checksum);
         const Tokens list = write("8bitcrc", "3", "8", dataToken({1, 2, 3}), row.checksum);
         store(8, {9, 9, 9, 9});
-        expectError(*process(list), kGenericError, row.text);
+        expectError(run(list), kGenericError, row.text);
         EXPECT_THAT(stored(8, 4), ElementsAre(1, 2, 3, 9));
         store(8, {9, 9, 9, 9});
         expectErrorLines(list, "memory Error 0x1010000", row.text);

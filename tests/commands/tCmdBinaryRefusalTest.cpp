@@ -15,12 +15,6 @@ constexpr char kInvalidLength[] = "Invalid Command Length";
 constexpr char kMisaligned[] = "Alignment Error for Start Address";
 constexpr char kOutOfLimits[] = "Accessing Memory out of Limits";
 
-struct Refusal {
-    Bytes request;
-    unsigned int code;
-    std::string text;
-};
-
 /// A request with everything that follows the address.
 Bytes access(unsigned char code, unsigned char count, unsigned int address, const Bytes& rest = {}) {
     Bytes request = joined(joined({0, 't', code, count}, bigEndian(address)), rest);
@@ -28,21 +22,11 @@ Bytes access(unsigned char code, unsigned char count, unsigned int address, cons
     return request;
 }
 
-class tCmdBinaryRefusalTest : public ScratchFixture {
+class tCmdBinaryRefusalTest : public CommandTest<tCmd, ScratchFixture> {
 protected:
-    static tCmd& memory() { return *tCmd::getInstance(); }
-
-    tCmdBinaryRefusalTest() { memory(); }
-
-    static Response process(Bytes request) { return Response(memory().process(&request)); }
-
-    void expectRefused(const std::vector<Refusal>& rows) {
+    static void expectRefused(const RefusedFrames& rows) {
         const Bytes before = allStored();
-        for (const Refusal& row : rows) {
-            SCOPED_TRACE(::testing::PrintToString(row.request));
-            expectError(*process(row.request), row.code, row.text);
-            expectErrorFrames(row.request, row.code, row.text);
-        }
+        CommandTest::expectRefused(rows);
         EXPECT_EQ(allStored(), before);
     }
 };
@@ -59,7 +43,7 @@ TEST_F(tCmdBinaryRefusalTest, CodesBeyondTheTable) {
 }
 
 TEST_F(tCmdBinaryRefusalTest, ReadsOfAnotherLength) {
-    std::vector<Refusal> rows;
+    RefusedFrames rows;
     for (const unsigned char code : Bytes{0, 2, 4}) {
         rows.push_back({{0x04, 't', code, 1}, kMalformed, kInvalidLength});
         rows.push_back({{0x07, 't', code, 1, 0, 0, 0}, kMalformed, kInvalidLength});
@@ -75,7 +59,7 @@ TEST_F(tCmdBinaryRefusalTest, ReadsOfAnotherLength) {
 }
 
 TEST_F(tCmdBinaryRefusalTest, WritesWithoutAWholeHeader) {
-    std::vector<Refusal> rows;
+    RefusedFrames rows;
     for (const unsigned char code : Bytes{1, 3, 5, 7}) {
         rows.push_back({{0x04, 't', code, 0}, kMalformed, kInvalidLength});
         rows.push_back({{0x07, 't', code, 255, 0xFF, 0xFF, 0xFF}, kMalformed, kInvalidLength});
@@ -109,7 +93,7 @@ TEST_F(tCmdBinaryRefusalTest, TooManyAccesses) {
 }
 
 TEST_F(tCmdBinaryRefusalTest, AddressesThatAreNoMultipleOfTheWidth) {
-    std::vector<Refusal> rows;
+    RefusedFrames rows;
     for (const unsigned int address : {1u, 3u, kScratchBytes - 1, 0xFFFFFFFFu}) {
         rows.push_back({access(2, 1, address), kMalformed, kMisaligned});
         rows.push_back({access(3, 1, address, {1, 2}), kMalformed, kMisaligned});
@@ -152,7 +136,7 @@ TEST_F(tCmdBinaryRefusalTest, RangesThatReachTheLastByte) {
         {4, 61, 0xFFFFFF0C},
         {4, 3, 0xFFFFFFFC},
     };
-    std::vector<Refusal> refusals;
+    RefusedFrames refusals;
     for (const Row& row : rows) {
         const auto read = static_cast<unsigned char>(row.width / 2 * 2);
         const auto write = static_cast<unsigned char>(read + 1);
@@ -205,23 +189,24 @@ TEST_F(tCmdBinaryRefusalTest, RequestsTooShortToBeAnswered) {
         {{0x03, 't', 7}, kInvalidLength},       {{0x03, 't', 8}, "Command not supported"}};
     for (const Row& row : rows) {
         SCOPED_TRACE(::testing::PrintToString(row.request));
-        expectError(*process(row.request), kMalformed, row.text);
+        expectError(run(row.request), kMalformed, row.text);
         m_listener.frames.clear();
         EXPECT_THROW(send(row.request), std::out_of_range);
         EXPECT_THAT(m_listener.frames,
                     ElementsAre(debugFrame(row.text), debugFrame("request size < 4")));
     }
-    expectError(*process({}), kMalformed, "Command not supported");
-    expectError(*Response(memory().process(static_cast<Bytes*>(nullptr))), kMalformed,
+    Bytes none;
+    expectError(Response(command().process(&none)), kMalformed, "Command not supported");
+    expectError(Response(command().process(static_cast<Bytes*>(nullptr))), kMalformed,
                 "Command not supported");
 }
 
 TEST_F(tCmdBinaryRefusalTest, ARefusedOperationLeavesItsDataAsItWas) {
     Bytes data = {7, 7};
     Bytes request = access(7, 1, kScratchBytes, {0, 0, 0, 0});
-    EXPECT_EQ(Response(memory().read(&data, 1, 1, kScratchBytes, true, 1))->code, kOutOfBounds);
-    EXPECT_EQ(Response(memory().readAscii(&data, 2, 1, 1, false))->code, kMalformed);
-    EXPECT_EQ(Response(memory().write(&request, &data, 1, true, 1))->code, kOutOfBounds);
+    EXPECT_EQ(Response(command().read(&data, 1, 1, kScratchBytes, true, 1))->code, kOutOfBounds);
+    EXPECT_EQ(Response(command().readAscii(&data, 2, 1, 1, false))->code, kMalformed);
+    EXPECT_EQ(Response(command().write(&request, &data, 1, true, 1))->code, kOutOfBounds);
     EXPECT_THAT(data, ElementsAre(7, 7));
 }
 
@@ -231,9 +216,7 @@ TEST(tCmdWithoutBufferTest, EveryBinaryRequestIsRefusedUntilThereIsMemory) {
         for (Bytes request : {access(0, 1, 0), access(1, 1, 0, {1}), access(6, 0, 0), access(8, 255, 0),
                               Bytes{2, 't'}}) {
             const Response response(tCmd::getInstance()->process(&request));
-            EXPECT_EQ(response->code, kOutOfBounds);
-            EXPECT_EQ(response->message, "Allocation Error");
-            EXPECT_EQ(response->protocol, 0);
+            expectError(response, kOutOfBounds, "Allocation Error");
         }
         refuseScratchMemory(false);
         Bytes request = access(0, 1, 0);

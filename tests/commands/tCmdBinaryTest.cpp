@@ -11,14 +11,8 @@ namespace {
 
 constexpr unsigned int kWrongChecksum = 0x08000400;
 
-class tCmdBinaryTest : public ScratchFixture {
+class tCmdBinaryTest : public CommandTest<tCmd, ScratchFixture> {
 protected:
-    static tCmd& memory() { return *tCmd::getInstance(); }
-
-    tCmdBinaryTest() { memory(); }
-
-    static Response process(Bytes request) { return Response(memory().process(&request)); }
-
     /// A request with everything that follows the address.
     static Bytes access(unsigned char code, unsigned char count, unsigned int address,
                         const Bytes& rest = {}) {
@@ -31,7 +25,7 @@ protected:
     void expectData(const Bytes& request, const Bytes& data) {
         const Bytes head = {
             static_cast<unsigned char>(8 + data.size()), 't', request[2], request[3], 0, 0, 0, 0};
-        const Response response = process(request);
+        const Response response = run(request);
         EXPECT_EQ(response->code, 0u);
         EXPECT_EQ(response->message, "");
         EXPECT_EQ(frameOf(*response), joined(head, data));
@@ -53,9 +47,7 @@ Bytes countingUp(std::size_t count, unsigned char first = 1) {
 } // namespace
 
 TEST_F(tCmdBinaryTest, HasItsIdAndName) {
-    EXPECT_EQ(memory().tavrin_getName(), 't');
-    EXPECT_EQ(memory().ascii_getName(), "memory");
-    EXPECT_EQ(tCmd::getInstance(), tCmd::getInstance());
+    expectIdAndName('t', "memory");
 }
 
 TEST_F(tCmdBinaryTest, ReadsTheBytesInTheOrderOfTheirAddresses) {
@@ -153,7 +145,7 @@ TEST_F(tCmdBinaryTest, AWrongChecksumIsAnsweredAndTheBytesAreWritten) {
         SCOPED_TRACE(wrong);
         store(8, {9, 9, 9, 9});
         const Bytes request = access(7, 3, 8, {0, 0, wrong, 1, 2, 3});
-        const Response response = process(request);
+        const Response response = run(request);
         EXPECT_EQ(response->code, kWrongChecksum);
         EXPECT_EQ(response->message, "");
         EXPECT_THAT(frameOf(*response), ElementsAre(11, 't', 7, 3, 0x08, 0, 0x04, 0, 0, 0, 6));
@@ -176,7 +168,7 @@ TEST_F(tCmdBinaryTest, NothingMovedIsASuccess) {
     }
     expectData(access(0, 0, kScratchBytes - 1), {});
     expectData(access(1, 0, kScratchBytes - 1, {1, 2}), {});
-    EXPECT_EQ(process(access(7, 0, 0, {0, 0, 1}))->code, kWrongChecksum);
+    EXPECT_EQ(run(access(7, 0, 0, {0, 0, 1}))->code, kWrongChecksum);
     EXPECT_EQ(allStored(), before);
 }
 
@@ -197,14 +189,14 @@ TEST_F(tCmdBinaryTest, SlicesPutTogetherAreWhatWasUploaded) {
 TEST_F(tCmdBinaryTest, TheOperationsCanBeCalledByThemselves) {
     store(0, {1, 2, 3, 4});
     Bytes data;
-    EXPECT_EQ(Response(memory().read(&data, 2, 2, 0, false, 0x1234))->code, 0u);
+    EXPECT_EQ(Response(command().read(&data, 2, 2, 0, false, 0x1234))->code, 0u);
     EXPECT_THAT(data, ElementsAre(1, 2, 3, 4));
-    EXPECT_EQ(Response(memory().read(&data, 1, 2, 1, true, 0x1234))->code, 0u);
+    EXPECT_EQ(Response(command().read(&data, 1, 2, 1, true, 0x1234))->code, 0u);
     EXPECT_THAT(data, ElementsAre(0x12, 0x34, 5, 2, 3));
-    EXPECT_EQ(Response(memory().readAscii(&data, 1, 2, 1, true))->code, 0u);
+    EXPECT_EQ(Response(command().readAscii(&data, 1, 2, 1, true))->code, 0u);
     EXPECT_THAT(data, ElementsAre(5, 2, 3));
     Bytes request = access(7, 2, 1, {0, 0, 9, 4, 5});
-    EXPECT_EQ(Response(memory().write(&request, &data, 1, true, 0x1234))->code, 0u);
+    EXPECT_EQ(Response(command().write(&request, &data, 1, true, 0x1234))->code, 0u);
     EXPECT_THAT(data, ElementsAre(0, 0, 9));
     EXPECT_THAT(stored(0, 4), ElementsAre(1, 4, 5, 4));
 }

@@ -57,20 +57,6 @@ unsigned I2cUnit::busSpeed() {
     return speed;
 }
 
-Response I2cUnit::run(AbstractCmd& command, Bytes request) {
-    return Response(command.tavrin_preCheck(&request));
-}
-
-Response I2cUnit::run(AbstractCmd& command, Tokens list) {
-    return Response(command.process(list));
-}
-
-void I2cUnit::expectError(const Response& response, unsigned code, const std::string& text) {
-    EXPECT_EQ(response->code, code);
-    EXPECT_EQ(response->message, text);
-    EXPECT_EQ(response->protocol, 0);
-}
-
 void I2cUnit::expectErrorFrame(const Bytes& request, unsigned code, const std::string& text) {
     m_listener.frames.clear();
     EXPECT_THAT(send(request), ElementsAre(8, request[1], request[2], request[3], code >> 24,

@@ -14,8 +14,6 @@ constexpr char kBusNode[] = "/dev/i2c0";
 /// A simulated unit with a scripted manager behind its I2C bus. A case finds the bus closed.
 class I2cUnit : public UnitFixture {
 protected:
-    using Tokens = std::vector<std::vector<char>>;
-
     I2cUnit();
 
     /// The bus's node is not there any more.
@@ -27,17 +25,11 @@ protected:
     static bool stopCondition();
     static unsigned busSpeed();
 
-    /// Runs the request of a command as its dispatcher would.
-    static Response run(AbstractCmd& command, Bytes request);
-    static Response run(AbstractCmd& command, Tokens list);
-
     /// Through the Handler, as a front end would.
     Bytes send(Bytes request) { return handler().handleCommand(&request, &m_listener); }
     std::string send(const Tokens& list) { return handler().handleCommand(list, &m_listener); }
 
-    /// The error with its text, which no frame or answer comes with.
-    static void expectError(const Response& response, unsigned code, const std::string& text);
-    /// The same on the wire: the debug frame, then the frame of the error.
+    /// That the next attempt is refused on the wire: the debug frame, then the frame of the error.
     void expectErrorFrame(const Bytes& request, unsigned code, const std::string& text);
     /// The same as lines.
     void expectErrorLine(const Tokens& list, unsigned code, const std::string& text);

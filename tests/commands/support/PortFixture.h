@@ -11,6 +11,12 @@ struct Port {
     unsigned char type;
 };
 
+constexpr unsigned int kOutOfRange = 0x27000010;
+constexpr unsigned int kNotAnOutput = 0x27000040;
+constexpr unsigned int kAccessFailed = 0x27000000;
+constexpr unsigned int kWriteFailed = 0x27010000;
+constexpr unsigned int kNotAvailable = 0x40000001;
+
 constexpr unsigned char kInput = 1;
 constexpr unsigned char kOutput = 3;
 

@@ -65,13 +65,6 @@ Bytes ScratchFixture::allStored() {
     return joined(stored(0, kPrepared), stored(kScratchBytes - kPrepared, kPrepared));
 }
 
-void ScratchFixture::expectError(const ProcessResponse& response, unsigned int code,
-                                 const std::string& text) {
-    EXPECT_EQ(response.code, code);
-    EXPECT_EQ(response.message, text);
-    EXPECT_EQ(response.protocol, 0);
-}
-
 void ScratchFixture::expectErrorFrames(const Bytes& request, unsigned int code,
                                        const std::string& text) {
     m_listener.frames.clear();

@@ -1,12 +1,9 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "support/RunningHandler.h"
 #include "support/UnitFixture.h"
-
-using Tokens = std::vector<std::vector<char>>;
 
 constexpr unsigned int kScratchBytes = 0x8000000;
 
@@ -27,8 +24,6 @@ protected:
     /// The prepared bytes, to see that nothing has changed them.
     static Bytes allStored();
 
-    /// That a response carries an error and nothing else.
-    static void expectError(const ProcessResponse& response, unsigned int code, const std::string& text);
     /// That a request of at least four bytes is answered by the text and then by the code's frame.
     void expectErrorFrames(const Bytes& request, unsigned int code, const std::string& text);
     /// That a line is answered by the text and then by `line`.

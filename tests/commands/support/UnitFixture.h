@@ -2,17 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include <memory>
 #include <string>
 
-#include "core/ProcessResponse.h"
+#include "support/CommandBench.h"
 #include "support/FreshProcess.h"
-#include "support/RecordingListener.h"
 
 constexpr char kCaptureFile[] = "/tmp/resp.txt";
-constexpr unsigned int kGenericError = 0x01010000;
-
-using Response = std::unique_ptr<ProcessResponse>;
 
 /// A simulated unit whose files a case may change. Fails where there is none, before it can do harm.
 class UnitFixture : public ::testing::Test {
