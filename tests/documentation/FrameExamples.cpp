@@ -4,32 +4,10 @@
 
 namespace {
 
-constexpr char kFramesStart[] = "```exchange frames";
-constexpr char kLinkStart[] = "```exchange link";
-constexpr char kBlockEnd[] = "```";
 constexpr char kBuild[] = "{build}";
 constexpr std::size_t kBuildLength = sizeof kBuild - 1;
 
 } // namespace
-
-std::vector<FrameExamples> readFrameExamples(std::istream& document) {
-    std::vector<FrameExamples> blocks;
-    bool inside = false;
-    for (std::string line; std::getline(document, line);) {
-        if (!inside) {
-            inside = line == kFramesStart || line == kLinkStart;
-            if (inside)
-                blocks.push_back({line == kLinkStart, {}});
-        } else if (line == kBlockEnd) {
-            inside = false;
-        } else if (line.rfind("> ", 0) == 0 || line.rfind("< ", 0) == 0) {
-            blocks.back().lines.push_back({line[0] == '>', line.substr(2)});
-        } else {
-            throw std::invalid_argument("neither sent nor received: " + line);
-        }
-    }
-    return blocks;
-}
 
 std::string bytesOf(const std::string& text, const std::string& buildTime) {
     std::string bytes;

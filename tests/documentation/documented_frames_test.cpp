@@ -7,9 +7,12 @@
 #include "FrameExamples.h"
 #include "line/Adapter.h"
 #include "support/Daemon.h"
+#include "support/ExchangeBlocks.h"
 
 namespace {
 
+// Shows every byte from the opening of the port; the others leave the acknowledgements out.
+constexpr char kLink[] = "link";
 constexpr char kAcknowledgement[] = "\x02\x06";
 constexpr char kDebugMarker = 'd';
 
@@ -32,15 +35,15 @@ DaemonStart withStationLine() {
 
 /// A unit that has just been started, and its station.
 struct Link {
-    void play(const FrameExamples& block) {
-        for (const FrameExample& line : block.lines) {
+    void play(const ExchangeBlock& block) {
+        for (const ExchangeLine& line : block.lines) {
             const std::string bytes = bytesOf(line.text, buildTime);
-            if (line.sent) {
+            if (line.isSent) {
                 adapter.send(bytes);
                 continue;
             }
             ASSERT_EQ(adapter.receive(bytes.size()), bytes) << line.text;
-            if (!block.showsAcknowledgements && bytes[1] != kDebugMarker)
+            if (block.kind != kLink && bytes[1] != kDebugMarker)
                 adapter.send(kAcknowledgement);
         }
     }
@@ -51,9 +54,9 @@ struct Link {
 };
 
 /// What the daemon complains of while all blocks are played.
-std::string complaintsAbout(const std::vector<FrameExamples>& blocks) {
+std::string complaintsAbout(const std::vector<ExchangeBlock>& blocks) {
     Link link;
-    for (const FrameExamples& block : blocks)
+    for (const ExchangeBlock& block : blocks)
         if (!testing::Test::HasFatalFailure())
             link.play(block);
     return link.daemon.error();
@@ -62,10 +65,10 @@ std::string complaintsAbout(const std::vector<FrameExamples>& blocks) {
 TEST(DocumentedFrames, AreAnsweredAsTheDocumentSays) {
     std::ifstream document(PROTOCOL_DOCUMENT);
     ASSERT_TRUE(document) << PROTOCOL_DOCUMENT;
-    const std::vector<FrameExamples> blocks = readFrameExamples(document);
+    const auto blocks = readExchangeBlocks(document, {"frames", kLink});
     ASSERT_GE(blocks.size(), 4U);
     // The one block that begins with the opening of the port comes before all others.
-    ASSERT_TRUE(blocks.front().showsAcknowledgements);
+    ASSERT_EQ(blocks.front().kind, kLink);
     // On a busy machine an acknowledgement may come later than the daemon waits for it, but not each
     // time.
     constexpr int kAttempts = 3;

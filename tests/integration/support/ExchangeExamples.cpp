@@ -1,14 +1,10 @@
 #include "support/ExchangeExamples.h"
 
-#include <stdexcept>
 #include <string_view>
 
 #include "support/Daemon.h"
 
 namespace {
-
-constexpr char kBlockStart[] = "```exchange tcp";
-constexpr char kBlockEnd[] = "```";
 
 struct Replacement {
     std::string_view name;
@@ -29,25 +25,6 @@ const Replacement* replacementAt(const std::string& text, std::size_t at,
 }
 
 } // namespace
-
-std::vector<Example> readExamples(std::istream& document) {
-    std::vector<Example> examples;
-    bool inside = false;
-    for (std::string line; std::getline(document, line);) {
-        if (!inside) {
-            inside = line == kBlockStart;
-            if (inside)
-                examples.emplace_back();
-        } else if (line == kBlockEnd) {
-            inside = false;
-        } else if (line.rfind("> ", 0) == 0 || line.rfind("< ", 0) == 0) {
-            examples.back().push_back({line[0] == '>', line.substr(2)});
-        } else {
-            throw std::invalid_argument("neither sent nor received: " + line);
-        }
-    }
-    return examples;
-}
 
 std::string bytesOf(const std::string& text) {
     std::string bytes;
