@@ -1,6 +1,5 @@
 #include "StationProcess.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <spawn.h>
@@ -13,23 +12,11 @@
 #include <utility>
 
 #include "client/Deadline.h"
-#include "platform/Descriptor.h"
+#include "support/Pipe.h"
 
 namespace station {
 
 namespace {
-
-struct Pipe {
-    Pipe() {
-        std::array<int, 2> ends = {};
-        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
-        readEnd.reset(ends[0]);
-        writeEnd.reset(ends[1]);
-    }
-
-    System::Descriptor readEnd;
-    System::Descriptor writeEnd;
-};
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;

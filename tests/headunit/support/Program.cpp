@@ -1,6 +1,5 @@
 #include "support/Program.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/syscall.h>
@@ -18,25 +17,14 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "support/Pipe.h"
+#include "support/Waiting.h"
+
 namespace headunit_test {
 namespace {
 
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
-
-constexpr std::chrono::seconds kDeadline{30};
-
-struct Pipe {
-    System::Descriptor reading;
-    System::Descriptor writing;
-};
-
-Pipe makePipe() {
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0)
-        throw std::runtime_error("no pipe");
-    return {System::Descriptor(ends[0]), System::Descriptor(ends[1])};
-}
 
 int remaining(Clock::time_point deadline) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
@@ -60,15 +48,15 @@ Program::Program(std::vector<std::string> command, const Surroundings& surroundi
     for (std::string& argument : command)
         arguments.push_back(argument.data());
     arguments.push_back(nullptr);
-    Pipe input = makePipe();
-    Pipe output = makePipe();
-    Pipe error = makePipe();
+    Pipe input;
+    Pipe output;
+    Pipe error;
 
     m_pid = ::fork();
     if (m_pid == 0) {
-        ::dup2(input.reading.get(), STDIN_FILENO);
-        ::dup2(output.writing.get(), STDOUT_FILENO);
-        ::dup2(error.writing.get(), STDERR_FILENO);
+        ::dup2(input.readEnd.get(), STDIN_FILENO);
+        ::dup2(output.writeEnd.get(), STDOUT_FILENO);
+        ::dup2(error.writeEnd.get(), STDERR_FILENO);
         for (const auto& [name, value] : surroundings.environment)
             ::setenv(name.c_str(), value.c_str(), 1);
         if (surroundings.folder.empty() || ::chdir(surroundings.folder.c_str()) == 0)
@@ -76,9 +64,9 @@ Program::Program(std::vector<std::string> command, const Surroundings& surroundi
         ::_exit(99);
     }
     m_ended = System::Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, m_pid, 0)));
-    m_input = std::move(input.writing);
-    m_outputPipe = std::move(output.reading);
-    m_errorPipe = std::move(error.reading);
+    m_input = std::move(input.writeEnd);
+    m_outputPipe = std::move(output.readEnd);
+    m_errorPipe = std::move(error.readEnd);
 }
 
 Program::~Program() {
@@ -97,7 +85,7 @@ void Program::write(const std::string& text) const {
 }
 
 bool Program::waitForOutput(const std::string& text) {
-    const auto deadline = Clock::now() + kDeadline;
+    const auto deadline = Clock::now() + kPatience;
     while (m_output.find(text) == std::string::npos)
         if (!m_outputPipe || !pump(remaining(deadline)))
             return false;
@@ -105,7 +93,7 @@ bool Program::waitForOutput(const std::string& text) {
 }
 
 int Program::wait() {
-    const auto deadline = Clock::now() + kDeadline;
+    const auto deadline = Clock::now() + kPatience;
     while (m_outputPipe || m_errorPipe || m_ended)
         if (!pump(remaining(deadline)))
             return -1;

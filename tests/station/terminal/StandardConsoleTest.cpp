@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -14,29 +13,13 @@
 
 #include "Keyboard.h"
 #include "platform/Descriptor.h"
+#include "support/Pipe.h"
 #include "support/Waiting.h"
 
 namespace station {
 namespace {
 
 constexpr std::size_t kMost = 100;
-
-struct Pipe {
-    Pipe() {
-        std::array<int, 2> ends = {};
-        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
-        readEnd.reset(ends[0]);
-        writeEnd.reset(ends[1]);
-    }
-
-    void put(std::string_view bytes) const {
-        EXPECT_EQ(::write(writeEnd.get(), bytes.data(), bytes.size()),
-                  static_cast<ssize_t>(bytes.size()));
-    }
-
-    System::Descriptor readEnd;
-    System::Descriptor writeEnd;
-};
 
 class StandardConsoleTest : public testing::Test {
 protected:
@@ -101,7 +84,7 @@ TEST_F(StandardConsoleTest, ReadsAPipeToItsEnd) {
     testing::internal::CaptureStderr();
     console.begin();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    input.put("abc");
+    EXPECT_EQ(::write(input.writeEnd.get(), "abc", 3), 3);
     Console::Input first = console.read(kPatience, 2);
     EXPECT_EQ(first.bytes, "ab");
     EXPECT_FALSE(first.isEnded);
