@@ -11,6 +11,7 @@
 #include "commands/ExecCommand.h"
 #include "commands/InsideCommand.h"
 #include "commands/RunCommand.h"
+#include "control/ControlTable.h"
 #include "devices/SoftwareVersions.h"
 #include "unit/HostSystem.h"
 #include "unit/UnitError.h"
@@ -31,14 +32,6 @@ constexpr char kExamples[] =
     "Exit status: 2 for a wrong command line; 'run' 0 after Ctrl-C, 1 otherwise; 'exec' that of the\n"
     "command, 128+N when a signal ended it, 125 when there is no unit to run it in; 'control' 1 when the\n"
     "unit refuses, 3 when there is none.";
-
-constexpr char kControlWords[] =
-    "unplug LINE, plug LINE, state, position LATITUDE LONGITUDE, modem signal|registration|pin|late|silent "
-    "VALUE, loopback on|off, receiver on|off; i2c manager|late|result|chip|temperature|pins|eeprom VALUE, "
-    "wlan manager|late|result|refuse|size VALUE, bluetooth manager|late|silent|fail|send VALUE, "
-    "display fail|late VALUE, insert MEDIUM, remove MEDIUM, ports, port NAME 0|1|unreadable|gone|back, "
-    "audio active|inactive|stopped; "
-    "LINE is station, loopback, modem or receiver, MEDIUM is sda0, sdb0, cd0, umass0, mnand0 or fs0";
 
 struct Options {
     headunit::RunOptions run;
@@ -133,7 +126,7 @@ CLI::App* addControl(CLI::App& app, headunit::ControlOptions& options) {
         ->add_option("--unit", options.unitFolder,
                      "The unit's folder (default: the unit around headunit)")
         ->type_name("DIR");
-    control->add_option("words", options.words, kControlWords)->required()->type_name("WORD");
+    control->add_option("words", options.words, headunit::controlHelp())->required()->type_name("WORD");
     return control;
 }
 

@@ -45,7 +45,7 @@ bool takePrefix(std::string& text, std::string_view prefix) {
 
 } // namespace
 
-std::optional<ControlCommands::Answer> askUnit(const std::string& folder, const std::string& line) {
+std::optional<ControlAnswer> askUnit(const std::string& folder, const std::string& line) {
     const System::Descriptor socket = connectToControl(folder);
     if (!socket)
         return std::nullopt;
@@ -56,7 +56,7 @@ std::optional<ControlCommands::Answer> askUnit(const std::string& folder, const 
         throw UnitError("the unit went away without an answer");
     if (!text.empty() && text.back() == '\n')
         text.pop_back();
-    return ControlCommands::Answer{done, text};
+    return ControlAnswer{done, text};
 }
 
 } // namespace headunit

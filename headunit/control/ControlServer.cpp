@@ -59,7 +59,7 @@ private:
             m_line.resize(std::min(m_line.size(), kLongestLine + 1));
             return;
         }
-        ControlCommands::Answer answer{false, "the line is too long"};
+        ControlAnswer answer{false, "the line is too long"};
         if (lineEnd <= kLongestLine)
             answer = m_commands.run(std::string_view(m_line).substr(0, lineEnd));
         m_answer = answer.done ? kControlDone : kControlRefused;

@@ -9,9 +9,11 @@ namespace {
 constexpr int kLongestLate = 600000; // milliseconds
 constexpr int kMostTimes = 1000000;
 constexpr int kHexBase = 16;
-constexpr unsigned kBitsOfDigit = 4;
-constexpr unsigned kDigitMask = 0xF;
-constexpr char kHexDigits[] = "0123456789ABCDEF";
+
+constexpr char kNoSwitch[] = "'%s' is not on or off";
+constexpr char kNoLateness[] = "'%s' is not a number of milliseconds: 0 to %d";
+constexpr char kNoResult[] = "'%s' is not a result: a whole number of 32 bits";
+constexpr char kNoTimes[] = "'%s' is not a number of %s: 0 to %d";
 
 std::optional<int> numberOfBase(const char* begin, const char* end, int base) {
     int number = 0;
@@ -22,14 +24,6 @@ std::optional<int> numberOfBase(const char* begin, const char* end, int base) {
 }
 
 } // namespace
-
-ControlCommands::Answer refused(const std::string& why) {
-    return {false, why};
-}
-
-ControlCommands::Answer refusedValue(const std::string& value, const std::string& wanted) {
-    return refused("'" + value + "' is not " + wanted);
-}
 
 std::optional<int> wholeNumber(const std::string& text) {
     constexpr int kDecimal = 10;
@@ -46,38 +40,6 @@ std::optional<double> decimalNumber(const std::string& text) {
     return number;
 }
 
-std::optional<bool> onOrOff(const std::string& text) {
-    if (text != "on" && text != "off")
-        return std::nullopt;
-    return text == "on";
-}
-
-std::optional<std::chrono::milliseconds> lateness(const std::string& text) {
-    const auto late = wholeNumber(text);
-    if (!late || *late < 0 || *late > kLongestLate)
-        return std::nullopt;
-    return std::chrono::milliseconds(*late);
-}
-
-ControlCommands::Answer refusedLateness(const std::string& text) {
-    return refusedValue(text, "a number of milliseconds: 0 to " + std::to_string(kLongestLate));
-}
-
-std::optional<unsigned> orderedTimes(const std::string& text) {
-    const auto times = wholeNumber(text);
-    if (!times || *times < 0 || *times > kMostTimes)
-        return std::nullopt;
-    return static_cast<unsigned>(*times);
-}
-
-std::optional<unsigned> timesIn(const std::vector<std::string>& words) {
-    return words.size() > 1 ? orderedTimes(words[1]) : std::optional<unsigned>(1U);
-}
-
-ControlCommands::Answer refusedTimes(const std::string& text, const std::string& things) {
-    return refusedValue(text, "a number of " + things + ": 0 to " + std::to_string(kMostTimes));
-}
-
 std::optional<std::string> hexBytes(const std::string& text) {
     if (text.empty() || text.size() % 2 != 0)
         return std::nullopt;
@@ -91,8 +53,34 @@ std::optional<std::string> hexBytes(const std::string& text) {
     return bytes;
 }
 
-std::string hexText(std::uint8_t byte) {
-    return {kHexDigits[byte >> kBitsOfDigit], kHexDigits[byte & kDigitMask]};
+bool onOrOff(const std::string& text) {
+    if (text != "on" && text != "off")
+        throw unitError(kNoSwitch, text.c_str());
+    return text == "on";
+}
+
+std::chrono::milliseconds lateness(const std::string& text) {
+    const auto late = wholeNumber(text);
+    if (!late || *late < 0 || *late > kLongestLate)
+        throw unitError(kNoLateness, text.c_str(), kLongestLate);
+    return std::chrono::milliseconds(*late);
+}
+
+int managerResult(const std::string& text) {
+    const auto result = wholeNumber(text);
+    if (!result)
+        throw unitError(kNoResult, text.c_str());
+    return *result;
+}
+
+unsigned timesIn(const ControlArguments& arguments, const char* things) {
+    if (arguments.size() < 2)
+        return 1;
+    const std::string& text = arguments[1];
+    const auto times = wholeNumber(text);
+    if (!times || *times < 0 || *times > kMostTimes)
+        throw unitError(kNoTimes, text.c_str(), things, kMostTimes);
+    return static_cast<unsigned>(*times);
 }
 
 } // namespace headunit

@@ -1,92 +1,95 @@
-#include "control/ControlCommands.h"
+#include "control/I2cControl.h"
+
 #include "control/ControlWords.h"
+#include "control/ManagerControl.h"
+#include "unit/FormatText.h"
 
 namespace headunit {
 namespace {
 
+constexpr char kNoTemperature[] = "'%s' is not a temperature in degrees Celsius: -55 to 125";
+constexpr char kNoLevels[] = "'%s' is not the levels of eight pins: 00 to FF";
+constexpr char kNoMemory[] =
+    "'%s %s' is not an address, 00 to FF, and bytes in hexadecimal that fit in after it";
+constexpr char kEepromUsage[] = "usage: i2c eeprom [ADDRESS HEX]";
+
 constexpr std::size_t kBytesOfLine = 16;
+
+std::string orderResult(UnitDevices& devices, const ControlArguments& arguments) {
+    const int result = managerResult(arguments[0]);
+    devices.i2c.bus().orderResult(result, timesIn(arguments, "requests"));
+    return {};
+}
+
+std::string setChip(UnitDevices& devices, const ControlArguments& arguments) {
+    I2cBus& bus = devices.i2c.bus();
+    I2cBus::Chip* chip = bus.findChip(arguments[0]);
+    if (chip == nullptr) {
+        std::vector<std::string_view> names;
+        for (const I2cBus::Chip& known : bus.chips())
+            names.push_back(known.name);
+        throw notOneOf(names, arguments[0]);
+    }
+    chip->present = onOrOff(arguments[1]);
+    return {};
+}
+
+std::string setTemperature(UnitDevices& devices, const ControlArguments& arguments) {
+    const auto degrees = decimalNumber(arguments[0]);
+    if (!degrees || !devices.i2c.bus().sensor.setTemperature(*degrees))
+        throw unitError(kNoTemperature, arguments[0].c_str());
+    return {};
+}
+
+std::string setPins(UnitDevices& devices, const ControlArguments& arguments) {
+    const auto levels = hexBytes(arguments[0]);
+    if (!levels || levels->size() != 1)
+        throw unitError(kNoLevels, arguments[0].c_str());
+    devices.i2c.bus().expander.setOutside(static_cast<std::uint8_t>(levels->front()));
+    return {};
+}
+
+std::string dump(const std::string& content) {
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < content.size(); ++at) {
+        if (at % kBytesOfLine == 0)
+            lines.push_back(formatText("%02zX:", at));
+        lines.back() += formatText(" %02X", static_cast<unsigned char>(content[at]));
+    }
+    return listed(lines, "\n");
+}
+
+void store(Eeprom& memory, const std::string& place, const std::string& content) {
+    const auto address = hexBytes(place);
+    const auto bytes = hexBytes(content);
+    if (!address || address->size() != 1 || !bytes ||
+        !memory.store(static_cast<std::uint8_t>(address->front()), *bytes))
+        throw unitError(kNoMemory, place.c_str(), content.c_str());
+}
+
+std::string showOrStore(UnitDevices& devices, const ControlArguments& arguments) {
+    Eeprom& memory = devices.i2c.bus().eeprom;
+    if (arguments.empty())
+        return dump(memory.content());
+    if (arguments.size() == 1)
+        throw UnitError(kEepromUsage);
+    store(memory, arguments[0], arguments[1]);
+    return {};
+}
 
 } // namespace
 
-ControlCommands::Answer ControlCommands::i2c(const Words& words) {
-    static const std::vector<Key> kKeys = {
-        {"manager", &ControlCommands::setI2cManager, 1, 1, "i2c manager on|off"},
-        {"late", &ControlCommands::setI2cLate, 1, 1, "i2c late MILLISECONDS"},
-        {"result", &ControlCommands::orderI2cResult, 1, 2, "i2c result NUMBER [REQUESTS]"},
-        {"chip", &ControlCommands::setChip, 2, 2, "i2c chip eeprom|sensor|expander on|off"},
-        {"temperature", &ControlCommands::setTemperature, 1, 1, "i2c temperature DEGREES"},
-        {"pins", &ControlCommands::setPins, 1, 1, "i2c pins HEX"},
-        {"eeprom", &ControlCommands::eeprom, 0, 2, "i2c eeprom [ADDRESS HEX]"},
+ControlRows i2cControl() {
+    const ControlRows keys = {
+        {"manager", 1, 1, "on|off", setManager<&UnitDevices::i2c>},
+        {"late", 1, 1, "MILLISECONDS", setManagerLate<&UnitDevices::i2c>},
+        {"result", 1, 2, "NUMBER [REQUESTS]", orderResult},
+        {"chip", 2, 2, "eeprom|sensor|expander on|off", setChip},
+        {"temperature", 1, 1, "DEGREES", setTemperature},
+        {"pins", 1, 1, "HEX", setPins},
+        {"eeprom", 0, 2, "[ADDRESS HEX]", showOrStore},
     };
-    return runKey(kKeys, words);
-}
-
-ControlCommands::Answer ControlCommands::setI2cManager(const Words& values) {
-    return setManager(m_devices.i2c.node(), values[0]);
-}
-
-ControlCommands::Answer ControlCommands::setI2cLate(const Words& values) {
-    return setManagerLate(m_devices.i2c.node(), values[0]);
-}
-
-ControlCommands::Answer ControlCommands::orderI2cResult(const Words& values) {
-    const auto result = wholeNumber(values[0]);
-    if (!result)
-        return refusedValue(values[0], kNoResult);
-    const auto count = timesIn(values);
-    if (!count)
-        return refusedTimes(values[1], "requests");
-    m_devices.i2c.bus().orderResult(*result, *count);
-    return {};
-}
-
-ControlCommands::Answer ControlCommands::setChip(const Words& values) {
-    I2cBus::Chip* chip = m_devices.i2c.bus().findChip(values[0]);
-    if (chip == nullptr)
-        return refusedValue(values[0], "one of eeprom, sensor, expander");
-    const auto present = onOrOff(values[1]);
-    if (!present)
-        return refusedValue(values[1], "on or off");
-    chip->present = *present;
-    return {};
-}
-
-ControlCommands::Answer ControlCommands::setTemperature(const Words& values) {
-    const auto degrees = decimalNumber(values[0]);
-    if (!degrees || !m_devices.i2c.bus().sensor.setTemperature(*degrees))
-        return refusedValue(values[0], "a temperature in degrees Celsius: -55 to 125");
-    return {};
-}
-
-ControlCommands::Answer ControlCommands::setPins(const Words& values) {
-    const auto levels = hexBytes(values[0]);
-    if (!levels || levels->size() != 1)
-        return refusedValue(values[0], "the levels of eight pins: 00 to FF");
-    m_devices.i2c.bus().expander.setOutside(static_cast<std::uint8_t>(levels->front()));
-    return {};
-}
-
-ControlCommands::Answer ControlCommands::eeprom(const Words& values) {
-    Eeprom& memory = m_devices.i2c.bus().eeprom;
-    if (values.size() == 1)
-        return refused("usage: i2c eeprom [ADDRESS HEX]");
-    if (!values.empty()) {
-        const auto address = hexBytes(values[0]);
-        const auto bytes = hexBytes(values[1]);
-        if (!address || address->size() != 1 || !bytes ||
-            !memory.store(static_cast<std::uint8_t>(address->front()), *bytes))
-            return refusedValue(values[0] + " " + values[1],
-                                "an address, 00 to FF, and bytes in hexadecimal that fit in after it");
-        return {};
-    }
-    const std::string content = memory.content();
-    std::string text;
-    for (std::size_t at = 0; at < content.size(); ++at) {
-        if (at % kBytesOfLine == 0)
-            text += (at == 0 ? "" : "\n") + hexText(static_cast<std::uint8_t>(at)) + ":";
-        text += " " + hexText(static_cast<std::uint8_t>(content[at]));
-    }
-    return {true, text};
+    return {{"i2c", 1, 3, "VALUE [VALUE]", nullptr, keys}};
 }
 
 } // namespace headunit

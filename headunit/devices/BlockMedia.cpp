@@ -2,14 +2,13 @@
 
 #include <algorithm>
 
-#include "unit/UnitError.h"
+#include "unit/NameList.h"
 
 namespace headunit {
 
 void BlockMedia::install(UnitTree& tree, const std::vector<std::string>& wanted) {
     for (const std::string& name : wanted)
-        if (find(name) == nullptr)
-            throw UnitError("'" + name + "' is not one of sda0, sdb0, cd0, umass0, mnand0, fs0");
+        named(name);
     for (std::size_t i = 0; i < m_media.size(); ++i) {
         BlockMedium& medium = m_media[i];
         medium.install(tree);
@@ -20,10 +19,12 @@ void BlockMedia::install(UnitTree& tree, const std::vector<std::string>& wanted)
     }
 }
 
-BlockMedium* BlockMedia::find(std::string_view name) {
+BlockMedium& BlockMedia::named(const std::string& name) {
     auto* const medium = std::find_if(m_media.begin(), m_media.end(),
                                       [&](const BlockMedium& known) { return known.name() == name; });
-    return medium == m_media.end() ? nullptr : medium;
+    if (medium == m_media.end())
+        throw notOneOf(kNames, name);
+    return *medium;
 }
 
 } // namespace headunit

@@ -8,9 +8,10 @@ namespace headunit {
 /// out, what it writes is lost.
 class LoopbackLine : public SerialLine {
 public:
+    static constexpr char kName[] = "loopback";
     static constexpr char kNode[] = "/dev/ser1";
 
-    explicit LoopbackLine(EventLoop& loop) : SerialLine(loop, "loopback", kNode) {}
+    explicit LoopbackLine(EventLoop& loop) : SerialLine(loop, kName, kNode) {}
 
     /// On at first. On the loop's thread.
     void setConnected(bool connected) { m_connected = connected; }

@@ -13,7 +13,7 @@ constexpr std::chrono::milliseconds kUntilReaderReads{20};
 } // namespace
 
 Modem::Modem(EventLoop& loop)
-    : SerialLine(loop, "modem", kNode), m_nextAnswer(loop, [this] { sendDueAnswers(); }) {}
+    : SerialLine(loop, kName, kNode), m_nextAnswer(loop, [this] { sendDueAnswers(); }) {}
 
 void Modem::setSilent(bool silent) {
     m_silent = silent;

@@ -12,7 +12,7 @@ constexpr std::size_t kMostUnread =
 } // namespace
 
 PositionReceiver::PositionReceiver(EventLoop& loop)
-    : SerialLine(loop, "receiver", kNode), m_nextSentences(loop, [this] { saySentences(); }) {}
+    : SerialLine(loop, kName, kNode), m_nextSentences(loop, [this] { saySentences(); }) {}
 
 void PositionReceiver::setOn(bool on) {
     if (on == m_on)

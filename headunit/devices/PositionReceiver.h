@@ -12,6 +12,7 @@ namespace headunit {
 /// are for the loop's thread.
 class PositionReceiver : public SerialLine {
 public:
+    static constexpr char kName[] = "receiver";
     static constexpr char kNode[] = "/dev/ser3";
 
     explicit PositionReceiver(EventLoop& loop);

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "unit/UnitError.h"
+#include "unit/NameList.h"
 
 namespace headunit {
 
@@ -16,11 +16,11 @@ void SerialLines::install(UnitTree& tree) {
     }
 }
 
-SerialLine* SerialLines::find(std::string_view name) {
+SerialLine& SerialLines::named(const std::string& name) {
     for (SerialLine* line : all())
         if (line->name() == name)
-            return line;
-    return nullptr;
+            return *line;
+    throw notOneOf(kNames, name);
 }
 
 } // namespace headunit

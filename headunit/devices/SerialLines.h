@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <string>
 #include <string_view>
 
 #include "devices/LoopbackLine.h"
@@ -13,6 +14,10 @@ namespace headunit {
 /// The four serial lines of a unit, for the loop's thread or while the loop does not run. The loop and
 /// the tree outlive them.
 struct SerialLines {
+    /// What the user calls them, in the order of all().
+    static constexpr std::array<std::string_view, 4> kNames = {StationLine::kName, LoopbackLine::kName,
+                                                               Modem::kName, PositionReceiver::kName};
+
     explicit SerialLines(EventLoop& loop) : station(loop), loopback(loop), modem(loop), receiver(loop) {}
 
     /// Installs each in turn. Throws UnitError that names the line which failed.
@@ -20,8 +25,8 @@ struct SerialLines {
 
     std::array<SerialLine*, 4> all() { return {&station, &loopback, &modem, &receiver}; }
 
-    /// The line with this name, null when there is none.
-    SerialLine* find(std::string_view name);
+    /// Throws UnitError when there is none with this name.
+    SerialLine& named(const std::string& name);
 
     StationLine station;
     LoopbackLine loopback;

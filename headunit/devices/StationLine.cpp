@@ -5,7 +5,7 @@
 namespace headunit {
 
 StationLine::StationLine(EventLoop& loop)
-    : SerialLine(loop, "station", kNode),
+    : SerialLine(loop, kName, kNode),
       m_stationEnd(loop, {[this] { return roomForStation(); },
                           [this](std::string_view bytes) { unitEnd().send(bytes); }}) {}
 

@@ -23,9 +23,9 @@ protected:
         return std::filesystem::is_symlink(node(unitPath));
     }
 
-    headunit::ControlCommands::Answer ask(const std::string& line) const {
+    headunit::ControlAnswer ask(const std::string& line) const {
         const auto answer = headunit::askUnit(node("/run/headunit"), line);
-        return answer.value_or(headunit::ControlCommands::Answer{false, "nobody listens"});
+        return answer.value_or(headunit::ControlAnswer{false, "nobody listens"});
     }
 
     /// Asks for something that is to be done.

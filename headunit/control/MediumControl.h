@@ -1,0 +1,10 @@
+#pragma once
+
+#include "control/ControlRow.h"
+
+namespace headunit {
+
+/// "insert" and "remove": the block media.
+ControlRows mediumControl();
+
+} // namespace headunit

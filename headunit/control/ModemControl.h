@@ -1,0 +1,10 @@
+#pragma once
+
+#include "control/ControlRow.h"
+
+namespace headunit {
+
+/// "modem": the telephone module.
+ControlRow modemControl();
+
+} // namespace headunit
