@@ -9,13 +9,16 @@ set(CMAKE_CXX_COMPILER ${triplet}-g++)
 set(CMAKE_CXX_FLAGS_INIT "-mcpu=cortex-a9 -mfpu=vfpv3-d16 -mfloat-abi=hard -Wno-psabi")
 set(CMAKE_LIBRARY_ARCHITECTURE ${triplet})
 
-# The compiler's own packages hold no zlib for the board: Debian's packages for it are unpacked there.
+# The compiler's own packages hold no zlib and no libpng for the board: Debian's packages for it are unpacked
+# there.
 get_filename_component(unpacked ${CMAKE_CURRENT_LIST_DIR}/../../build/sysroot-armhf ABSOLUTE)
-if(NOT EXISTS ${unpacked}/usr/include/zlib.h)
+if(NOT EXISTS ${unpacked}/usr/include/zlib.h OR NOT EXISTS ${unpacked}/usr/include/png.h)
   message(FATAL_ERROR "${unpacked} is missing: run scripts/prepare armv7")
 endif()
 set(ZLIB_INCLUDE_DIR ${unpacked}/usr/include CACHE PATH "zlib of the board")
 set(ZLIB_LIBRARY ${unpacked}/lib/${triplet}/libz.so.1 CACHE FILEPATH "zlib of the board")
+set(PNG_PNG_INCLUDE_DIR ${unpacked}/usr/include CACHE PATH "libpng of the board")
+set(PNG_LIBRARY ${unpacked}/usr/lib/${triplet}/libpng16.so.16 CACHE FILEPATH "libpng of the board")
 
 # Libraries are the board's; programs are this machine's, and so are packages of headers alone.
 set(CMAKE_FIND_ROOT_PATH /usr/${triplet} ${unpacked})

@@ -29,6 +29,10 @@ public:
     const Colour& at(std::size_t x, std::size_t y) const { return m_points[y * m_width + x]; }
     Colour& at(std::size_t x, std::size_t y) { return m_points[y * m_width + x]; }
 
+    /// All of them, one row after the other.
+    const Colour* points() const { return m_points.data(); }
+    Colour* points() { return m_points.data(); }
+
 private:
     std::size_t m_width;
     std::size_t m_height;

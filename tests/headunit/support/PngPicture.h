@@ -6,7 +6,7 @@
 
 namespace headunit_test {
 
-/// The picture of a PNG file with 8 bits a colour and unfiltered rows. Throws std::runtime_error that
+/// The picture of a PNG file with red, green and blue of 8 bits each. Throws std::runtime_error that
 /// says what is wrong with the bytes.
 headunit::Picture decodePng(const std::string& bytes);
 
