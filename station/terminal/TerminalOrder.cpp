@@ -1,6 +1,5 @@
 #include "terminal/TerminalOrder.h"
 
-#include <CLI/CLI.hpp>
 #include <limits>
 
 #include "client/Failure.h"
@@ -43,18 +42,19 @@ bool isTerminal(const std::string& name, const std::vector<std::string>& argumen
 
 std::optional<TerminalOrder> parseTerminalOrder(const std::vector<std::string>& arguments,
                                                 std::ostream& help) {
-    CLI::App app("Connects this terminal with a serial line of the unit.",
-                 "station [OPTION...] serial terminal");
     std::string channel;
     std::string baud = "115200";
     std::string flags = "0";
-    app.add_option("CHANNEL", channel, "The line's channel")->required()->type_name("");
-    app.add_option("--baud", baud, "Bits per second")->type_name("B")->capture_default_str();
-    app.add_option("--flags", flags,
-                   "Bit 0: two stop bits; bits 1 and 2: 0 no parity, 4 even, 6 odd; bit 3: 7 data bits")
-        ->type_name("F")
-        ->capture_default_str();
-    if (!parseOptions(app, "serial terminal", arguments, help))
+    const OptionLine line = {
+        std::string(kName) + ' ' + kWord,
+        "Connects this terminal with a serial line of the unit.",
+        {
+            {"CHANNEL", &channel, "The line's channel", "", true},
+            {"--baud", &baud, "Bits per second", "B"},
+            {"--flags", &flags,
+             "Bit 0: two stop bits; bits 1 and 2: 0 no parity, 4 even, 6 odd; bit 3: 7 data bits", "F"},
+        }};
+    if (!parseOptions(line, arguments, help))
         return std::nullopt;
     TerminalOrder order;
     order.channel = numberOf(channel, "channel", kLastLine);

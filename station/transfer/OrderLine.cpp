@@ -1,6 +1,5 @@
 #include "transfer/OrderLine.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 
@@ -44,32 +43,29 @@ struct Written {
     std::string progress;
 };
 
-void addMemoryOptions(CLI::App& app, Order::Kind kind, Written& written) {
-    app.add_option("FILE", written.file, "The local file")->required()->type_name("");
-    auto* const at =
-        app.add_option("--at", written.at, "Where it begins in the scratch buffer, in bytes")
-            ->type_name("OFFSET");
-    if (kind == Order::Kind::Upload) {
-        at->capture_default_str();
-        return;
-    }
-    at->required();
-    app.add_option("--length", written.length, "How many bytes")->type_name("N")->required();
+std::vector<OptionRow> memoryRows(Order::Kind kind, Written& written) {
+    const bool download = kind == Order::Kind::Download;
+    std::vector<OptionRow> rows = {
+        {"FILE", &written.file, "The local file", "", true},
+        {"--at", &written.at, "Where it begins in the scratch buffer, in bytes", "OFFSET", download},
+    };
+    if (download)
+        rows.push_back({"--length", &written.length, "How many bytes", "N", true});
+    return rows;
 }
 
-void addDeviceOptions(CLI::App& app, Order::Kind kind, Written& written) {
-    app.add_option("TYPE", written.type, "disk (177), disc (178), usb (179) or sd (180)")
-        ->required()
-        ->type_name("");
-    app.add_option("ID", written.id, "Which of them, from 0 on")->required()->type_name("");
-    app.add_option("FILE", written.file, "The local file")->required()->type_name("");
+std::vector<OptionRow> deviceRows(Order::Kind kind, Written& written) {
+    std::vector<OptionRow> rows = {
+        {"TYPE", &written.type, "disk (177), disc (178), usb (179) or sd (180)", "", true},
+        {"ID", &written.id, "Which of them, from 0 on", "", true},
+        {"FILE", &written.file, "The local file", "", true},
+    };
     if (kind == Order::Kind::Dump)
-        app.add_option("--blocks", written.blocks, "Only these, both ends included; default: all")
-            ->type_name("A..B");
+        rows.push_back(
+            {"--blocks", &written.blocks, "Only these, both ends included; default: all", "A..B"});
     else
-        app.add_option("--at", written.at, "The first block to write")
-            ->type_name("BLOCK")
-            ->capture_default_str();
+        rows.push_back({"--at", &written.at, "The first block to write", "BLOCK"});
+    return rows;
 }
 
 DeviceId parseDevice(const Written& written) {
@@ -132,16 +128,13 @@ std::optional<Order> parseOrder(const std::string& name, const std::vector<std::
     const Form* const form = findForm(name, arguments);
     if (form == nullptr)
         throw Failure(Failure::Kind::InvalidRequest, name + " is no transfer");
-    const std::string command = std::string(form->name) + ' ' + form->word;
-    CLI::App app(form->description, "station [OPTION...] " + command);
     Written written;
-    if (name == std::string("memory"))
-        addMemoryOptions(app, form->kind, written);
-    else
-        addDeviceOptions(app, form->kind, written);
-    app.add_option("--progress", written.progress, "How it is shown on standard error")
-        ->type_name("auto|bar|plain|none");
-    if (!parseOptions(app, command, arguments, help))
+    OptionLine line = {
+        std::string(form->name) + ' ' + form->word, form->description,
+        name == "memory" ? memoryRows(form->kind, written) : deviceRows(form->kind, written)};
+    line.rows.push_back(
+        {"--progress", &written.progress, "How it is shown on standard error", "auto|bar|plain|none"});
+    if (!parseOptions(line, arguments, help))
         return std::nullopt;
     return orderOf(*form, written);
 }
