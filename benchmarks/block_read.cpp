@@ -15,7 +15,7 @@
 #include "measuring/CorePinning.h"
 #include "measuring/Daemon.h"
 #include "measuring/Failure.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 using namespace Measuring;
 

@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "core/CRC.h"
-#include "core/CRCDivision.h"
 #include "measuring/Benchmark.h"
 #include "measuring/Contest.h"
 #include "measuring/CorePinning.h"
+#include "wire/CRCDivision.h"
 
 using namespace Measuring;
 namespace CRCDivision = System::CRCDivision;

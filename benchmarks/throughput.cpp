@@ -15,7 +15,7 @@
 #include "measuring/Daemon.h"
 #include "measuring/Failure.h"
 #include "measuring/FloorServer.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 using namespace Measuring;
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "measuring/ChildProcess.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace Measuring {
 

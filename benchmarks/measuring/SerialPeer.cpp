@@ -10,7 +10,7 @@
 #include <stdexcept>
 
 #include "measuring/Failure.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace Measuring {
 

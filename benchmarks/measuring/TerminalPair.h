@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace Measuring {
 

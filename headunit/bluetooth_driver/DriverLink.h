@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 

@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/Descriptors.h"
+#include "unit/Pipe.h"
 #include "unit/UnitError.h"
 
 namespace headunit {
@@ -41,7 +41,7 @@ FolderWatch::FolderWatch(EventLoop& loop, std::function<void(const std::string&)
 FolderWatch::~FolderWatch() {
     System::Descriptor childsEnd;
     System::Descriptor parentsEnd;
-    if (!m_notifier || !System::openPipe(childsEnd, parentsEnd))
+    if (!m_notifier || !openPipe(childsEnd, parentsEnd))
         return;
     if (::fork() == 0)
         outlive(m_notifier.get(), childsEnd.get());

@@ -9,7 +9,7 @@
 #include "devices/ManagerPackets.h"
 #include "devices/PortExpander.h"
 #include "devices/TemperatureSensor.h"
-#include "platform/I2cRequests.h"
+#include "wire/I2cRequests.h"
 
 namespace headunit {
 

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Descriptor.h"
 #include "serial/EventLoop.h"
 #include "unit/UnitTree.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "unit/LittleEndian.h"
+#include "wire/LittleEndian.h"
 
 namespace headunit {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "displays/DisplayState.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "unit/LittleEndian.h"
+#include "wire/LittleEndian.h"
 
 namespace headunit {
 namespace {

@@ -13,8 +13,8 @@
 #include <utility>
 
 #include "devices/AudioDriver.h"
-#include "platform/Descriptor.h"
-#include "platform/Descriptors.h"
+#include "unit/Pipe.h"
+#include "wire/Descriptor.h"
 
 namespace {
 
@@ -82,7 +82,7 @@ int main(int argc, char** argv) {
     ::sigprocmask(SIG_BLOCK, &signals, nullptr); // before anybody can find the driver by its name
     System::Descriptor reading;
     System::Descriptor writing;
-    if (!System::openPipe(reading, writing))
+    if (!headunit::openPipe(reading, writing))
         return kFailed;
     const pid_t driver = ::fork();
     if (driver < 0)

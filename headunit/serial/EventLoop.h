@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 

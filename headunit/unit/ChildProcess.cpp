@@ -9,8 +9,8 @@
 #include <csignal>
 #include <fstream>
 
-#include "platform/Descriptor.h"
 #include "unit/UnitError.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 namespace {

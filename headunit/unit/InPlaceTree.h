@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/Descriptor.h"
 #include "unit/UnitTree.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 

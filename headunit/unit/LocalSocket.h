@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/Descriptor.h"
 #include "unit/ChildProcess.h"
 #include "unit/SandboxArguments.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 

@@ -7,8 +7,8 @@
 #include <array>
 #include <cerrno>
 
-#include "platform/Descriptor.h"
 #include "unit/UnitError.h"
+#include "wire/Descriptor.h"
 
 namespace headunit {
 namespace {

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <memory>
 
-#include "core/BigEndian.h"
 #include "core/CRC.h"
 #include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
+#include "wire/BigEndian.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <new>
 
 #include "core/MemoryGuard.h"
-#include "platform/Base64.h"
 #include "platform/Node.h"
+#include "wire/Base64.h"
 
 namespace {
 

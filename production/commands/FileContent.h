@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 /// What open files hold, for the commands that answer it. A file that grows meanwhile is cut at the size
 /// it had at first. Each returns 0, or the error number that reading failed with; ENOMEM, before

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "commands/I2CAccess.h"
-#include "core/BigEndian.h"
+#include "wire/BigEndian.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 
 #include "core/Diagnostics.h"
 #include "core/StringFormat.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "commands/SWriteCmd.h"
 #include "commands/uap_ioctl.h"
-#include "core/LittleEndian.h"
+#include "wire/LittleEndian.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <string>
 
-#include "core/BigEndian.h"
 #include "core/ProcessResponseAscii.h"
 #include "core/StringFormat.h"
 #include "core/TokenText.h"
 #include "devices/CommHandler.h"
+#include "wire/BigEndian.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <string>
 
 #include "commands/I2CAccess.h"
-#include "core/BigEndian.h"
 #include "core/ProcessResponseAscii.h"
 #include "core/TokenNumber.h"
 #include "core/TokenText.h"
+#include "wire/BigEndian.h"
 
 namespace {
 

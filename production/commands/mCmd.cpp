@@ -9,13 +9,13 @@
 #include <limits>
 #include <utility>
 
-#include "core/BigEndian.h"
 #include "core/Diagnostics.h"
 #include "core/ProcessResponseAscii.h"
 #include "core/TokenNumber.h"
 #include "core/TokenText.h"
 #include "platform/BlockDevice.h"
 #include "platform/Node.h"
+#include "wire/BigEndian.h"
 
 namespace {
 

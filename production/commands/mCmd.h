@@ -9,8 +9,8 @@
 
 #include "core/AbstractCmd.h"
 #include "devices/DeviceResult.h"
-#include "platform/Descriptor.h"
 #include "runtime/Mutex.h"
+#include "wire/Descriptor.h"
 
 /// Moves whole blocks between the unit's block devices and the scratch buffer. A device that one request
 /// has opened stays open until another closes it.

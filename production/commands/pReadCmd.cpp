@@ -6,10 +6,10 @@
 #include <cstring>
 #include <memory>
 
-#include "core/BigEndian.h"
 #include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
 #include "platform/Node.h"
+#include "wire/BigEndian.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 #include <memory>
 #include <numeric>
 
-#include "core/BigEndian.h"
 #include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
+#include "wire/BigEndian.h"
 
 namespace {
 

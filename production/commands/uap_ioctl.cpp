@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <cstring>
 
-#include "core/LittleEndian.h"
 #include "core/StandardStream.h"
 #include "core/StringFormat.h"
 #include "platform/NetworkStack.h"
+#include "wire/LittleEndian.h"
 
 int debug_level = 0;
 const char dev_name[] = "uap0";

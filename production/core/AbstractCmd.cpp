@@ -9,12 +9,12 @@
 #include <stdexcept>
 #include <utility>
 
-#include "core/BigEndian.h"
 #include "core/Handler.h"
-#include "core/HexDigit.h"
 #include "core/ProcessResponseAscii.h"
 #include "core/TokenNumber.h"
-#include "platform/Base64.h"
+#include "wire/Base64.h"
+#include "wire/BigEndian.h"
+#include "wire/HexDigit.h"
 
 namespace {
 

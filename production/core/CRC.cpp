@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "core/CRCDivision.h"
+#include "wire/CRCDivision.h"
 
 namespace System {
 std::uint32_t* CRC::crcTab = nullptr;

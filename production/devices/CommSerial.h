@@ -1,7 +1,7 @@
 #pragma once
 
 #include "devices/SerialLine.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 /// Drives a serial device through a plain descriptor. A write hands over what the device takes at once.
 class CommSerial : public SerialLine {

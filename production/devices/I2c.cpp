@@ -6,7 +6,7 @@
 
 #include "core/StringFormat.h"
 #include "platform/DeviceManager.h"
-#include "platform/I2cRequests.h"
+#include "wire/I2cRequests.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "devices/DeviceResult.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 /// The master's side of an I2C bus (NXP UM10204), through the platform's bus manager. Addresses are the
 /// 7 bits without the direction bit; lengths are in bytes; speeds in bits a second. Not synchronised.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 /// Interrupts those who wait in `poll` for a device. Not synchronised, but for `descriptor`, which any
 /// thread may wait for as long as it keeps the object alive.

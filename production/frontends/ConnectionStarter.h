@@ -2,10 +2,10 @@
 
 #include <deque>
 
-#include "platform/Descriptor.h"
 #include "runtime/Condition.h"
 #include "runtime/Mutex.h"
 #include "runtime/Thread.h"
+#include "wire/Descriptor.h"
 
 /// Makes the threads of accepted connections, on a thread of its own: few stations fit into the queue
 /// of those that wait to be accepted, so whoever accepts them does nothing else.

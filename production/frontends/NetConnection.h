@@ -2,7 +2,7 @@
 
 #include "frontends/HttpRequestDetector.h"
 #include "frontends/LineAssembler.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 /// One station's connection, served on a thread of its own: a command is read, run and answered, then
 /// the next one.

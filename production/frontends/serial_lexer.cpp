@@ -3,10 +3,10 @@
 #include <cstring>
 #include <string>
 
-#include "core/HexDigit.h"
 #include "core/StringFormat.h"
 #include "frontends/Base64Quads.h"
-#include "platform/Base64.h"
+#include "wire/Base64.h"
+#include "wire/HexDigit.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

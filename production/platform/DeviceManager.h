@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

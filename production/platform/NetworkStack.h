@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "platform/Descriptor.h"
 #include "platform/DeviceManager.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <cstddef>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

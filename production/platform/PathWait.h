@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <string_view>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

@@ -1,8 +1,6 @@
 # What the seam is made of: what all systems share, and the half that each has of its own. Paths are
 # relative to this folder.
 set(platform_shared
-  Descriptor.cpp
-  posix/Base64.cpp
   posix/DriverLibrary.cpp
   posix/EndedChildren.cpp
   posix/Node.cpp
@@ -27,7 +25,7 @@ set(platform_linux
   linux/ShellStart.cpp
   linux/Terminal.cpp
   linux/ThreadTraits.cpp)
-set(platform_linux_libraries resolv ${CMAKE_DL_LIBS})
+set(platform_linux_libraries ${CMAKE_DL_LIBS})
 
 set(platform_qnx
   qnx/BlockDevice.cpp

@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

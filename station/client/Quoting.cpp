@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "client/Failure.h"
-#include "platform/Base64.h"
+#include "wire/Base64.h"
 
 namespace station {
 

@@ -7,7 +7,7 @@
 
 #include "client/Link.h"
 #include "client/Target.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "core/CRC.h"
-#include "core/CRCDivision.h"
+#include "wire/CRCDivision.h"
 
 namespace station {
 
@@ -43,11 +42,9 @@ std::optional<std::uint32_t> Checksum::value() const {
 }
 
 std::optional<std::uint32_t> checksumOf(std::string_view bytes) {
-    unsigned int checksum = 0;
-    const auto* const first = reinterpret_cast<const unsigned char*>(bytes.data());
-    if (System::CRC::calc(first, static_cast<unsigned int>(bytes.size()), &checksum) != 0)
-        return std::nullopt;
-    return checksum;
+    Checksum checksum;
+    checksum.add(bytes);
+    return checksum.value();
 }
 
 } // namespace station

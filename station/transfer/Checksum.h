@@ -7,7 +7,7 @@
 
 namespace station {
 
-/// The checksum of the unit's `diag cksum`, which is System::CRC's, over bytes that come piece by piece:
+/// The checksum of the unit's `diag cksum` over bytes that come piece by piece:
 /// a dump is larger than memory.
 class Checksum {
 public:

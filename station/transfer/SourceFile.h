@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 

@@ -14,9 +14,9 @@
 #include <fstream>
 #include <iterator>
 
-#include "platform/Descriptor.h"
 #include "support/PackedPicture.h"
 #include "support/RefusedResources.h"
+#include "wire/Descriptor.h"
 
 namespace fs = std::filesystem;
 

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <random>
 
-#include "core/BigEndian.h"
 #include "support/TableMemory.h"
 #include "support/WlanUnit.h"
+#include "wire/BigEndian.h"
 
 using ::testing::SizeIs;
 

@@ -1,6 +1,6 @@
 #include "commands/cReadCmd.h"
-#include "platform/Base64.h"
 #include "support/UnitFixture.h"
+#include "wire/Base64.h"
 
 namespace {
 

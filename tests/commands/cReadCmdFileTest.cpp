@@ -6,10 +6,10 @@
 #include <string>
 
 #include "commands/cReadCmd.h"
-#include "platform/Base64.h"
 #include "support/DescriptorLimit.h"
 #include "support/RefusedCalls.h"
 #include "support/UnitFixture.h"
+#include "wire/Base64.h"
 
 namespace {
 

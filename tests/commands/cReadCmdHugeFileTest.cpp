@@ -9,8 +9,8 @@
 #include <string>
 
 #include "commands/cReadCmd.h"
-#include "platform/Descriptor.h"
 #include "support/UnitFixture.h"
+#include "wire/Descriptor.h"
 
 namespace {
 

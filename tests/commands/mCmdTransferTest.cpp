@@ -8,8 +8,8 @@
 
 #include <climits>
 
-#include "platform/Descriptor.h"
 #include "support/BlockHandleFixture.h"
+#include "wire/Descriptor.h"
 
 namespace fs = std::filesystem;
 

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "core/CRCDivision.h"
 #include "support/FreshProcess.h"
 #include "support/TableMemory.h"
+#include "wire/CRCDivision.h"
 
 using System::CRC;
 namespace CRCDivision = System::CRCDivision;

@@ -8,9 +8,9 @@
 #include <string>
 #include <thread>
 
-#include "platform/Descriptor.h"
 #include "support/DriverFixture.h"
 #include "support/Waiting.h"
+#include "wire/Descriptor.h"
 
 namespace {
 

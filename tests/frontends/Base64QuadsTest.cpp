@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Base64.h"
+#include "wire/Base64.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include "devices/DeviceResult.h"
 #include "devices/I2CHandler.h"
 #include "devices/I2c.h"
-#include "platform/I2cRequests.h"
 #include "support/Layout.h"
+#include "wire/I2cRequests.h"
 
 namespace layout {
 

@@ -11,7 +11,7 @@
 #include <cstdarg>
 #include <cstdint>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 using System::blockDeviceStatus;
 using System::Descriptor;

@@ -1,5 +1,5 @@
 // The socket library's codec.
-#include "platform/Base64.h"
+#include "wire/Base64.h"
 
 #include "QnxTest.h"
 

@@ -8,9 +8,9 @@
 #include <string>
 
 #include "AsciiDaemonTest.h"
-#include "platform/Descriptor.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
+#include "wire/Descriptor.h"
 
 namespace {
 

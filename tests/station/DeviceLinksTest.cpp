@@ -11,10 +11,10 @@
 #include "client/Hex.h"
 #include "client/Quoting.h"
 #include "pictures/TestPictures.h"
-#include "platform/Descriptor.h"
 #include "support/PngPicture.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
+#include "wire/Descriptor.h"
 
 // The unit's lines, its wireless chip and its displays over each link.
 

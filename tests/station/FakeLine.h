@@ -8,6 +8,7 @@
 #include "client/Target.h"
 #include "support/BinaryFrames.h"
 #include "support/PseudoTerminal.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 

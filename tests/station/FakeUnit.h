@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "client/Target.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 #include "support/ByteStream.h"
 #include "support/Lines.h"
 

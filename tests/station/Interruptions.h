@@ -7,7 +7,7 @@
 #include <array>
 #include <csignal>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 

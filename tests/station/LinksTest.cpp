@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/Base64.h"
+#include "wire/Base64.h"
 
 namespace station {
 

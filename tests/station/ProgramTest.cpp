@@ -8,7 +8,7 @@
 
 #include "FakeUnit.h"
 #include "StationProcess.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 namespace {

@@ -13,6 +13,7 @@
 
 #include "client/Deadline.h"
 #include "support/Pipe.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 

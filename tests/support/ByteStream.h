@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 /// The test's end of a socket or of a terminal: raw bytes. A wait that is longer than `kPatience` fails
 /// the test and gives up. One thread at a time may send and one may receive. What cannot go on throws

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <limits>
 
-#include "platform/I2cRequests.h"
+#include "wire/I2cRequests.h"
 
 namespace System::I2cDriver {
 namespace {

@@ -16,24 +16,13 @@
 #include <string>
 
 #include "platform/posix/Readiness.h"
+#include "wire/LittleEndian.h"
 
 namespace System::ManagerSocket {
 namespace {
 
 constexpr std::size_t kRequestHeader = 16;
 constexpr std::size_t kAnswerHeader = 4;
-
-void appendLittleEndian32(std::vector<unsigned char>& packet, std::uint32_t value) {
-    for (int shift = 0; shift < 32; shift += 8)
-        packet.push_back(static_cast<unsigned char>(value >> shift));
-}
-
-std::uint32_t littleEndian32(const std::vector<unsigned char>& packet) {
-    std::uint32_t value = 0;
-    for (std::size_t at = kAnswerHeader; at-- > 0;)
-        value = value << 8 | packet[at];
-    return value;
-}
 
 template <typename Part>
 std::size_t bytesIn(const std::vector<Part>& parts) {
@@ -188,7 +177,7 @@ int request(int socket, std::uint32_t command, const std::vector<SendPart>& send
         ::shutdown(socket, SHUT_RDWR);
         return error;
     }
-    const auto result = static_cast<std::int32_t>(littleEndian32(answer));
+    const auto result = static_cast<std::int32_t>(littleEndian32(answer.data()));
     if (result != 0)
         return result;
     if (needed == ReplySize::Whole && answer.size() < kAnswerHeader + replyBytes)

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <limits>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

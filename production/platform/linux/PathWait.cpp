@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <string>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 namespace {

@@ -14,7 +14,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

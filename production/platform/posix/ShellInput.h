@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace System {
 

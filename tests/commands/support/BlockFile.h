@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 /// A regular file that stands in for a block device of 4096-byte blocks. It has no content until it is
 /// filled, so it takes up next to nothing, however large. It is not kept open. Fails the case when it

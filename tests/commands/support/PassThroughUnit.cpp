@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "core/BigEndian.h"
 #include "core/StringFormat.h"
+#include "wire/BigEndian.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;

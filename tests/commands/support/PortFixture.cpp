@@ -11,7 +11,7 @@
 
 #include "commands/PWriteCmd.h"
 #include "commands/pReadCmd.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace fs = std::filesystem;
 

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "core/LittleEndian.h"
+#include "wire/LittleEndian.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "support/PseudoTerminal.h"
+#include "wire/Descriptor.h"
 
 /// A serial line with the test at its far end. What it calls itself is no call of the code under test.
 class Line {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "support/ByteStream.h"
+#include "wire/Descriptor.h"
 
 /// Two connected stream sockets: ours for the code under test, and this is the peer's for the test.
 struct SocketPair : ByteStream {

@@ -5,6 +5,7 @@
 
 #include "devices/I2cBus.h"
 #include "devices/ManagerPackets.h"
+#include "wire/LittleEndian.h"
 
 namespace headunit_test {
 
@@ -13,7 +14,7 @@ namespace headunit_test {
 inline std::string numbers(std::initializer_list<std::uint32_t> values) {
     std::string bytes;
     for (const std::uint32_t value : values)
-        headunit::appendLittleEndian32(bytes, value);
+        appendLittleEndian32(bytes, value);
     return bytes;
 }
 

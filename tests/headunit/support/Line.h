@@ -3,6 +3,7 @@
 #include <string>
 
 #include "support/ByteStream.h"
+#include "wire/Descriptor.h"
 
 namespace headunit_test {
 

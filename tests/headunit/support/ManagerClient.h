@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace headunit_test {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace headunit_test {
 

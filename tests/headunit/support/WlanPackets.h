@@ -5,6 +5,7 @@
 #include <string>
 
 #include "support/I2cPackets.h"
+#include "wire/LittleEndian.h"
 
 namespace headunit_test {
 
@@ -13,7 +14,7 @@ namespace headunit_test {
 inline std::string shorts(std::initializer_list<std::uint16_t> values) {
     std::string bytes;
     for (const std::uint16_t value : values)
-        headunit::appendLittleEndian16(bytes, value);
+        appendLittleEndian16(bytes, value);
     return bytes;
 }
 

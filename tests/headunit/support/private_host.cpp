@@ -17,7 +17,7 @@
 #include <fstream>
 #include <string>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include <cstdio>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 int main() {
     const System::Descriptor listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));

@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 Medium::Medium(const Place& place) : m_place(place) {
     struct stat status {};

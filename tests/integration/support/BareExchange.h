@@ -3,8 +3,8 @@
 #include <atomic>
 #include <thread>
 
-#include "platform/Descriptor.h"
 #include "support/Delays.h"
+#include "wire/Descriptor.h"
 
 /// What an exchange takes on this machine, as busy as it is now, with nothing behind it: a thread sends
 /// a byte, another one sends it back, and that twice, since a request passes two threads of the daemon.

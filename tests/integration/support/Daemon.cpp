@@ -14,11 +14,12 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 #include "support/Pattern.h"
 #include "support/SocketTable.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
+#include "wire/Descriptor.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 /// A device manager that does what the test says: a thread behind a SOCK_SEQPACKET socket. It keeps each
 /// request byte for byte. A request that the script has no step for fails the test, and so does a step

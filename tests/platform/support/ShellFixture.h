@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Descriptor.h"
 #include "platform/Shell.h"
+#include "wire/Descriptor.h"
 
 /// What one shell did.
 struct ShellRun {

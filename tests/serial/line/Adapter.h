@@ -2,6 +2,7 @@
 
 #include "support/PseudoTerminal.h"
 #include "support/UnitFiles.h"
+#include "wire/Descriptor.h"
 
 /// The adapter that connects the unit to its test station, in the hands of the test: a raw line behind
 /// the node that the daemon opens, which can be pulled and plugged in again.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/PseudoTerminal.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 

@@ -12,7 +12,7 @@
 #include <system_error>
 
 #include "Keyboard.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 #include "support/Pipe.h"
 #include "support/Waiting.h"
 

@@ -15,7 +15,7 @@
 #include "Keyboard.h"
 #include "Links.h"
 #include "StationProcess.h"
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 namespace {

@@ -8,8 +8,8 @@
 #include "client/Failure.h"
 #include "client/Hex.h"
 #include "client/Quoting.h"
-#include "platform/Base64.h"
 #include "transfer/Checksum.h"
+#include "wire/Base64.h"
 
 namespace station {
 

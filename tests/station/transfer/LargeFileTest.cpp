@@ -7,8 +7,8 @@
 #include <string>
 
 #include "TransferTest.h"
-#include "platform/Descriptor.h"
 #include "transfer/SourceFile.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 namespace {

@@ -1,4 +1,4 @@
-#include "core/CRCDivision.h"
+#include "wire/CRCDivision.h"
 
 #ifdef PRODUCTION_ISAL
 #include <isa-l/crc.h>

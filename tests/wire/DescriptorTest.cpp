@@ -1,4 +1,4 @@
-#include "platform/Descriptor.h"
+#include "wire/Descriptor.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "core/BigEndian.h"
+#include "wire/BigEndian.h"
 
 #include <gmock/gmock.h>
 

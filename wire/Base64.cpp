@@ -1,4 +1,4 @@
-#include "platform/Base64.h"
+#include "wire/Base64.h"
 
 #include <netinet/in.h>
 #include <resolv.h>
