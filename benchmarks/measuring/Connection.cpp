@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "measuring/Failure.h"
+#include "wire/Line.h"
 
 namespace Measuring {
 
@@ -30,15 +31,13 @@ void setOption(int socket, int level, int option, const Value& value) {
 std::string framed(std::string_view text) {
     std::string line;
     line.reserve(text.size() + 3);
-    line += kStartOfText;
-    line += text;
-    line += kEndOfText;
-    line += '\n';
+    wire::appendRequest(line, text);
     return line;
 }
 
 bool endsLine(const char* bytes, std::size_t length) {
-    return length >= 2 && bytes[length - 1] == '\n' && bytes[length - 2] == kEndOfText;
+    constexpr std::string_view kEnd = wire::kLineEnd;
+    return length >= kEnd.size() && kEnd.compare({bytes + length - kEnd.size(), kEnd.size()}) == 0;
 }
 
 void writeAll(int descriptor, std::string_view bytes) {

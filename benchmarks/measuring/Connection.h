@@ -10,9 +10,6 @@
 
 namespace Measuring {
 
-constexpr char kStartOfText = 0x02;
-constexpr char kEndOfText = 0x03;
-
 /// The text as a line of the ASCII protocol: STX, text, ETX, LF.
 std::string framed(std::string_view text);
 

@@ -11,12 +11,12 @@
 
 #include "measuring/Failure.h"
 #include "wire/Descriptor.h"
+#include "wire/Frame.h"
 
 namespace Measuring {
 
 namespace {
 
-constexpr std::size_t kLongestFrame = 255;
 constexpr std::size_t kAcknowledgementSize = sizeof kAcknowledgement - 1;
 
 void waitForInput(int terminal) {
@@ -43,7 +43,7 @@ void serve(const std::string& path, const std::string& answer) {
     const System::Descriptor terminal(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
     if (!terminal)
         throw failure("cannot open " + path);
-    std::array<unsigned char, kLongestFrame> frame{};
+    std::array<unsigned char, wire::kLongestFrame> frame{};
     for (;;) {
         readExactly(terminal.get(), frame.data(), 1);
         if (frame[0] == 0)

@@ -14,16 +14,14 @@
 #include "core/TokenNumber.h"
 #include "wire/Base64.h"
 #include "wire/BigEndian.h"
+#include "wire/Frame.h"
 #include "wire/HexDigit.h"
 
 namespace {
 
 constexpr unsigned int kScratchBytes = 0x8000000;
 
-constexpr std::size_t kHeaderBytes = 8;
-constexpr unsigned char kMaxPayload = 247;
 constexpr std::size_t kMaxDebugText = 253;
-constexpr unsigned char kDebugMarker = 'd';
 
 constexpr char kCommandIsEmpty[] = "Command is empty";
 constexpr char kWrongBufferSize[] = "Internal Error: Invalid Request Buffer Size";
@@ -137,18 +135,19 @@ void AbstractCmd::tavrin_fillDefaultResponse(const std::vector<unsigned char>* r
             tavrin_generateGenericError(request, kRequestTooShort));
         tavrin_sendAsyncDebug(error->message);
     }
-    if (payloadLen > kMaxPayload) {
+    if (payloadLen > wire::kLongestPayload) {
         response->message = kPayloadTruncated;
-        payloadLen = kMaxPayload;
+        payloadLen = wire::kLongestPayload;
     }
-    const std::size_t total = payload == nullptr ? kHeaderBytes : kHeaderBytes + payloadLen;
+    const std::size_t total =
+        payload == nullptr ? wire::kAnswerHeader : wire::kAnswerHeader + payloadLen;
     response->data.assign(total, 0);
     response->data[0] = static_cast<unsigned char>(total);
     for (std::size_t at = 1; at < 4; ++at)
         response->data[at] = byteAt(request, at);
     putBigEndian32(response->data, 4, response->code);
     if (payload != nullptr)
-        std::copy_n(payload, payloadLen, response->data.begin() + kHeaderBytes);
+        std::copy_n(payload, payloadLen, response->data.begin() + wire::kAnswerHeader);
 }
 
 void AbstractCmd::tavrin_fillDefaultResponse(const std::vector<unsigned char>* request,
@@ -185,8 +184,8 @@ ProcessResponseTavrin* AbstractCmd::tavrin_generateGenericError(
     const std::vector<unsigned char>* request, const std::string& text) {
     auto response = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kGenericError, "");
     response->message = text;
-    response->data.assign(kHeaderBytes, 0);
-    response->data[0] = kHeaderBytes;
+    response->data.assign(wire::kAnswerHeader, 0);
+    response->data[0] = wire::kAnswerHeader;
     for (std::size_t at = 1; at < 4; ++at)
         response->data[at] = byteOrZero(request, at);
     putBigEndian32(response->data, 4, ProcessResponse::kGenericError);
@@ -204,7 +203,7 @@ void AbstractCmd::tavrin_sendAsyncDebug(const std::string& text) {
     const std::size_t length = std::min(text.size(), kMaxDebugText);
     std::vector<unsigned char> frame(length + 2);
     frame[0] = static_cast<unsigned char>(length + 2);
-    frame[1] = kDebugMarker;
+    frame[1] = wire::kDebugId;
     std::memcpy(frame.data() + 2, text.data(), length);
     m_listener->asyncSend(frame);
 }

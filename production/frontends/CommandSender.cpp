@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "frontends/LineFraming.h"
+#include "wire/Line.h"
 
 namespace {
 
@@ -17,14 +17,14 @@ constexpr std::size_t kSentAtOnce = std::size_t{64} << 10;
 
 void CommandSender::asyncSend(std::string& text) {
     if (m_pending.empty())
-        m_pending = LineFraming::frame(std::move(text));
+        m_pending = wire::answerLine(std::move(text));
     else
-        LineFraming::append(m_pending, text);
+        wire::appendAnswer(m_pending, text);
     m_sent += send(std::string_view(m_pending).substr(m_sent, kSentAtOnce), MSG_DONTWAIT);
 }
 
 void CommandSender::answer(std::string text) {
     send(std::string_view(m_pending).substr(m_sent), 0);
-    m_pending = LineFraming::frame(std::move(text));
+    m_pending = wire::answerLine(std::move(text));
     send(m_pending, 0);
 }

@@ -9,9 +9,9 @@
 #include "core/StringFormat.h"
 #include "core/TokenText.h"
 #include "frontends/CommandLexer.h"
-#include "frontends/LineFraming.h"
 #include "frontends/StationLine.h"
 #include "platform/Memory.h"
+#include "wire/Line.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ constexpr char kBanner[] = "Info Production Test Server (Build %s)";
 
 std::string framed(const std::string& text) {
     std::string line;
-    LineFraming::append(line, text);
+    wire::appendAnswer(line, text);
     return line;
 }
 

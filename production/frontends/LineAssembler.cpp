@@ -4,10 +4,11 @@
 #include <new>
 
 #include "core/MemoryGuard.h"
+#include "wire/Line.h"
 
 namespace {
 
-constexpr char kLineEnd[] = {0x03, '\n'};
+constexpr std::string_view kLineEnd = wire::kLineEnd;
 constexpr std::size_t kFirstCapacity = 256;
 constexpr std::size_t kKeptCapacity = 4096;
 
@@ -21,8 +22,8 @@ bool LineAssembler::append(const char* bytes, std::size_t count) {
     char* line = m_line.get();
     std::memcpy(line + m_size, bytes, count);
     m_size += count;
-    return m_size >= sizeof kLineEnd &&
-           std::memcmp(line + m_size - sizeof kLineEnd, kLineEnd, sizeof kLineEnd) == 0;
+    return m_size >= kLineEnd.size() &&
+           std::memcmp(line + m_size - kLineEnd.size(), kLineEnd.data(), kLineEnd.size()) == 0;
 }
 
 char* LineAssembler::data(std::size_t room) {

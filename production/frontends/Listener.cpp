@@ -12,14 +12,13 @@
 #include "core/Handler.h"
 #include "core/StringFormat.h"
 #include "frontends/StationLine.h"
+#include "wire/Frame.h"
 
 namespace {
 
 constexpr unsigned kLengthTimeoutMs = 1000;
 constexpr unsigned kBodyTimeoutMs = 500;
 constexpr unsigned kAcknowledgeTimeoutMs = 500;
-constexpr unsigned char kShortestRequest = 2;
-constexpr unsigned char kAcknowledgement[] = {0x02, 0x06};
 
 constexpr char kThreadLoopError[] = "Error in Listener thead loop";
 constexpr char kException[] = "~ ### ~ Exception: ID: 0x";
@@ -73,7 +72,7 @@ DeviceResult asResult(const std::exception& exception) {
 
 } // namespace
 
-std::vector<unsigned char> Listener::command(sizeof kAcknowledgement);
+std::vector<unsigned char> Listener::command(wire::kAcknowledgement.size());
 std::atomic<bool> Listener::errsend{false};
 
 Listener::Listener(int channel) : m_channel(static_cast<unsigned>(channel)) {}
@@ -175,7 +174,7 @@ bool Listener::announce(Comm::Handle& port) {
 bool Listener::serve(unsigned char length) {
     std::vector<unsigned char> response;
     try {
-        if (length < kShortestRequest) {
+        if (length < wire::kRequestHeader) {
             response = refuseLength(length);
         } else {
             std::vector<unsigned char> frame(length, 0);
@@ -295,8 +294,8 @@ int Listener::transmit(std::vector<unsigned char>& frame, bool waitAck, bool& op
 
 int Listener::readAcknowledgement(Comm::Handle& port, bool isOpen) {
     unsigned count = 0;
-    const DeviceResult result =
-        receive(port, isOpen, count, command.data(), sizeof kAcknowledgement, kAcknowledgeTimeoutMs);
+    const DeviceResult result = receive(port, isOpen, count, command.data(),
+                                        wire::kAcknowledgement.size(), kAcknowledgeTimeoutMs);
     if (isTaken(result, isOpen))
         return -1;
     if (isToBeHandled(result))
@@ -306,11 +305,11 @@ int Listener::readAcknowledgement(Comm::Handle& port, bool isOpen) {
         return -1;
     }
     m_pause.reset();
-    if (count != sizeof kAcknowledgement) {
+    if (count != wire::kAcknowledgement.size()) {
         printDiagnostic(string_format("%s%u", kInvalidCount, count));
         return -1;
     }
-    if (!std::equal(command.begin(), command.end(), std::begin(kAcknowledgement))) {
+    if (!std::equal(command.begin(), command.end(), wire::kAcknowledgement.begin())) {
         printDiagnostic(kNotAnAcknowledgement);
         return -1;
     }
@@ -330,7 +329,7 @@ void Listener::notifyInterruptCommand(const std::vector<unsigned char>* frame) {
     if (!m_clock.isLong())
         return; // the usual case needs no name
     std::string name = "?";
-    if (frame != nullptr && frame->size() >= kShortestRequest)
+    if (frame != nullptr && frame->size() >= wire::kRequestHeader)
         name = Handler::getInstance()->getHandlerName((*frame)[1]);
     if (name != kDebugFrames && name != kAcknowledgements)
         m_clock.warnIfLong(name.c_str());

@@ -4,13 +4,13 @@
 
 #include <cerrno>
 
-#include "frontends/LineFraming.h"
+#include "wire/Line.h"
 
 NetListenerAsycSend::NetListenerAsycSend(int socket) : m_socket(socket) {}
 
 void NetListenerAsycSend::asyncSend(std::string& text) {
     std::string line;
-    LineFraming::append(line, text);
+    wire::appendAnswer(line, text);
     send(line, 0);
 }
 

@@ -3,13 +3,13 @@
 #include <algorithm>
 
 #include "client/Failure.h"
-#include "client/Framing.h"
+#include "wire/Line.h"
 
 namespace station {
 
 namespace {
-constexpr char kOpening[] = {kStartOfText, kAnswerMark};
-constexpr char kEnding[] = {kEndOfText, kLineFeed};
+constexpr char kOpening[] = {wire::kStartOfText, wire::kAnswerMark};
+constexpr char kEnding[] = {wire::kEndOfText, wire::kLineFeed};
 
 bool endsWith(const std::string& bytes, char last) {
     return !bytes.empty() && bytes.back() == last;
@@ -29,7 +29,7 @@ std::optional<std::string> AnswerDecoder::next() {
     const std::size_t end = m_bytes.find(kEnding, std::max(textStart, m_scanned), sizeof kEnding);
     if (end == std::string::npos) {
         // The last byte may be the first one of the ending: it is looked at again with the next bytes.
-        m_scanned = m_bytes.size() - (endsWith(m_bytes, kEndOfText) ? 1 : 0);
+        m_scanned = m_bytes.size() - (endsWith(m_bytes, wire::kEndOfText) ? 1 : 0);
         checkLength(m_scanned - std::min(textStart, m_scanned));
         return std::nullopt;
     }

@@ -6,6 +6,7 @@
 #include "client/Quoting.h"
 #include "client/RequestFrame.h"
 #include "client/StatusPayload.h"
+#include "wire/Frame.h"
 
 namespace station {
 
@@ -28,8 +29,8 @@ BinaryRequest BinaryRequest::raw(const std::vector<std::string>& arguments) {
 }
 
 bool BinaryRequest::isAnswered() const {
-    const bool isForAck = m_bytes.size() >= kRequestFrameHeader && m_bytes[0] != 0 && m_bytes[0] != 1 &&
-                          static_cast<unsigned char>(m_bytes[1]) == kAckId;
+    const bool isForAck = m_bytes.size() >= wire::kRequestHeader && m_bytes[0] != 0 && m_bytes[0] != 1 &&
+                          static_cast<unsigned char>(m_bytes[1]) == wire::kAckId;
     return !isForAck;
 }
 
@@ -43,7 +44,7 @@ bool BinaryRequest::isAnsweredBy(const UnitFrame& frame) const {
     // What the request does not have comes back as anything.
     const std::string echoed = {static_cast<char>(frame.subCommand()),
                                 static_cast<char>(frame.parameter())};
-    const std::string_view sent = std::string_view(m_bytes).substr(kRequestFrameHeader, echoed.size());
+    const std::string_view sent = std::string_view(m_bytes).substr(wire::kRequestHeader, echoed.size());
     return echoed.compare(0, sent.size(), sent) == 0;
 }
 

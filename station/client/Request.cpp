@@ -1,8 +1,8 @@
 #include "client/Request.h"
 
 #include "client/Failure.h"
-#include "client/Framing.h"
 #include "client/Quoting.h"
+#include "wire/Line.h"
 
 namespace station {
 
@@ -25,14 +25,14 @@ Request::Request(std::string_view name, const std::vector<std::string>& argument
     for (const std::string& argument : arguments)
         size += argument.size() + kQuotes;
     m_bytes.reserve(size);
-    m_bytes += kStartOfText;
+    m_bytes += wire::kStartOfText;
     m_bytes += m_name;
     for (const std::string& argument : arguments) {
         m_bytes += ' ';
         appendQuoted(m_bytes, argument);
     }
-    m_bytes += kEndOfText;
-    m_bytes += kLineFeed;
+    m_bytes += wire::kEndOfText;
+    m_bytes += wire::kLineFeed;
 }
 
 } // namespace station

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "client/StatusPayload.h"
+#include "wire/Frame.h"
 
 namespace station {
 
@@ -22,13 +23,13 @@ std::string UnitFrame::text() const {
 
 std::uint32_t UnitFrame::code() const {
     std::uint32_t code = 0;
-    for (std::size_t position = kCode; position < kAnswerHeader; ++position)
+    for (std::size_t position = kCode; position < wire::kAnswerHeader; ++position)
         code = code << kBitsPerByte | byteAt(position);
     return code;
 }
 
 std::string_view UnitFrame::payload() const {
-    return std::string_view(m_bytes).substr(kAnswerHeader);
+    return std::string_view(m_bytes).substr(wire::kAnswerHeader);
 }
 
 bool UnitFrame::isStatus() const {

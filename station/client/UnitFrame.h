@@ -4,25 +4,20 @@
 #include <string>
 #include <string_view>
 
+#include "wire/Frame.h"
+
 namespace station {
 
-/// One complete frame that a unit sent over a binary link. Immutable.
-///
-///     debug     D0 length, D1 'd', D2... text
-///     answer    D0 length, D1 command id, D2 sub-command, D3 first parameter, D4..D7 status code
-///               (big-endian), D8... payload
+/// One complete frame that a unit sent over a binary link: a debug frame or an answer. Immutable.
 class UnitFrame {
 public:
-    static constexpr unsigned char kDebugId = 'd';
-    static constexpr std::size_t kAnswerHeader = 8; ///< bytes
-
     /// `bytes` as `UnitFrameDecoder` cuts them: at least the two bytes of a debug frame or the eight of
     /// an answer.
     explicit UnitFrame(std::string bytes);
 
     const std::string& bytes() const { return m_bytes; }
 
-    bool isDebug() const { return id() == kDebugId; }
+    bool isDebug() const { return id() == wire::kDebugId; }
 
     /// The text of a debug frame.
     std::string text() const;

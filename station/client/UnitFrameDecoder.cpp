@@ -2,6 +2,7 @@
 
 #include "client/Failure.h"
 #include "client/Hex.h"
+#include "wire/Frame.h"
 
 namespace station {
 
@@ -25,8 +26,8 @@ std::optional<UnitFrame> UnitFrameDecoder::next() {
         refuse("a frame of " + std::to_string(length) + " bytes", m_bytes);
     if (m_bytes.size() < kShortestFrame)
         return std::nullopt;
-    const bool isDebug = static_cast<unsigned char>(m_bytes[1]) == UnitFrame::kDebugId;
-    if (!isDebug && length < UnitFrame::kAnswerHeader)
+    const bool isDebug = static_cast<unsigned char>(m_bytes[1]) == wire::kDebugId;
+    if (!isDebug && length < wire::kAnswerHeader)
         refuse("a frame too short for an answer", m_bytes);
     if (m_bytes.size() < length)
         return std::nullopt;

@@ -2,6 +2,7 @@
 #include "client/forms/AnswerTexts.h"
 #include "client/forms/Forms.h"
 #include "client/forms/Refusal.h"
+#include "wire/Frame.h"
 
 namespace station {
 
@@ -10,7 +11,7 @@ namespace station {
 BinaryForm ackForm(const std::vector<std::string>& arguments) {
     if (!arguments.empty())
         refuseForm("ack takes no arguments in the binary form");
-    return {requestFrame(kAckId, {}), printedText()};
+    return {requestFrame(wire::kAckId, {}), printedText()};
 }
 
 } // namespace station

@@ -8,6 +8,7 @@
 #include "client/forms/Bytes.h"
 #include "client/forms/Forms.h"
 #include "client/forms/Refusal.h"
+#include "wire/Frame.h"
 
 namespace station {
 
@@ -22,7 +23,7 @@ constexpr std::size_t kArguments = 3;
 
 // Length, id, sub-command and two bytes of time limit.
 constexpr std::size_t kHeader = 5;
-constexpr std::size_t kLongestText = kLongestFrame - kHeader;
+constexpr std::size_t kLongestText = wire::kLongestFrame - kHeader;
 
 bool isPrintable(char c) {
     return c >= 0x20 && c <= 0x7E;

@@ -4,6 +4,7 @@
 #include "client/forms/Bytes.h"
 #include "client/forms/Forms.h"
 #include "client/forms/Refusal.h"
+#include "wire/Frame.h"
 
 namespace station {
 
@@ -26,8 +27,8 @@ constexpr std::size_t kWriteArguments = 4;
 constexpr std::size_t kGetArguments = 3;
 constexpr std::size_t kSetArguments = 4;
 
-constexpr std::size_t kMostReadData = kLongestFrame - 5;
-constexpr std::size_t kMostWriteData = kLongestFrame - 4;
+constexpr std::size_t kMostReadData = wire::kLongestFrame - 5;
+constexpr std::size_t kMostWriteData = wire::kLongestFrame - 4;
 constexpr std::size_t kLongestValue = 2; // bytes
 
 std::string busOf(const CommandArguments& arguments) {

@@ -7,6 +7,7 @@
 #include "client/forms/Bytes.h"
 #include "client/forms/Forms.h"
 #include "client/forms/Refusal.h"
+#include "wire/Frame.h"
 
 namespace station {
 
@@ -83,7 +84,7 @@ std::string dataOf(const std::string& data, std::size_t total, std::size_t heade
     if (data.size() > kMostData)
         refuseForm("DATA has " + std::to_string(data.size()) + " bytes, and the unit takes at most " +
                    std::to_string(kMostData) + "; write it in parts");
-    return data.substr(0, std::min(total, kLongestFrame - header));
+    return data.substr(0, std::min(total, wire::kLongestFrame - header));
 }
 
 BinaryForm readForm(const Access& access, const std::string& head, std::size_t total) {

@@ -4,6 +4,7 @@
 #include "client/forms/Bytes.h"
 #include "client/forms/Forms.h"
 #include "client/forms/Refusal.h"
+#include "wire/Frame.h"
 
 namespace station {
 
@@ -30,7 +31,7 @@ constexpr std::size_t kSendArguments = 3;
 constexpr std::size_t kGetArguments = 3;
 constexpr std::size_t kGetAllArguments = 2;
 
-constexpr std::size_t kMostData = kLongestFrame - 4;
+constexpr std::size_t kMostData = wire::kLongestFrame - 4;
 constexpr std::size_t kWlanStore = 247; // bytes that are always fetched from there
 
 std::string headOf(Operation operation, unsigned channel) {
@@ -70,8 +71,9 @@ BinaryForm getForm(unsigned channel, unsigned count) {
 
 BinaryForm getAllForm(unsigned channel) {
     const std::string text = opening("getall", channel);
-    return {requestFrame(kSerialId, headOf(GetAll, channel)),
-            channel == kWlan ? base64TextOf(kWlanStore, text) : base64TextUpTo(kLongestPayload, text)};
+    return {
+        requestFrame(kSerialId, headOf(GetAll, channel)),
+        channel == kWlan ? base64TextOf(kWlanStore, text) : base64TextUpTo(wire::kLongestPayload, text)};
 }
 
 } // namespace
