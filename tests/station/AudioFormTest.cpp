@@ -17,11 +17,11 @@ INSTANTIATE_TEST_SUITE_P(Audio, FormIsSent,
 
 INSTANTIATE_TEST_SUITE_P(
     Audio, FormIsRefused,
-    Values(RefusedForm{audio({}), "audio has two binary forms: audio activate and audio deactivate"},
-           RefusedForm{audio({"activ"}), "audio has two binary forms"},
-           RefusedForm{audio({"Activate"}), "audio has two binary forms"},
-           RefusedForm{audio({"activate", "now"}), "audio has two binary forms"},
-           RefusedForm{audio({"deactivate", "now"}), "audio has two binary forms"}));
+    Values(RefusedForm{audio({}), "audio has the binary forms audio activate and audio deactivate"},
+           RefusedForm{audio({"activ"}), "audio has the binary forms"},
+           RefusedForm{audio({"Activate"}), "audio has the binary forms"},
+           RefusedForm{audio({"activate", "now"}), "audio has the binary forms"},
+           RefusedForm{audio({"deactivate", "now"}), "audio has the binary forms"}));
 
 INSTANTIATE_TEST_SUITE_P(Audio, FormIsShown,
                          Values(ShownForm{audio({"activate"}), "", "ok"},

@@ -25,4 +25,7 @@ struct BinaryForm {
 /// are not cut to their field, though, and what is no number is not taken for 0: both are refused.
 BinaryForm binaryForm(std::string_view name, const std::vector<std::string>& arguments);
 
+/// The names of the commands that have a form, in their order.
+std::vector<std::string_view> binaryFormNames();
+
 } // namespace station
