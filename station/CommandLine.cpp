@@ -6,6 +6,7 @@
 
 #include "terminal/TerminalOrder.h"
 #include "transfer/OrderLine.h"
+#include "wire/Catalogue.h"
 
 namespace station {
 
@@ -84,6 +85,18 @@ Exit code:
   0 success            3 cannot connect    5 refused by the unit
   2 wrong usage        4 time-out          6 malformed or incomplete answer)help";
 
+/// The unit's commands, each with what it does.
+std::string commandList() {
+    std::string list = "Commands of the unit:\n";
+    for (const wire::Command& command : wire::kCatalogue) {
+        constexpr std::size_t kColumn = 10;
+        std::string line(command.name);
+        line.resize(kColumn, ' ');
+        list.append("  ").append(line).append(command.summary).append("\n");
+    }
+    return list;
+}
+
 class HelpFormatter : public CLI::Formatter {
 public:
     // The command's name and arguments are no options of the parser, which would leave them out.
@@ -104,7 +117,7 @@ ExitCode refuseUsage(const std::string& message) {
 std::optional<ExitCode> CommandLine::parse(int argc, const char* const* argv) {
     CLI::App app(kDescription, "station");
     app.formatter(std::make_shared<HelpFormatter>());
-    app.footer(std::string(kFooter) + '\n' + kTransferHelp + '\n' + kTerminalHelp);
+    app.footer(commandList() + '\n' + kFooter + '\n' + kTransferHelp + '\n' + kTerminalHelp);
     app.set_version_flag("--version", "station " STATION_VERSION);
     app.add_option("--target", target, "Where the unit is reached")
         ->type_name("tcp:HOST:PORT|serial:PATH")

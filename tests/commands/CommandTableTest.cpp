@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <string>
 
 #include "commands/DCmd.h"
 #include "commands/ECmd.h"
@@ -19,6 +20,7 @@
 #include "commands/tCmd.h"
 #include "core/Handler.h"
 #include "support/Waiting.h"
+#include "wire/Catalogue.h"
 
 namespace {
 
@@ -59,6 +61,23 @@ TEST(CommandTableTest, EveryCommandIsReachableByItsIdAndItsName) {
             EXPECT_FALSE(handler.registerHandler(entry.name, ErrorCmd::getInstance()));
         }
         EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr(entry.name));
+    }
+}
+
+TEST(CommandTableTest, HasTheCommandsOfTheCatalogue) {
+    Handler& handler = *Handler::getInstance();
+    handler.initHandler();
+    std::string ids;
+    for (const wire::Command& command : wire::kCatalogue) {
+        ids += command.ids;
+        EXPECT_FALSE(handler.registerHandler(std::string(command.name), ErrorCmd::getInstance()))
+            << command.name
+            << " of wire/Catalogue.h is to be made in production/commands/CommandTable.cpp";
+    }
+    for (int id = 1; id < 256; ++id) {
+        const bool isListed = ids.find(static_cast<char>(id)) != std::string::npos;
+        EXPECT_EQ(handler.registerHandler(static_cast<char>(id), ErrorCmd::getInstance()), !isListed)
+            << "id " << id << ": wire/Catalogue.h and production/commands/CommandTable.cpp differ";
     }
 }
 

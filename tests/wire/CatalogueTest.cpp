@@ -1,0 +1,136 @@
+// What a command is called in the documents and in the station is what the catalogue says. A message
+// names the file to mend.
+#include "wire/Catalogue.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "client/forms/BinaryForm.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+std::string contentOf(const std::string& file) {
+    std::ifstream stream(file);
+    EXPECT_TRUE(stream) << file;
+    std::ostringstream content;
+    content << stream.rdbuf();
+    return content.str();
+}
+
+/// How a page writes the ids, one behind the other.
+std::string joined(std::string_view ids, const std::function<std::string(char)>& written) {
+    std::string text;
+    for (const char id : ids)
+        text += (text.empty() ? "" : ", ") + written(id);
+    return text;
+}
+
+bool isLetter(char id) {
+    return id >= 'A';
+}
+
+std::string hex(char id) {
+    char text[3];
+    std::snprintf(text, sizeof text, "%02X", static_cast<unsigned>(id));
+    return text;
+}
+
+std::string code(char id) {
+    return isLetter(id) ? std::string("`") + id + '`' : hex(id);
+}
+
+std::string hexAndCode(char id) {
+    return isLetter(id) ? hex(id) + " (" + code(id) + ')' : hex(id);
+}
+
+std::string bare(char id) {
+    return isLetter(id) ? std::string(1, id) : hex(id);
+}
+
+/// A page that lists the commands, each in a line.
+struct Page {
+    const char* file;
+    std::string heading; ///< the line in front of the list
+    std::function<std::string(const wire::Command&)> line;
+};
+
+std::string tableRow(const wire::Command& command, const std::function<std::string(char)>& id) {
+    return "| `" + std::string(command.name) + "` | " + joined(command.ids, id) + " | " +
+           std::string(command.summary) + " |";
+}
+
+const Page kPages[] = {
+    {"README.md", "| Name | Id | What it does |\n|---|---|---|\n",
+     [](const wire::Command& command) { return tableRow(command, code); }},
+    {"docs/protocol.md", "| Name | Id | What it does |\n|---|---|---|\n",
+     [](const wire::Command& command) { return tableRow(command, hexAndCode); }},
+    {"docs/man/production.8", ".It Sy Name Ta Sy Id Ta Sy What it does\n",
+     [](const wire::Command& command) {
+         return ".It " + std::string(command.name) + " Ta " + joined(command.ids, bare) + " Ta " +
+                std::string(command.summary);
+     }},
+};
+
+TEST(CatalogueTest, IsListedByThePagesLineByLine) {
+    for (const Page& page : kPages) {
+        std::string list = page.heading;
+        for (const wire::Command& command : wire::kCatalogue)
+            list += page.line(command) + '\n';
+        const std::string content = contentOf(std::string(PROJECT_FOLDER "/") + page.file);
+        const std::size_t begin = content.find(page.heading);
+        ASSERT_NE(begin, std::string::npos) << page.file;
+        EXPECT_EQ(content.substr(begin, list.size()), list) << "to be mended in " << page.file;
+        EXPECT_THAT(content.substr(begin + list.size(), 1), testing::AnyOf("\n", "."))
+            << page.file << " lists more";
+    }
+}
+
+TEST(CatalogueTest, HasASectionOfTheProtocolForEachCommand) {
+    const std::string protocol = contentOf(PROJECT_FOLDER "/docs/protocol.md");
+    for (const wire::Command& command : wire::kCatalogue)
+        EXPECT_THAT(protocol, HasSubstr("\n### " + std::string(command.name) + '\n'))
+            << "to be written in docs/protocol.md";
+}
+
+TEST(CatalogueTest, HasAFormOfTheStationForEachCommand) {
+    std::vector<std::string_view> names;
+    for (const wire::Command& command : wire::kCatalogue)
+        names.push_back(command.name);
+    EXPECT_EQ(station::binaryFormNames(), names)
+        << "to be mended in station/client/forms/BinaryForm.cpp";
+}
+
+TEST(CatalogueTest, IsShownByTheStationsHelpWithAnExampleOfEachCommand) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(STATION_PROGRAM " --help", "r"), ::pclose);
+    ASSERT_NE(pipe, nullptr);
+    std::string help;
+    std::array<char, 4096> part{};
+    while (const std::size_t count = std::fread(part.data(), 1, part.size(), pipe.get()))
+        help.append(part.data(), count);
+    for (const wire::Command& command : wire::kCatalogue) {
+        EXPECT_THAT(help, HasSubstr(command.summary));
+        EXPECT_THAT(help,
+                    testing::ContainsRegex("\n  +[^\n]*station [^\n]*" + std::string(command.name)))
+            << "an example is to be written in station/CommandLine.cpp";
+    }
+}
+
+TEST(CatalogueTest, IsInTheOrderOfTheNames) {
+    const auto isBefore = [](const wire::Command& left, const wire::Command& right) {
+        return left.name < right.name;
+    };
+    EXPECT_TRUE(std::is_sorted(wire::kCatalogue.begin(), wire::kCatalogue.end(), isBefore));
+}
+
+} // namespace
