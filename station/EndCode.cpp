@@ -3,8 +3,8 @@
 #include "ExitCode.h"
 #include "Report.h"
 #include "client/Failure.h"
-#include "transfer/Interruption.h"
-#include "transfer/Refused.h"
+#include "session/Interruption.h"
+#include "session/Refused.h"
 #include "transfer/Watch.h"
 
 namespace station {

@@ -8,8 +8,8 @@
 #include "client/Hex.h"
 #include "client/SerialLink.h"
 #include "client/TcpLink.h"
-#include "transfer/LinkSession.h"
-#include "transfer/ParallelSession.h"
+#include "session/LinkSession.h"
+#include "session/ParallelSession.h"
 
 namespace station {
 

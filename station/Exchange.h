@@ -5,8 +5,8 @@
 #include "CommandLine.h"
 #include "Report.h"
 #include "client/Answer.h"
-#include "transfer/Interruption.h"
-#include "transfer/Session.h"
+#include "session/Interruption.h"
+#include "session/Session.h"
 
 namespace station {
 

@@ -11,11 +11,11 @@
 #include "Exchange.h"
 #include "ExitCode.h"
 #include "client/Failure.h"
+#include "session/Interruption.h"
 #include "terminal/Channel.h"
 #include "terminal/Pump.h"
 #include "terminal/StandardConsole.h"
 #include "terminal/TerminalOrder.h"
-#include "transfer/Interruption.h"
 
 namespace station {
 namespace {

@@ -15,7 +15,7 @@
 #include "ExitCode.h"
 #include "Report.h"
 #include "Stopwatch.h"
-#include "transfer/Interruption.h"
+#include "session/Interruption.h"
 #include "transfer/Job.h"
 #include "transfer/OrderLine.h"
 #include "transfer/Progress.h"

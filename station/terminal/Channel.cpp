@@ -6,7 +6,7 @@
 #include "client/Failure.h"
 #include "client/Hex.h"
 #include "client/Quoting.h"
-#include "transfer/Refused.h"
+#include "session/Refused.h"
 
 namespace station {
 

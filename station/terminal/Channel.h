@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "client/Answer.h"
+#include "session/Session.h"
 #include "terminal/TerminalOrder.h"
-#include "transfer/Session.h"
 
 namespace station {
 

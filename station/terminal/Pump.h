@@ -1,9 +1,9 @@
 #pragma once
 
 #include "client/Deadline.h"
+#include "session/Interruption.h"
 #include "terminal/Channel.h"
 #include "terminal/Console.h"
-#include "transfer/Interruption.h"
 
 namespace station {
 

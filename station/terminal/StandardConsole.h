@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "session/Interruption.h"
 #include "terminal/Console.h"
-#include "transfer/Interruption.h"
 
 namespace station {
 

@@ -4,7 +4,7 @@
 
 #include "client/Failure.h"
 #include "client/forms/CommandArguments.h"
-#include "transfer/OptionLine.h"
+#include "session/OptionLine.h"
 
 namespace station {
 

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "client/Failure.h"
-#include "transfer/OptionLine.h"
+#include "session/OptionLine.h"
 
 namespace station {
 

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "transfer/Interruption.h"
-#include "transfer/Refused.h"
-#include "transfer/Session.h"
+#include "session/Interruption.h"
+#include "session/Refused.h"
+#include "session/Session.h"
 
 namespace station {
 

@@ -5,7 +5,7 @@
 
 #include "FailureKind.h"
 #include "FakeChannelSession.h"
-#include "transfer/Refused.h"
+#include "session/Refused.h"
 
 namespace station {
 namespace {

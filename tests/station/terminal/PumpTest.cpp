@@ -13,7 +13,7 @@
 #include "ScriptedConsole.h"
 #include "client/Hex.h"
 #include "client/Quoting.h"
-#include "transfer/Refused.h"
+#include "session/Refused.h"
 
 namespace station {
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "transfer/Session.h"
+#include "session/Session.h"
 #include "transfer/Unit.h"
 
 namespace station {

@@ -1,4 +1,4 @@
-#include "transfer/ParallelSession.h"
+#include "session/ParallelSession.h"
 
 #include <exception>
 #include <utility>

@@ -8,8 +8,8 @@
 #include "client/BinaryClient.h"
 #include "client/BinaryRequest.h"
 #include "client/Client.h"
-#include "transfer/InterruptibleLink.h"
-#include "transfer/Session.h"
+#include "session/InterruptibleLink.h"
+#include "session/Session.h"
 
 namespace station {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "client/Link.h"
-#include "transfer/Interruption.h"
+#include "session/Interruption.h"
 
 namespace station {
 

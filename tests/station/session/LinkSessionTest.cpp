@@ -1,4 +1,4 @@
-#include "transfer/LinkSession.h"
+#include "session/LinkSession.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "transfer/Refused.h"
+#include "session/Refused.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "transfer/LinkSession.h"
+#include "session/LinkSession.h"
 
 #include "client/Failure.h"
 #include "client/Request.h"

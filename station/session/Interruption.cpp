@@ -1,4 +1,4 @@
-#include "transfer/Interruption.h"
+#include "session/Interruption.h"
 
 namespace station {
 

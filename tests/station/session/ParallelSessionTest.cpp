@@ -1,4 +1,4 @@
-#include "transfer/ParallelSession.h"
+#include "session/ParallelSession.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

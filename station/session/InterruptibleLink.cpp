@@ -1,4 +1,4 @@
-#include "transfer/InterruptibleLink.h"
+#include "session/InterruptibleLink.h"
 
 namespace station {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "transfer/Session.h"
+#include "session/Session.h"
 
 namespace station {
 

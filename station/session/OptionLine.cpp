@@ -1,4 +1,4 @@
-#include "transfer/OptionLine.h"
+#include "session/OptionLine.h"
 
 #include <CLI/CLI.hpp>
 
