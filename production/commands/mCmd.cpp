@@ -34,8 +34,7 @@ constexpr std::size_t kCountBytes = 4;
 
 constexpr int kError = ProcessResponse::kGenericError;
 
-constexpr char kNotAvailable[] = "BlockDevice ";
-constexpr char kNotAvailableEnd[] = " is not available";
+constexpr char kNotAvailable[] = "BlockDevice %s is not available";
 constexpr char kInvalidLength[] = "Invalid Command Length";
 constexpr char kInvalidSubCommand[] = "Invalid Subcommand";
 constexpr char kWithErrorCode[] = "%s, errorCode: %d";
@@ -103,7 +102,7 @@ void mCmd::addHardDisk(unsigned id, const char* path) {
     if (::access(path, F_OK) == 0)
         addDevice(kHardDisk, id, path, false);
     else
-        printDiagnostic(string_format("%s%s%s", kNotAvailable, path, kNotAvailableEnd));
+        printDiagnostic(string_format(kNotAvailable, path));
 }
 
 void mCmd::addDevice(int type, unsigned id, const char* path, bool writable) {

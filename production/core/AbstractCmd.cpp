@@ -25,8 +25,8 @@ constexpr std::size_t kMaxDebugText = 253;
 
 constexpr char kCommandIsEmpty[] = "Command is empty";
 constexpr char kWrongBufferSize[] = "Internal Error: Invalid Request Buffer Size";
-constexpr char kLengthOutOfRange[] = "Command Length must be in Range [2, 255], but is ";
-constexpr char kWrongCommandName[] = "Get a Process-Request with invalid Command-Name: ";
+constexpr char kLengthOutOfRange[] = "Command Length must be in Range [2, 255], but is %d";
+constexpr char kWrongCommandName[] = "Get a Process-Request with invalid Command-Name: %c";
 constexpr char kRequestTooShort[] = "request size < 4";
 constexpr char kPayloadTruncated[] = "Payload truncated. Response is maybe invalid";
 
@@ -102,10 +102,10 @@ ProcessResponse* AbstractCmd::tavrin_preCheck(std::vector<unsigned char>* reques
     if (length != request->size())
         return tavrin_generateGenericError(request, kWrongBufferSize);
     if (length < 2)
-        return tavrin_generateGenericError(request, string_format("%s%d", kLengthOutOfRange, length));
+        return tavrin_generateGenericError(request, string_format(kLengthOutOfRange, length));
     const int name = (*request)[1];
     if (name != static_cast<unsigned char>(m_id))
-        return tavrin_generateGenericError(request, string_format("%s%c", kWrongCommandName, name));
+        return tavrin_generateGenericError(request, string_format(kWrongCommandName, name));
     return process(request);
 }
 
@@ -248,7 +248,7 @@ std::string AbstractCmd::errorLine(ProcessResponse& response, AbstractListener* 
         response.message.insert(0, "Info \"").push_back('"');
         listener->asyncSend(response.message);
     }
-    return string_format("%s%s%X", m_name.c_str(), " Error 0x", response.code);
+    return string_format("%s Error 0x%X", m_name.c_str(), response.code);
 }
 
 std::vector<unsigned char> AbstractCmd::ascii_buildHexVector(const std::string& text) const {

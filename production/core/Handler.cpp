@@ -22,11 +22,11 @@ constexpr std::uint32_t kUnknownName = 0x10;
 // which saves the sleep and the wake-up: a quarter of the time that the hand-over costs on one core.
 constexpr int kTurnsBeforeSleep = 8;
 
-constexpr char kRegister[] = "Listener::registerHandler: ";
-constexpr char kNullHandler[] = "Handler is NULL";
-constexpr char kUnable[] = "Unable to register Handler: ";
-constexpr char kReason[] = "Reason: Command ";
-constexpr char kRegisteredBy[] = " registered by ";
+constexpr char kNullHandler[] = "Listener::registerHandler: Handler is NULL";
+constexpr char kIdTaken[] =
+    "Listener::registerHandler: Unable to register Handler: %c. Reason: Command %c registered by %c\n";
+constexpr char kNameTaken[] =
+    "Listener::registerHandler: Unable to register Handler: %s. Reason: Command %s registered by %s";
 constexpr char kNoHandler[] = "No Handler for the Command ";
 constexpr char kEmptyRequest[] = "command fehler\n";
 
@@ -90,29 +90,27 @@ Handler::Handler()
 
 bool Handler::registerHandler(char id, AbstractCmd* cmd) {
     if (cmd == nullptr) {
-        printDiagnostic(string_format("%s%s", kRegister, kNullHandler));
+        printDiagnostic(kNullHandler);
         return false;
     }
     const System::Lock lock(m_registryLock);
     const auto [entry, isNew] = m_commandsById.emplace(id, cmd);
     if (!isNew)
-        printDiagnostic(string_format("%s%s%c%s%s%c%s%c%s", kRegister, kUnable, cmd->tavrin_getName(),
-                                      ". ", kReason, id, kRegisteredBy, entry->second->tavrin_getName(),
-                                      "\n"));
+        printDiagnostic(
+            string_format(kIdTaken, cmd->tavrin_getName(), id, entry->second->tavrin_getName()));
     return isNew;
 }
 
 bool Handler::registerHandler(std::string name, AbstractCmd* cmd) {
     if (cmd == nullptr) {
-        printDiagnostic(string_format("%s%s", kRegister, kNullHandler));
+        printDiagnostic(kNullHandler);
         return false;
     }
     const System::Lock lock(m_registryLock);
     const auto [entry, isNew] = m_commandsByName.emplace(name, cmd);
     if (!isNew)
-        printDiagnostic(string_format("%s%s%s%s%s%s%s%s", kRegister, kUnable,
-                                      cmd->ascii_getName().c_str(), ". ", kReason, name.c_str(),
-                                      kRegisteredBy, entry->second->ascii_getName().c_str()));
+        printDiagnostic(string_format(kNameTaken, cmd->ascii_getName().c_str(), name.c_str(),
+                                      entry->second->ascii_getName().c_str()));
     return isNew;
 }
 

@@ -94,8 +94,8 @@ int main(int argc, char** argv) {
     prepareProcess();
     if (Usage::answer(argc, argv))
         return 0;
-    StandardStream::error().write(string_format("%s%s%s%s%s", "Production Test Server (Build ",
-                                                getDateTimeString(), ")", "\n", kLegalNotice));
+    StandardStream::error().write(
+        string_format("Production Test Server (Build %s)\n%s", getDateTimeString(), kLegalNotice));
     const Supplier supplier = chosenSupplier();
     comm()->setInterfaceTyp(kStationChannel, supplier.interface);
     AbstractListener* serial = supplier.create();

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr char kAttention[] = "### ATTENTION: Command-Runtime for \"";
+constexpr char kAttention[] = "### ATTENTION: Command-Runtime for \"%s\": %llu ms";
 
 constexpr std::uint64_t kMsPerSecond = 1000;
 constexpr std::uint64_t kNsPerMs = 1000000;
@@ -24,7 +24,7 @@ std::uint64_t CommandClock::elapsedMs() const {
 void CommandClock::warnIfLong(const char* command) const {
     const unsigned long long elapsed = elapsedMs();
     if (elapsed > kLongRuntimeMs)
-        printDiagnostic(string_format("%s%s%s%llu%s", kAttention, command, "\": ", elapsed, " ms"));
+        printDiagnostic(string_format(kAttention, command, elapsed));
 }
 
 std::uint64_t CommandClock::now() {

@@ -21,12 +21,13 @@ constexpr unsigned kBodyTimeoutMs = 500;
 constexpr unsigned kAcknowledgeTimeoutMs = 500;
 
 constexpr char kThreadLoopError[] = "Error in Listener thead loop";
-constexpr char kException[] = "~ ### ~ Exception: ID: 0x";
-constexpr char kDescription[] = " DESC: ";
+// The code stands in hexadecimal in the one, and in decimal in the other.
+constexpr char kLinkException[] = "%u~ ### ~ Exception: ID: 0x%X DESC: %s";
+constexpr char kSendException[] = "~ ### ~ Exception: ID: 0x%d DESC: %s";
 constexpr char kBadLength[] = "Commandlen of %d not allowed";
 constexpr char kEmptyResponse[] = "WARNING: Reponse size is 0";
 constexpr char kNoAcknowledgement[] = "NO ACK message received from the client (not critical)";
-constexpr char kInvalidCount[] = "Received Data invalid: ";
+constexpr char kInvalidCount[] = "Received Data invalid: %u";
 constexpr char kNotAnAcknowledgement[] = "Received not an Ack-Message";
 
 // What may well be sent long after its command started.
@@ -37,7 +38,7 @@ constexpr char kAcknowledgements[] = "0x06";
 System::Mutex l_mutex(System::Mutex::Normal);
 
 void printLinkException(unsigned channel, const DeviceResult& result) {
-    printDiagnostic(string_format("%d%s%X%s%s", channel, kException, result.code, kDescription,
+    printDiagnostic(string_format(kLinkException, channel, static_cast<unsigned>(result.code),
                                   result.message.c_str()));
 }
 
@@ -47,8 +48,7 @@ void printLoopError(unsigned channel, const DeviceResult& result) {
 }
 
 void printSendException(const DeviceResult& result) {
-    printDiagnostic(
-        string_format("%s%d%s%s", kException, result.code, kDescription, result.message.c_str()));
+    printDiagnostic(string_format(kSendException, result.code, result.message.c_str()));
 }
 
 /// Whether a read of a port that was open ended because somebody else has closed it, and perhaps opened
@@ -306,7 +306,7 @@ int Listener::readAcknowledgement(Comm::Handle& port, bool isOpen) {
     }
     m_pause.reset();
     if (count != wire::kAcknowledgement.size()) {
-        printDiagnostic(string_format("%s%u", kInvalidCount, count));
+        printDiagnostic(string_format(kInvalidCount, count));
         return -1;
     }
     if (!std::equal(command.begin(), command.end(), wire::kAcknowledgement.begin())) {
