@@ -133,8 +133,8 @@ double medianTime(const Run& run) {
     return median(times);
 }
 
-/// A process with as much memory in use as the daemon that starts shells when told to, and nothing
-/// else.
+/// A process with as much memory in use as the daemon
+/// that starts shells when told to, and nothing else.
 class BareStarter {
 public:
     explicit BareStarter(StartShell start) : BareStarter(start, socketPair()) {}

@@ -8,8 +8,8 @@
 
 namespace station {
 
-/// What the program was asked to do, as it was written: target, protocol and time-out are not checked
-/// yet.
+/// What the program was asked to do, as it was written:
+/// target, protocol and time-out are not checked yet.
 struct CommandLine {
     std::string target = "tcp:127.0.0.1:15051";
     std::string protocol; ///< empty for the target's own

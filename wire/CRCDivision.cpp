@@ -47,8 +47,8 @@ void fillTables(std::uint32_t* tables) {
     }
 }
 
-// What each of eight bytes contributes is looked up apart, so that no look-up waits for the one before
-// it.
+// What each of eight bytes contributes is looked up
+// apart, so that no look-up waits for the one before it.
 std::uint32_t divide(const std::uint32_t* tables, std::uint32_t crc, const unsigned char* data,
                      std::size_t length) {
     const auto slice = [tables](std::size_t number, std::uint32_t byte) {

@@ -8,8 +8,8 @@
 
 namespace Measuring {
 
-/// A running daemon and its station's line, which carries binary frames; it has announced itself and was
-/// acknowledged.
+/// A running daemon and its station's line, which carries
+/// binary frames; it has announced itself and was acknowledged.
 class SerialDaemon {
 public:
     explicit SerialDaemon(const std::string& program);

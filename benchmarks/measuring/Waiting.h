@@ -5,8 +5,8 @@
 
 namespace Measuring {
 
-/// Looks every millisecond whether the condition holds; throws after ten seconds, naming what did not
-/// happen.
+/// Looks every millisecond whether the condition holds;
+/// throws after ten seconds, naming what did not happen.
 void waitUntil(const std::function<bool()>& condition, const std::string& what);
 
 } // namespace Measuring

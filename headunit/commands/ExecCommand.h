@@ -6,8 +6,8 @@
 
 namespace headunit {
 
-/// The exit status of 'exec' and 'inside' when they themselves fail, so that it is not mistaken for the
-/// command's.
+/// The exit status of 'exec' and 'inside' when they themselves
+/// fail, so that it is not mistaken for the command's.
 constexpr int kExecFailed = 125;
 
 struct ExecOptions {
@@ -20,9 +20,9 @@ struct ExecOptions {
     std::vector<std::string> command;
 };
 
-/// Runs the command in a unit with a network of its own and blocks until it has ended. Returns its exit
-/// status, or 128 plus the signal that made headunit stop. Nothing of the unit is left then. Throws
-/// UnitError.
+/// Runs the command in a unit with a network of its own and blocks until
+/// it has ended. Returns its exit status, or 128 plus the signal that made
+/// headunit stop. Nothing of the unit is left then. Throws UnitError.
 int execCommand(const ExecOptions& options);
 
 } // namespace headunit

@@ -9,8 +9,8 @@
 
 namespace headunit {
 
-/// The media of a unit, used as one of them is. The hard disks are not there unless somebody asks for
-/// them.
+/// The media of a unit, used as one of them is. The hard
+/// disks are not there unless somebody asks for them.
 class BlockMedia {
 public:
     /// What the user calls them, in the order of all().

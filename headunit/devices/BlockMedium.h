@@ -17,8 +17,8 @@ public:
     static constexpr std::uint64_t kSize = 64 * 1024 * 1024; ///< bytes
     static constexpr std::size_t kLabelLength = 11;
 
-    /// `name` is what the user calls the medium, `unitPath` its node, `label` at most kLabelLength
-    /// characters.
+    /// `name` is what the user calls the medium, `unitPath`
+    /// its node, `label` at most kLabelLength characters.
     BlockMedium(std::string_view name, std::string_view unitPath, std::string_view label)
         : m_name(name), m_unitPath(unitPath), m_label(label) {}
 

@@ -22,8 +22,8 @@ public:
     /// A host packet for the chip: its type and its bytes.
     void take(std::string_view packet);
 
-    /// What the chip has to say of itself: a packet as it is. False, and no effect, when too much is
-    /// unsaid.
+    /// What the chip has to say of itself: a packet as it
+    /// is. False, and no effect, when too much is unsaid.
     bool say(std::string packet);
 
     bool hasSomethingToSay() const { return !m_unsaid.empty(); }

@@ -7,9 +7,9 @@
 
 namespace headunit {
 
-/// Tells at once when somebody wrote a file in a folder or put one there, whoever it was: the kernel
-/// reports it, nothing is looked at again and again. For the loop's thread or while the loop does not
-/// run.
+/// Tells at once when somebody wrote a file in a folder or put one there,
+/// whoever it was: the kernel reports it, nothing is looked at again and
+/// again. For the loop's thread or while the loop does not run.
 class FolderWatch : private EventSource {
 public:
     /// `changed` gets the file's name.

@@ -8,8 +8,8 @@
 
 namespace headunit {
 
-/// The version files that the unit's software images carry. That of the image names the variant of the
-/// hardware.
+/// The version files that the unit's software images carry.
+/// That of the image names the variant of the hardware.
 class SoftwareVersions : public Device {
 public:
     /// The variants that there are.

@@ -18,8 +18,8 @@ enum class DisplayTool {
 /// "showimage", "dmdt".
 std::string_view nameOf(DisplayTool tool);
 
-/// What the unit's displays show and why, with the orders that its tools have got. Plain data; not
-/// synchronised.
+/// What the unit's displays show and why, with the orders
+/// that its tools have got. Plain data; not synchronised.
 struct DisplayState {
     /// The numbers of the unit's displays; the layer over each has the same number.
     static constexpr std::array<int, 2> kDisplays = {0, 4};
@@ -42,8 +42,8 @@ struct DisplayState {
 /// "display DISPLAY ID", "fail TOOL CALLS", "late MILLISECONDS".
 std::string textOf(const DisplayState& state);
 
-/// The state of such a text. Lines that are none are passed over, and what no line says is as at the
-/// start.
+/// The state of such a text. Lines that are none are
+/// passed over, and what no line says is as at the start.
 DisplayState displayStateOf(const std::string& text);
 
 /// What a person sees on a display.

@@ -6,8 +6,8 @@
 
 namespace headunit {
 
-/// Bytes on their way to a reader, first in, first out, never more than a fixed number of them. Not
-/// synchronised.
+/// Bytes on their way to a reader, first in, first out,
+/// never more than a fixed number of them. Not synchronised.
 class ByteQueue {
 public:
     /// `capacity` in bytes.

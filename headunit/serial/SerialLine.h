@@ -34,8 +34,8 @@ public:
     /// one of them cannot be made. No effect on a line that is plugged in.
     void plug();
 
-    /// Removes the node and then hangs up on whoever has the line open. No effect on a line that is
-    /// unplugged.
+    /// Removes the node and then hangs up on whoever has the
+    /// line open. No effect on a line that is unplugged.
     void unplug();
 
     /// Over all times that the line was plugged in.

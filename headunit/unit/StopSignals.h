@@ -5,10 +5,10 @@
 
 namespace headunit {
 
-/// Collects what the main thread waits for: the end of a child, and the signals that ask headunit to
-/// stop (SIGINT, SIGTERM, SIGHUP, SIGQUIT; those that were ignored at start stay ignored). Make it
-/// before any other thread, so that all threads inherit the blocked mask; use it on the main thread
-/// only.
+/// Collects what the main thread waits for: the end of a child, and the signals
+/// that ask headunit to stop (SIGINT, SIGTERM, SIGHUP, SIGQUIT; those that were
+/// ignored at start stay ignored). Make it before any other thread, so that all
+/// threads inherit the blocked mask; use it on the main thread only.
 class StopSignals {
 public:
     StopSignals();

@@ -11,12 +11,12 @@ namespace headunit {
 /// them lie links to the pictures of what the unit's displays show.
 class UnitFolder : public UnitTree {
 public:
-    /// A fresh folder "headunit-XXXXXX" under ${TMPDIR:-/tmp}, removed with this object. Throws
-    /// UnitError.
+    /// A fresh folder "headunit-XXXXXX" under ${TMPDIR:-/tmp},
+    /// removed with this object. Throws UnitError.
     static UnitFolder temporary();
 
-    /// The given folder, made when it is missing, with whatever it holds; never removed. Throws
-    /// UnitError.
+    /// The given folder, made when it is missing, with
+    /// whatever it holds; never removed. Throws UnitError.
     static UnitFolder kept(const std::string& folder);
 
     UnitFolder(UnitFolder&& other) noexcept;

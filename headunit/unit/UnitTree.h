@@ -5,10 +5,10 @@
 
 namespace headunit {
 
-/// The files of one unit, under the names that the daemon knows them by. Devices put their nodes into
-/// it; what stands behind the names (a folder, or the machine itself) is the derived class's subject.
-/// Not synchronised: one thread at a time. A path inside the unit is absolute and normal
-/// ("/dev/nvsku/rev").
+/// The files of one unit, under the names that the daemon knows them by. Devices
+/// put their nodes into it; what stands behind the names (a folder, or the
+/// machine itself) is the derived class's subject. Not synchronised: one thread
+/// at a time. A path inside the unit is absolute and normal ("/dev/nvsku/rev").
 class UnitTree {
 public:
     virtual ~UnitTree() = default;

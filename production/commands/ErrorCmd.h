@@ -3,8 +3,8 @@
 #include "core/AbstractCmd.h"
 #include "runtime/Mutex.h"
 
-/// The command in whose name unknown requests are answered. It is not registered, so no request reaches
-/// it.
+/// The command in whose name unknown requests are answered.
+/// It is not registered, so no request reaches it.
 class ErrorCmd : public AbstractCmd {
 public:
     static ErrorCmd* getInstance();

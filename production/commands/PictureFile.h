@@ -18,10 +18,10 @@ bool isUnpacked(const char* path);
 /// folder that holds something stays.
 bool clear(const char* path);
 
-/// Unpacks `source`: `destination` gets `kBytes` bytes, the first ones of it. Of a shorter one the rest
-/// is zero, and standard error says so. Replaces the content of a regular file, never of anything else.
-/// Returns the reason why it cannot be done, with a destination that was begun removed; empty on
-/// success.
+/// Unpacks `source`: `destination` gets `kBytes` bytes, the first ones of it.
+/// Of a shorter one the rest is zero, and standard error says so. Replaces the
+/// content of a regular file, never of anything else. Returns the reason why it
+/// cannot be done, with a destination that was begun removed; empty on success.
 std::string unpack(const char* source, const char* destination);
 
 } // namespace PictureFile

@@ -35,9 +35,9 @@ public:
     /// Sends the commands that the data complete, as a stream: what is incomplete waits for the next
     /// call. The first one that fails drops the rest. Blocks until the chip has answered each of them.
     ProcessResponse* sdioSend(const unsigned char* data, std::size_t length);
-    /// Collects from the data, from the input position on, up to the end of one command. Returns how
-    /// many bytes are left over behind it; -1 when more are needed or, with `response` telling, it is
-    /// refused.
+    /// Collects from the data, from the input position on, up to the end
+    /// of one command. Returns how many bytes are left over behind it; -1
+    /// when more are needed or, with `response` telling, it is refused.
     int sdioAddToSendBuf(const unsigned char* data, std::size_t length, ProcessResponse* response);
     /// Sends the collected command, and stores the chip's reply in place of the one before.
     ProcessResponse* sdioDoSend();

@@ -18,8 +18,8 @@ constexpr milliseconds kRetryPause{500};
 // does not know of cancellation or the driver is being opened anew.
 constexpr milliseconds kPatience{500};
 
-// No packet of this interface is longer: four bytes of header, and as many bytes as sixteen bits can
-// say.
+// No packet of this interface is longer: four bytes of
+// header, and as many bytes as sixteen bits can say.
 constexpr int kLongestPacket = 4 + 0xFFFF;
 
 constexpr char kNoThread[] = "Could not create the reading thread, returncode %d\n";

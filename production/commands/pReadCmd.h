@@ -27,8 +27,8 @@ public:
 
     ProcessResponse* writePort(std::vector<std::vector<char>>& tokens);
 
-    /// Puts the nibble into `byte`: as its lower half, with the upper one cleared, or into its upper
-    /// half.
+    /// Puts the nibble into `byte`: as its lower half,
+    /// with the upper one cleared, or into its upper half.
     void setAttributes(unsigned char& byte, PortInfo::Type type, char value, bool low);
 
 private:

@@ -47,8 +47,8 @@ constexpr char kCannotRead[] = "Could not read the /dev/nvsku/rev file";
 constexpr char kCannotReadAscii[] = "Failed to read from /dev/nvsku/rev file";
 constexpr char kTooLarge[] = "Revision does not Fit in 2 Bytes";
 
-/// Reads on until the number at the beginning has ended, or the node has. False when neither comes in
-/// time.
+/// Reads on until the number at the beginning has ended,
+/// or the node has. False when neither comes in time.
 bool readNumber(int node, std::string& text) {
     constexpr char kBlanks[] = " \t\n\v\f\r";
     constexpr char kOfNumbers[] = "+-xX0123456789abcdefABCDEF";

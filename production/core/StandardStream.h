@@ -23,8 +23,8 @@ public:
     static StandardStream& output();
     static StandardStream& error();
 
-    /// A loss of `name` is said on `notices`; null stands for this stream. The descriptor stays the
-    /// caller's.
+    /// A loss of `name` is said on `notices`; null stands
+    /// for this stream. The descriptor stays the caller's.
     StandardStream(int descriptor, const char* name, StandardStream* notices);
 
     /// From now on texts are written by the thread. Without it, which also means when it cannot be made,

@@ -18,8 +18,8 @@ int baseOf(const char* digits) {
 } // namespace
 
 std::int64_t tokenNumber(const std::vector<char>& token) {
-    // What a scan for "%i" gives, without its cost. Copied, since decoded tokens have no terminating
-    // zero.
+    // What a scan for "%i" gives, without its cost. Copied,
+    // since decoded tokens have no terminating zero.
     const std::string text = tokenText(token);
     const char* digits = text.c_str() + std::strspn(text.c_str(), " \t\n\v\f\r");
     if (*digits == '+' || *digits == '-')

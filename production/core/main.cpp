@@ -62,8 +62,8 @@ Supplier chosenSupplier() {
 
 void prepareProcess() {
     System::openStandardStreams();
-    // A peer that has gone, or a shell that does not read its commands, is an error to handle, not an
-    // end.
+    // A peer that has gone, or a shell that does not read
+    // its commands, is an error to handle, not an end.
     std::signal(SIGPIPE, SIG_IGN);
     // A parent that ignored it would keep us from learning how a shell ended.
     std::signal(SIGCHLD, SIG_DFL);

@@ -43,8 +43,8 @@ public:
     /// The classes derived from this one close the device.
     virtual ~SerialLine() = default;
 
-    /// Never waits: what the device does not take at once waits for it. EAGAIN when too much waits
-    /// already.
+    /// Never waits: what the device does not take at once
+    /// waits for it. EAGAIN when too much waits already.
     DeviceResult post(std::string bytes);
 
     /// Writes all of it, behind what waits already, and returns when the device has taken it, which may
@@ -67,8 +67,8 @@ protected:
     virtual void forgetDevice() = 0;
     /// False and errno on failure.
     virtual bool flushDevice() = 0;
-    /// How many bytes may wait for the device before more are refused; 0 in a driver whose writes keep
-    /// none.
+    /// How many bytes may wait for the device before more
+    /// are refused; 0 in a driver whose writes keep none.
     virtual std::size_t mostWaiting() const = 0;
 
 private:
@@ -90,7 +90,7 @@ private:
     std::string& m_path;
     termios& m_savedAttributes;
     OutputQueue m_output;
-    // While the device is open; who waits for it holds on to it, which tells this opening from a later
-    // one.
+    // While the device is open; who waits for it holds on
+    // to it, which tells this opening from a later one.
     std::shared_ptr<WakePipe> m_opening;
 };

@@ -9,8 +9,8 @@
 
 namespace {
 
-// As much as a socket takes at once; more would keep a dispatcher busy for as long as a fast peer reads
-// on.
+// As much as a socket takes at once; more would keep a
+// dispatcher busy for as long as a fast peer reads on.
 constexpr std::size_t kSentAtOnce = std::size_t{64} << 10;
 
 } // namespace

@@ -69,8 +69,8 @@ bool FlexListener::serveOnce() {
         else
             closePort(*port);
     } catch (const std::exception& exception) {
-        // Most likely a line that does not fit into memory; where it would have ended is anybody's
-        // guess.
+        // Most likely a line that does not fit into memory;
+        // where it would have ended is anybody's guess.
         printException({static_cast<std::int32_t>(ProcessResponse::kGenericError), exception.what()});
         closePort(*port);
     }

@@ -25,8 +25,8 @@ public:
 
     /// Text cannot travel on this link: dropped.
     void asyncSend(std::string& text) override;
-    /// Sends the frame at once. The port does not block, so a station that does not read holds up
-    /// nobody.
+    /// Sends the frame at once. The port does not block,
+    /// so a station that does not read holds up nobody.
     void asyncSend(std::vector<unsigned char>& frame) override;
     int getDeviceListNumber() override { return static_cast<int>(m_channel); }
 

@@ -17,20 +17,20 @@ class LineScan {
 public:
     std::vector<std::vector<char>> mylist; ///< the tokens
     std::string echoes;                    ///< what no rule wants, for standard output
-    /// Whether a command's name has emptied the list; else the tokens come behind those of the command
-    /// before.
+    /// Whether a command's name has emptied the list; else
+    /// the tokens come behind those of the command before.
     bool isNewList = false;
 
     /// The text with its terminating zero.
     void addToList(const char* text);
-    /// The bytes that the pairs of hexadecimal digits stand for; looks at the first 2048 characters
-    /// only.
+    /// The bytes that the pairs of hexadecimal digits
+    /// stand for; looks at the first 2048 characters only.
     void addHexToList(char* text);
     /// The decoded bytes in a buffer of three bytes for each four characters; what could not be decoded
     /// is 0.
     void addBase64ToList(const char* text);
-    /// The same for the base64 characters at the beginning of `text`, if there are any. Returns how
-    /// many.
+    /// The same for the base64 characters at the beginning
+    /// of `text`, if there are any. Returns how many.
     std::size_t addBase64Run(std::string_view text);
     /// Walks the list; prints nothing.
     void printList() {}

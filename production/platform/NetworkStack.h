@@ -9,8 +9,8 @@ namespace System {
 
 /// Requests that only the driver of a network interface understands. Any thread.
 
-/// The way to the network stack: a datagram socket that no child process inherits. Empty and `errno` on
-/// failure.
+/// The way to the network stack: a datagram socket that no
+/// child process inherits. Empty and `errno` on failure.
 Descriptor openDatagramSocket();
 
 /// Sends the parts as one message to the driver behind `interface`, and takes the reply into the same

@@ -14,8 +14,8 @@ class Link {
 public:
     virtual ~Link() = default;
 
-    /// Sends all of `bytes`; blocks until the system has taken them. Throws `Failure`: `TimedOut` or
-    /// `ConnectionLost`.
+    /// Sends all of `bytes`; blocks until the system has taken
+    /// them. Throws `Failure`: `TimedOut` or `ConnectionLost`.
     virtual void send(std::string_view bytes, const Deadline& deadline) = 0;
 
     /// Blocks until something has arrived and returns it: at least one byte, or an empty string when the

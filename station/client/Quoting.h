@@ -11,10 +11,10 @@ namespace station {
 ///     begins with "hex(" or "base64("      as it is     hex(01 0A)   -> hex(01 0A)
 ///     everything else                      quoted       /dev/x       -> "/dev/x"
 ///
-/// What the line has no form for throws `Failure` (`InvalidRequest`) with a message that says what to do
-/// instead: an empty argument, one that holds a double quotation mark or a control character, and a
-/// `hex(...)` or `base64(...)` that the unit would not read as what it says. Bytes from 0x80 on are
-/// fine.
+/// What the line has no form for throws `Failure` (`InvalidRequest`) with a
+/// message that says what to do instead: an empty argument, one that holds a
+/// double quotation mark or a control character, and a `hex(...)` or `base64(...)`
+/// that the unit would not read as what it says. Bytes from 0x80 on are fine.
 std::string quoteArgument(std::string_view argument);
 
 /// Appends the same to `text`.

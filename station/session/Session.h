@@ -25,9 +25,9 @@ public:
     /// Lets a command get under way. Throws `Failure` or `Interrupted`; then it is not.
     virtual void begin(const std::string& name, const std::vector<std::string>& arguments) = 0;
 
-    /// Blocks until the command is answered that has been under way for the longest; a refusal by the
-    /// unit is an answer. What comes ahead of the answer goes to `onInfo`. Throws `Failure` or
-    /// `Interrupted`.
+    /// Blocks until the command is answered that has been under way for
+    /// the longest; a refusal by the unit is an answer. What comes ahead
+    /// of the answer goes to `onInfo`. Throws `Failure` or `Interrupted`.
     virtual Answer finish(const InfoSink& onInfo) = 0;
 
     /// Nobody wants the answers of the commands that are under way any more. Blocks until they have come

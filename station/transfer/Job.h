@@ -23,8 +23,8 @@ public:
     virtual std::string leftover(const Figures& figures) const = 0;
 };
 
-/// Checks all that can be known without the unit: sizes, offsets, the local file. Throws `Failure`
-/// (`InvalidRequest`).
+/// Checks all that can be known without the unit: sizes,
+/// offsets, the local file. Throws `Failure` (`InvalidRequest`).
 std::unique_ptr<Job> makeJob(const Order& order);
 
 /// Throws `Failure` (`InvalidRequest`) for a range that does not end below the buffer's last byte.

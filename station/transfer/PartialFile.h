@@ -12,10 +12,10 @@ namespace station {
 /// without making it: it is something else than a regular file, or its folder is not writable.
 void checkDestination(const std::string& path);
 
-/// A file that comes into being under the name `FILE.part` beside FILE and gets FILE's name when it is
-/// complete. Until then FILE is as it was. Left incomplete, the part stays, to be looked at and to be
-/// written over by the next attempt, unless nothing is in it. What the system refuses throws
-/// std::system_error.
+/// A file that comes into being under the name `FILE.part` beside FILE and gets
+/// FILE's name when it is complete. Until then FILE is as it was. Left incomplete,
+/// the part stays, to be looked at and to be written over by the next attempt,
+/// unless nothing is in it. What the system refuses throws std::system_error.
 class PartialFile {
 public:
     /// Throws `Failure` (`InvalidRequest`) when another program is at work on the same part.

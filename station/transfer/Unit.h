@@ -51,8 +51,8 @@ public:
     void openDevice(const DeviceId& device);
     void closeDevice(const DeviceId& device);
 
-    /// Between a device and the buffer. Return the number of bytes moved, which may be fewer than
-    /// wanted.
+    /// Between a device and the buffer. Return the number
+    /// of bytes moved, which may be fewer than wanted.
     std::uint64_t readBlocks(const DeviceId& device, std::uint64_t first, std::uint64_t count,
                              std::uint64_t offset);
     std::uint64_t writeBlocks(const DeviceId& device, std::uint64_t first, std::uint64_t count,

@@ -1,5 +1,5 @@
-// The binary status. What it remembers lasts as long as the process, so each sequence has one of its
-// own.
+// The binary status. What it remembers lasts as long
+// as the process, so each sequence has one of its own.
 #include "commands/sReadCmd.h"
 
 #include <stdexcept>

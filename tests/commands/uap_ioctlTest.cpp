@@ -1,5 +1,5 @@
-// The message that carries a host command to the wireless chip's driver, and what it tells when it
-// fails.
+// The message that carries a host command to the wireless
+// chip's driver, and what it tells when it fails.
 #include "commands/uap_ioctl.h"
 
 #include <algorithm>

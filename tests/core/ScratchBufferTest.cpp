@@ -38,8 +38,8 @@ void __wrap_free(void* memory) {
 
 } // extern "C"
 
-// The buffer is made once per process and its state shows: each case looks at it in a process of its
-// own.
+// The buffer is made once per process and its state
+// shows: each case looks at it in a process of its own.
 
 TEST(ScratchBufferTest, IsMadeOnFirstUseAndHandedOutEverAfter) {
     inFreshProcess([] {

@@ -15,8 +15,8 @@ protected:
         m_calls.forget();
     }
 
-    // The kernel moves what was written on to the far end in its own time, which makes room a few times
-    // more.
+    // The kernel moves what was written on to the far end
+    // in its own time, which makes room a few times more.
     DeviceResult writeUntilRefused(const std::string& bytes) {
         constexpr int kMoreThanALineHolds = 100;
         DeviceResult result;

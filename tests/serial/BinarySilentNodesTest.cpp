@@ -1,5 +1,5 @@
-// Nodes that say nothing, asked for over the binary line: each request gets its frames and the line goes
-// on.
+// Nodes that say nothing, asked for over the binary line:
+// each request gets its frames and the line goes on.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -81,8 +81,8 @@ TEST_P(IdleLinksTest, SleepAfterTheLineCameBack) {
     if (speaksAscii()) {
         hear();
     } else {
-        // Announced with two remarks that this has happened before; only the frame itself is
-        // acknowledged.
+        // Announced with two remarks that this has happened
+        // before; only the frame itself is acknowledged.
         EXPECT_EQ(adapter.receiveFrame().substr(1, 1), "d");
         EXPECT_EQ(adapter.receiveFrame().substr(1, 1), "d");
         hear();

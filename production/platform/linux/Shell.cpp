@@ -37,8 +37,8 @@ class ChildWait {
 public:
     explicit ChildWait(pid_t pid) : m_pid(pid), m_descriptor(openProcess(pid)) {}
 
-    /// Waits until the child may have ended, or `pipe` (unless -1) can take bytes or has lost its
-    /// reader.
+    /// Waits until the child may have ended, or `pipe`
+    /// (unless -1) can take bytes or has lost its reader.
     void waitForEvent(int pipe, Clock::time_point deadline) const {
         pollfd events[] = {{m_descriptor.get(), POLLIN, 0}, {pipe, POLLOUT, 0}};
         ::poll(events, 2, millisecondsUntil(deadline));

@@ -18,8 +18,8 @@ int runCommandLine(const char* commandLine) {
     char takeArgument[] = "-c";
     std::string text = commandLine;
     char* const arguments[] = {name, takeArgument, text.data(), nullptr};
-    // Without a map it gets the daemon's descriptors, and the daemon's environment without one of its
-    // own.
+    // Without a map it gets the daemon's descriptors, and
+    // the daemon's environment without one of its own.
     const pid_t pid = ::spawn("/bin/sh", 0, nullptr, &differences, arguments, nullptr);
     return pid == -1 ? -1 : statusAtEndOf(pid);
 }

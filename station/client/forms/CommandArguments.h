@@ -13,10 +13,10 @@ namespace station {
 /// octal (010), without a sign. Nothing for any other text and for what does not fit.
 std::optional<std::uint32_t> parseNumber(std::string_view text);
 
-/// The arguments of a command as the unit receives them on an ASCII line: a word or a quoted text ends
-/// with a zero byte, which is part of its bytes; `hex(...)` and `base64(...)` are the bytes that they
-/// stand for, those of base64 filled up with zeros to a multiple of three. The name is not among them.
-/// Immutable.
+/// The arguments of a command as the unit receives them on an ASCII line: a word
+/// or a quoted text ends with a zero byte, which is part of its bytes; `hex(...)`
+/// and `base64(...)` are the bytes that they stand for, those of base64 filled up
+/// with zeros to a multiple of three. The name is not among them. Immutable.
 class CommandArguments {
 public:
     /// Throws `Failure` (`InvalidRequest`) for an argument that cannot travel on an ASCII line or is not

@@ -7,8 +7,8 @@
 
 constexpr std::uint32_t kScratchSize = 0x8000000;
 
-/// The unit's checksum over some bytes, at least four, calculated one byte after the other; in four
-/// bytes.
+/// The unit's checksum over some bytes, at least four,
+/// calculated one byte after the other; in four bytes.
 std::string checksumOf(std::string_view bytes);
 
 /// The part of the scratch buffer that one station has to itself, and what must be in it. Addresses are

@@ -28,12 +28,12 @@ struct DaemonStart {
     bool waitForPort = true;
 };
 
-/// The daemon itself, as a child of the test, with its standard streams in files. Killed with this
-/// object.
+/// The daemon itself, as a child of the test, with its
+/// standard streams in files. Killed with this object.
 class Daemon {
 public:
-    /// Returns when the daemon listens, unless told otherwise; throws std::runtime_error when it does
-    /// not.
+    /// Returns when the daemon listens, unless told
+    /// otherwise; throws std::runtime_error when it does not.
     explicit Daemon(const DaemonStart& start = {});
     Daemon(const Daemon&) = delete;
     Daemon& operator=(const Daemon&) = delete;

@@ -44,8 +44,8 @@ std::optional<long> field(const std::string& file, const std::string& label, int
     return std::stol(content.substr(at + label.size() + 1), nullptr, base);
 }
 
-/// The columns of "stat" behind the program's name, which may itself hold blanks; the first is the
-/// state.
+/// The columns of "stat" behind the program's name,
+/// which may itself hold blanks; the first is the state.
 std::vector<std::string> statusColumns(pid_t pid) {
     const std::string content = contentOf(folderOf(pid) + "stat");
     const std::size_t end = content.rfind(')');

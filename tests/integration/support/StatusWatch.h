@@ -23,8 +23,8 @@ public:
     /// Waits until so many more answers have come; false when they do not.
     bool seesMore(long answers) const { return m_witness->seesMore(answers); }
 
-    /// Ends it: how much longer an answer took at most than an exchange without a daemon at the same
-    /// time.
+    /// Ends it: how much longer an answer took at most
+    /// than an exchange without a daemon at the same time.
     std::chrono::milliseconds longestDelay();
 
 private:

@@ -28,8 +28,8 @@ void writeFile(const std::string& path, const std::string& content) {
 
 std::string contentOf(const std::string& path) {
     const std::ifstream file(path, std::ios::binary);
-    // What /proc tells of may go between its opening and its reading; the copying takes that for the
-    // end.
+    // What /proc tells of may go between its opening and
+    // its reading; the copying takes that for the end.
     std::ostringstream content;
     content << file.rdbuf();
     return content.str();

@@ -9,9 +9,9 @@
 /// one line, the name and the arguments in their order, and hands out the results that wait for the
 /// call. Not synchronised.
 ///
-/// In a line, flags and command numbers are hexadecimal and other numbers decimal; texts are quoted; the
-/// bytes of a buffer are hexadecimal digits in brackets; a pointer that is only passed on is "null" or
-/// "set".
+/// In a line, flags and command numbers are hexadecimal and other numbers
+/// decimal; texts are quoted; the bytes of a buffer are hexadecimal digits
+/// in brackets; a pointer that is only passed on is "null" or "set".
 namespace FakeSystem {
 
 struct Result {
