@@ -7,9 +7,9 @@
 #include <thread>
 
 #include "client/Target.h"
-#include "wire/Descriptor.h"
 #include "support/ByteStream.h"
 #include "support/Lines.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 

@@ -14,7 +14,6 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "wire/Descriptor.h"
 #include "support/Pattern.h"
 #include "support/SocketTable.h"
 #include "support/UnitFiles.h"

@@ -12,9 +12,9 @@
 #include <system_error>
 
 #include "Keyboard.h"
-#include "wire/Descriptor.h"
 #include "support/Pipe.h"
 #include "support/Waiting.h"
+#include "wire/Descriptor.h"
 
 namespace station {
 namespace {
