@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -91,7 +92,7 @@ std::string commandList() {
     for (const wire::Command& command : wire::kCatalogue) {
         constexpr std::size_t kColumn = 10;
         std::string line(command.name);
-        line.resize(kColumn, ' ');
+        line.resize(std::max(kColumn, line.size() + 1), ' ');
         list.append("  ").append(line).append(command.summary).append("\n");
     }
     return list;
