@@ -9,8 +9,8 @@ namespace wire {
 /// forms and help and the documents either take it from here or are compared with it by a test.
 struct Command {
     std::string_view name; ///< on a line
-    std::string_view
-        ids; ///< in a frame, one character each; the second one writes what the first one reads
+    /// In a frame, one character each; the second one writes what the first one reads.
+    std::string_view ids;
     std::string_view summary; ///< what it does
 };
 
