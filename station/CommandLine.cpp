@@ -5,6 +5,7 @@
 #include <iostream>
 #include <memory>
 
+#include "client/forms/BinaryForm.h"
 #include "terminal/TerminalOrder.h"
 #include "transfer/OrderLine.h"
 #include "wire/Catalogue.h"
@@ -27,26 +28,6 @@ Arguments:
   bytes as base64: also for text with a double quotation mark or a control character
       station i2c write 0 0x50 "base64(AB8K)"
 
-Everything on the unit; asked and answered alike over every link:
-  station memory write 8bit 4 0x100 "hex(01 02 03 04)"
-  station memory read 32bit 1 0x100
-  station memory read 8bitcrc 4 0x100
-  station diag cksum 0 0x100 4
-  station port read 3
-  station port write 3 1
-  station port getattributes
-  station i2c read 0 16 0x50 "hex(00)"
-  station i2c setattributes 0 1 0190
-  station blockdev open 179 0
-  station blockdev read 179 0 0 8 0x1000
-  station audio activate
-  station serial open 1 115200 0
-  station serial send 1 "hex(41 54 0D)"
-  station serial get 1 3
-  station serial getall 1
-  station serial close 1
-  station graphic display 0 1
-  station graphic capture 3 0
 The wireless chip: 240 is WLAN, 241 is Bluetooth, where the packet's type comes first:
   station serial open 241
   station serial send 241 "hex(01 03 0C 00)"
@@ -86,14 +67,16 @@ Exit code:
   0 success            3 cannot connect    5 refused by the unit
   2 wrong usage        4 time-out          6 malformed or incomplete answer)help";
 
-/// The unit's commands, each with what it does.
+/// The unit's commands, each with what it does and its forms.
 std::string commandList() {
-    std::string list = "Commands of the unit:\n";
+    std::string list = "Commands of the unit, asked and answered alike over every link:\n";
     for (const wire::Command& command : wire::kCatalogue) {
         constexpr std::size_t kColumn = 10;
         std::string line(command.name);
         line.resize(std::max(kColumn, line.size() + 1), ' ');
         list.append("  ").append(line).append(command.summary).append("\n");
+        for (const std::string_view usage : binaryUsages(command.name))
+            list.append("      station ").append(usage).append("\n");
     }
     return list;
 }

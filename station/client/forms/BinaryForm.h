@@ -25,6 +25,10 @@ struct BinaryForm {
 /// are not cut to their field, though, and what is no number is not taken for 0: both are refused.
 BinaryForm binaryForm(std::string_view name, const std::vector<std::string>& arguments);
 
+/// What the forms of a command read like on a line, one each: fields in capitals, what may be left out
+/// in brackets.
+std::vector<std::string_view> binaryUsages(std::string_view name);
+
 /// The names of the commands that have a form, in their order.
 std::vector<std::string_view> binaryFormNames();
 

@@ -57,7 +57,7 @@ BinaryForm execForm(const std::vector<std::string>& arguments) {
     // The unit compares the first characters only.
     if (arguments.size() != kArguments ||
         arguments[0].compare(0, kCommandWord.size(), kCommandWord) != 0)
-        refuseForm("exec has one binary form: exec command SECONDS TEXT");
+        refuseArguments("exec");
     const std::string seconds = secondsOf(arguments[1]);
     const std::string text = argumentBytes(arguments[2]);
     checkText(text);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "client/forms/BinaryForm.h"
@@ -10,6 +11,9 @@ namespace station {
 
 // The binary forms of the commands that are more than rows of a table (see SimpleForms); what each takes
 // stands at the head of its source. All of them throw what `binaryForm` says.
+
+/// Tells which forms the command has; `note` follows.
+[[noreturn]] void refuseArguments(std::string_view name, std::string_view note = {});
 
 BinaryForm ackForm(const std::vector<std::string>& arguments);
 BinaryForm execForm(const std::vector<std::string>& arguments);

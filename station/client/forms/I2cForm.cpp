@@ -133,9 +133,7 @@ BinaryForm i2cForm(const CommandArguments& arguments) {
         return getForm(arguments);
     if (isOperation("setattributes") && arguments.size() == kSetArguments)
         return setForm(arguments);
-    refuseForm(
-        "i2c has the binary forms i2c read BUS COUNT ADDRESS [DATA], i2c write BUS ADDRESS DATA, "
-        "i2c getattributes BUS ID and i2c setattributes BUS ID VALUE");
+    refuseArguments("i2c");
 }
 
 } // namespace station

@@ -33,9 +33,7 @@ constexpr std::size_t kCheckedWriteHeader = 11;
 // A unit refuses more in the ASCII form.
 constexpr std::size_t kMostData = 255;
 
-constexpr char kForms[] =
-    "memory has the binary forms memory read WIDTH COUNT ADDRESS, memory write WIDTH COUNT ADDRESS DATA "
-    "and memory write 8bitcrc COUNT ADDRESS DATA CHECKSUM; WIDTH is 8bit, 16bit, 32bit or 8bitcrc";
+constexpr char kWidths[] = "; WIDTH is 8bit, 16bit, 32bit or 8bitcrc";
 
 struct Access {
     std::string_view operation;
@@ -58,12 +56,12 @@ constexpr Access kAccesses[] = {{kRead, "8bit", 1, 0, false},   {kWrite, "8bit",
 
 const Access& accessOf(const CommandArguments& arguments) {
     if (arguments.size() < kReadArguments)
-        refuseForm(kForms);
+        refuseArguments("memory", kWidths);
     for (const Access& access : kAccesses)
         if (access.operation == arguments.text(0) && access.keyword == arguments.text(1) &&
             access.fewestArguments() <= arguments.size())
             return access;
-    refuseForm(kForms);
+    refuseArguments("memory", kWidths);
 }
 
 /// In ASCII the tag is left out, and the checksum is the first byte.

@@ -95,9 +95,7 @@ BinaryForm serialForm(const CommandArguments& arguments) {
     const bool isAll = arguments.size() != 0 && arguments.beginsWith(0, "getal");
     if (!isAll && is("get", kGetArguments))
         return getForm(channel(), arguments.byte(2, "COUNT"));
-    refuseForm(
-        "serial has the binary forms serial open N BAUD FLAGS, serial open 240|241, serial close N, "
-        "serial send N DATA, serial get N COUNT and serial getall N");
+    refuseArguments("serial");
 }
 
 } // namespace station

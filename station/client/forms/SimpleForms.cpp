@@ -2,7 +2,7 @@
 
 #include "client/forms/AnswerTexts.h"
 #include "client/forms/FormRow.h"
-#include "client/forms/Refusal.h"
+#include "client/forms/Forms.h"
 
 namespace station {
 
@@ -54,22 +54,6 @@ constexpr FormRow kRows[] = {
     {"port write N LEVEL", "P E3 01 N LEVEL:level", done},
 };
 
-/// "port has the binary forms port read N, port getattributes and port write N LEVEL".
-std::string formsOf(std::string_view name) {
-    std::vector<std::string> usages;
-    for (const FormRow& row : kRows)
-        if (row.name() == name)
-            usages.emplace_back(row.usage.substr(0, row.usage.find(" ...")));
-    std::string text =
-        std::string(name) + (usages.size() == 1 ? " has one binary form: " : " has the binary forms ");
-    for (std::size_t at = 0; at < usages.size(); ++at) {
-        if (at != 0)
-            text += at + 1 == usages.size() ? " and " : ", ";
-        text += usages[at];
-    }
-    return text;
-}
-
 } // namespace
 
 std::vector<std::string_view> simpleFormNames() {
@@ -80,11 +64,19 @@ std::vector<std::string_view> simpleFormNames() {
     return names;
 }
 
+std::vector<std::string_view> simpleUsages(std::string_view name) {
+    std::vector<std::string_view> usages;
+    for (const FormRow& row : kRows)
+        if (row.name() == name)
+            usages.push_back(row.usage.substr(0, row.usage.find(" ...")));
+    return usages;
+}
+
 BinaryForm simpleForm(std::string_view name, const CommandArguments& arguments) {
     for (const FormRow& row : kRows)
         if (row.name() == name && row.takes(arguments))
             return row.form(arguments);
-    refuseForm(formsOf(name));
+    refuseArguments(name);
 }
 
 } // namespace station
