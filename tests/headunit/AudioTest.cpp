@@ -47,12 +47,12 @@ protected:
     std::string m_error;
 };
 
-TEST_F(AudioTest, theDriverRunsWithTheDaemon) {
+TEST_F(AudioTest, TheDriverRunsWithTheDaemon) {
     EXPECT_EQ(outputWithDaemon(kState), "audio deva-nvaudio inactive\n");
     EXPECT_EQ(outputOf(kState), "audio deva-nvaudio stopped\n");
 }
 
-TEST_F(AudioTest, theDriverFollowsSignals) {
+TEST_F(AudioTest, TheDriverFollowsSignals) {
     EXPECT_EQ(outputWithDaemon("slay -s SIGUSR1 deva-nvaudio; echo $?; " + until("active") +
                                "slay -s SIGUSR2 deva-nvaudio; echo $?; " + until("inactive") +
                                "slay deva-nvaudio; echo $?; " + until("stopped") +
@@ -60,7 +60,7 @@ TEST_F(AudioTest, theDriverFollowsSignals) {
               "1\n1\n1\n0\n");
 }
 
-TEST_F(AudioTest, theDriverIsControlled) {
+TEST_F(AudioTest, TheDriverIsControlled) {
     EXPECT_EQ(outputWithDaemon("headunit control audio active; " + until("active") +
                                "headunit control audio inactive; " + until("inactive") +
                                "headunit control audio stopped; " + until("stopped") +
@@ -68,13 +68,13 @@ TEST_F(AudioTest, theDriverIsControlled) {
               "ok\nok\nok\nheadunit: the audio driver does not run\naudio deva-nvaudio inactive\n");
 }
 
-TEST_F(AudioTest, thereIsOneDriver) {
+TEST_F(AudioTest, ThereIsOneDriver) {
     EXPECT_EQ(outputWithDaemon("deva-nvaudio; echo $?; slay -s 0 deva-nvaudio; echo $?"), "1\n1\n");
     EXPECT_THAT(m_error, HasSubstr("deva-nvaudio: another audio driver runs "
                                    "(/run/headunit/audio is locked)\n"));
 }
 
-TEST_F(AudioTest, slayCountsTheProcessesOfAName) {
+TEST_F(AudioTest, SlayCountsTheProcessesOfAName) {
     EXPECT_EQ(outputOf("sleep 1000 & sleep 1000 & sleep 1000 & "
                        "until slay -s 0 sleep; [ $? = 3 ]; do :; done; "
                        "slay -s SIGTERM sleep; echo $?; wait; slay -s SIGTERM sleep; echo $?"),
@@ -82,7 +82,7 @@ TEST_F(AudioTest, slayCountsTheProcessesOfAName) {
     EXPECT_EQ(m_error, "");
 }
 
-TEST_F(AudioTest, slayDoesNotReachOutOfTheUnit) {
+TEST_F(AudioTest, SlayDoesNotReachOutOfTheUnit) {
     Program outside({"sleep", "1000"});
     EXPECT_EQ(outputOf("slay -s SIGKILL sleep; echo $?"), "0\n");
     EXPECT_EQ(::kill(outside.pid(), 0), 0);
@@ -90,14 +90,14 @@ TEST_F(AudioTest, slayDoesNotReachOutOfTheUnit) {
     EXPECT_EQ(outside.wait(), 128 + SIGTERM) << "and not SIGKILL";
 }
 
-TEST_F(AudioTest, slayExplainsItself) {
+TEST_F(AudioTest, SlayExplainsItself) {
     for (const char* words : {"", "-s", "-s SIGUSR1", "-s SIGNONE name", "a b", "-x"}) {
         EXPECT_EQ(outputOf(std::string("slay ") + words + "; echo $?"), "0\n") << words;
         EXPECT_THAT(m_error, HasSubstr("usage: slay [-s SIGNAL] NAME\n")) << words;
     }
 }
 
-TEST_F(AudioTest, theDriverRunsBesideARunningDaemon) {
+TEST_F(AudioTest, TheDriverRunsBesideARunningDaemon) {
     const TestFolder folder;
     const std::string unit = folder / "unit";
     Program program({PRIVATE_HOST, HEADUNIT_PROGRAM, "run", "--daemon-path", STANDIN_DAEMON, "--unit",
@@ -121,7 +121,7 @@ TEST_F(AudioTest, theDriverRunsBesideARunningDaemon) {
     EXPECT_TRUE(fs::is_empty(unit + "/run/headunit"));
 }
 
-TEST_F(AudioTest, theDriverRunsInPlace) {
+TEST_F(AudioTest, TheDriverRunsInPlace) {
     const TestFolder root;
     Program program({PRIVATE_HOST, "--root", root.path(), HEADUNIT_PROGRAM, "run", "--in-place",
                      "--yes-change-this-machine", "--daemon-path", STANDIN_DAEMON});

@@ -32,7 +32,7 @@ protected:
     }
 };
 
-TEST_F(BlockMediaTest, areSparseImagesThatBegin) {
+TEST_F(BlockMediaTest, AreSparseImagesThatBegin) {
     for (const auto& [path, label] :
          {std::pair{"/dev/cd0", "HU DISC    "}, std::pair{"/dev/umass/umass0", "HU STICK   "},
           std::pair{"/dev/mnand0", "HU CARD    "}, std::pair{"/dev/fs0", "HU FLASH   "}}) {
@@ -50,7 +50,7 @@ TEST_F(BlockMediaTest, areSparseImagesThatBegin) {
     EXPECT_FALSE(fs::exists(node("/dev/sdb0")));
 }
 
-TEST_F(BlockMediaTest, areRemovedAndInsertedWithTheirContent) {
+TEST_F(BlockMediaTest, AreRemovedAndInsertedWithTheirContent) {
     writeFile(node("/dev/umass/umass0"), "written");
     tell("remove umass0");
     EXPECT_FALSE(fs::exists(node("/dev/umass/umass0")));
@@ -62,7 +62,7 @@ TEST_F(BlockMediaTest, areRemovedAndInsertedWithTheirContent) {
     EXPECT_EQ(ask("insert umass0").text, "umass0 is inserted already");
 }
 
-TEST_F(BlockMediaTest, hardDisksComeWhenTheyAreAskedFor) {
+TEST_F(BlockMediaTest, HardDisksComeWhenTheyAreAskedFor) {
     tell("insert sda0");
     EXPECT_EQ(firstSector("/dev/sda0"), bootSector("HU DISK A"));
     EXPECT_EQ(fs::file_size(node("/dev/sda0")), kSize);
@@ -71,7 +71,7 @@ TEST_F(BlockMediaTest, hardDisksComeWhenTheyAreAskedFor) {
     EXPECT_EQ(firstSector("/dev/sdb0"), bootSector("HU DISK B"));
 }
 
-TEST_F(BlockMediaTest, stayAsTheyWereWhenTheUnitStartsAgain) {
+TEST_F(BlockMediaTest, StayAsTheyWereWhenTheUnitStartsAgain) {
     writeFile(node("/dev/fs0"), "mine");
     writeFile(node("/dev/cd0"), "disc");
     tell("remove cd0");
@@ -82,7 +82,7 @@ TEST_F(BlockMediaTest, stayAsTheyWereWhenTheUnitStartsAgain) {
     EXPECT_EQ(contentOf(node("/dev/cd0")), "disc");
 }
 
-TEST_F(BlockMediaTest, neverOverwriteAnything) {
+TEST_F(BlockMediaTest, NeverOverwriteAnything) {
     tell("remove cd0");
     writeFile(node("/dev/cd0"), "another");
     EXPECT_EQ(ask("insert cd0").text, "cd0 is inserted already");
@@ -93,7 +93,7 @@ TEST_F(BlockMediaTest, neverOverwriteAnything) {
     EXPECT_EQ(firstSector("/dev/cd0"), bootSector("HU DISC"));
 }
 
-TEST_F(BlockMediaTest, thatNobodyKnowsAreRefused) {
+TEST_F(BlockMediaTest, ThatNobodyKnowsAreRefused) {
     m_peers.reset();
     try {
         m_peers.emplace(m_unit, std::vector<std::string>{"floppy"});

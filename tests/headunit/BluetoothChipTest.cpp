@@ -17,7 +17,7 @@ void PrintTo(const CommandCase& row, std::ostream* out) {
 
 class BluetoothCommand : public testing::TestWithParam<CommandCase> {};
 
-TEST_P(BluetoothCommand, isAnsweredWithOneEvent) {
+TEST_P(BluetoothCommand, IsAnsweredWithOneEvent) {
     BluetoothChip chip;
     chip.take(GetParam().packet);
     ASSERT_TRUE(chip.hasSomethingToSay());
@@ -47,7 +47,7 @@ INSTANTIATE_TEST_SUITE_P(
                                 std::string("\x04\x0F\x04\x01\x01\xFF\xFF", 7)}),
     [](const testing::TestParamInfo<CommandCase>& info) { return info.param.title; });
 
-TEST(BluetoothChip, passesOverWhatIsNoCommand) {
+TEST(BluetoothChip, PassesOverWhatIsNoCommand) {
     BluetoothChip chip;
     for (const std::string& packet :
          {std::string(), std::string("\x01"), std::string("\x01\x03\x0C", 3),
@@ -57,7 +57,7 @@ TEST(BluetoothChip, passesOverWhatIsNoCommand) {
     EXPECT_FALSE(chip.hasSomethingToSay());
 }
 
-TEST(BluetoothChip, answersInTheOrderOfTheCommands) {
+TEST(BluetoothChip, AnswersInTheOrderOfTheCommands) {
     BluetoothChip chip;
     chip.take(std::string("\x01\x01\x04\x00", 4));
     chip.take(std::string("\x01\x09\x10\x00", 4));
@@ -66,7 +66,7 @@ TEST(BluetoothChip, answersInTheOrderOfTheCommands) {
     EXPECT_EQ(chip.next().substr(0, 2), "\x04\x0E");
 }
 
-TEST(BluetoothChip, forgetsWithAResetWhatItHadToSay) {
+TEST(BluetoothChip, ForgetsWithAResetWhatItHadToSay) {
     BluetoothChip chip;
     EXPECT_TRUE(chip.say("unasked"));
     chip.take(std::string("\x01\x03\x0C\x00", 4));
@@ -74,7 +74,7 @@ TEST(BluetoothChip, forgetsWithAResetWhatItHadToSay) {
     EXPECT_EQ(chip.next(), std::string("\x04\x0E\x04\x01\x03\x0C\x00", 7));
 }
 
-TEST(BluetoothChip, answersNothingWhileItIsSilent) {
+TEST(BluetoothChip, AnswersNothingWhileItIsSilent) {
     BluetoothChip chip;
     chip.setSilent(true);
     chip.take(std::string("\x01\x03\x0C\x00", 4));
@@ -87,7 +87,7 @@ TEST(BluetoothChip, answersNothingWhileItIsSilent) {
     EXPECT_EQ(chip.commands(), 2u);
 }
 
-TEST(BluetoothChip, doesNotCollectWithoutEnd) {
+TEST(BluetoothChip, DoesNotCollectWithoutEnd) {
     BluetoothChip chip;
     for (std::size_t i = 0; i < BluetoothChip::kMostUnsaid; ++i)
         ASSERT_TRUE(chip.say("x"));
@@ -98,7 +98,7 @@ TEST(BluetoothChip, doesNotCollectWithoutEnd) {
     EXPECT_TRUE(chip.say("x"));
 }
 
-TEST(BluetoothChip, hasAnAddress) {
+TEST(BluetoothChip, HasAnAddress) {
     EXPECT_EQ(BluetoothChip::address(), std::string("\x02\x00\x00\x00\x87\x02", 6));
 }
 

@@ -81,7 +81,7 @@ protected:
     Library m_driver;
 };
 
-TEST_F(BluetoothDriverTest, exchangesPacketsWithTheChip) {
+TEST_F(BluetoothDriverTest, ExchangesPacketsWithTheChip) {
     const int handle = open();
     ASSERT_NE(handle, 0);
     ASSERT_EQ(m_driver.write(handle, 1, kReset), 0);
@@ -97,7 +97,7 @@ TEST_F(BluetoothDriverTest, exchangesPacketsWithTheChip) {
     EXPECT_TRUE(eventually([&] { return stateHas("bluetooth /dev/sdio0 on closed "); }));
 }
 
-TEST_F(BluetoothDriverTest, bringsWhatTheChipSaysUnasked) {
+TEST_F(BluetoothDriverTest, BringsWhatTheChipSaysUnasked) {
     EXPECT_EQ(ask("bluetooth send 0401").text, "nobody has the bluetooth chip open");
     const int handle = open();
     tell("bluetooth send 04FF020102");
@@ -112,7 +112,7 @@ TEST_F(BluetoothDriverTest, bringsWhatTheChipSaysUnasked) {
     m_driver.close(handle);
 }
 
-TEST_F(BluetoothDriverTest, forgetsWhatWasThereBeforeItOpened) {
+TEST_F(BluetoothDriverTest, ForgetsWhatWasThereBeforeItOpened) {
     const int first = open();
     tell("bluetooth send 0401");
     EXPECT_EQ(m_driver.close(first), 0);
@@ -124,7 +124,7 @@ TEST_F(BluetoothDriverTest, forgetsWhatWasThereBeforeItOpened) {
     m_driver.close(second);
 }
 
-TEST_F(BluetoothDriverTest, failsAsItIsTold) {
+TEST_F(BluetoothDriverTest, FailsAsItIsTold) {
     tell("bluetooth fail open 2");
     EXPECT_EQ(open(), 0);
     EXPECT_EQ(open(), 0);
@@ -143,7 +143,7 @@ TEST_F(BluetoothDriverTest, failsAsItIsTold) {
 /// What ends a read that waits.
 class WaitingRead : public BluetoothDriverTest, public testing::WithParamInterface<const char*> {};
 
-TEST_P(WaitingRead, isEnded) {
+TEST_P(WaitingRead, IsEnded) {
     const int handle = open();
     ASSERT_EQ(m_driver.write(handle, 1, kReset), 0);
     ASSERT_EQ(read(handle), kResetEvent);
@@ -163,7 +163,7 @@ TEST_P(WaitingRead, isEnded) {
 INSTANTIATE_TEST_SUITE_P(Ways, WaitingRead,
                          testing::Values("close", "bluetooth fail read", "bluetooth manager off"));
 
-TEST_F(BluetoothDriverTest, stallsAsItIsTold) {
+TEST_F(BluetoothDriverTest, StallsAsItIsTold) {
     const int handle = open();
     tell("bluetooth silent on");
     ASSERT_EQ(m_driver.write(handle, 1, kReset), 0);
@@ -178,7 +178,7 @@ TEST_F(BluetoothDriverTest, stallsAsItIsTold) {
     m_driver.close(handle);
 }
 
-TEST_F(BluetoothDriverTest, findsNoChip) {
+TEST_F(BluetoothDriverTest, FindsNoChip) {
     EXPECT_EQ(m_driver.open(node("/dev/none")), 0);
     EXPECT_EQ(m_driver.open("/none/such"), 0);
     tell("bluetooth manager off");
@@ -187,7 +187,7 @@ TEST_F(BluetoothDriverTest, findsNoChip) {
     EXPECT_NE(open(), 0);
 }
 
-TEST_F(BluetoothDriverTest, refusesCallsThatMakeNoSense) {
+TEST_F(BluetoothDriverTest, RefusesCallsThatMakeNoSense) {
     const int handle = open();
     EXPECT_NE(m_driver.writeRaw(handle, 1, "x", -1), 0);
     EXPECT_NE(m_driver.write(handle, 1, std::string(65537, 'x')), 0);

@@ -5,7 +5,7 @@
 namespace headunit {
 namespace {
 
-TEST(ByteQueue, keepsTheOrderAndTheNumberOfItsBytes) {
+TEST(ByteQueue, KeepsTheOrderAndTheNumberOfItsBytes) {
     ByteQueue queue(8);
     EXPECT_TRUE(queue.empty());
     EXPECT_TRUE(queue.push("abc"));
@@ -17,7 +17,7 @@ TEST(ByteQueue, keepsTheOrderAndTheNumberOfItsBytes) {
     EXPECT_EQ(queue.room(), 5u);
 }
 
-TEST(ByteQueue, takesAllOrNothing) {
+TEST(ByteQueue, TakesAllOrNothing) {
     ByteQueue queue(4);
     EXPECT_TRUE(queue.push("abcd"));
     EXPECT_FALSE(queue.push("e"));
@@ -28,7 +28,7 @@ TEST(ByteQueue, takesAllOrNothing) {
     EXPECT_EQ(queue.waiting(), "bcde");
 }
 
-TEST(ByteQueue, losesNothingOverManyRounds) {
+TEST(ByteQueue, LosesNothingOverManyRounds) {
     ByteQueue queue(10);
     std::string in, out;
     for (int round = 0; round < 1000; ++round) {
@@ -44,7 +44,7 @@ TEST(ByteQueue, losesNothingOverManyRounds) {
     EXPECT_EQ(out, in);
 }
 
-TEST(ByteQueue, forgetsEverythingWhenCleared) {
+TEST(ByteQueue, ForgetsEverythingWhenCleared) {
     ByteQueue queue(4);
     queue.push("abc");
     queue.drop(1);

@@ -19,18 +19,18 @@ bool exists(pid_t process) {
     return ::kill(process, 0) == 0 || errno != ESRCH;
 }
 
-TEST(ChildProcess, givesTheExitStatusOfItsCommand) {
+TEST(ChildProcess, GivesTheExitStatusOfItsCommand) {
     ChildProcess child({"sh", "-c", "exit 7"});
     EXPECT_EQ(child.wait(), 7);
     EXPECT_EQ(child.wait(), 7);
     EXPECT_EQ(child.ended(), 7);
 }
 
-TEST(ChildProcess, givesTheSignalThatEndedItsCommand) {
+TEST(ChildProcess, GivesTheSignalThatEndedItsCommand) {
     EXPECT_EQ(ChildProcess({"sh", "-c", "kill -TERM $$"}).wait(), 128 + SIGTERM);
 }
 
-TEST(ChildProcess, saysThatACommandCannotBeStarted) {
+TEST(ChildProcess, SaysThatACommandCannotBeStarted) {
     try {
         ChildProcess child({"no-such-program"});
         FAIL() << "no error";
@@ -39,14 +39,14 @@ TEST(ChildProcess, saysThatACommandCannotBeStarted) {
     }
 }
 
-TEST(ChildProcess, runsUntilItIsKilled) {
+TEST(ChildProcess, RunsUntilItIsKilled) {
     ChildProcess child({"sleep", "1000"});
     EXPECT_FALSE(child.ended());
     child.kill();
     EXPECT_EQ(child.ended(), 128 + SIGKILL);
 }
 
-TEST(ChildProcess, goesWithItsOwner) {
+TEST(ChildProcess, GoesWithItsOwner) {
     pid_t process = -1;
     {
         const ChildProcess child({"sleep", "1000"});
@@ -56,7 +56,7 @@ TEST(ChildProcess, goesWithItsOwner) {
     EXPECT_FALSE(exists(process));
 }
 
-TEST(ChildProcess, runsWithNoSignalBlocked) {
+TEST(ChildProcess, RunsWithNoSignalBlocked) {
     sigset_t all, before;
     sigfillset(&all);
     ::sigprocmask(SIG_SETMASK, &all, &before);
@@ -65,7 +65,7 @@ TEST(ChildProcess, runsWithNoSignalBlocked) {
     EXPECT_EQ(status, 0);
 }
 
-TEST(Descendants, takesProcessesAlongWhoseParentHasEnded) {
+TEST(Descendants, TakesProcessesAlongWhoseParentHasEnded) {
     const TestFolder folder;
     pid_t orphan = -1;
     {

@@ -61,12 +61,12 @@ void expectWhole(const ControlRows& rows) {
     }
 }
 
-TEST(ControlTable, hasWholeRowsAndEachWordOnce) {
+TEST(ControlTable, HasWholeRowsAndEachWordOnce) {
     EXPECT_THAT(controlTable(), Not(IsEmpty()));
     expectWhole(controlTable());
 }
 
-TEST(ControlTable, isWhatTheHelpTells) {
+TEST(ControlTable, IsWhatTheHelpTells) {
     EXPECT_EQ(
         controlHelp(),
         "unplug LINE, plug LINE, state, position LATITUDE LONGITUDE, modem "
@@ -78,14 +78,14 @@ TEST(ControlTable, isWhatTheHelpTells) {
         "or receiver, MEDIUM is sda0, sdb0, cd0, umass0, mnand0 or fs0");
 }
 
-TEST(ControlTable, isDocumented) {
+TEST(ControlTable, IsDocumented) {
     const std::vector<std::string> forms = documentedForms();
     for (const std::string& words : handledWords())
         EXPECT_THAT(forms, Contains(Truly([&](const auto& form) { return beginsWith(form, words); })))
             << words << " is not documented";
 }
 
-TEST(ControlTable, hasAllThatIsDocumented) {
+TEST(ControlTable, HasAllThatIsDocumented) {
     const std::vector<std::string> known = handledWords();
     for (const std::string& form : documentedForms())
         EXPECT_THAT(known, Contains(Truly([&](const auto& words) { return beginsWith(form, words); })))

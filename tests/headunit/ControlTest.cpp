@@ -42,7 +42,7 @@ void PrintTo(const RefusedCase& row, std::ostream* out) {
 
 class Refused : public ControlTest, public testing::WithParamInterface<RefusedCase> {};
 
-TEST_P(Refused, saysWhy) {
+TEST_P(Refused, SaysWhy) {
     const auto answer = ask(GetParam().line);
     EXPECT_FALSE(answer.done);
     EXPECT_EQ(answer.text, GetParam().why);
@@ -168,7 +168,7 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"longestLine", std::string(512, ' '), "there is no word"}),
     [](const testing::TestParamInfo<RefusedCase>& info) { return info.param.title; });
 
-TEST_F(ControlTest, doesEverythingThatItKnows) {
+TEST_F(ControlTest, DoesEverythingThatItKnows) {
     for (const char* line : {"unplug station",
                              "plug station",
                              "unplug loopback",
@@ -237,7 +237,7 @@ TEST_F(ControlTest, doesEverythingThatItKnows) {
         tell(line);
 }
 
-TEST_F(ControlTest, tellsTheStateOfEveryDevice) {
+TEST_F(ControlTest, TellsTheStateOfEveryDevice) {
     tell("receiver off");
     const Line line(node("/dev/ser1"));
     ASSERT_TRUE(line.trySend("abc"));
@@ -267,13 +267,13 @@ TEST_F(ControlTest, tellsTheStateOfEveryDevice) {
               "audio deva-nvaudio stopped");
 }
 
-TEST_F(ControlTest, doesNotWaitForADisplayTool) {
+TEST_F(ControlTest, DoesNotWaitForADisplayTool) {
     const System::Descriptor held = headunit::DisplayFiles(node("/run/headunit")).lock();
     EXPECT_EQ(ask("display late 1").text, "a display tool is at work; try again");
     EXPECT_TRUE(ask("state").done);
 }
 
-TEST_F(ControlTest, refusesToPlugALineWhoseNameIsTaken) {
+TEST_F(ControlTest, RefusesToPlugALineWhoseNameIsTaken) {
     tell("unplug modem");
     writeFile(node("/dev/NAD/AT_port"), "theirs");
     const auto answer = ask("plug modem");
@@ -286,7 +286,7 @@ TEST_F(ControlTest, refusesToPlugALineWhoseNameIsTaken) {
     tell("plug modem");
 }
 
-TEST_F(ControlTest, takesALineInPieces) {
+TEST_F(ControlTest, TakesALineInPieces) {
     const System::Descriptor socket = connect();
     ASSERT_TRUE(socket);
     for (const char character : std::string("plug it\n"))
@@ -294,14 +294,14 @@ TEST_F(ControlTest, takesALineInPieces) {
     EXPECT_EQ(readAll(socket.get()), "refused\n'it'" + kNoLine + "\n");
 }
 
-TEST_F(ControlTest, isNotHeldUpByUsersWhoSayNothing) {
+TEST_F(ControlTest, IsNotHeldUpByUsersWhoSayNothing) {
     std::vector<System::Descriptor> mute(20);
     for (System::Descriptor& user : mute)
         user = connect();
     EXPECT_TRUE(ask("state").done) << "once the first of them have been sent away";
 }
 
-TEST_F(ControlTest, survivesUsersWhoLeave) {
+TEST_F(ControlTest, SurvivesUsersWhoLeave) {
     for (int i = 0; i < 100; ++i) {
         const System::Descriptor socket = connect();
         ASSERT_TRUE(socket);
@@ -311,7 +311,7 @@ TEST_F(ControlTest, survivesUsersWhoLeave) {
     EXPECT_TRUE(ask("state").done);
 }
 
-TEST_F(ControlTest, isAloneInAFolder) {
+TEST_F(ControlTest, IsAloneInAFolder) {
     try {
         const UnitPeers second(m_unit);
         FAIL() << "no error";
@@ -323,7 +323,7 @@ TEST_F(ControlTest, isAloneInAFolder) {
     EXPECT_TRUE(exists("/dev/ser1"));
 }
 
-TEST_F(ControlTest, leavesNothingAtTheEnd) {
+TEST_F(ControlTest, LeavesNothingAtTheEnd) {
     m_peers.reset();
     EXPECT_TRUE(std::filesystem::is_empty(node("/run/headunit")));
     for (const char* path : {"/dev/usbserialadapter1", "/dev/ser1", "/dev/NAD/AT_port", "/dev/ser3"})
@@ -331,7 +331,7 @@ TEST_F(ControlTest, leavesNothingAtTheEnd) {
     EXPECT_EQ(ask("state").text, "nobody listens");
 }
 
-TEST_F(ControlTest, takesThePlaceOfARunThatWasKilled) {
+TEST_F(ControlTest, TakesThePlaceOfARunThatWasKilled) {
     m_peers.reset();
     std::filesystem::create_symlink("/dev/pts/123456", node("/dev/ser1"));
     std::filesystem::create_symlink("/dev/pts/123457", stationEnd());
@@ -352,7 +352,7 @@ TEST_F(ControlTest, takesThePlaceOfARunThatWasKilled) {
     EXPECT_EQ(line.receive(1), "x");
 }
 
-TEST_F(ControlTest, doesNotStartOverSomethingElse) {
+TEST_F(ControlTest, DoesNotStartOverSomethingElse) {
     m_peers.reset();
     writeFile(node("/dev/ser3"), "theirs");
     try {
@@ -366,7 +366,7 @@ TEST_F(ControlTest, doesNotStartOverSomethingElse) {
     EXPECT_EQ(contentOf(node("/dev/ser3")), "theirs");
 }
 
-TEST_F(ControlTest, worksInAFolderWithALongName) {
+TEST_F(ControlTest, WorksInAFolderWithALongName) {
     headunit::UnitFolder deep =
         headunit::UnitFolder::kept(m_parent / std::string(100, 'a') + "/" + std::string(100, 'b'));
     const UnitPeers peers(deep);
@@ -374,7 +374,7 @@ TEST_F(ControlTest, worksInAFolderWithALongName) {
     EXPECT_TRUE(answer && answer->done);
 }
 
-TEST_F(ControlTest, twoUnitsHaveNothingInCommon) {
+TEST_F(ControlTest, TwoUnitsHaveNothingInCommon) {
     headunit::UnitFolder other = headunit::UnitFolder::kept(m_parent / "other");
     const UnitPeers peers(other);
     const Line ours(node("/dev/usbserialadapter1"));

@@ -29,13 +29,13 @@ protected:
     UnitFolder m_unit = UnitFolder::kept(m_parent / "unit");
 };
 
-TEST_F(DevicesTest, boardIdentityHoldsRevisionAndSerialNumber) {
+TEST_F(DevicesTest, BoardIdentityHoldsRevisionAndSerialNumber) {
     BoardIdentity().install(m_unit);
     EXPECT_EQ(contentOf(m_unit.hostPath("/dev/nvsku/rev")), "1A\n");
     EXPECT_EQ(contentOf(m_unit.hostPath("/dev/nvsku/serial_num")), "0323814000427\n");
 }
 
-TEST_F(DevicesTest, softwareVersionsHoldThreeFiles) {
+TEST_F(DevicesTest, SoftwareVersionsHoldThreeFiles) {
     SoftwareVersions().install(m_unit);
     EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/img_ver.txt")), "HU-ECE-HIGH PAG 11.02.03\n");
     EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/version_info.txt")),
@@ -44,7 +44,7 @@ TEST_F(DevicesTest, softwareVersionsHoldThreeFiles) {
               "component: boot image\nversion: 4.17\nbuilt: 2012-10-22 09:15:36\n");
 }
 
-TEST_F(DevicesTest, softwareVersionsNameAVariantThatIsWanted) {
+TEST_F(DevicesTest, SoftwareVersionsNameAVariantThatIsWanted) {
     SoftwareVersions("G22").install(m_unit);
     EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/img_ver.txt")), "HU-ECE-HIGH G22 11.02.03\n");
     SoftwareVersions().install(m_unit);
@@ -53,13 +53,13 @@ TEST_F(DevicesTest, softwareVersionsNameAVariantThatIsWanted) {
     EXPECT_EQ(contentOf(m_unit.hostPath("/mnt/app/img_ver.txt")), "HU-ECE-HIGH G11 11.02.03\n");
 }
 
-TEST_F(DevicesTest, everyVariantIsNamedByItsOwnImageOnly) {
+TEST_F(DevicesTest, EveryVariantIsNamedByItsOwnImageOnly) {
     for (const std::string own : SoftwareVersions::kVariants)
         for (const std::string other : SoftwareVersions::kVariants)
             EXPECT_EQ(imageVersion(own).find(other) != std::string::npos, own == other) << own;
 }
 
-TEST_F(DevicesTest, testPicturesAreStoredCompressed) {
+TEST_F(DevicesTest, TestPicturesAreStoredCompressed) {
     StoredPictureFiles().install(m_unit);
     ASSERT_EQ(storedPictures().size(), kTestPictures.size());
     for (std::size_t i = 0; i < kTestPictures.size(); ++i) {
@@ -73,7 +73,7 @@ TEST_F(DevicesTest, testPicturesAreStoredCompressed) {
     }
 }
 
-TEST_F(DevicesTest, toolsAreLinksThatAreRenewed) {
+TEST_F(DevicesTest, ToolsAreLinksThatAreRenewed) {
     UnitTools().install(m_unit);
     const std::string tool = m_unit.hostPath("/vrk/bin/apps/dmdt");
     const auto target = std::filesystem::read_symlink(tool);
@@ -89,7 +89,7 @@ TEST_F(DevicesTest, toolsAreLinksThatAreRenewed) {
     EXPECT_EQ(contentOf(library), "prepared");
 }
 
-TEST_F(DevicesTest, gpioPortsAreOneNodeEachWithOneCharacter) {
+TEST_F(DevicesTest, GpioPortsAreOneNodeEachWithOneCharacter) {
     const std::vector<std::pair<std::string, std::string>> ports = {
         {"ioc_kru_irq", "0"},   {"ipod_accessory", "0"}, {"ipod_detect", "0"}, {"usb_pwr_1", "1"},
         {"usb_pwr_0", "1"},     {"nad_on_off", "0"},     {"nad_reset", "0"},   {"nad_status", "0"},
@@ -107,7 +107,7 @@ TEST_F(DevicesTest, gpioPortsAreOneNodeEachWithOneCharacter) {
     EXPECT_EQ(std::distance(begin(nodes), end(nodes)), 21);
 }
 
-TEST_F(DevicesTest, aPortsLevelIsWhatItsNodeHolds) {
+TEST_F(DevicesTest, APortsLevelIsWhatItsNodeHolds) {
     GpioPorts ports;
     ports.install(m_unit);
     EXPECT_EQ(ports.level("usb_pwr_0"), '1');
@@ -117,7 +117,7 @@ TEST_F(DevicesTest, aPortsLevelIsWhatItsNodeHolds) {
     EXPECT_EQ(contentOf(m_unit.hostPath("/dev/nvgpio/usb_pwr_0")), "1");
 }
 
-TEST_F(DevicesTest, aPortThatIsGoneHasNoLevel) {
+TEST_F(DevicesTest, APortThatIsGoneHasNoLevel) {
     GpioPorts ports;
     EXPECT_THROW(ports.level("usb_pwr_0"), UnitError);
     ports.install(m_unit);
@@ -128,7 +128,7 @@ TEST_F(DevicesTest, aPortThatIsGoneHasNoLevel) {
     EXPECT_THROW(ports.level("nad_reset"), UnitError);
 }
 
-TEST_F(DevicesTest, theListHasEveryDeviceOnce) {
+TEST_F(DevicesTest, TheListHasEveryDeviceOnce) {
     std::set<std::string_view> names;
     const DeviceList devices = allDevices();
     for (const auto& device : devices)
@@ -138,7 +138,7 @@ TEST_F(DevicesTest, theListHasEveryDeviceOnce) {
     EXPECT_EQ(devices.size(), names.size());
 }
 
-TEST_F(DevicesTest, theListSaysWhichDeviceCannotBeInstalled) {
+TEST_F(DevicesTest, TheListSaysWhichDeviceCannotBeInstalled) {
     writeFile(m_unit.hostPath("/dev/nvsku"), "in the way");
     try {
         install(allDevices(), m_unit);

@@ -39,7 +39,7 @@ protected:
     std::string m_error;
 };
 
-TEST_F(DisplayProgramsTest, unpackAndShowEachStoredPicture) {
+TEST_F(DisplayProgramsTest, UnpackAndShowEachStoredPicture) {
     for (const headunit::TestPicture& picture : headunit::kTestPictures) {
         const std::string name(picture.name);
         EXPECT_EQ(
@@ -56,7 +56,7 @@ TEST_F(DisplayProgramsTest, unpackAndShowEachStoredPicture) {
     }
 }
 
-TEST_F(DisplayProgramsTest, routeVideoAndGoBack) {
+TEST_F(DisplayProgramsTest, RouteVideoAndGoBack) {
     EXPECT_EQ(outputOf("PATH=/vrk/bin/apps:$PATH; dmdt dc 99 -125; dmdt sc 0 99; showimage; "
                        "headunit control state | grep -e ^display -e ^viewer; "
                        "showimage q; showimage q; echo $?; dmdt sc 4 1; echo $?; dmdt; echo $?"),
@@ -66,7 +66,7 @@ TEST_F(DisplayProgramsTest, routeVideoAndGoBack) {
               "dmdt: usage: dmdt dc ID VALUE | dmdt sc DISPLAY ID\n");
 }
 
-TEST_F(DisplayProgramsTest, failAsControlSays) {
+TEST_F(DisplayProgramsTest, FailAsControlSays) {
     EXPECT_EQ(outputOf("PATH=/vrk/bin/apps:$PATH; headunit control display fail dmdt 2; "
                        "dmdt dc 1 2; echo $?; dmdt dc 1 2; echo $?; dmdt dc 1 2; echo $?; "
                        "headunit control display fail showimage; "
@@ -77,7 +77,7 @@ TEST_F(DisplayProgramsTest, failAsControlSays) {
     EXPECT_EQ(m_error, "dmdt: it was told to fail\ndmdt: it was told to fail\n");
 }
 
-TEST_F(DisplayProgramsTest, areBlackAndUnusedAtEachStart) {
+TEST_F(DisplayProgramsTest, AreBlackAndUnusedAtEachStart) {
     outputOf("/vrk/bin/apps/showimage");
     EXPECT_TRUE(fs::exists(m_unit + "/display-0.png"));
     EXPECT_EQ(outputOf("headunit control state | grep -e ^display -e ^viewer; ls /run/headunit"),
@@ -85,7 +85,7 @@ TEST_F(DisplayProgramsTest, areBlackAndUnusedAtEachStart) {
     EXPECT_FALSE(fs::exists(m_unit + "/display-0.png"));
 }
 
-TEST_F(DisplayProgramsTest, giveWayToAPreparedTool) {
+TEST_F(DisplayProgramsTest, GiveWayToAPreparedTool) {
     fs::create_directories(m_unit + "/vrk/bin/apps");
     writeFile(m_unit + "/vrk/bin/apps/dmdt", "#!/bin/sh\necho prepared $*\n");
     fs::permissions(m_unit + "/vrk/bin/apps/dmdt", fs::perms::owner_all);
@@ -94,14 +94,14 @@ TEST_F(DisplayProgramsTest, giveWayToAPreparedTool) {
     EXPECT_EQ(m_error, "");
 }
 
-TEST_F(DisplayProgramsTest, leaveAPreparedPicture) {
+TEST_F(DisplayProgramsTest, LeaveAPreparedPicture) {
     fs::create_directories(m_unit + kStoredPictures);
     const std::string stored = kStoredPictures + std::string(headunit::kTestPictures[0].name) + ".gz";
     writeFile(m_unit + stored, "damaged");
     EXPECT_EQ(outputOf("cat " + stored + "; ls " + kStoredPictures + " | wc -l"), "damaged3\n");
 }
 
-TEST_F(DisplayProgramsTest, chooseTheVariant) {
+TEST_F(DisplayProgramsTest, ChooseTheVariant) {
     const std::string show = "cat /mnt/app/img_ver.txt";
     EXPECT_EQ(outputOf(show), "HU-ECE-HIGH PAG 11.02.03\n");
     for (const std::string variant : {"G11", "G22", "G24", "G21", "PAG"})
@@ -112,7 +112,7 @@ TEST_F(DisplayProgramsTest, chooseTheVariant) {
     EXPECT_EQ(outputOf(show), "HU-ECE-HIGH G11 11.02.03\n") << "the folder is kept";
 }
 
-TEST_F(DisplayProgramsTest, runInAUnitWithTheDaemon) {
+TEST_F(DisplayProgramsTest, RunInAUnitWithTheDaemon) {
     Program program({PRIVATE_HOST, HEADUNIT_PROGRAM, "run", "--daemon-path", STANDIN_DAEMON, "--unit",
                      m_unit, "--variant", "G22"});
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
@@ -121,7 +121,7 @@ TEST_F(DisplayProgramsTest, runInAUnitWithTheDaemon) {
     EXPECT_EQ(program.wait(), 0) << program.error();
 }
 
-TEST(BluetoothLibrary, isFoundByTheLoaderInTheUnit) {
+TEST(BluetoothLibrary, IsFoundByTheLoaderInTheUnit) {
     Program program({HEADUNIT_PROGRAM, "exec", "--", BLUETOOTH_USER});
     EXPECT_EQ(program.wait(), 0) << program.error();
     EXPECT_EQ(program.output(), "04 0E 04 01 03 0C 00\n");

@@ -63,7 +63,7 @@ protected:
     std::string m_said;
 };
 
-TEST_F(DisplayToolsTest, drawBothDisplaysWithTheFirstCall) {
+TEST_F(DisplayToolsTest, DrawBothDisplaysWithTheFirstCall) {
     dmdt({"dc", "100", "-9999"});
     for (const int display : DisplayState::kDisplays) {
         EXPECT_TRUE(areEqual(screen(display), kBlack)) << display;
@@ -71,7 +71,7 @@ TEST_F(DisplayToolsTest, drawBothDisplaysWithTheFirstCall) {
     }
 }
 
-TEST_F(DisplayToolsTest, showAPictureOnOneDisplay) {
+TEST_F(DisplayToolsTest, ShowAPictureOnOneDisplay) {
     showimage({});
     showimage({"h", "0"});
     showimage({"h", "4"});
@@ -91,7 +91,7 @@ TEST_F(DisplayToolsTest, showAPictureOnOneDisplay) {
     EXPECT_TRUE(areEqual(screen(0), greyBars(11)));
 }
 
-TEST_F(DisplayToolsTest, showAFileAsItIsNow) {
+TEST_F(DisplayToolsTest, ShowAFileAsItIsNow) {
     showimage({});
     showimage({"si", m_bars});
     showimage({"s", "0"});
@@ -100,7 +100,7 @@ TEST_F(DisplayToolsTest, showAFileAsItIsNow) {
     EXPECT_TRUE(areEqual(screen(0), greyBars(33)));
 }
 
-TEST_F(DisplayToolsTest, routeVideoInputs) {
+TEST_F(DisplayToolsTest, RouteVideoInputs) {
     std::set<std::string> pictures;
     const std::pair<const char*, const char*> kSources[] = {
         {"-125", "input 3"}, {"47", "input 0"}, {"48", "input 2"}, {"-17", "source -17"}};
@@ -118,7 +118,7 @@ TEST_F(DisplayToolsTest, routeVideoInputs) {
     EXPECT_TRUE(areEqual(screen(0), kBlack));
 }
 
-TEST_F(DisplayToolsTest, changeWhatIsShownWithItsDefinition) {
+TEST_F(DisplayToolsTest, ChangeWhatIsShownWithItsDefinition) {
     dmdt({"dc", "98", "47"});
     dmdt({"sc", "4", "98"});
     dmdt({"dc", "98", "48"});
@@ -126,7 +126,7 @@ TEST_F(DisplayToolsTest, changeWhatIsShownWithItsDefinition) {
     EXPECT_TRUE(areEqual(screen(4), screenOf({"", 48})));
 }
 
-TEST_F(DisplayToolsTest, layThePictureOverTheVideo) {
+TEST_F(DisplayToolsTest, LayThePictureOverTheVideo) {
     dmdt({"dc", "99", "-125"});
     dmdt({"sc", "0", "99"});
     showimage({});
@@ -143,7 +143,7 @@ TEST_F(DisplayToolsTest, layThePictureOverTheVideo) {
     EXPECT_EQ(m_said, "showimage: the viewer does not run\n");
 }
 
-TEST_F(DisplayToolsTest, startAViewerThatRunsAlready) {
+TEST_F(DisplayToolsTest, StartAViewerThatRunsAlready) {
     showimage({});
     showimage({"si", m_bars});
     showimage({});
@@ -157,7 +157,7 @@ struct RefusedCall {
     std::string said;
 };
 
-TEST_F(DisplayToolsTest, refuseWhatTheyDoNotKnow) {
+TEST_F(DisplayToolsTest, RefuseWhatTheyDoNotKnow) {
     constexpr DisplayTool kViewer = DisplayTool::viewer;
     constexpr DisplayTool kManager = DisplayTool::manager;
     const std::string viewerUsage =
@@ -202,7 +202,7 @@ TEST_F(DisplayToolsTest, refuseWhatTheyDoNotKnow) {
     }
 }
 
-TEST_F(DisplayToolsTest, leaveEverythingWhenThePictureHasGone) {
+TEST_F(DisplayToolsTest, LeaveEverythingWhenThePictureHasGone) {
     showimage({});
     showimage({"si", m_bars});
     fs::remove(m_bars);
@@ -212,7 +212,7 @@ TEST_F(DisplayToolsTest, leaveEverythingWhenThePictureHasGone) {
     EXPECT_TRUE(areEqual(screen(0), kBlack));
 }
 
-TEST_F(DisplayToolsTest, failAsOftenAsTheyAreTold) {
+TEST_F(DisplayToolsTest, FailAsOftenAsTheyAreTold) {
     DisplayState state;
     state.failures[DisplayTool::manager] = 2;
     m_files.save(state);
@@ -226,7 +226,7 @@ TEST_F(DisplayToolsTest, failAsOftenAsTheyAreTold) {
     EXPECT_EQ(m_files.load().contents.at(1), 2);
 }
 
-TEST_F(DisplayToolsTest, areLateWhenTheyAreTold) {
+TEST_F(DisplayToolsTest, AreLateWhenTheyAreTold) {
     DisplayState state;
     state.late = 300;
     m_files.save(state);
@@ -237,20 +237,20 @@ TEST_F(DisplayToolsTest, areLateWhenTheyAreTold) {
     EXPECT_EQ(m_files.load().late, 300);
 }
 
-TEST_F(DisplayToolsTest, lockWhatTheyChange) {
+TEST_F(DisplayToolsTest, LockWhatTheyChange) {
     const System::Descriptor held = m_files.lock();
     EXPECT_TRUE(held);
     EXPECT_FALSE(m_files.tryLock());
 }
 
-TEST_F(DisplayToolsTest, sayThatTheirFolderIsMissing) {
+TEST_F(DisplayToolsTest, SayThatTheirFolderIsMissing) {
     std::ostringstream errors;
     EXPECT_EQ(runTool(DisplayFiles(m_folder / "none"), DisplayTool::viewer, {}, errors), 1);
     EXPECT_EQ(errors.str(), "showimage: cannot open " + (m_folder / "none/displays-lock") +
                                 ": No such file or directory\n");
 }
 
-TEST(DisplayState, survivesItsText) {
+TEST(DisplayState, SurvivesItsText) {
     DisplayState state;
     state.viewerRuns = true;
     state.selected = "/tmp/a picture.bmp";

@@ -38,7 +38,7 @@ private:
     std::function<void()> m_zero;
 };
 
-TEST(EventLoop, servesASourceAsLongAsItHasEvents) {
+TEST(EventLoop, ServesASourceAsLongAsItHasEvents) {
     EventLoop loop;
     bool done = false;
     const Counter counter(loop, 3, [&] {
@@ -49,21 +49,21 @@ TEST(EventLoop, servesASourceAsLongAsItHasEvents) {
     EXPECT_TRUE(done);
 }
 
-TEST(EventLoop, stopsWhenItWasAskedBeforeItRan) {
+TEST(EventLoop, StopsWhenItWasAskedBeforeItRan) {
     EventLoop loop;
     loop.stop();
     loop.run();
     SUCCEED() << "run() has returned";
 }
 
-TEST(EventLoop, isStoppedFromAnotherThread) {
+TEST(EventLoop, IsStoppedFromAnotherThread) {
     EventLoop loop;
     std::thread other([&] { loop.stop(); });
     loop.run();
     other.join();
 }
 
-TEST(EventLoop, callsTimersOnceInTheOrderOfTheirTimes) {
+TEST(EventLoop, CallsTimersOnceInTheOrderOfTheirTimes) {
     EventLoop loop;
     std::string order;
     Timer last(loop, [&] {
@@ -84,7 +84,7 @@ TEST(EventLoop, callsTimersOnceInTheOrderOfTheirTimes) {
     EXPECT_GE(EventClock::now() - start, milliseconds(60));
 }
 
-TEST(EventLoop, callsWhatIsLateInTheOrderOfTheTimesToo) {
+TEST(EventLoop, CallsWhatIsLateInTheOrderOfTheTimesToo) {
     EventLoop loop;
     std::string order;
     Timer last(loop, [&] {
@@ -101,7 +101,7 @@ TEST(EventLoop, callsWhatIsLateInTheOrderOfTheTimesToo) {
     EXPECT_EQ(order, "abc");
 }
 
-TEST(EventLoop, letsASourceRemoveAnother) {
+TEST(EventLoop, LetsASourceRemoveAnother) {
     EventLoop loop;
     std::unique_ptr<Counter> victim;
     const Counter killer(loop, 1, [&] {
@@ -113,7 +113,7 @@ TEST(EventLoop, letsASourceRemoveAnother) {
     EXPECT_EQ(victim, nullptr);
 }
 
-TEST(EventLoop, takesNoProcessorTimeWhileItWaits) {
+TEST(EventLoop, TakesNoProcessorTimeWhileItWaits) {
     EventLoop loop;
     Timer end(loop, [&] { loop.stop(); });
     end.start(EventClock::now() + milliseconds(300));

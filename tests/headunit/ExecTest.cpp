@@ -51,7 +51,7 @@ void PrintTo(const StatusCase& row, std::ostream* out) {
 
 class ExecStatus : public ExecTest, public testing::WithParamInterface<StatusCase> {};
 
-TEST_P(ExecStatus, isTheCommands) {
+TEST_P(ExecStatus, IsTheCommands) {
     std::vector<std::string> rest = {"--"};
     rest.insert(rest.end(), GetParam().command.begin(), GetParam().command.end());
     Program program(exec(rest), surroundings());
@@ -71,7 +71,7 @@ INSTANTIATE_TEST_SUITE_P(
         StatusCase{"separatorInTheCommand", {"sh", "-c", "test \"$1\" = --", "x", "--"}, 0, ""}),
     [](const testing::TestParamInfo<StatusCase>& info) { return info.param.title; });
 
-TEST_F(ExecTest, passesTheStandardStreamsThrough) {
+TEST_F(ExecTest, PassesTheStandardStreamsThrough) {
     Program program(exec({"--", "sh", "-c", "cat; echo wrong >&2"}), surroundings());
     program.write(std::string("in\0put", 6));
     program.endInput();
@@ -80,7 +80,7 @@ TEST_F(ExecTest, passesTheStandardStreamsThrough) {
     EXPECT_EQ(program.error(), "wrong\n");
 }
 
-TEST_F(ExecTest, passesTheEnvironmentThrough) {
+TEST_F(ExecTest, PassesTheEnvironmentThrough) {
     Program::Surroundings given = surroundings();
     given.environment["FIRST_TIER_SUPPLIER"] = "a b";
     given.environment["LD_LIBRARY_PATH"] = "/none";
@@ -92,7 +92,7 @@ TEST_F(ExecTest, passesTheEnvironmentThrough) {
                                              fs::path(HEADUNIT_PROGRAM).parent_path().string() + ":"));
 }
 
-TEST_F(ExecTest, keepsTheWorkingDirectoryWritable) {
+TEST_F(ExecTest, KeepsTheWorkingDirectoryWritable) {
     const TestFolder folder;
     Program::Surroundings given = surroundings();
     given.folder = folder.path();
@@ -102,7 +102,7 @@ TEST_F(ExecTest, keepsTheWorkingDirectoryWritable) {
     EXPECT_EQ(contentOf(folder / "file"), "made\n");
 }
 
-TEST_F(ExecTest, findsACommandInAFolderOfItsOwn) {
+TEST_F(ExecTest, FindsACommandInAFolderOfItsOwn) {
     const TestFolder folder;
     writeFile(folder / "script", "#!/bin/sh\necho ran\ntouch " + (folder / "mark") + " 2>&1\n");
     fs::permissions(folder / "script", fs::perms::owner_all);
@@ -114,11 +114,11 @@ TEST_F(ExecTest, findsACommandInAFolderOfItsOwn) {
     EXPECT_THAT(program.output(), HasSubstr("Read-only file system"));
 }
 
-TEST_F(ExecTest, findsTheProgramsBesideHeadunit) {
+TEST_F(ExecTest, FindsTheProgramsBesideHeadunit) {
     EXPECT_EQ(outputOf("command -v headunit"), std::string(HEADUNIT_PROGRAM) + "\n");
 }
 
-TEST_F(ExecTest, showsTheUnitsFilesAsTheyAre) {
+TEST_F(ExecTest, ShowsTheUnitsFilesAsTheyAre) {
     EXPECT_EQ(outputOf("cat /dev/nvsku/rev /dev/nvsku/serial_num /mnt/app/img_ver.txt"),
               "1A\n0323814000427\nHU-ECE-HIGH PAG 11.02.03\n");
     EXPECT_EQ(outputOf("cat /mnt/app/version_info.txt /ifs/version_info.txt"),
@@ -132,12 +132,12 @@ TEST_F(ExecTest, showsTheUnitsFilesAsTheyAre) {
               "regular empty file\nsocket\nsocket\n");
 }
 
-TEST_F(ExecTest, letsTheUnitWriteItsNodes) {
+TEST_F(ExecTest, LetsTheUnitWriteItsNodes) {
     EXPECT_EQ(outputOf("printf 0 > /dev/nvgpio/usb_pwr_0; cat /dev/nvgpio/usb_pwr_0"), "0");
     EXPECT_EQ(outputOf("cat /dev/nvgpio/usb_pwr_0"), "1");
 }
 
-TEST_F(ExecTest, hasTheStandardNodes) {
+TEST_F(ExecTest, HasTheStandardNodes) {
     EXPECT_EQ(
         outputOf("echo lost > /dev/null; head -c 3 /dev/zero | od -An -tx1; echo kept > /dev/stdout"),
         " 00 00 00\nkept\n");
@@ -145,20 +145,20 @@ TEST_F(ExecTest, hasTheStandardNodes) {
               "x\n");
 }
 
-TEST_F(ExecTest, hasATmpOfItsOwn) {
+TEST_F(ExecTest, HasATmpOfItsOwn) {
     const std::string file = "/tmp/" + fs::path(m_temporary.path()).filename().string() + "-mark";
     EXPECT_EQ(outputOf("stat -c %a /tmp; echo x > " + file), "1777\n");
     EXPECT_FALSE(fs::exists(file));
     EXPECT_EQ(outputOf("test -e " + file + " || echo gone"), "gone\n");
 }
 
-TEST_F(ExecTest, leavesTheHostsSystemAlone) {
+TEST_F(ExecTest, LeavesTheHostsSystemAlone) {
     EXPECT_EQ(
         outputOf("touch /usr/mark 2>/dev/null || echo refused; ls -d /home 2>/dev/null || echo none"),
         "refused\nnone\n");
 }
 
-TEST_F(ExecTest, hasANetworkOfItsOwn) {
+TEST_F(ExecTest, HasANetworkOfItsOwn) {
     const std::vector<std::string> command =
         exec({"--daemon", "--daemon-path", STANDIN_DAEMON, "--", "sh", "-c", "echo up; read line"});
     Program first(command, surroundings());
@@ -172,7 +172,7 @@ TEST_F(ExecTest, hasANetworkOfItsOwn) {
     EXPECT_EQ(outputOf("tail -n +3 /proc/net/dev | cut -d: -f1 | tr -d ' '"), "lo\n");
 }
 
-TEST_F(ExecTest, startsTheDaemonBeforeTheCommand) {
+TEST_F(ExecTest, StartsTheDaemonBeforeTheCommand) {
     Program program(exec({"--daemon", "--daemon-path", STANDIN_DAEMON, "--", "sh", "-c",
                           "grep -c ' 0100007F:3ACB .* 0A ' /proc/net/tcp; exit 5"}),
                     surroundings());
@@ -181,11 +181,11 @@ TEST_F(ExecTest, startsTheDaemonBeforeTheCommand) {
     EXPECT_EQ(program.error(), "stand-in: started\n");
 }
 
-TEST_F(ExecTest, startsNoDaemonUnasked) {
+TEST_F(ExecTest, StartsNoDaemonUnasked) {
     EXPECT_EQ(outputOf("tail -n +2 /proc/net/tcp | wc -l"), "0\n");
 }
 
-TEST_F(ExecTest, saysThatTheDaemonDied) {
+TEST_F(ExecTest, SaysThatTheDaemonDied) {
     Program program(exec({"--daemon", "--daemon-path", "/bin/false", "--", "echo", "ran"}),
                     surroundings());
     EXPECT_EQ(program.wait(), 125);
@@ -194,7 +194,7 @@ TEST_F(ExecTest, saysThatTheDaemonDied) {
               "headunit: the daemon ended with status 1 before it listened on port 15051\n");
 }
 
-TEST_F(ExecTest, saysThatThereIsNoDaemon) {
+TEST_F(ExecTest, SaysThatThereIsNoDaemon) {
     Program program(exec({"--daemon", "--daemon-path", "/none/such", "--", "echo"}), surroundings());
     EXPECT_EQ(program.wait(), 125);
     EXPECT_EQ(program.error(),
@@ -204,13 +204,13 @@ TEST_F(ExecTest, saysThatThereIsNoDaemon) {
 
 // Program::wait() comes back only when nobody holds the streams any more: no process is left then.
 
-TEST_F(ExecTest, leavesNoProcessBehind) {
+TEST_F(ExecTest, LeavesNoProcessBehind) {
     Program program(exec({"--", "sh", "-c", "setsid sleep 1000 & echo up; exit 3"}), surroundings());
     EXPECT_EQ(program.wait(), 3);
     EXPECT_EQ(program.output(), "up\n");
 }
 
-TEST_F(ExecTest, removesWhatTheCommandMadeInTheUnit) {
+TEST_F(ExecTest, RemovesWhatTheCommandMadeInTheUnit) {
     Program program(exec({"--", "sh", "-c", "mkdir -p /tmp/a/b /dev/c; touch /tmp/a/b/x; exit 9"}),
                     surroundings());
     EXPECT_EQ(program.wait(), 9);
@@ -218,7 +218,7 @@ TEST_F(ExecTest, removesWhatTheCommandMadeInTheUnit) {
 
 class ExecStopped : public ExecTest, public testing::WithParamInterface<int> {};
 
-TEST_P(ExecStopped, endsEverythingInIt) {
+TEST_P(ExecStopped, EndsEverythingInIt) {
     Program program(exec({"--daemon", "--daemon-path", STANDIN_DAEMON, "--", "sh", "-c",
                           "trap '' INT TERM HUP; setsid sleep 1000 & echo up; sleep 1000"}),
                     surroundings());
@@ -229,7 +229,7 @@ TEST_P(ExecStopped, endsEverythingInIt) {
 
 INSTANTIATE_TEST_SUITE_P(Signals, ExecStopped, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
-TEST_F(ExecTest, takesEverythingAlongWhenItIsKilled) {
+TEST_F(ExecTest, TakesEverythingAlongWhenItIsKilled) {
     Program program(exec({"--", "sh", "-c", "setsid sleep 1000 & echo up; sleep 1000"}), surroundings());
     ASSERT_TRUE(program.waitForOutput("up\n")) << program.error();
     program.signal(SIGKILL);
@@ -239,7 +239,7 @@ TEST_F(ExecTest, takesEverythingAlongWhenItIsKilled) {
         fs::remove_all(m_temporary / name);
 }
 
-TEST_F(ExecTest, keepsAGivenFolder) {
+TEST_F(ExecTest, KeepsAGivenFolder) {
     const TestFolder folder;
     const std::string unit = folder / "unit";
     Program first(
@@ -255,7 +255,7 @@ TEST_F(ExecTest, keepsAGivenFolder) {
     EXPECT_EQ(second.output(), "02B\nx\n");
 }
 
-TEST_F(ExecTest, seesNodesAppearAndVanishWhileItRuns) {
+TEST_F(ExecTest, SeesNodesAppearAndVanishWhileItRuns) {
     const TestFolder folder;
     Program program(exec({"--unit", folder.path(), "--", "sh", "-c",
                           "echo up; read line; ls /dev/new /dev/nvsku; read line; ls /dev/new"}),
@@ -271,7 +271,7 @@ TEST_F(ExecTest, seesNodesAppearAndVanishWhileItRuns) {
     EXPECT_EQ(program.wait(), 2);
 }
 
-TEST_F(ExecTest, saysThatBwrapIsMissing) {
+TEST_F(ExecTest, SaysThatBwrapIsMissing) {
     Program::Surroundings given = surroundings();
     given.environment["PATH"] = "/none";
     Program program(exec({"--", "true"}), given);
@@ -283,7 +283,7 @@ TEST_F(ExecTest, saysThatBwrapIsMissing) {
         "container itself with 'headunit run --in-place'\n");
 }
 
-TEST_F(ExecTest, saysInOneLineWhyBwrapCannotWork) {
+TEST_F(ExecTest, SaysInOneLineWhyBwrapCannotWork) {
     const TestFolder programs;
     writeFile(programs / "bwrap",
               "#!/bin/sh\necho 'bwrap: no namespaces' >&2\necho 'really' >&2\nexit 1\n");
@@ -311,7 +311,7 @@ void PrintTo(const UsageCase& row, std::ostream* out) {
 
 class Usage : public testing::TestWithParam<UsageCase> {};
 
-TEST_P(Usage, isAnErrorWithStatusTwo) {
+TEST_P(Usage, IsAnErrorWithStatusTwo) {
     std::vector<std::string> command = {HEADUNIT_PROGRAM};
     command.insert(command.end(), GetParam().arguments.begin(), GetParam().arguments.end());
     Program program(command);
@@ -338,7 +338,7 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"confirmationAlone", {"run", "--yes-change-this-machine"}, "--in-place"}),
     [](const testing::TestParamInfo<UsageCase>& info) { return info.param.title; });
 
-TEST(Help, showsTheCommandsAndExamples) {
+TEST(Help, ShowsTheCommandsAndExamples) {
     Program program({HEADUNIT_PROGRAM, "--help"});
     EXPECT_EQ(program.wait(), 0);
     for (const char* part : {"run", "exec", "Examples:", "headunit exec -- ls /dev/nvgpio"})

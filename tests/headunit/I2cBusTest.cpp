@@ -32,7 +32,7 @@ std::string result(int number) {
     return numbers({static_cast<std::uint32_t>(number)});
 }
 
-TEST_F(I2cBusTest, takesPacketsAsTheyGoOverTheSocket) {
+TEST_F(I2cBusTest, TakesPacketsAsTheyGoOverTheSocket) {
     const std::string request(
         "\x07\x05\x14\xC0\x15\x00\x00\x00\x16\x00\x00\x00\x00\x00\x00\x00"
         "\x50\x00\x00\x00\x02\x00\x00\x00\x01\x00\x00\x00\x02\x00\x00\x00"
@@ -46,19 +46,19 @@ TEST_F(I2cBusTest, takesPacketsAsTheyGoOverTheSocket) {
                           26));
 }
 
-TEST_F(I2cBusTest, aReceiveGivesTheHeaderAndThenTheBytes) {
+TEST_F(I2cBusTest, AReceiveGivesTheHeaderAndThenTheBytes) {
     ASSERT_TRUE(m_bus.eeprom.store(0, "abc"));
     EXPECT_EQ(ask(receivePacket(kEeprom, 3)), result(0) + numbers({kEeprom, 2, 3, 1}) + "abc");
     EXPECT_EQ(ask(receivePacket(kEeprom, 0)), result(0) + numbers({kEeprom, 2, 0, 1}));
 }
 
-TEST_F(I2cBusTest, aSendIsAnsweredWithTheResultOnly) {
+TEST_F(I2cBusTest, ASendIsAnsweredWithTheResultOnly) {
     EXPECT_EQ(ask(sendPacket(kEeprom, std::string("\x05xyz"))), result(0));
     EXPECT_EQ(m_bus.eeprom.content().substr(4, 5), "\xFFxyz\xFF");
     EXPECT_EQ(ask(sendPacket(kEeprom, "")), result(0)) << "an address without data";
 }
 
-TEST_F(I2cBusTest, knowsTwoSpeeds) {
+TEST_F(I2cBusTest, KnowsTwoSpeeds) {
     EXPECT_EQ(m_bus.speed(), 100000u);
     EXPECT_EQ(ask(speedPacket(400000)), result(0));
     EXPECT_EQ(m_bus.speed(), 400000u);
@@ -69,7 +69,7 @@ TEST_F(I2cBusTest, knowsTwoSpeeds) {
     EXPECT_EQ(m_bus.speed(), 100000u);
 }
 
-TEST_F(I2cBusTest, refusesAddressesWithoutAChip) {
+TEST_F(I2cBusTest, RefusesAddressesWithoutAChip) {
     for (const std::uint32_t address : {0x00u, 0x21u, 0x51u, 0x7Fu, 0x80u, 0xA0u, 0x150u, 0xFFFFFFFFu}) {
         EXPECT_EQ(ask(sendPacket(address, "x")), result(EIO)) << address;
         EXPECT_EQ(ask(receivePacket(address, 1)), result(EIO)) << address;
@@ -79,7 +79,7 @@ TEST_F(I2cBusTest, refusesAddressesWithoutAChip) {
     EXPECT_EQ(m_bus.refused(), 24u);
 }
 
-TEST_F(I2cBusTest, refusesAChipThatWasTakenOff) {
+TEST_F(I2cBusTest, RefusesAChipThatWasTakenOff) {
     ASSERT_EQ(m_bus.findChip("toaster"), nullptr);
     ASSERT_NE(m_bus.findChip("sensor"), nullptr);
     m_bus.findChip("sensor")->present = false;
@@ -89,7 +89,7 @@ TEST_F(I2cBusTest, refusesAChipThatWasTakenOff) {
     EXPECT_EQ(ask(receivePacket(kSensor, 2)).substr(0, 4), result(0));
 }
 
-TEST_F(I2cBusTest, aTransferWithoutStopKeepsTheBus) {
+TEST_F(I2cBusTest, ATransferWithoutStopKeepsTheBus) {
     EXPECT_EQ(ask(sendPacket(kEeprom, std::string(1, '\0'), false)), result(0));
     EXPECT_TRUE(m_bus.isHeld());
     EXPECT_EQ(askAsOther(receivePacket(kEeprom, 1)), result(EPERM));
@@ -104,7 +104,7 @@ TEST_F(I2cBusTest, aTransferWithoutStopKeepsTheBus) {
     EXPECT_EQ(askAsOther(receivePacket(kEeprom, 1)).substr(0, 4), result(0));
 }
 
-TEST_F(I2cBusTest, isFreeAfterItsHolderLeftOrMetNobody) {
+TEST_F(I2cBusTest, IsFreeAfterItsHolderLeftOrMetNobody) {
     ask(receivePacket(kEeprom, 1, false));
     m_bus.left(&m_other);
     EXPECT_TRUE(m_bus.isHeld());
@@ -115,7 +115,7 @@ TEST_F(I2cBusTest, isFreeAfterItsHolderLeftOrMetNobody) {
     EXPECT_FALSE(m_bus.isHeld());
 }
 
-TEST_F(I2cBusTest, givesAnyResultOnDemandAndDoesNothingThen) {
+TEST_F(I2cBusTest, GivesAnyResultOnDemandAndDoesNothingThen) {
     m_bus.orderResult(12, 2);
     EXPECT_EQ(ask(sendPacket(kEeprom, std::string("\0x", 2))), result(12));
     EXPECT_EQ(ask(receivePacket(kEeprom, 1)), result(12));
@@ -131,7 +131,7 @@ TEST_F(I2cBusTest, givesAnyResultOnDemandAndDoesNothingThen) {
     EXPECT_EQ(ask(speedPacket(400000)), result(0)) << "the order was taken back";
 }
 
-TEST_F(I2cBusTest, doesNotKnowOtherCommands) {
+TEST_F(I2cBusTest, DoesNotKnowOtherCommands) {
     for (const std::uint32_t command : {0u, 1u, 0x80040503u, 0x00040502u, 0xFFFFFFFFu})
         EXPECT_EQ(ask(requestPacket(command, numbers({100000}), 100)), result(ENOTTY)) << command;
 }
@@ -148,7 +148,7 @@ void PrintTo(const MalformedCase& row, std::ostream* out) {
 
 class Malformed : public I2cBusTest, public testing::WithParamInterface<MalformedCase> {};
 
-TEST_P(Malformed, isRefusedAndChangesNothing) {
+TEST_P(Malformed, IsRefusedAndChangesNothing) {
     EXPECT_EQ(ask(GetParam().packet), result(GetParam().result));
     EXPECT_EQ(m_bus.eeprom.content(), std::string(Eeprom::kSize, '\xFF'));
     EXPECT_EQ(m_bus.speed(), 100000u);
@@ -188,7 +188,7 @@ INSTANTIATE_TEST_SUITE_P(
         MalformedCase{"tooMuchToSend", sendPacket(kEeprom, std::string(65537, 'x')), ENOMEM}),
     [](const testing::TestParamInfo<MalformedCase>& info) { return info.param.title; });
 
-TEST(Eeprom, writesFromTheFirstByteOnAndWraps) {
+TEST(Eeprom, WritesFromTheFirstByteOnAndWraps) {
     Eeprom memory;
     memory.write(
         std::string("\xFE"
@@ -198,7 +198,7 @@ TEST(Eeprom, writesFromTheFirstByteOnAndWraps) {
     EXPECT_EQ(memory.pointer(), 2);
 }
 
-TEST(Eeprom, readsOnFromThePointerAndWraps) {
+TEST(Eeprom, ReadsOnFromThePointerAndWraps) {
     Eeprom memory;
     ASSERT_TRUE(memory.store(0xFF, "z"));
     ASSERT_TRUE(memory.store(0, "ab"));
@@ -210,7 +210,7 @@ TEST(Eeprom, readsOnFromThePointerAndWraps) {
     EXPECT_EQ(memory.pointer(), 2);
 }
 
-TEST(Eeprom, storesNothingBeyondItsEnd) {
+TEST(Eeprom, StoresNothingBeyondItsEnd) {
     Eeprom memory;
     EXPECT_TRUE(memory.store(0, std::string(256, 'x')));
     EXPECT_TRUE(memory.store(256, ""));
@@ -226,7 +226,7 @@ struct TemperatureCase {
 
 class Temperature : public testing::TestWithParam<TemperatureCase> {};
 
-TEST_P(Temperature, isTheUpperTwelveBits) {
+TEST_P(Temperature, IsTheUpperTwelveBits) {
     TemperatureSensor sensor;
     ASSERT_TRUE(sensor.setTemperature(GetParam().degrees));
     EXPECT_EQ(sensor.read(2), GetParam().bytes);
@@ -242,7 +242,7 @@ INSTANTIATE_TEST_SUITE_P(Values, Temperature,
                                          TemperatureCase{-55, std::string("\xC9\x00", 2)},
                                          TemperatureCase{125, std::string("\x7D\x00", 2)}));
 
-TEST(TemperatureSensor, refusesWhatItCannotMeasure) {
+TEST(TemperatureSensor, RefusesWhatItCannotMeasure) {
     TemperatureSensor sensor;
     EXPECT_FALSE(sensor.setTemperature(-55.1));
     EXPECT_FALSE(sensor.setTemperature(125.1));
@@ -251,7 +251,7 @@ TEST(TemperatureSensor, refusesWhatItCannotMeasure) {
     EXPECT_EQ(sensor.temperature(), -12.3125);
 }
 
-TEST(TemperatureSensor, hasRegistersBehindItsPointer) {
+TEST(TemperatureSensor, HasRegistersBehindItsPointer) {
     TemperatureSensor sensor;
     EXPECT_EQ(sensor.read(3), std::string("\x19\x00\x19", 3));
     sensor.write(std::string("\x00zz", 3));
@@ -266,7 +266,7 @@ TEST(TemperatureSensor, hasRegistersBehindItsPointer) {
     EXPECT_EQ(sensor.read(2), std::string("\x19\x00", 2));
 }
 
-TEST(PortExpander, readsItsPins) {
+TEST(PortExpander, ReadsItsPins) {
     PortExpander expander;
     EXPECT_EQ(expander.read(2), "\xFF\xFF");
     expander.write("\x01\xF5");

@@ -31,7 +31,7 @@ const std::string kDone = numbers({0});
 const std::string kReadTemperature = combinedPacket(0x48, std::string(1, '\0'), 2);
 const std::string kTemperatureHeader = numbers({0x48, 2, 1, 2, 1});
 
-TEST_F(I2cManagerTest, answersAtItsNode) {
+TEST_F(I2cManagerTest, AnswersAtItsNode) {
     EXPECT_TRUE(std::filesystem::is_socket(node("/dev/i2c0")));
     const Bus bus = connect();
     EXPECT_EQ(bus.ask(kReadTemperature), kDone + kTemperatureHeader + std::string("\x19\x00", 2));
@@ -40,7 +40,7 @@ TEST_F(I2cManagerTest, answersAtItsNode) {
     EXPECT_EQ(bus.ask(receivePacket(0x33, 1)), numbers({EIO}));
 }
 
-TEST_F(I2cManagerTest, showsAndTakesTheStateOfItsChips) {
+TEST_F(I2cManagerTest, ShowsAndTakesTheStateOfItsChips) {
     const Bus bus = connect();
     EXPECT_EQ(bus.ask(sendPacket(0x50, std::string("\x10hello"))), kDone);
     EXPECT_EQ(bus.ask(sendPacket(0x20, "\x3C")), kDone);
@@ -60,7 +60,7 @@ TEST_F(I2cManagerTest, showsAndTakesTheStateOfItsChips) {
     EXPECT_EQ(bus.ask(kReadTemperature)->substr(0, 4), kDone);
 }
 
-TEST_F(I2cManagerTest, givesTheResultsThatItWasToldTo) {
+TEST_F(I2cManagerTest, GivesTheResultsThatItWasToldTo) {
     const Bus bus = connect();
     tell("i2c result 14");
     EXPECT_EQ(bus.ask(kReadTemperature), numbers({14}));
@@ -71,7 +71,7 @@ TEST_F(I2cManagerTest, givesTheResultsThatItWasToldTo) {
     EXPECT_EQ(bus.ask(kReadTemperature)->substr(0, 4), kDone);
 }
 
-TEST_F(I2cManagerTest, keepsTheBusForAClientUntilItLeaves) {
+TEST_F(I2cManagerTest, KeepsTheBusForAClientUntilItLeaves) {
     Bus holder = connect();
     const Bus other = connect();
     EXPECT_EQ(holder.ask(sendPacket(0x20, "\x01", false)), kDone);
@@ -82,7 +82,7 @@ TEST_F(I2cManagerTest, keepsTheBusForAClientUntilItLeaves) {
     EXPECT_EQ(other.ask(receivePacket(0x20, 1))->substr(0, 4), kDone);
 }
 
-TEST_F(I2cManagerTest, answersLate) {
+TEST_F(I2cManagerTest, AnswersLate) {
     const Bus bus = connect();
     tell("i2c late 300");
     const auto start = steady_clock::now();
@@ -98,7 +98,7 @@ TEST_F(I2cManagerTest, answersLate) {
     EXPECT_FALSE(bus.hasAnswer(0));
 }
 
-TEST_F(I2cManagerTest, survivesClientsWhoDoNotWait) {
+TEST_F(I2cManagerTest, SurvivesClientsWhoDoNotWait) {
     tell("i2c late 600000");
     {
         const Bus bus = connect();
@@ -112,7 +112,7 @@ TEST_F(I2cManagerTest, survivesClientsWhoDoNotWait) {
     EXPECT_EQ(connect().ask(kReadTemperature)->substr(0, 4), kDone);
 }
 
-TEST_F(I2cManagerTest, goesAwayInTheMiddleOfARequestAndComesBack) {
+TEST_F(I2cManagerTest, GoesAwayInTheMiddleOfARequestAndComesBack) {
     const Bus bus = connect();
     tell("i2c late 600000");
     ASSERT_TRUE(bus.send(sendPacket(0x20, "\x42")));
@@ -129,7 +129,7 @@ TEST_F(I2cManagerTest, goesAwayInTheMiddleOfARequestAndComesBack) {
     EXPECT_EQ(connect().ask(receivePacket(0x20, 1)), kDone + numbers({0x20, 2, 1, 1}) + "\x42");
 }
 
-TEST_F(I2cManagerTest, doesNotComeBackOverSomethingElse) {
+TEST_F(I2cManagerTest, DoesNotComeBackOverSomethingElse) {
     tell("i2c manager off");
     writeFile(node("/dev/i2c0"), "theirs");
     EXPECT_EQ(ask("i2c manager on").text,
@@ -140,7 +140,7 @@ TEST_F(I2cManagerTest, doesNotComeBackOverSomethingElse) {
     EXPECT_TRUE(connect().isOpen());
 }
 
-TEST_F(I2cManagerTest, takesPacketsOfAllSizes) {
+TEST_F(I2cManagerTest, TakesPacketsOfAllSizes) {
     const Bus bus = connect();
     for (const std::string& packet :
          {std::string(), std::string("x"), std::string(15, '\0'), std::string(100000, '\xFF')})
@@ -150,7 +150,7 @@ TEST_F(I2cManagerTest, takesPacketsOfAllSizes) {
     EXPECT_EQ(bus.ask(receivePacket(0x50, 65536))->size(), 4u + 16u + 65536u);
 }
 
-TEST_F(I2cManagerTest, servesManyClientsAtOnce) {
+TEST_F(I2cManagerTest, ServesManyClientsAtOnce) {
     constexpr std::size_t kClients = 60;
     std::vector<Bus> clients;
     clients.reserve(kClients);
@@ -162,7 +162,7 @@ TEST_F(I2cManagerTest, servesManyClientsAtOnce) {
         EXPECT_EQ(bus.receive().value_or("").substr(0, 4), kDone);
 }
 
-TEST_F(I2cManagerTest, leavesNothingAtTheEnd) {
+TEST_F(I2cManagerTest, LeavesNothingAtTheEnd) {
     const Bus bus = connect();
     ASSERT_EQ(bus.ask(kReadTemperature)->substr(0, 4), kDone);
     m_peers.reset();

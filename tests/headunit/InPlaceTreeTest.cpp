@@ -25,7 +25,7 @@ protected:
     std::string m_record = m_machine / "record";
 };
 
-TEST_F(InPlaceTreeTest, removesEverythingItMade) {
+TEST_F(InPlaceTreeTest, RemovesEverythingItMade) {
     {
         InPlaceTree tree(m_record);
         tree.createFile(m_machine / "dev/nvsku/rev", "1A\n");
@@ -35,14 +35,14 @@ TEST_F(InPlaceTreeTest, removesEverythingItMade) {
     EXPECT_THAT(m_machine.names(), IsEmpty());
 }
 
-TEST_F(InPlaceTreeTest, leavesFoldersThatWereThere) {
+TEST_F(InPlaceTreeTest, LeavesFoldersThatWereThere) {
     fs::create_directories(m_machine / "dev");
     { InPlaceTree(m_record).createFile(m_machine / "dev/nvsku/rev", "1A\n"); }
     EXPECT_THAT(m_machine.names(), ElementsAre("dev"));
     EXPECT_TRUE(fs::is_empty(m_machine / "dev"));
 }
 
-TEST_F(InPlaceTreeTest, refusesANameThatExistsAndTakesBackWhatItMadeBefore) {
+TEST_F(InPlaceTreeTest, RefusesANameThatExistsAndTakesBackWhatItMadeBefore) {
     fs::create_directories(m_machine / "dev");
     writeFile(m_machine / "dev/taken", "theirs");
     {
@@ -59,14 +59,14 @@ TEST_F(InPlaceTreeTest, refusesANameThatExistsAndTakesBackWhatItMadeBefore) {
     EXPECT_THAT(m_machine.names(), ElementsAre("dev"));
 }
 
-TEST_F(InPlaceTreeTest, refusesALinkToNowhere) {
+TEST_F(InPlaceTreeTest, RefusesALinkToNowhere) {
     fs::create_symlink("nowhere", m_machine / "node");
     InPlaceTree tree(m_record);
     EXPECT_THROW(tree.createFile(m_machine / "node", "1"), UnitError);
     EXPECT_FALSE(fs::exists(m_machine / "nowhere"));
 }
 
-TEST_F(InPlaceTreeTest, keepsAFolderInWhichSomebodyElseLeftAFile) {
+TEST_F(InPlaceTreeTest, KeepsAFolderInWhichSomebodyElseLeftAFile) {
     {
         InPlaceTree tree(m_record);
         tree.createFile(m_machine / "mnt/app/ours", "1");
@@ -76,7 +76,7 @@ TEST_F(InPlaceTreeTest, keepsAFolderInWhichSomebodyElseLeftAFile) {
     EXPECT_EQ(contentOf(m_machine / "mnt/app/theirs"), "2");
 }
 
-TEST_F(InPlaceTreeTest, takesOverWhatAKilledOneLeftBehind) {
+TEST_F(InPlaceTreeTest, TakesOverWhatAKilledOneLeftBehind) {
     fs::create_directories(m_machine / "dev/nvsku");
     writeFile(m_machine / "dev/nvsku/rev", "old");
     writeFile(m_record,
@@ -89,21 +89,21 @@ TEST_F(InPlaceTreeTest, takesOverWhatAKilledOneLeftBehind) {
     EXPECT_THAT(m_machine.names(), IsEmpty());
 }
 
-TEST_F(InPlaceTreeTest, writesANameDownBeforeItExists) {
+TEST_F(InPlaceTreeTest, WritesANameDownBeforeItExists) {
     InPlaceTree tree(m_record);
     const std::string path = tree.claim(m_machine / "dev/node");
     EXPECT_FALSE(fs::exists(path));
     EXPECT_EQ(contentOf(m_record), (m_machine / "dev\n") + (m_machine / "dev/node\n"));
 }
 
-TEST_F(InPlaceTreeTest, isAloneOnTheMachine) {
+TEST_F(InPlaceTreeTest, IsAloneOnTheMachine) {
     std::optional<InPlaceTree> first(std::in_place, m_record);
     EXPECT_THROW(InPlaceTree second(m_record), UnitError);
     first.reset();
     EXPECT_NO_THROW(InPlaceTree third(m_record));
 }
 
-TEST_F(InPlaceTreeTest, needsARecord) {
+TEST_F(InPlaceTreeTest, NeedsARecord) {
     EXPECT_THROW(InPlaceTree(m_machine / "no/record"), UnitError);
 }
 

@@ -22,7 +22,7 @@ constexpr char kOk[] = "\r\nOK\r\n";
 
 class LineDevicesTest : public PeersTest {};
 
-TEST_F(LineDevicesTest, loopbackGivesBackEveryByte) {
+TEST_F(LineDevicesTest, LoopbackGivesBackEveryByte) {
     const Line line(node(kLoopback));
     std::string bytes;
     for (int value = 0; value < 256; ++value)
@@ -31,7 +31,7 @@ TEST_F(LineDevicesTest, loopbackGivesBackEveryByte) {
     EXPECT_EQ(line.receive(256), bytes);
 }
 
-TEST_F(LineDevicesTest, loopbackWithThePlugOutGivesNothingBack) {
+TEST_F(LineDevicesTest, LoopbackWithThePlugOutGivesNothingBack) {
     const Line line(node(kLoopback));
     tell("loopback off");
     ASSERT_TRUE(line.trySend("lost"));
@@ -44,7 +44,7 @@ TEST_F(LineDevicesTest, loopbackWithThePlugOutGivesNothingBack) {
     EXPECT_EQ(line.receive(4), "kept");
 }
 
-TEST_F(LineDevicesTest, modemEchoesAndAnswers) {
+TEST_F(LineDevicesTest, ModemEchoesAndAnswers) {
     const Line line(node(kModem));
     ASSERT_TRUE(line.trySend("AT+CGMM\r"));
     EXPECT_EQ(line.receiveTo(kOk), "AT+CGMM\r\r\nNAD-1\r\n\r\nOK\r\n");
@@ -54,7 +54,7 @@ TEST_F(LineDevicesTest, modemEchoesAndAnswers) {
     EXPECT_EQ(line.receiveTo("ERROR\r\n"), "\r\nERROR\r\n");
 }
 
-TEST_F(LineDevicesTest, modemAnswersManyLinesAtOnceInTheirOrder) {
+TEST_F(LineDevicesTest, ModemAnswersManyLinesAtOnceInTheirOrder) {
     const Line line(node(kModem));
     ASSERT_TRUE(line.trySend("ATE0\r"));
     EXPECT_EQ(line.receiveTo(kOk), "ATE0\r\r\nOK\r\n");
@@ -70,7 +70,7 @@ TEST_F(LineDevicesTest, modemAnswersManyLinesAtOnceInTheirOrder) {
     EXPECT_TRUE(written);
 }
 
-TEST_F(LineDevicesTest, modemAnswersWhatItWasToldTo) {
+TEST_F(LineDevicesTest, ModemAnswersWhatItWasToldTo) {
     const Line line(node(kModem));
     tell("modem signal 7");
     tell("modem registration 5");
@@ -84,7 +84,7 @@ TEST_F(LineDevicesTest, modemAnswersWhatItWasToldTo) {
     EXPECT_EQ(line.receive(12), "\r\n+CREG: 2\r\n");
 }
 
-TEST_F(LineDevicesTest, modemAnswersLateButEchoesAtOnce) {
+TEST_F(LineDevicesTest, ModemAnswersLateButEchoesAtOnce) {
     const Line line(node(kModem));
     tell("modem late 400");
     const auto start = steady_clock::now();
@@ -94,7 +94,7 @@ TEST_F(LineDevicesTest, modemAnswersLateButEchoesAtOnce) {
     EXPECT_GE(steady_clock::now() - start, milliseconds(400));
 }
 
-TEST_F(LineDevicesTest, silentModemSaysNothing) {
+TEST_F(LineDevicesTest, SilentModemSaysNothing) {
     const Line line(node(kModem));
     tell("modem late 600000");
     ASSERT_TRUE(line.trySend("AT\r"));
@@ -109,7 +109,7 @@ TEST_F(LineDevicesTest, silentModemSaysNothing) {
     EXPECT_EQ(line.receiveTo(kOk), "ATE0\r\r\nOK\r\n");
 }
 
-TEST_F(LineDevicesTest, modemForgetsAHalfLineWhenItIsUnplugged) {
+TEST_F(LineDevicesTest, ModemForgetsAHalfLineWhenItIsUnplugged) {
     auto line = std::make_unique<Line>(node(kModem));
     ASSERT_TRUE(line->trySend("AT+CG"));
     EXPECT_EQ(line->receive(5), "AT+CG");
@@ -121,7 +121,7 @@ TEST_F(LineDevicesTest, modemForgetsAHalfLineWhenItIsUnplugged) {
     EXPECT_EQ(line->receiveTo(kOk), "AT\r\r\nOK\r\n");
 }
 
-TEST_F(LineDevicesTest, receiverSaysWhereItIsOnceASecond) {
+TEST_F(LineDevicesTest, ReceiverSaysWhereItIsOnceASecond) {
     tell("position -12.5 8");
     const Line line(node(kReceiver));
     std::string sentence;
@@ -135,7 +135,7 @@ TEST_F(LineDevicesTest, receiverSaysWhereItIsOnceASecond) {
     }
 }
 
-TEST_F(LineDevicesTest, receiverThatIsOffSaysNothing) {
+TEST_F(LineDevicesTest, ReceiverThatIsOffSaysNothing) {
     tell("receiver off");
     tell("unplug receiver"); // takes along what it has said already
     tell("plug receiver");
@@ -150,7 +150,7 @@ TEST_F(LineDevicesTest, receiverThatIsOffSaysNothing) {
     EXPECT_THAT(line.receiveTo("\r\n"), StartsWith("$GPGGA,"));
 }
 
-TEST_F(LineDevicesTest, receiverDropsWholeSentencesThatNobodyReads) {
+TEST_F(LineDevicesTest, ReceiverDropsWholeSentencesThatNobodyReads) {
     // By then it has said more than it keeps for a late reader.
     tell("modem late 5500");
     const Line modem(node(kModem));
@@ -164,7 +164,7 @@ TEST_F(LineDevicesTest, receiverDropsWholeSentencesThatNobodyReads) {
     EXPECT_THAT(line.receiveTo("\r\n"), StartsWith("$GPGGA,")) << "it goes on";
 }
 
-TEST_F(LineDevicesTest, everyLineIsPluggedInAgainAtItsNode) {
+TEST_F(LineDevicesTest, EveryLineIsPluggedInAgainAtItsNode) {
     for (const auto& [line, path] : {std::pair{"loopback", kLoopback}, std::pair{"modem", kModem},
                                      std::pair{"receiver", kReceiver}}) {
         const Line holder(node(path));

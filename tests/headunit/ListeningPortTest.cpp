@@ -22,7 +22,7 @@ void PrintTo(const TableCase& row, std::ostream* out) {
 
 class ListeningTable : public testing::TestWithParam<TableCase> {};
 
-TEST_P(ListeningTable, tellsWhetherAConnectionWouldBeAccepted) {
+TEST_P(ListeningTable, TellsWhetherAConnectionWouldBeAccepted) {
     std::istringstream table(kHeader + std::string(GetParam().line));
     EXPECT_EQ(listsListener(table, 15051), GetParam().listens);
 }

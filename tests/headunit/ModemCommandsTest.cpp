@@ -36,7 +36,7 @@ void PrintTo(const Exchange& row, std::ostream* out) {
 
 class ModemExchange : public testing::TestWithParam<Exchange> {};
 
-TEST_P(ModemExchange, isAnsweredSo) {
+TEST_P(ModemExchange, IsAnsweredSo) {
     ModemCommands modem;
     EXPECT_EQ(answerOf(modem, GetParam().sent), GetParam().answer);
 }
@@ -106,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(
         Exchange{"endlessLine", "AT" + std::string(100000, 'I') + "\rAT\r", kError + kOk}),
     [](const testing::TestParamInfo<Exchange>& info) { return info.param.title; });
 
-TEST(ModemCommands, echoesEveryCharacterUntilToldNotTo) {
+TEST(ModemCommands, EchoesEveryCharacterUntilToldNotTo) {
     ModemCommands modem;
     EXPECT_EQ(echoOf(modem, "AT\r\n\b\xC1"), "AT\r\n\b\xC1");
     EXPECT_EQ(echoOf(modem, "\rATE0\r"), "\rATE0\r");
@@ -114,21 +114,21 @@ TEST(ModemCommands, echoesEveryCharacterUntilToldNotTo) {
     EXPECT_EQ(echoOf(modem, "AT\r"), "AT\r");
 }
 
-TEST(ModemCommands, answersOnlyAtTheLineEnd) {
+TEST(ModemCommands, AnswersOnlyAtTheLineEnd) {
     ModemCommands modem;
     for (const char character : std::string("AT+CSQ"))
         EXPECT_EQ(modem.take(character).answer, "");
     EXPECT_NE(modem.take('\r').answer, "");
 }
 
-TEST(ModemCommands, forgetsALineThatHasBegun) {
+TEST(ModemCommands, ForgetsALineThatHasBegun) {
     ModemCommands modem;
     answerOf(modem, "ATX");
     modem.forgetLine();
     EXPECT_EQ(answerOf(modem, "AT\r"), kOk);
 }
 
-TEST(ModemCommands, tellsTheStateThatWasSet) {
+TEST(ModemCommands, TellsTheStateThatWasSet) {
     ModemCommands modem;
     EXPECT_TRUE(modem.setSignal(0));
     EXPECT_TRUE(modem.setRegistration(5));
@@ -140,7 +140,7 @@ TEST(ModemCommands, tellsTheStateThatWasSet) {
     EXPECT_EQ(answerOf(modem, "AT+CSQ\r"), lines({"+CSQ: 99,99", "OK"}));
 }
 
-TEST(ModemCommands, refusesAStateThatThereIsNot) {
+TEST(ModemCommands, RefusesAStateThatThereIsNot) {
     ModemCommands modem;
     for (const int signal : {-1, 32, 98, 100})
         EXPECT_FALSE(modem.setSignal(signal)) << signal;
@@ -149,7 +149,7 @@ TEST(ModemCommands, refusesAStateThatThereIsNot) {
     EXPECT_EQ(answerOf(modem, "AT+CSQ;+CREG?\r"), lines({"+CSQ: 20,99", "+CREG: 0,1", "OK"}));
 }
 
-TEST(ModemCommands, reportsARegistrationOnlyWhenThatIsWanted) {
+TEST(ModemCommands, ReportsARegistrationOnlyWhenThatIsWanted) {
     ModemCommands modem;
     EXPECT_EQ(modem.registrationReport(), "");
     answerOf(modem, "AT+CREG=1\r");
@@ -159,7 +159,7 @@ TEST(ModemCommands, reportsARegistrationOnlyWhenThatIsWanted) {
     EXPECT_EQ(modem.registrationReport(), "");
 }
 
-TEST(ModemCommands, wantsAPinWhenTheCardDoes) {
+TEST(ModemCommands, WantsAPinWhenTheCardDoes) {
     ModemCommands modem;
     modem.setCard(Card::wantsPin);
     EXPECT_EQ(answerOf(modem, "AT+CPIN?\r"), lines({"+CPIN: SIM PIN", "OK"}));
@@ -169,7 +169,7 @@ TEST(ModemCommands, wantsAPinWhenTheCardDoes) {
     EXPECT_EQ(answerOf(modem, "AT+CPIN?\r"), lines({"+CPIN: READY", "OK"}));
 }
 
-TEST(ModemCommands, tellsABlockedAndAnAbsentCard) {
+TEST(ModemCommands, TellsABlockedAndAnAbsentCard) {
     ModemCommands modem;
     modem.setCard(Card::blocked);
     EXPECT_EQ(answerOf(modem, "AT+CPIN?\r"), lines({"+CPIN: SIM PUK", "OK"}));

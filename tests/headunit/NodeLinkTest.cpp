@@ -23,7 +23,7 @@ protected:
     std::string m_path = m_folder / "node";
 };
 
-TEST_F(NodeLinkTest, standsUntilItIsRemoved) {
+TEST_F(NodeLinkTest, StandsUntilItIsRemoved) {
     NodeLink link(m_path, "/dev/pts/7");
     EXPECT_EQ(fs::read_symlink(m_path), "/dev/pts/7");
     link.remove();
@@ -31,7 +31,7 @@ TEST_F(NodeLinkTest, standsUntilItIsRemoved) {
     link.remove();
 }
 
-TEST_F(NodeLinkTest, goesWithItsOwnerOnce) {
+TEST_F(NodeLinkTest, GoesWithItsOwnerOnce) {
     {
         NodeLink first(m_path, "/dev/pts/7");
         const NodeLink second(std::move(first));
@@ -43,13 +43,13 @@ TEST_F(NodeLinkTest, goesWithItsOwnerOnce) {
     EXPECT_THAT(m_folder.names(), IsEmpty());
 }
 
-TEST_F(NodeLinkTest, takesThePlaceOfOneOfAnEarlierRun) {
+TEST_F(NodeLinkTest, TakesThePlaceOfOneOfAnEarlierRun) {
     fs::create_symlink("/dev/pts/123456", m_path);
     const NodeLink link(m_path, "/dev/pts/7");
     EXPECT_EQ(fs::read_symlink(m_path), "/dev/pts/7");
 }
 
-TEST_F(NodeLinkTest, leavesEverythingElseAlone) {
+TEST_F(NodeLinkTest, LeavesEverythingElseAlone) {
     writeFile(m_path, "theirs");
     for (const std::string target : {"/dev/pts/ptmx", "/dev/pts/", "/dev/pts/7/x", "/dev/null"}) {
         fs::remove(m_folder / "link");
@@ -67,7 +67,7 @@ TEST_F(NodeLinkTest, leavesEverythingElseAlone) {
     EXPECT_EQ(contentOf(m_path), "theirs");
 }
 
-TEST_F(NodeLinkTest, saysWhyItCannotBeMade) {
+TEST_F(NodeLinkTest, SaysWhyItCannotBeMade) {
     try {
         const NodeLink link(m_folder / "none/node", "/dev/pts/7");
         FAIL() << "no error";
@@ -76,7 +76,7 @@ TEST_F(NodeLinkTest, saysWhyItCannotBeMade) {
     }
 }
 
-TEST_F(NodeLinkTest, doesNotRemoveWhatSomebodyPutInItsPlace) {
+TEST_F(NodeLinkTest, DoesNotRemoveWhatSomebodyPutInItsPlace) {
     {
         const NodeLink link(m_path, "/dev/pts/7");
         fs::remove(m_path);

@@ -45,7 +45,7 @@ void expectBars(const Picture& picture, const std::vector<Colour>& colours) {
             ASSERT_TRUE(picture.at(x, y) == picture.at(x, 0)) << x << ',' << y;
 }
 
-TEST(BitmapFile, hasTheBytesOfTheFormat) {
+TEST(BitmapFile, HasTheBytesOfTheFormat) {
     const std::string expected =
         std::string("BM\x4E\0\0\0\0\0\0\0\x36\0\0\0", 14) +
         std::string("\x28\0\0\0\x03\0\0\0\x02\0\0\0\x01\0\x18\0\0\0\0\0\x18\0\0\0", 24) +
@@ -55,13 +55,13 @@ TEST(BitmapFile, hasTheBytesOfTheFormat) {
     EXPECT_EQ(encodeBitmap(smallPicture()), expected);
 }
 
-TEST(BitmapFile, isReadAsItWasWritten) {
+TEST(BitmapFile, IsReadAsItWasWritten) {
     const auto picture = decodeBitmap(encodeBitmap(smallPicture()));
     ASSERT_TRUE(picture);
     EXPECT_TRUE(areEqual(*picture, smallPicture()));
 }
 
-TEST(BitmapFile, thatIsBrokenIsNone) {
+TEST(BitmapFile, ThatIsBrokenIsNone) {
     const std::string whole = encodeBitmap(smallPicture());
     for (std::size_t size = 0; size < whole.size(); ++size)
         EXPECT_FALSE(decodeBitmap(whole.substr(0, size))) << size;
@@ -75,12 +75,12 @@ TEST(BitmapFile, thatIsBrokenIsNone) {
     }
 }
 
-TEST(PngFile, isReadAsItWasWritten) {
+TEST(PngFile, IsReadAsItWasWritten) {
     EXPECT_TRUE(areEqual(decodePng(encodePng(smallPicture())), smallPicture()));
     EXPECT_TRUE(areEqual(decodePng(encodePng(colourBars())), colourBars()));
 }
 
-TEST(TestPictures, haveTheirNamesAndTheirSize) {
+TEST(TestPictures, HaveTheirNamesAndTheirSize) {
     const std::vector<std::string> names = {"colorscale_7bars_888_800x480.bmp",
                                             "greyscale_33bars_888_800x480.bmp",
                                             "greyscale_11bars_888_800x480.bmp"};
@@ -91,7 +91,7 @@ TEST(TestPictures, haveTheirNamesAndTheirSize) {
     }
 }
 
-TEST(TestPictures, areBars) {
+TEST(TestPictures, AreBars) {
     expectBars(kTestPictures[0].draw(), {{255, 255, 255},
                                          {255, 255, 0},
                                          {0, 255, 255},
@@ -111,7 +111,7 @@ TEST(TestPictures, areBars) {
     }
 }
 
-TEST(Lettering, putsInkWhereTheLetterIs) {
+TEST(Lettering, PutsInkWhereTheLetterIs) {
     Picture picture(24, 16);
     letter(picture, "I1", 1, 1, 2, {255, 255, 255});
     const auto ink = [&](std::size_t x, std::size_t y) { return picture.at(x, y).red == 255; };
@@ -125,7 +125,7 @@ TEST(Lettering, putsInkWhereTheLetterIs) {
     EXPECT_FALSE(ink(5, 15));
 }
 
-TEST(Lettering, keepsInsideThePicture) {
+TEST(Lettering, KeepsInsideThePicture) {
     Picture picture(10, 10);
     letter(picture, "8888-x", 4, 6, 3, {1, 2, 3});
     EXPECT_EQ(picture.at(7, 6).blue, 3) << "the upper left part is there";

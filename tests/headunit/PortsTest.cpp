@@ -32,7 +32,7 @@ protected:
     }
 };
 
-TEST_F(PortsTest, theTelephoneFollowsItsSwitch) {
+TEST_F(PortsTest, TheTelephoneFollowsItsSwitch) {
     for (int round = 0; round < 3; ++round) {
         write("nad_on_off", "1");
         EXPECT_TRUE(becomes("nad_status", "1"));
@@ -41,7 +41,7 @@ TEST_F(PortsTest, theTelephoneFollowsItsSwitch) {
     }
 }
 
-TEST_F(PortsTest, theTelephoneFollowsHoweverItsSwitchIsWritten) {
+TEST_F(PortsTest, TheTelephoneFollowsHoweverItsSwitchIsWritten) {
     writeFile(node(path("nad_on_off")), "1"); // cuts the file first
     EXPECT_TRUE(becomes("nad_status", "1"));
     writeFile(node("/dev/new"), "0");
@@ -51,7 +51,7 @@ TEST_F(PortsTest, theTelephoneFollowsHoweverItsSwitchIsWritten) {
     EXPECT_TRUE(becomes("nad_status", "1"));
 }
 
-TEST_F(PortsTest, theTelephoneReactsToNothingElse) {
+TEST_F(PortsTest, TheTelephoneReactsToNothingElse) {
     write("nad_status", "1"); // as a user may
     write("nad_reset", "1");
     write("nad_on_off", "0");
@@ -65,7 +65,7 @@ TEST_F(PortsTest, theTelephoneReactsToNothingElse) {
     EXPECT_EQ(level("nad_reset"), "1");
 }
 
-TEST_F(PortsTest, theTelephoneWorksAgainWhenItsWireIsBack) {
+TEST_F(PortsTest, TheTelephoneWorksAgainWhenItsWireIsBack) {
     tell("port nad_status gone");
     write("nad_on_off", "1");
     tell("port nad_status back");
@@ -76,7 +76,7 @@ TEST_F(PortsTest, theTelephoneWorksAgainWhenItsWireIsBack) {
     EXPECT_TRUE(becomes("nad_status", "1"));
 }
 
-TEST_F(PortsTest, aNodeDisappearsAndComesBackWithItsLevel) {
+TEST_F(PortsTest, ANodeDisappearsAndComesBackWithItsLevel) {
     tell("port usb_pwr_1 0");
     tell("port usb_pwr_1 gone");
     EXPECT_FALSE(fs::exists(node(path("usb_pwr_1"))));
@@ -88,7 +88,7 @@ TEST_F(PortsTest, aNodeDisappearsAndComesBackWithItsLevel) {
     tell("port usb_pwr_1 back");
 }
 
-TEST_F(PortsTest, anUnreadableNodeOpensButCannotBeRead) {
+TEST_F(PortsTest, AnUnreadableNodeOpensButCannotBeRead) {
     const std::string file = node(path("vd1_int"));
     tell("port vd1_int unreadable");
     EXPECT_THAT(ask("ports").text, HasSubstr("\nvd1_int unreadable\n"));
@@ -106,13 +106,13 @@ TEST_F(PortsTest, anUnreadableNodeOpensButCannotBeRead) {
     EXPECT_EQ(level("vd1_int"), "1");
 }
 
-TEST_F(PortsTest, aNodeThatTheUserRemovedComesBackAsItWasAtTheStart) {
+TEST_F(PortsTest, ANodeThatTheUserRemovedComesBackAsItWasAtTheStart) {
     fs::remove(node(path("wlan_reset")));
     tell("port wlan_reset back");
     EXPECT_EQ(level("wlan_reset"), "1");
 }
 
-TEST_F(PortsTest, allLevelsAreTold) {
+TEST_F(PortsTest, AllLevelsAreTold) {
     write("nad_reset", "1");
     const std::string text = ask("ports").text;
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 20);

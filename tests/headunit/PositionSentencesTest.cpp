@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::time_t kTime = 764426119; // 1994-03-23 12:35:19 UTC
 
-TEST(PositionSentences, areTheseTwo) {
+TEST(PositionSentences, AreTheseTwo) {
     EXPECT_EQ(positionSentences({48.1173, 11.516666666}, kTime),
               "$GPGGA,123519.00,4807.0380,N,01131.0000,E,1,08,1.0,0.0,M,0.0,M,,*5A\r\n"
               "$GPRMC,123519.00,A,4807.0380,N,01131.0000,E,0.0,0.0,230394,,,A*5E\r\n");
@@ -28,7 +28,7 @@ void PrintTo(const PlaceCase& row, std::ostream* out) {
 
 class Place : public testing::TestWithParam<PlaceCase> {};
 
-TEST_P(Place, isWrittenSoInBothSentences) {
+TEST_P(Place, IsWrittenSoInBothSentences) {
     const std::string sentences = positionSentences(GetParam().position, kTime);
     const std::size_t first = sentences.find(GetParam().text);
     ASSERT_NE(first, std::string::npos) << sentences;
@@ -45,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(
                     PlaceCase{"noSouthernZero", {-1e-9, -1e-9}, ",0000.0000,N,00000.0000,E,"}),
     [](const testing::TestParamInfo<PlaceCase>& info) { return info.param.title; });
 
-TEST(PositionSentences, carryTheSumOfTheirCharacters) {
+TEST(PositionSentences, CarryTheSumOfTheirCharacters) {
     for (const double degrees : {0.0, 1.5, -45.125, 89.9999}) {
         const std::string sentences = positionSentences({degrees, -degrees}, kTime + 86400);
         std::size_t start = 0;
@@ -66,7 +66,7 @@ TEST(PositionSentences, carryTheSumOfTheirCharacters) {
     }
 }
 
-TEST(Position, isOnEarthUpToThePolesAndTheDateLine) {
+TEST(Position, IsOnEarthUpToThePolesAndTheDateLine) {
     EXPECT_TRUE(isOnEarth({90, 180}));
     EXPECT_TRUE(isOnEarth({-90, -180}));
     EXPECT_FALSE(isOnEarth({90.0001, 0}));

@@ -15,7 +15,7 @@ namespace {
 using testing::Contains;
 using testing::Not;
 
-TEST(ProcessLine, holdsTheNameAndTheState) {
+TEST(ProcessLine, HoldsTheNameAndTheState) {
     const auto running = parseProcessLine("42 (deva-nvaudio) S 1 42 42 0 -1");
     ASSERT_TRUE(running);
     EXPECT_EQ(running->name, "deva-nvaudio");
@@ -24,17 +24,17 @@ TEST(ProcessLine, holdsTheNameAndTheState) {
     EXPECT_TRUE(parseProcessLine("42 (sleep) X 1 42")->ended);
 }
 
-TEST(ProcessLine, mayHaveABracketInTheName) {
+TEST(ProcessLine, MayHaveABracketInTheName) {
     EXPECT_EQ(parseProcessLine("7 (a) R (b) S 1")->name, "a) R (b");
 }
 
-TEST(ProcessLine, thatIsNoneIsRecognised) {
+TEST(ProcessLine, ThatIsNoneIsRecognised) {
     for (const char* line :
          {"", "42", "42 (sleep", "42 sleep) S", "42 )x( S", "42 (sleep)", "42 (sleep) "})
         EXPECT_FALSE(parseProcessLine(line)) << line;
 }
 
-TEST(ProcessTable, findsAProcessAsLongAsItRuns) {
+TEST(ProcessTable, FindsAProcessAsLongAsItRuns) {
     ChildProcess child({"sleep", "1000"});
     EXPECT_THAT(processesNamed("sleep"), Contains(child.pid()));
     EXPECT_THAT(processesNamed("slee"), Not(Contains(child.pid())));
@@ -44,11 +44,11 @@ TEST(ProcessTable, findsAProcessAsLongAsItRuns) {
     EXPECT_THAT(processesNamed("sleep"), Not(Contains(child.pid()))) << "it has not been reaped";
 }
 
-TEST(ProcessTable, doesNotFindItself) {
+TEST(ProcessTable, DoesNotFindItself) {
     EXPECT_THAT(processesNamed("headunit_unit_test"), Not(Contains(::getpid())));
 }
 
-TEST(SignalNumber, comesFromNamesAndNumbers) {
+TEST(SignalNumber, ComesFromNamesAndNumbers) {
     EXPECT_EQ(signalNumber("SIGUSR1"), SIGUSR1);
     EXPECT_EQ(signalNumber("USR2"), SIGUSR2);
     EXPECT_EQ(signalNumber("9"), 9);

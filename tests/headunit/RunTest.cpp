@@ -44,7 +44,7 @@ protected:
     TestFolder m_temporary;
 };
 
-TEST_F(RunTest, saysWhereToReachTheUnitAndStopsOnASignal) {
+TEST_F(RunTest, SaysWhereToReachTheUnitAndStopsOnASignal) {
     for (const int stop : {SIGINT, SIGTERM}) {
         Program program(run({}, {"--daemon-path", STANDIN_DAEMON}), surroundings());
         ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
@@ -66,7 +66,7 @@ TEST_F(RunTest, saysWhereToReachTheUnitAndStopsOnASignal) {
     }
 }
 
-TEST_F(RunTest, keepsAGivenFolder) {
+TEST_F(RunTest, KeepsAGivenFolder) {
     Program program(run({}, {"--daemon-path", STANDIN_DAEMON, "--unit", m_temporary / "unit"}),
                     surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
@@ -77,7 +77,7 @@ TEST_F(RunTest, keepsAGivenFolder) {
     EXPECT_EQ(contentOf(m_temporary / "unit/dev/nvsku/rev"), "1A\n");
 }
 
-TEST_F(RunTest, endsWhenTheDaemonDies) {
+TEST_F(RunTest, EndsWhenTheDaemonDies) {
     Program program(run({}, {"--daemon-path", STANDIN_DAEMON, "--unit", m_temporary / "unit"}),
                     surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
@@ -86,7 +86,7 @@ TEST_F(RunTest, endsWhenTheDaemonDies) {
     EXPECT_EQ(program.error(), "stand-in: started\nheadunit: the daemon ended with status 3\n");
 }
 
-TEST_F(RunTest, endsWhenTheDaemonDoesNotStart) {
+TEST_F(RunTest, EndsWhenTheDaemonDoesNotStart) {
     Program program(run({}, {"--daemon-path", "/bin/false"}), surroundings());
     EXPECT_EQ(program.wait(), 1);
     EXPECT_EQ(program.output(), "");
@@ -95,7 +95,7 @@ TEST_F(RunTest, endsWhenTheDaemonDoesNotStart) {
     EXPECT_THAT(m_temporary.names(), IsEmpty());
 }
 
-TEST_F(RunTest, refusesWhenThePortIsTaken) {
+TEST_F(RunTest, RefusesWhenThePortIsTaken) {
     const std::string script = std::string(HEADUNIT_PROGRAM) + " run --daemon-path " + STANDIN_DAEMON +
                                " --unit " + (m_temporary / "first") + " | { read unit; " +
                                HEADUNIT_PROGRAM + " run --daemon-path " + STANDIN_DAEMON +
@@ -109,20 +109,20 @@ TEST_F(RunTest, refusesWhenThePortIsTaken) {
     EXPECT_THAT(m_temporary.names(), ElementsAre("first"));
 }
 
-TEST_F(RunTest, saysThatThereIsNoDaemon) {
+TEST_F(RunTest, SaysThatThereIsNoDaemon) {
     Program program(run({}, {"--daemon-path", "/none/such"}), surroundings());
     EXPECT_EQ(program.wait(), 1);
     EXPECT_THAT(program.error(), HasSubstr("there is no daemon at /none/such"));
 }
 
-TEST_F(RunTest, takesTheDaemonAlongWhenItIsKilled) {
+TEST_F(RunTest, TakesTheDaemonAlongWhenItIsKilled) {
     Program program(run({}, {"--daemon-path", STANDIN_DAEMON}), surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     program.signal(SIGKILL);
     EXPECT_EQ(program.wait(), 128 + SIGKILL);
 }
 
-TEST_F(RunTest, inPlaceWantsToBeToldTwice) {
+TEST_F(RunTest, InPlaceWantsToBeToldTwice) {
     Program program(run({}, {"--in-place", "--daemon-path", STANDIN_DAEMON}));
     EXPECT_EQ(program.wait(), 1);
     EXPECT_EQ(
@@ -131,13 +131,13 @@ TEST_F(RunTest, inPlaceWantsToBeToldTwice) {
         "machine itself; it is for disposable containers. Add --yes-change-this-machine when this is one\n");
 }
 
-TEST_F(RunTest, inPlaceWantsRoot) {
+TEST_F(RunTest, InPlaceWantsRoot) {
     Program program(run({"--uid", "1000"}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON}));
     EXPECT_EQ(program.wait(), 1);
     EXPECT_EQ(program.error(), "headunit: --in-place needs root to make nodes in /dev\n");
 }
 
-TEST_F(RunTest, inPlaceSetsTheMachineUpAndPutsItBack) {
+TEST_F(RunTest, InPlaceSetsTheMachineUpAndPutsItBack) {
     const TestFolder root;
     Program program(
         run({"--root", root.path()}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON}));
@@ -156,7 +156,7 @@ TEST_F(RunTest, inPlaceSetsTheMachineUpAndPutsItBack) {
     EXPECT_FALSE(fs::exists(root / "vrk"));
 }
 
-TEST_F(RunTest, inPlaceOverwritesNothing) {
+TEST_F(RunTest, InPlaceOverwritesNothing) {
     const TestFolder root;
     fs::create_directories(root / "mnt/app");
     writeFile(root / "mnt/app/img_ver.txt", "theirs\n");
@@ -171,7 +171,7 @@ TEST_F(RunTest, inPlaceOverwritesNothing) {
     EXPECT_TRUE(fs::is_empty(root / "run"));
 }
 
-TEST_F(RunTest, inPlaceClearsUpAfterAKilledOne) {
+TEST_F(RunTest, InPlaceClearsUpAfterAKilledOne) {
     const TestFolder root;
     const auto command =
         run({"--root", root.path()}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON});

@@ -45,28 +45,28 @@ std::vector<std::string> shares(const SandboxLayout& layout) {
     return found;
 }
 
-TEST(SandboxArguments, beginWithTheProgramAndEndWhereTheCommandFollows) {
+TEST(SandboxArguments, BeginWithTheProgramAndEndWhereTheCommandFollows) {
     const auto arguments = sandboxArguments(plainLayout());
     EXPECT_EQ(arguments.front(), "bwrap");
     EXPECT_EQ(arguments.back(), "--");
     EXPECT_EQ(std::count(arguments.begin(), arguments.end(), "--"), 1);
 }
 
-TEST(SandboxArguments, tieTheUnitToItsParentAndKeepItApart) {
+TEST(SandboxArguments, TieTheUnitToItsParentAndKeepItApart) {
     const auto arguments = sandboxArguments(plainLayout());
     for (const char* option :
          {"--die-with-parent", "--unshare-user-try", "--unshare-pid", "--unshare-ipc", "--unshare-uts"})
         EXPECT_THAT(arguments, Contains(option));
 }
 
-TEST(SandboxArguments, giveTheUnitANetworkOfItsOwnOrTheHosts) {
+TEST(SandboxArguments, GiveTheUnitANetworkOfItsOwnOrTheHosts) {
     SandboxLayout layout = plainLayout();
     EXPECT_THAT(sandboxArguments(layout), Contains("--unshare-net"));
     layout.ownNetwork = false;
     EXPECT_THAT(sandboxArguments(layout), Not(Contains("--unshare-net")));
 }
 
-TEST(SandboxArguments, showTheUnitsFoldersAndTheHostsStandardNodes) {
+TEST(SandboxArguments, ShowTheUnitsFoldersAndTheHostsStandardNodes) {
     const auto arguments = sandboxArguments(plainLayout());
     for (const std::string folder : {"/dev", "/mnt/app", "/ifs", "/vrk", "/tmp", "/run/headunit"})
         EXPECT_TRUE(has(arguments, {"--bind", "/tmp/unit" + folder, folder})) << folder;
@@ -78,7 +78,7 @@ TEST(SandboxArguments, showTheUnitsFoldersAndTheHostsStandardNodes) {
     }
 }
 
-TEST(SandboxArguments, showTheHostsSystemReadOnly) {
+TEST(SandboxArguments, ShowTheHostsSystemReadOnly) {
     SandboxLayout layout = plainLayout();
     layout.configurationFiles = {"/etc/passwd"};
     const auto arguments = sandboxArguments(layout);
@@ -89,7 +89,7 @@ TEST(SandboxArguments, showTheHostsSystemReadOnly) {
     EXPECT_TRUE(has(arguments, {"--proc", "/proc"}));
 }
 
-TEST(SandboxArguments, setTheEnvironmentAndTheWorkingDirectory) {
+TEST(SandboxArguments, SetTheEnvironmentAndTheWorkingDirectory) {
     SandboxLayout layout = plainLayout();
     layout.workingDirectory = "/home/me";
     const auto arguments = sandboxArguments(layout);
@@ -103,11 +103,11 @@ TEST(SandboxArguments, setTheEnvironmentAndTheWorkingDirectory) {
     EXPECT_TRUE(has(sandboxArguments(layout), {"--setenv", "PATH", "/home/me/build/bin"}));
 }
 
-TEST(SandboxArguments, showTheProgramsFolderReadOnly) {
+TEST(SandboxArguments, ShowTheProgramsFolderReadOnly) {
     EXPECT_THAT(shares(plainLayout()), ElementsAre("r /home/me/build/bin"));
 }
 
-TEST(SandboxArguments, showFoldersUnderTheUnitsTmpAfterIt) {
+TEST(SandboxArguments, ShowFoldersUnderTheUnitsTmpAfterIt) {
     SandboxLayout layout = plainLayout();
     layout.programFolder = "/tmp/checkout/bin";
     const auto arguments = sandboxArguments(layout);
@@ -128,7 +128,7 @@ void PrintTo(const ShareCase& row, std::ostream* out) {
 
 class SandboxShares : public testing::TestWithParam<ShareCase> {};
 
-TEST_P(SandboxShares, areSorted) {
+TEST_P(SandboxShares, AreSorted) {
     SandboxLayout layout = plainLayout();
     layout.programFolder.clear();
     layout.sharedFolders = GetParam().folders;

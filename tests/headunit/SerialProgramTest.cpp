@@ -57,7 +57,7 @@ protected:
     TestFolder m_temporary;
 };
 
-TEST_F(SerialProgramTest, aUnitHasItsLinesAndTheStationsEnd) {
+TEST_F(SerialProgramTest, AUnitHasItsLinesAndTheStationsEnd) {
     EXPECT_EQ(outputOf("for node in /dev/usbserialadapter1 /dev/ser1 /dev/NAD/AT_port /dev/ser3 "
                        "/run/headunit/station-line; do test -c $node && echo $node; done"),
               "/dev/usbserialadapter1\n/dev/ser1\n/dev/NAD/AT_port\n/dev/ser3\n"
@@ -69,7 +69,7 @@ TEST_F(SerialProgramTest, aUnitHasItsLinesAndTheStationsEnd) {
     EXPECT_THAT(m_temporary.names(), IsEmpty());
 }
 
-TEST_F(SerialProgramTest, aUnitIsControlledFromInside) {
+TEST_F(SerialProgramTest, AUnitIsControlledFromInside) {
     EXPECT_EQ(outputOf("headunit control unplug station; test -e /dev/usbserialadapter1 || echo gone; "
                        "headunit control plug station; test -c /dev/usbserialadapter1 && echo back; "
                        "headunit control state | head -n 1"),
@@ -78,7 +78,7 @@ TEST_F(SerialProgramTest, aUnitIsControlledFromInside) {
               "ok\nheadunit: 'it' is not one of station, loopback, modem, receiver\n1\n");
 }
 
-TEST_F(SerialProgramTest, aRunningUnitIsControlledFromOutside) {
+TEST_F(SerialProgramTest, ARunningUnitIsControlledFromOutside) {
     const std::string unit = m_temporary / "unit";
     Program program(run({}, {"--unit", unit}), surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
@@ -100,7 +100,7 @@ TEST_F(SerialProgramTest, aRunningUnitIsControlledFromOutside) {
     EXPECT_TRUE(fs::is_empty(unit + "/run/headunit"));
 }
 
-TEST_F(SerialProgramTest, twoUnitsRunSideBySide) {
+TEST_F(SerialProgramTest, TwoUnitsRunSideBySide) {
     const std::vector<std::string> command =
         exec({"--", "sh", "-c",
               "exec 3<>/dev/ser1; echo up; read word; echo $word >&3; read word <&3; "
@@ -118,7 +118,7 @@ TEST_F(SerialProgramTest, twoUnitsRunSideBySide) {
     EXPECT_THAT(m_temporary.names(), IsEmpty());
 }
 
-TEST_F(SerialProgramTest, oneFolderIsForOneUnitAtATime) {
+TEST_F(SerialProgramTest, OneFolderIsForOneUnitAtATime) {
     const std::string unit = m_temporary / "unit";
     Program first(exec({"--unit", unit, "--", "sh", "-c", "echo up; read line"}), surroundings());
     ASSERT_TRUE(first.waitForOutput("up\n")) << first.error();
@@ -130,7 +130,7 @@ TEST_F(SerialProgramTest, oneFolderIsForOneUnitAtATime) {
     EXPECT_EQ(first.wait(), 0);
 }
 
-TEST_F(SerialProgramTest, aKeptFolderIsUsedAgainAfterAKilledRun) {
+TEST_F(SerialProgramTest, AKeptFolderIsUsedAgainAfterAKilledRun) {
     const std::string unit = m_temporary / "unit";
     Program killed(exec({"--unit", unit, "--", "sh", "-c", "echo up; read line"}), surroundings());
     ASSERT_TRUE(killed.waitForOutput("up\n")) << killed.error();
@@ -146,21 +146,21 @@ TEST_F(SerialProgramTest, aKeptFolderIsUsedAgainAfterAKilledRun) {
     EXPECT_EQ(next.output(), "round\n4\n");
 }
 
-TEST_F(SerialProgramTest, controlSaysThatThereIsNoUnit) {
+TEST_F(SerialProgramTest, ControlSaysThatThereIsNoUnit) {
     const std::string nowhere = m_temporary / "none";
     EXPECT_EQ(control({"--unit", nowhere, "state"}),
               (std::pair{3, "headunit: no unit listens at " + nowhere +
                                 "/run/headunit/control; outside a unit name its folder with --unit\n"}));
 }
 
-TEST_F(SerialProgramTest, controlWantsWords) {
+TEST_F(SerialProgramTest, ControlWantsWords) {
     EXPECT_EQ(control({}).first, 2);
     EXPECT_EQ(control({"--fast", "state"}).first, 2);
     EXPECT_EQ(control({"state\nstate"}).first, 2);
     EXPECT_EQ(control({"state", "--", "true"}).first, 2);
 }
 
-TEST_F(SerialProgramTest, theSupplierIsTheDaemonsAlone) {
+TEST_F(SerialProgramTest, TheSupplierIsTheDaemonsAlone) {
     const std::string daemon = m_temporary / "daemon";
     writeFile(daemon,
               std::string("#!/bin/sh\n") + kReadSupplier + " >&2\nexec " + STANDIN_DAEMON + "\n");
@@ -182,7 +182,7 @@ TEST_F(SerialProgramTest, theSupplierIsTheDaemonsAlone) {
     EXPECT_THAT(useless.error(), HasSubstr("--daemon"));
 }
 
-TEST_F(SerialProgramTest, theSupplierOfARunningUnit) {
+TEST_F(SerialProgramTest, TheSupplierOfARunningUnit) {
     const std::string daemon = m_temporary / "daemon";
     writeFile(daemon,
               std::string("#!/bin/sh\n") + kReadSupplier + " >&2\nexec " + STANDIN_DAEMON + "\n");
@@ -203,7 +203,7 @@ TEST_F(SerialProgramTest, theSupplierOfARunningUnit) {
     }
 }
 
-TEST_F(SerialProgramTest, inPlaceHasTheLinesToo) {
+TEST_F(SerialProgramTest, InPlaceHasTheLinesToo) {
     const TestFolder root;
     Program program(
         run({"--root", root.path()}, {"--in-place", "--yes-change-this-machine", "--supplier", "inner"}),

@@ -68,7 +68,7 @@ protected:
     }
 };
 
-TEST_F(StationLineTest, passesEveryByteBothWays) {
+TEST_F(StationLineTest, PassesEveryByteBothWays) {
     const Line unit(node(kNode));
     const Line station(stationEnd());
     ASSERT_TRUE(station.trySend(everyByte()));
@@ -78,21 +78,21 @@ TEST_F(StationLineTest, passesEveryByteBothWays) {
     EXPECT_EQ(unit.readNow(), "");
 }
 
-TEST_F(StationLineTest, losesNothingToASlowReader) {
+TEST_F(StationLineTest, LosesNothingToASlowReader) {
     const Line unit(node(kNode));
     const Line station(stationEnd());
     sendsSlowly(station, unit);
     sendsSlowly(unit, station);
 }
 
-TEST_F(StationLineTest, makesTheWriterWaitForTheReader) {
+TEST_F(StationLineTest, MakesTheWriterWaitForTheReader) {
     const Line unit(node(kNode));
     const Line station(stationEnd());
     waitsForTheReader(station, unit);
     waitsForTheReader(unit, station);
 }
 
-TEST_F(StationLineTest, isTheSameForAProgramThatClosesAndReopensIt) {
+TEST_F(StationLineTest, IsTheSameForAProgramThatClosesAndReopensIt) {
     const Line station(stationEnd());
     for (int round = 0; round < 3; ++round) {
         const Line unit(node(kNode));
@@ -103,7 +103,7 @@ TEST_F(StationLineTest, isTheSameForAProgramThatClosesAndReopensIt) {
     }
 }
 
-TEST_F(StationLineTest, hangsUpWhenItIsUnplugged) {
+TEST_F(StationLineTest, HangsUpWhenItIsUnplugged) {
     const Line unit(node(kNode));
     const Line station(stationEnd());
     tell("unplug station");
@@ -112,7 +112,7 @@ TEST_F(StationLineTest, hangsUpWhenItIsUnplugged) {
     EXPECT_TRUE(std::filesystem::exists(stationEnd()));
 }
 
-TEST_F(StationLineTest, losesWhatTheStationSendsMeanwhile) {
+TEST_F(StationLineTest, LosesWhatTheStationSendsMeanwhile) {
     const Line station(stationEnd());
     tell("unplug station");
     ASSERT_TRUE(station.trySend(longText(kMebibyte)));
@@ -122,7 +122,7 @@ TEST_F(StationLineTest, losesWhatTheStationSendsMeanwhile) {
     EXPECT_EQ(unit.receive(4), "kept");
 }
 
-TEST_F(StationLineTest, deliversToTheStationWhatTheUnitWroteBefore) {
+TEST_F(StationLineTest, DeliversToTheStationWhatTheUnitWroteBefore) {
     const Line station(stationEnd());
     {
         const Line unit(node(kNode));
@@ -135,7 +135,7 @@ TEST_F(StationLineTest, deliversToTheStationWhatTheUnitWroteBefore) {
     EXPECT_EQ(station.receive(6), "before");
 }
 
-TEST_F(StationLineTest, isUnpluggedManyTimesWhileDataFlows) {
+TEST_F(StationLineTest, IsUnpluggedManyTimesWhileDataFlows) {
     const Line station(stationEnd());
     std::atomic<bool> stop{false};
     std::atomic<std::uint64_t> taken{0};
@@ -184,7 +184,7 @@ TEST_F(StationLineTest, isUnpluggedManyTimesWhileDataFlows) {
     EXPECT_EQ(received.back(), '\xFF');
 }
 
-TEST_F(StationLineTest, outlivesAProgramThatHadItAsItsControllingTerminal) {
+TEST_F(StationLineTest, OutlivesAProgramThatHadItAsItsControllingTerminal) {
     const Line station(stationEnd());
     Program leader({"setsid", "sh", "-c", "exec <" + node(kNode) + "; echo here >" + node(kNode)});
     ASSERT_EQ(leader.wait(), 0) << leader.error();

@@ -10,18 +10,18 @@
 namespace headunit {
 namespace {
 
-TEST(FormatText, isAsLongAsItTakes) {
+TEST(FormatText, IsAsLongAsItTakes) {
     const std::string longText(100000, 'x');
     EXPECT_EQ(formatText("<%s> %02X", longText.c_str(), 0xA), "<" + longText + "> 0A");
     EXPECT_EQ(formatText("%s", ""), "");
 }
 
-TEST(UnitError, saysWhatItWasGiven) {
+TEST(UnitError, SaysWhatItWasGiven) {
     EXPECT_STREQ(unitError("%s is %d", "%n", 3).what(), "%n is 3");
     EXPECT_STREQ(UnitError("100 %").what(), "100 %");
 }
 
-TEST(NameList, separatesTheNames) {
+TEST(NameList, SeparatesTheNames) {
     using Names = std::vector<std::string>;
     EXPECT_EQ(listed(Names{}), "");
     EXPECT_EQ(listed(Names{"a"}, ", ", " or "), "a");

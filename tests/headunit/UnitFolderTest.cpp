@@ -41,7 +41,7 @@ protected:
     std::optional<std::string> m_before;
 };
 
-TEST_F(UnitFolderTest, aTemporaryOneLiesInTmpdirAndGoesWithItsOwner) {
+TEST_F(UnitFolderTest, ATemporaryOneLiesInTmpdirAndGoesWithItsOwner) {
     {
         const UnitFolder folder = UnitFolder::temporary();
         EXPECT_EQ(folder.path().rfind(m_parent / "headunit-", 0), 0u) << folder.path();
@@ -50,7 +50,7 @@ TEST_F(UnitFolderTest, aTemporaryOneLiesInTmpdirAndGoesWithItsOwner) {
     EXPECT_THAT(m_parent.names(), IsEmpty());
 }
 
-TEST_F(UnitFolderTest, goesOnceWhenMoved) {
+TEST_F(UnitFolderTest, GoesOnceWhenMoved) {
     {
         UnitFolder first = UnitFolder::temporary();
         const UnitFolder second(std::move(first));
@@ -59,7 +59,7 @@ TEST_F(UnitFolderTest, goesOnceWhenMoved) {
     EXPECT_THAT(m_parent.names(), IsEmpty());
 }
 
-TEST_F(UnitFolderTest, holdsTheFoldersThatTheUnitSees) {
+TEST_F(UnitFolderTest, HoldsTheFoldersThatTheUnitSees) {
     const UnitFolder folder = UnitFolder::temporary();
     for (const char* name : {"/dev", "/mnt/app", "/ifs", "/vrk", "/tmp", "/run/headunit"})
         EXPECT_TRUE(fs::is_directory(folder.hostPath(name))) << name;
@@ -68,7 +68,7 @@ TEST_F(UnitFolderTest, holdsTheFoldersThatTheUnitSees) {
     EXPECT_EQ(tmp.st_mode & 07777, 01777u);
 }
 
-TEST_F(UnitFolderTest, removalFollowsNoLink) {
+TEST_F(UnitFolderTest, RemovalFollowsNoLink) {
     writeFile(m_parent / "precious", "here");
     {
         const UnitFolder folder = UnitFolder::temporary();
@@ -77,21 +77,21 @@ TEST_F(UnitFolderTest, removalFollowsNoLink) {
     EXPECT_THAT(m_parent.names(), ElementsAre("precious"));
 }
 
-TEST_F(UnitFolderTest, createsFilesWithExactBytesAndTheFoldersAboveThem) {
+TEST_F(UnitFolderTest, CreatesFilesWithExactBytesAndTheFoldersAboveThem) {
     UnitFolder folder = UnitFolder::temporary();
     const std::string bytes("a\0b\n", 4);
     folder.createFile("/dev/some/deep/node", bytes);
     EXPECT_EQ(contentOf(folder.path() + "/dev/some/deep/node"), bytes);
 }
 
-TEST_F(UnitFolderTest, aKeptOneIsMadeAndStaysWithWhatItHolds) {
+TEST_F(UnitFolderTest, AKeptOneIsMadeAndStaysWithWhatItHolds) {
     const std::string path = m_parent / "a/b";
     UnitFolder::kept(path).createFile("/dev/node", "first");
     UnitFolder::kept(path).createFile("/dev/node", "second");
     EXPECT_EQ(contentOf(path + "/dev/node"), "first");
 }
 
-TEST_F(UnitFolderTest, aKeptOneIsKnownByItsAbsolutePath) {
+TEST_F(UnitFolderTest, AKeptOneIsKnownByItsAbsolutePath) {
     const fs::path before = fs::current_path();
     fs::current_path(m_parent.path());
     const UnitFolder folder = UnitFolder::kept("relative/../unit");
@@ -99,7 +99,7 @@ TEST_F(UnitFolderTest, aKeptOneIsKnownByItsAbsolutePath) {
     EXPECT_EQ(folder.path(), m_parent / "unit");
 }
 
-TEST_F(UnitFolderTest, saysWhichFolderCannotBeMade) {
+TEST_F(UnitFolderTest, SaysWhichFolderCannotBeMade) {
     writeFile(m_parent / "file", "");
     try {
         UnitFolder::kept(m_parent / "file/unit");
@@ -109,14 +109,14 @@ TEST_F(UnitFolderTest, saysWhichFolderCannotBeMade) {
     }
 }
 
-TEST(HostFile, isOverwrittenFromItsStartWithoutBeingCut) {
+TEST(HostFile, IsOverwrittenFromItsStartWithoutBeingCut) {
     const TestFolder folder;
     writeFile(folder / "node", "0\n");
     overwriteHostFile(folder / "node", "1");
     EXPECT_EQ(readHostFile(folder / "node"), "1\n");
 }
 
-TEST(HostFile, thatIsMissingIsAnErrorForBothDirections) {
+TEST(HostFile, ThatIsMissingIsAnErrorForBothDirections) {
     const TestFolder folder;
     EXPECT_THROW(readHostFile(folder / "none"), UnitError);
     EXPECT_THROW(overwriteHostFile(folder / "none", "1"), UnitError);

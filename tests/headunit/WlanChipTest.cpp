@@ -27,7 +27,7 @@ void PrintTo(const CommandCase& row, std::ostream* out) {
 
 class WlanCommand : public testing::TestWithParam<CommandCase> {};
 
-TEST_P(WlanCommand, isAnswered) {
+TEST_P(WlanCommand, IsAnswered) {
     WlanChip chip;
     EXPECT_EQ(chip.answer(wlanPacket(GetParam().command)), wlanAnswer(GetParam().reply));
 }
@@ -64,7 +64,7 @@ void PrintTo(const BrokenCase& row, std::ostream* out) {
 
 class BrokenWlanRequest : public testing::TestWithParam<BrokenCase> {};
 
-TEST_P(BrokenWlanRequest, isRefused) {
+TEST_P(BrokenWlanRequest, IsRefused) {
     WlanChip chip;
     std::string parts = wlanParts(hostCommand(3, 1, ""));
     parts[GetParam().place] = GetParam().value;
@@ -83,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BrokenCase{"shortCommand", 50, 7, EINVAL}, BrokenCase{"longCommand", 51, 1, EINVAL}),
     [](const testing::TestParamInfo<BrokenCase>& info) { return info.param.title; });
 
-TEST(WlanChip, refusesWhatIsNoRequest) {
+TEST(WlanChip, RefusesWhatIsNoRequest) {
     WlanChip chip;
     const std::string parts = wlanParts(hostCommand(3, 1, ""));
     EXPECT_EQ(chip.answer(""), numbers({EINVAL}));
@@ -94,7 +94,7 @@ TEST(WlanChip, refusesWhatIsNoRequest) {
     EXPECT_EQ(chip.refused(), chip.requests());
 }
 
-TEST(WlanChip, givesNoMoreThanThereIsRoomFor) {
+TEST(WlanChip, GivesNoMoreThanThereIsRoomFor) {
     WlanChip chip;
     const std::string parts = wlanParts(hostCommand(3, 1, ""));
     const std::string whole = wlanAnswer(hostCommand(0x8003, 1, kDescription));
@@ -102,7 +102,7 @@ TEST(WlanChip, givesNoMoreThanThereIsRoomFor) {
     EXPECT_EQ(chip.answer(requestPacket(0, parts, 60)), whole.substr(0, 64));
 }
 
-TEST(WlanChip, keepsAnAddressUntilItIsReset) {
+TEST(WlanChip, KeepsAnAddressUntilItIsReset) {
     WlanChip chip;
     EXPECT_EQ(chip.address(), kAddress);
     chip.answer(wlanPacket(hostCommand(0x4D, 1, shorts({1}) + "abcdef")));
@@ -111,7 +111,7 @@ TEST(WlanChip, keepsAnAddressUntilItIsReset) {
     EXPECT_EQ(chip.address(), kAddress);
 }
 
-TEST(WlanChip, failsAsItIsTold) {
+TEST(WlanChip, FailsAsItIsTold) {
     WlanChip chip;
     const std::string packet = wlanPacket(hostCommand(0xA9, 1, ""));
     chip.orderResult(5, 2);
@@ -125,7 +125,7 @@ TEST(WlanChip, failsAsItIsTold) {
     EXPECT_EQ(chip.requests(), 4u);
 }
 
-TEST(WlanChip, saysThatItsAnswerIsLonger) {
+TEST(WlanChip, SaysThatItsAnswerIsLonger) {
     WlanChip chip;
     const std::string packet = requestPacket(0, wlanParts(hostCommand(0xA9, 1, "")), 1000);
     chip.orderSize(250, 1);

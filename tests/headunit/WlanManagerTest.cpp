@@ -23,7 +23,7 @@ protected:
     ManagerClient connect() const { return {node("/dev/io-net"), "uap0"}; }
 };
 
-TEST_F(WlanManagerTest, answersAtItsNode) {
+TEST_F(WlanManagerTest, AnswersAtItsNode) {
     EXPECT_TRUE(std::filesystem::is_socket(node("/dev/io-net/uap0")));
     const ManagerClient client = connect();
     EXPECT_EQ(client.ask(kReset), kResetDone);
@@ -34,11 +34,11 @@ TEST_F(WlanManagerTest, answersAtItsNode) {
                 HasSubstr("wlan /dev/io-net/uap0 on address 02:34:56:78:9A:BC requests 3 refused 1\n"));
 }
 
-TEST_F(WlanManagerTest, tellsThatItsDriverIsLoaded) {
+TEST_F(WlanManagerTest, TellsThatItsDriverIsLoaded) {
     EXPECT_TRUE(std::filesystem::is_regular_file(node("/dev/shmem/mv8787wl")));
 }
 
-TEST_F(WlanManagerTest, failsAsItIsTold) {
+TEST_F(WlanManagerTest, FailsAsItIsTold) {
     const ManagerClient client = connect();
     tell("wlan result 5");
     EXPECT_EQ(client.ask(kReset), numbers({5}));
@@ -53,7 +53,7 @@ TEST_F(WlanManagerTest, failsAsItIsTold) {
     EXPECT_EQ(client.ask(kReset), kResetDone);
 }
 
-TEST_F(WlanManagerTest, answersLate) {
+TEST_F(WlanManagerTest, AnswersLate) {
     const ManagerClient client = connect();
     tell("wlan late 300");
     const auto start = steady_clock::now();
@@ -61,7 +61,7 @@ TEST_F(WlanManagerTest, answersLate) {
     EXPECT_GE(steady_clock::now() - start, milliseconds(300));
 }
 
-TEST_F(WlanManagerTest, goesAwayAndComesBack) {
+TEST_F(WlanManagerTest, GoesAwayAndComesBack) {
     const ManagerClient client = connect();
     tell("wlan late 600000");
     ASSERT_TRUE(client.send(kReset));
@@ -77,7 +77,7 @@ TEST_F(WlanManagerTest, goesAwayAndComesBack) {
     EXPECT_EQ(connect().ask(kReset), kResetDone);
 }
 
-TEST_F(WlanManagerTest, leavesNothingAtTheEnd) {
+TEST_F(WlanManagerTest, LeavesNothingAtTheEnd) {
     m_peers.reset();
     EXPECT_FALSE(std::filesystem::exists(node("/dev/io-net/uap0")));
 }
