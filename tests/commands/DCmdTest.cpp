@@ -68,13 +68,7 @@ TEST_F(DCmdTest, HasItsIdAndName) {
 }
 
 TEST_F(DCmdTest, AnswersTheChecksumOfARange) {
-    struct Row {
-        Bytes content;
-        unsigned int offset;
-        unsigned int checksum;
-        const char* base64;
-    };
-    const Row rows[] = {
+    const Rows<Bytes, unsigned int, unsigned int, const char*> rows = {
         {digits(), 0, 0x74527081, "dFJwgQ=="},
         {digits(), 3, 0x74527081, "dFJwgQ=="},
         {digits(), kScratchBytes - 10, 0x74527081, "dFJwgQ=="},
@@ -84,12 +78,12 @@ TEST_F(DCmdTest, AnswersTheChecksumOfARange) {
         {{0xFF, 0xFF, 0xFF, 0xFF}, kScratchBytes - 5, 0xFFFFFFFF, "/////w=="},
         {{0, 0, 0, 0}, 0, 0, "AAAAAA=="},
     };
-    for (const Row& row : rows) {
-        const auto length = static_cast<unsigned int>(row.content.size());
-        SCOPED_TRACE(string_format("%u bytes at %u", length, row.offset));
-        store(row.offset, row.content);
-        expectChecksum(request(0, row.offset, length), row.checksum);
-        expectChecksum(line("0", std::to_string(row.offset), std::to_string(length)), row.base64);
+    for (const auto& [content, offset, checksum, base64] : rows) {
+        const auto length = static_cast<unsigned int>(content.size());
+        SCOPED_TRACE(string_format("%u bytes at %u", length, offset));
+        store(offset, content);
+        expectChecksum(request(0, offset, length), checksum);
+        expectChecksum(line("0", std::to_string(offset), std::to_string(length)), base64);
     }
 }
 
@@ -130,15 +124,8 @@ TEST_F(DCmdTest, TheSubCommandBeginsWithItsWord) {
 }
 
 TEST_F(DCmdTest, RefusesRangesThatAreNotInTheBuffer) {
-    struct Row {
-        unsigned char type;
-        unsigned int offset;
-        unsigned int length;
-        unsigned int code;
-        const char* text;
-    };
     const unsigned int size = kScratchBytes;
-    const Row rows[] = {
+    const Rows<unsigned char, unsigned int, unsigned int, unsigned int, const char*> rows = {
         {1, 0, 9, kGenericError, kSegmented},
         {1, ~0U, ~0U, kGenericError, kSegmented},
         {2, 0, 9, kGenericError, "unknown memory type 2"},
@@ -164,11 +151,11 @@ TEST_F(DCmdTest, RefusesRangesThatAreNotInTheBuffer) {
         {0, size - 4, 3, kSizeError, kTooSmall},
         {0, size - 1, 0, kSizeError, kTooSmall},
     };
-    for (const Row& row : rows) {
-        expectRefused(request(row.type, row.offset, row.length), row.code, row.text);
-        expectRefused(line(std::to_string(row.type), string_format("0x%X", row.offset),
-                           string_format("0x%X", row.length)),
-                      row.code, row.text);
+    for (const auto& [type, offset, length, code, text] : rows) {
+        expectRefused(request(type, offset, length), code, text);
+        expectRefused(
+            line(std::to_string(type), string_format("0x%X", offset), string_format("0x%X", length)),
+            code, text);
     }
     expectRefused(line("0", "-4", "4"), kAddressError, kAddressTooLarge);
     expectRefused(line("0", "4", "-4"), kSizeError, kSizeTooLarge);

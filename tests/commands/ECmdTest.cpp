@@ -112,42 +112,34 @@ TEST_F(ECmdTest, HasItsIdAndName) {
 }
 
 TEST_F(ECmdTest, ABinaryRequestSendsTheSignalOfItsState) {
-    struct Row {
-        unsigned char state;
-        const char* calls;
-    };
-    for (const Row& row : {Row{1, kActivated}, Row{0, kDeactivated}}) {
-        SCOPED_TRACE(row.calls);
-        expectResponse(process(Bytes{0x04, 'E', 0x80, row.state}), 0, "");
-        EXPECT_EQ(noted(), row.calls);
-        EXPECT_THAT(send(Bytes{0x04, 'E', 0x80, row.state}),
-                    ElementsAre(8, 'E', 0x80, row.state, 0, 0, 0, 0));
-        EXPECT_EQ(noted(), row.calls);
-        expectResponse(Response(audio().setState(row.state)), 0, "");
-        EXPECT_EQ(noted(), row.calls);
+    for (const auto& [state, calls] :
+         Rows<unsigned char, const char*>{{1, kActivated}, {0, kDeactivated}}) {
+        SCOPED_TRACE(calls);
+        expectResponse(process(Bytes{0x04, 'E', 0x80, state}), 0, "");
+        EXPECT_EQ(noted(), calls);
+        EXPECT_THAT(send(Bytes{0x04, 'E', 0x80, state}), ElementsAre(8, 'E', 0x80, state, 0, 0, 0, 0));
+        EXPECT_EQ(noted(), calls);
+        expectResponse(Response(audio().setState(state)), 0, "");
+        EXPECT_EQ(noted(), calls);
     }
     EXPECT_THAT(m_listener.frames, IsEmpty());
 }
 
 TEST_F(ECmdTest, ALineSendsTheSignalOfItsWord) {
-    struct Row {
-        const char* word;
-        const char* calls;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*> rows = {
         {"activate", kActivated},      {"activated", kActivated},
         {"activate now", kActivated},  {"deactivate", kDeactivated},
         {"deactivated", kDeactivated}, {"deactivateactivate", kDeactivated},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.word);
-        expectResponse(process(tokens({"audio", row.word})), 0, "");
-        EXPECT_EQ(noted(), row.calls);
-        EXPECT_EQ(send(tokens({"audio", row.word})), "audio ok");
-        EXPECT_EQ(noted(), row.calls);
-        const std::string text = row.word;
+    for (const auto& [word, calls] : rows) {
+        SCOPED_TRACE(word);
+        expectResponse(process(tokens({"audio", word})), 0, "");
+        EXPECT_EQ(noted(), calls);
+        EXPECT_EQ(send(tokens({"audio", word})), "audio ok");
+        EXPECT_EQ(noted(), calls);
+        const std::string text = word;
         EXPECT_EQ(send({token("audio"), {text.begin(), text.end()}}), "audio ok") << "without a zero";
-        EXPECT_EQ(noted(), row.calls);
+        EXPECT_EQ(noted(), calls);
     }
     EXPECT_THAT(m_listener.lines, IsEmpty());
 }

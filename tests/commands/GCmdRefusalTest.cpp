@@ -72,15 +72,11 @@ TEST_F(GCmdRefusalTest, FramesOfAnotherLength) {
 }
 
 TEST_F(GCmdRefusalTest, FramesOfAnotherKind) {
-    struct Row {
-        unsigned char code;
-        const char* shown;
-    };
-    for (const Row& row :
-         {Row{0x00, "00"}, Row{0x0A, "0a"}, Row{0x9F, "9f"}, Row{0xA2, "a2"}, Row{0xFF, "ff"}}) {
-        const std::string text = "Unknown 'G' subcommand: " + std::string(row.shown);
-        expectRefused(Bytes{5, 'G', row.code, 0, 0}, kGenericError, text);
-        expectRefused(Bytes{7, 'G', row.code, 0, 0, 0, 0}, kGenericError, text);
+    for (const auto& [code, shown] : Rows<unsigned char, const char*>{
+             {0x00, "00"}, {0x0A, "0a"}, {0x9F, "9f"}, {0xA2, "a2"}, {0xFF, "ff"}}) {
+        const std::string text = "Unknown 'G' subcommand: " + std::string(shown);
+        expectRefused(Bytes{5, 'G', code, 0, 0}, kGenericError, text);
+        expectRefused(Bytes{7, 'G', code, 0, 0, 0, 0}, kGenericError, text);
     }
     for (Bytes request : {Bytes{2, 'G'}, Bytes{}})
         expectError(Response(command().process(&request)), kGenericError,
@@ -141,19 +137,15 @@ TEST_F(GCmdRefusalTest, ChannelsThatCarryNoVideo) {
 }
 
 TEST_F(GCmdRefusalTest, AnEnvironmentThatCannotBeSet) {
-    struct Row {
-        const char* variable;
-        const char* text;
-    };
-    for (const Row& row :
-         {Row{"LD_LIBRARY_PATH", kNoLibraryPath}, Row{"IPL_CONFIG_DIR", kNoConfiguration}}) {
-        refuseVariable(row.variable);
-        expectError(GCmd::setEnvVar(), kGenericError, row.text);
-        expectError(command().switchToBlack(0), kGenericError, row.text);
-        expectRefused(Bytes{5, 'G', 0xA0, 0, 0}, kGenericError, row.text);
-        expectRefused(Words{"graphic", "display", "0", "0"}, kGenericError, row.text);
+    for (const auto& [variable, text] : Rows<const char*, const char*>{
+             {"LD_LIBRARY_PATH", kNoLibraryPath}, {"IPL_CONFIG_DIR", kNoConfiguration}}) {
+        refuseVariable(variable);
+        expectError(GCmd::setEnvVar(), kGenericError, text);
+        expectError(command().switchToBlack(0), kGenericError, text);
+        expectRefused(Bytes{5, 'G', 0xA0, 0, 0}, kGenericError, text);
+        expectRefused(Words{"graphic", "display", "0", "0"}, kGenericError, text);
         for (const char* input : {"0", "2", "3"})
-            expectRefused(Words{"graphic", "capture", input, "0"}, kGenericError, row.text);
+            expectRefused(Words{"graphic", "capture", input, "0"}, kGenericError, text);
     }
 }
 

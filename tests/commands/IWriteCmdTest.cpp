@@ -115,11 +115,7 @@ TEST_F(IWriteCmdTest, ABusThatCannotBeOpenedIsTold) {
 }
 
 TEST_F(IWriteCmdTest, AFailingWriteIsToldWithItsTextAndItsCode) {
-    struct Row {
-        int result;
-        const char* text;
-    };
-    const Row rows[] = {
+    const Rows<int, const char*> rows = {
         {1, "The master is locked by another connection, errorcode: 1"},
         {5, "The master send failed, errorcode: 5"},
         {12, "Insufficient memory, errorcode: 12"},
@@ -128,11 +124,11 @@ TEST_F(IWriteCmdTest, AFailingWriteIsToldWithItsTextAndItsCode) {
         {16, "Device or resource busy, errorcode: 16"},
         {-1, "Unknown error -1, errorcode: -1"},
     };
-    for (const Row& row : rows) {
-        m_manager->willAnswer(row.result);
-        m_manager->willAnswer(row.result);
+    for (const auto& [result, text] : rows) {
+        m_manager->willAnswer(result);
+        m_manager->willAnswer(result);
         expectRefused(writing(0, 1, {0x50}), kBusError,
-                      std::string("Write Error on Device /dev/i2c0: ") + row.text);
+                      std::string("Write Error on Device /dev/i2c0: ") + text);
     }
     EXPECT_EQ(m_manager->connections(), 1) << "the bus stays open";
 }

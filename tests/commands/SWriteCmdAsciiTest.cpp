@@ -25,11 +25,7 @@ protected:
 } // namespace
 
 TEST_F(SWriteCmdAsciiTest, MalformedLinesAreRefused) {
-    struct Row {
-        std::vector<std::string> words;
-        const char* text;
-    };
-    const Row rows[] = {
+    const Rows<std::vector<std::string>, const char*> rows = {
         {{"serial"}, "no sub command found"},
         {{"serial", "ope"}, "Command 111 not supported"},
         {{"serial", "Get", "1", "1"}, "Command 71 not supported"},
@@ -47,26 +43,23 @@ TEST_F(SWriteCmdAsciiTest, MalformedLinesAreRefused) {
         {{"serial", "getall"}, "Expected at least 2 Parameters, received 1"},
         {{"serial", "getall", "2", "1"}, "Expected at least 2 Parameters, received 3"},
     };
-    for (const Row& row : rows)
-        expectWordsRefused(row.words, kGenericError, row.text);
+    for (const auto& [words, text] : rows)
+        expectWordsRefused(words, kGenericError, text);
     expectLineRefused({}, kGenericError, "no sub command found");
     expectLineRefused({token("serial"), {}}, kGenericError, "Command 0 not supported");
     EXPECT_THAT(m_calls.all(), ::testing::IsEmpty());
 }
 
 TEST_F(SWriteCmdAsciiTest, AReadOfNoneOrTooManyIsRefused) {
-    struct Row {
-        const char* count;
-        const char* requested;
-    };
-    const Row rows[] = {{"0", "0"},     {"243", "243"}, {"255", "255"}, {"256", "0"},
-                        {"499", "243"}, {"-1", "255"},  {"x", "0"}};
-    for (const Row& row : rows)
+    const Rows<const char*, const char*> rows = {{"0", "0"},   {"243", "243"}, {"255", "255"},
+                                                 {"256", "0"}, {"499", "243"}, {"-1", "255"},
+                                                 {"x", "0"}};
+    for (const auto& [count, requested] : rows)
         for (const char* channel : {"2", "9", "240", "241"})
             expectWordsRefused(
-                {"serial", "get", channel, row.count}, kReadSize,
+                {"serial", "get", channel, count}, kReadSize,
                 std::string("Overflow of Requesting Bytes to Read, allowed: [1,247], requested: ") +
-                    row.requested);
+                    requested);
 }
 
 TEST_F(SWriteCmdAsciiTest, ChannelsAreRefusedAsOverTheOtherProtocol) {

@@ -41,11 +41,7 @@ TEST_F(SWriteCmdBinaryTest, HasItsIdAndItsName) {
 }
 
 TEST_F(SWriteCmdBinaryTest, MalformedRequestsAreRefused) {
-    struct Row {
-        Bytes frame;
-        const char* text;
-    };
-    const Row rows[] = {
+    const Rows<Bytes, const char*> rows = {
         {{2, 'S'}, "Command -1 not supported"},
         {{3, 'S', 5}, "Command 5 not supported"},
         {{4, 'S', 5, 1}, "Command 5 not supported"},
@@ -63,8 +59,8 @@ TEST_F(SWriteCmdBinaryTest, MalformedRequestsAreRefused) {
         {{4, 'S', 3, kWlan}, "Expected 5 Bytes, received 4"},
         {{5, 'S', 1, kBluetooth, 0}, "Expected 4 Bytes, received 5"},
     };
-    for (const Row& row : rows)
-        expectRefused(row.frame, kGenericError, row.text);
+    for (const auto& [frame, text] : rows)
+        expectRefused(frame, kGenericError, text);
     EXPECT_THAT(m_calls.all(), ::testing::IsEmpty());
 }
 
@@ -109,11 +105,7 @@ TEST_F(SWriteCmdBinaryTest, WithoutAFrontEndEveryChannelMayBeOpened) {
 }
 
 TEST_F(SWriteCmdBinaryTest, TheFlagsBecomeTheLinesSettings) {
-    struct Row {
-        unsigned char flags;
-        tcflag_t settings;
-    };
-    const Row rows[] = {
+    const Rows<unsigned char, tcflag_t> rows = {
         {0x00, CS8},
         {0x01, CS8 | CSTOPB},
         {0x04, CS8 | PARENB},
@@ -126,11 +118,11 @@ TEST_F(SWriteCmdBinaryTest, TheFlagsBecomeTheLinesSettings) {
     };
     constexpr tcflag_t kSettings = CSIZE | PARENB | PARODD | CSTOPB;
     for (const unsigned char channel : Bytes{1, 2, 3})
-        for (const Row& row : rows) {
-            SCOPED_TRACE(int{row.flags});
-            const Bytes request = openRequest(channel, 9600, row.flags);
+        for (const auto& [flags, settings] : rows) {
+            SCOPED_TRACE(int{flags});
+            const Bytes request = openRequest(channel, 9600, flags);
             expectAnswer(request, success(request));
-            EXPECT_EQ(m_calls.beforeRaw.c_cflag & kSettings, row.settings);
+            EXPECT_EQ(m_calls.beforeRaw.c_cflag & kSettings, settings);
             EXPECT_EQ(::cfgetospeed(&m_calls.beforeRaw), static_cast<speed_t>(B9600));
             EXPECT_THAT(m_lines[channel].opened(), SizeIs(1));
         }

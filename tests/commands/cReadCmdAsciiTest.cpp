@@ -22,11 +22,7 @@ protected:
 } // namespace
 
 TEST_F(cReadCmdAsciiTest, AnswersWhatTheCommandWrote) {
-    struct Row {
-        const char* text;
-        const char* answer;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*> rows = {
         {"echo hello", "base64(aGVsbG8K)"},
         {"printf A", "base64(QQ==)"},
         {"printf A; exit 1", "base64(QQ==)"},
@@ -36,11 +32,11 @@ TEST_F(cReadCmdAsciiTest, AnswersWhatTheCommandWrote) {
         {"true", "base64()"},
         {"", "base64()"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        const Response response = run(row.text);
+    for (const auto& [text, answer] : rows) {
+        SCOPED_TRACE(text);
+        const Response response = run(text);
         EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(answerOf(*response), row.answer);
+        EXPECT_EQ(answerOf(*response), answer);
     }
 }
 
@@ -57,12 +53,8 @@ TEST_F(cReadCmdAsciiTest, ReadsATextOfAnyLength) {
 }
 
 TEST_F(cReadCmdAsciiTest, TakesExactlyFourTokens) {
-    struct Row {
-        Tokens list;
-        const char* text;
-    };
-    const Row rows[] = {
-        {{}, "Command execute was called with 0 parameters must have 4 parameters"},
+    const Rows<Tokens, const char*> rows = {
+        {Tokens{}, "Command execute was called with 0 parameters must have 4 parameters"},
         {tokens({"exec"}), "Command execute was called with 1 parameters must have 4 parameters"},
         {tokens({"exec", "command", "3"}),
          "Command execute was called with 3 parameters must have 4 parameters"},
@@ -71,11 +63,11 @@ TEST_F(cReadCmdAsciiTest, TakesExactlyFourTokens) {
         {tokens({"exec", "wrong", "3"}),
          "Command execute was called with 3 parameters must have 4 parameters"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        const Response response = process(row.list);
+    for (const auto& [list, text] : rows) {
+        SCOPED_TRACE(text);
+        const Response response = process(list);
         EXPECT_EQ(response->code, kGenericError);
-        EXPECT_EQ(response->message, row.text);
+        EXPECT_EQ(response->message, text);
         EXPECT_EQ(response->protocol, 0);
     }
 }

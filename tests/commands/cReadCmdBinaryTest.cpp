@@ -43,21 +43,17 @@ TEST_F(cReadCmdBinaryTest, HasItsIdAndName) {
 }
 
 TEST_F(cReadCmdBinaryTest, AnswersWhatTheCommandWrote) {
-    struct Row {
-        const char* text;
-        const char* output;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*> rows = {
         {"echo hello", "hello\n"},       {"printf abc", "abc"}, {"echo out; echo err >&2", "out\nerr\n"},
         {"echo out; exit 1", "out\n"},   {"false", ""},         {":", ""},
         {"echo '~ %s %n'", "~ %s %n\n"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        const Response response = process(requestFor(row.text));
+    for (const auto& [text, output] : rows) {
+        SCOPED_TRACE(text);
+        const Response response = process(requestFor(text));
         EXPECT_EQ(response->code, 0u);
         EXPECT_EQ(response->message, "");
-        EXPECT_EQ(frameOf(*response), answerWith(row.output));
+        EXPECT_EQ(frameOf(*response), answerWith(output));
     }
 }
 
@@ -88,12 +84,7 @@ TEST_F(cReadCmdBinaryTest, NoOutputIsReportedOnStandardError) {
 }
 
 TEST_F(cReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
-    struct Row {
-        const char* what;
-        Bytes request;
-        const char* text;
-    };
-    const Row rows[] = {
+    const Rows<const char*, Bytes, const char*> rows = {
         {"2 bytes", {2, 'c'}, "Command 'c': too short! min.6 bytes"},
         {"3 bytes", {3, 'c', 1}, "Command 'c': too short! min.6 bytes"},
         {"no text", {5, 'c', 1, 0, 5}, "Command 'c': too short! min.6 bytes"},
@@ -102,11 +93,11 @@ TEST_F(cReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
         {"sub-command 2", {6, 'c', 2, 0, 5, ':'}, "unsupported c subcommand"},
         {"sub-command and text wrong", {6, 'c', 2, 0, 5, 0x7F}, "unsupported c subcommand"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        const Response response = process(row.request);
+    for (const auto& [what, request, text] : rows) {
+        SCOPED_TRACE(what);
+        const Response response = process(request);
         EXPECT_EQ(response->code, kGenericError);
-        EXPECT_EQ(response->message, row.text);
+        EXPECT_EQ(response->message, text);
         EXPECT_EQ(response->protocol, 0);
     }
 }
@@ -120,17 +111,14 @@ TEST_F(cReadCmdBinaryTest, ARequestWithoutBytesIsTooShort) {
 }
 
 TEST_F(cReadCmdBinaryTest, AByteThatCannotBePrintedIsNamedAndNothingRuns) {
-    struct Row {
-        const char* character;
-        const char* digits;
-    };
-    const Row rows[] = {{"\n", "0A"},   {"\x01", "01"}, {"\x1F", "1F"},  {"\x7F", "7F"},
-                        {"\x80", "80"}, {"\xFF", "FF"}, {"\t\x7F", "09"}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.digits);
-        const Response response = process(requestFor(std::string("touch /tmp/ran") + row.character));
+    const Rows<const char*, const char*> rows = {{"\n", "0A"},    {"\x01", "01"}, {"\x1F", "1F"},
+                                                 {"\x7F", "7F"},  {"\x80", "80"}, {"\xFF", "FF"},
+                                                 {"\t\x7F", "09"}};
+    for (const auto& [character, digits] : rows) {
+        SCOPED_TRACE(digits);
+        const Response response = process(requestFor(std::string("touch /tmp/ran") + character));
         EXPECT_EQ(response->code, kGenericError);
-        EXPECT_EQ(response->message, std::string("invalid character in input command: ") + row.digits);
+        EXPECT_EQ(response->message, std::string("invalid character in input command: ") + digits);
         EXPECT_EQ(response->protocol, 0);
         EXPECT_FALSE(exists("/tmp/ran"));
         EXPECT_FALSE(exists(kCaptureFile));

@@ -78,11 +78,7 @@ TEST_F(cReadCmdFileTest, BinaryTellsThatAFileHasNoStatus) {
 }
 
 TEST_F(cReadCmdFileTest, Base64AnswersTheWholeFile) {
-    struct Row {
-        std::string content;
-        const char* answer;
-    };
-    const Row rows[] = {
+    const Rows<std::string, const char*> rows = {
         {"", "base64()"},
         {"A", "base64(QQ==)"},
         {"AB", "base64(QUI=)"},
@@ -90,12 +86,12 @@ TEST_F(cReadCmdFileTest, Base64AnswersTheWholeFile) {
         {std::string("\0\0\0", 3), "base64(AAAA)"},
         {"\xFB\xFF\xBF", "base64(+/+/)"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.answer);
-        write(kFile, row.content);
+    for (const auto& [content, answer] : rows) {
+        SCOPED_TRACE(answer);
+        write(kFile, content);
         const Response response = readBase64(kFile);
         EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(answerOf(*response), row.answer);
+        EXPECT_EQ(answerOf(*response), answer);
     }
     write(kFile, std::string(3000000, '\0'));
     EXPECT_TRUE(answerOf(*readBase64(kFile)) == "base64(" + std::string(4000000, 'A') + ")");

@@ -91,18 +91,15 @@ TEST_F(cReadCmdShellTest, AnEndByItselfIsSuccessWhateverTheExitCode) {
 }
 
 TEST_F(cReadCmdShellTest, AnEndByASignalIsAnError) {
-    struct Row {
-        const char* name;
-        int number;
-    };
-    const Row rows[] = {{"KILL", 9}, {"TERM", 15}, {"SEGV", 11}, {"HUP", 1}, {"USR1", 10}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        const ProcessResponse response = execute(std::string("echo $$; kill -") + row.name + " $$");
+    const Rows<const char*, int> rows = {
+        {"KILL", 9}, {"TERM", 15}, {"SEGV", 11}, {"HUP", 1}, {"USR1", 10}};
+    for (const auto& [name, number] : rows) {
+        SCOPED_TRACE(name);
+        const ProcessResponse response = execute(std::string("echo $$; kill -") + name + " $$");
         std::string pid = read(kCaptureFile);
         pid.pop_back();
         expectError(response, "child process for c command received signal pid: " + pid +
-                                  ", returncode: " + std::to_string(row.number));
+                                  ", returncode: " + std::to_string(number));
     }
 }
 
@@ -200,13 +197,7 @@ TEST_F(cReadCmdShellTest, AnEarlierCommandCannotWriteIntoALaterAnswer) {
 
 TEST_F(cReadCmdShellTest, WhatIsPutInPlaceOfTheCaptureFileMeanwhileIsAnswered) {
     write("/tmp/other", "other");
-    struct Row {
-        const char* what;
-        const char* text;
-        const char* base64;
-        Bytes payload;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*, const char*, Bytes> rows = {
         {"a file",
          "echo lost; cp /tmp/other /tmp/o; mv /tmp/o /tmp/resp.txt; echo lost",
          "base64(b3RoZXI=)",
@@ -221,12 +212,12 @@ TEST_F(cReadCmdShellTest, WhatIsPutInPlaceOfTheCaptureFileMeanwhileIsAnswered) {
          {'o', 't', 'h', 'e', 'r'}},
         {"the file, shorter", "echo lost; : >/tmp/resp.txt", "base64()", {}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        EXPECT_EQ(answerOf(*processAscii(row.text)), row.base64);
-        Bytes frame = {static_cast<unsigned char>(8 + row.payload.size()), 'c', 1, 0, 0, 0, 0, 0};
-        frame.insert(frame.end(), row.payload.begin(), row.payload.end());
-        EXPECT_EQ(frameOf(*processBinary(row.text)), frame);
+    for (const auto& [what, text, base64, payload] : rows) {
+        SCOPED_TRACE(what);
+        EXPECT_EQ(answerOf(*processAscii(text)), base64);
+        Bytes frame = {static_cast<unsigned char>(8 + payload.size()), 'c', 1, 0, 0, 0, 0, 0};
+        frame.insert(frame.end(), payload.begin(), payload.end());
+        EXPECT_EQ(frameOf(*processBinary(text)), frame);
     }
     expectOutput("echo mine", "mine\n");
     EXPECT_EQ(read("/tmp/other"), "other");

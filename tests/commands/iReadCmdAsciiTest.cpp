@@ -120,28 +120,24 @@ TEST_F(iReadCmdAsciiTest, AReadNeedsFourParameters) {
 }
 
 TEST_F(iReadCmdAsciiTest, TheCountIsCheckedBeforeTheBus) {
-    struct Row {
-        const char* token;
-        const char* count;
-    };
-    const Row rows[] = {{"0", "0"},
-                        {"248", "248"},
-                        {"256", "256"},
-                        {"257", "257"},
-                        {"-1", "-1"},
-                        {"-255", "-255"},
-                        {"0x101", "257"},
-                        {"abc", "0"},
-                        {"", "0"},
-                        {"65537", "65537"},
-                        {"4294967297", "2147483647"},
-                        {"2147483647", "2147483647"}};
-    for (const Row& row : rows) {
+    const Rows<const char*, const char*> rows = {{"0", "0"},
+                                                 {"248", "248"},
+                                                 {"256", "256"},
+                                                 {"257", "257"},
+                                                 {"-1", "-1"},
+                                                 {"-255", "-255"},
+                                                 {"0x101", "257"},
+                                                 {"abc", "0"},
+                                                 {"", "0"},
+                                                 {"65537", "65537"},
+                                                 {"4294967297", "2147483647"},
+                                                 {"2147483647", "2147483647"}};
+    for (const auto& [token, count] : rows) {
         for (const char* bus : {"0", "9"})
-            expectRefused({"i2c", "read", bus, row.token, "0x50"}, kGenericError,
+            expectRefused({"i2c", "read", bus, token, "0x50"}, kGenericError,
                           std::string("Overflow of allowed Range of Bytes to Read [1,247], "
                                       "should Read: ") +
-                              row.count);
+                              count);
     }
     EXPECT_EQ(m_manager->connections(), 0);
 }
@@ -159,34 +155,34 @@ TEST_F(iReadCmdAsciiTest, ThereIsOneBus) {
 }
 
 TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoBus) {
-    struct Row {
-        const char* bus;
-        const char* number;
-    };
-    for (const Row& row :
-         {Row{"256", "256"}, Row{"0x100", "256"}, Row{"-256", "-256"}, Row{"-1", "-1"},
-          Row{"65536", "65536"}, Row{"0xFFFFFFFF", "-1"}, Row{"0x80000000", "-2147483648"},
-          Row{"0x100000000", "2147483647"}, Row{"-0x100000000", "-2147483648"}}) {
-        const std::string text = std::string("Bus number ") + row.number + " is invalid";
-        expectRefused({"i2c", "read", row.bus, "1", "0x150"}, kNoSuchBus, text);
-        expectRefused({"i2c", "getattributes", row.bus, "0x100"}, kNoSuchBus, text);
-        expectRefused({"i2c", "setattributes", row.bus, "0x100", ""}, kNoSuchBus, text);
-        expectRefused(withData({"i2c", "write", row.bus, "0x150"}, {}), kNoSuchBus, text);
+    for (const auto& [bus, number] : Rows<const char*, const char*>{{"256", "256"},
+                                                                    {"0x100", "256"},
+                                                                    {"-256", "-256"},
+                                                                    {"-1", "-1"},
+                                                                    {"65536", "65536"},
+                                                                    {"0xFFFFFFFF", "-1"},
+                                                                    {"0x80000000", "-2147483648"},
+                                                                    {"0x100000000", "2147483647"},
+                                                                    {"-0x100000000", "-2147483648"}}) {
+        const std::string text = std::string("Bus number ") + number + " is invalid";
+        expectRefused({"i2c", "read", bus, "1", "0x150"}, kNoSuchBus, text);
+        expectRefused({"i2c", "getattributes", bus, "0x100"}, kNoSuchBus, text);
+        expectRefused({"i2c", "setattributes", bus, "0x100", ""}, kNoSuchBus, text);
+        expectRefused(withData({"i2c", "write", bus, "0x150"}, {}), kNoSuchBus, text);
     }
     EXPECT_EQ(m_manager->connections(), 0);
 }
 
 TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoSlave) {
-    struct Row {
-        const char* address;
-        const char* number;
-    };
-    for (const Row& row : {Row{"256", "256"}, Row{"0x150", "336"}, Row{"-1", "-1"}, Row{"-176", "-176"},
-                           Row{"0x100000050", "2147483647"}}) {
-        const std::string text = std::string("Slave address ") + row.number + " is invalid";
-        expectRefused({"i2c", "read", "0", "1", row.address}, kGenericError, text);
-        expectRefused(withData({"i2c", "write", "0", row.address}, {1}), kGenericError, text);
-        expectRefused(withData({"i2c", "read", "0", "1", row.address}, {1}), kGenericError, text);
+    for (const auto& [address, number] : Rows<const char*, const char*>{{"256", "256"},
+                                                                        {"0x150", "336"},
+                                                                        {"-1", "-1"},
+                                                                        {"-176", "-176"},
+                                                                        {"0x100000050", "2147483647"}}) {
+        const std::string text = std::string("Slave address ") + number + " is invalid";
+        expectRefused({"i2c", "read", "0", "1", address}, kGenericError, text);
+        expectRefused(withData({"i2c", "write", "0", address}, {1}), kGenericError, text);
+        expectRefused(withData({"i2c", "read", "0", "1", address}, {1}), kGenericError, text);
     }
     EXPECT_THAT(m_manager->requests(), IsEmpty());
     m_manager->willAnswer(0, readReply({7}));
@@ -195,15 +191,15 @@ TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoSlave) {
 }
 
 TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoAttribute) {
-    struct Row {
-        const char* id;
-        const char* number;
-    };
-    for (const Row& row : {Row{"256", "256"}, Row{"257", "257"}, Row{"-255", "-255"}, Row{"-1", "-1"},
-                           Row{"0x100000001", "2147483647"}, Row{"0xFFFFFFFF", "-1"}}) {
-        const std::string text = std::string("Attribute ID ") + row.number + " is unknown";
-        expectRefused({"i2c", "getattributes", "0", row.id}, kUnknownAttribute, text);
-        expectRefused({"i2c", "setattributes", "0", row.id, "00"}, kUnknownAttribute, text);
+    for (const auto& [id, number] : Rows<const char*, const char*>{{"256", "256"},
+                                                                   {"257", "257"},
+                                                                   {"-255", "-255"},
+                                                                   {"-1", "-1"},
+                                                                   {"0x100000001", "2147483647"},
+                                                                   {"0xFFFFFFFF", "-1"}}) {
+        const std::string text = std::string("Attribute ID ") + number + " is unknown";
+        expectRefused({"i2c", "getattributes", "0", id}, kUnknownAttribute, text);
+        expectRefused({"i2c", "setattributes", "0", id, "00"}, kUnknownAttribute, text);
     }
     EXPECT_TRUE(stopCondition());
 }
@@ -268,32 +264,26 @@ TEST_F(iReadCmdAsciiTest, AStopConditionWithoutItsByteIsRefused) {
 }
 
 TEST_F(iReadCmdAsciiTest, TheSpeedIsSetInKiloHertz) {
-    struct Row {
-        const char* value;
-        unsigned speed;
-        const char* answer;
-    };
-    for (const Row& row : {Row{"0190", 400000, "i2c hex(0190)"}, Row{"0064", 100000, "i2c hex(0064)"},
-                           Row{"01 90 FF", 400000, "i2c hex(0190)"}}) {
-        SCOPED_TRACE(row.value);
+    for (const auto& [value, speed, answer] :
+         Rows<const char*, unsigned, const char*>{{"0190", 400000, "i2c hex(0190)"},
+                                                  {"0064", 100000, "i2c hex(0064)"},
+                                                  {"01 90 FF", 400000, "i2c hex(0190)"}}) {
+        SCOPED_TRACE(value);
         m_manager->willAnswer(0);
-        EXPECT_EQ(send(tokens({"i2c", "setattributes", "0", "1", row.value})), "i2c ok");
-        EXPECT_EQ(m_manager->lastRequest(), speedRequest(row.speed));
-        EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "1"})), row.answer);
+        EXPECT_EQ(send(tokens({"i2c", "setattributes", "0", "1", value})), "i2c ok");
+        EXPECT_EQ(m_manager->lastRequest(), speedRequest(speed));
+        EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "1"})), answer);
     }
 }
 
 TEST_F(iReadCmdAsciiTest, OtherSpeedsAreRefusedAndMissingBytesAreZero) {
-    struct Row {
-        const char* value;
-        const char* speed;
-    };
-    const Row rows[] = {{"00C8", "200"}, {"0000", "0"},   {"", "0"},         {"01", "256"},
-                        {"64", "25600"}, {"190", "6400"}, {"FFFF", "65535"}, {"0065", "101"},
-                        {"0063", "99"},  {"018F", "399"}, {"0191", "401"}};
-    for (const Row& row : rows)
-        expectRefused({"i2c", "setattributes", "0", "1", row.value}, kSpeedError,
-                      std::string("Clockspeed of ") + row.speed + " is not supported");
+    const Rows<const char*, const char*> rows = {{"00C8", "200"},   {"0000", "0"},   {"", "0"},
+                                                 {"01", "256"},     {"64", "25600"}, {"190", "6400"},
+                                                 {"FFFF", "65535"}, {"0065", "101"}, {"0063", "99"},
+                                                 {"018F", "399"},   {"0191", "401"}};
+    for (const auto& [value, speed] : rows)
+        expectRefused({"i2c", "setattributes", "0", "1", value}, kSpeedError,
+                      std::string("Clockspeed of ") + speed + " is not supported");
     EXPECT_EQ(busSpeed(), 100000u);
     EXPECT_THAT(m_manager->requests(), IsEmpty());
 }
@@ -363,12 +353,7 @@ TEST_F(iReadCmdAsciiTest, AWriteTakesThreeParameters) {
 }
 
 TEST_F(iReadCmdAsciiTest, AFailingTransactionIsToldWithItsTextAndItsCode) {
-    struct Row {
-        int result;
-        const char* write;
-        const char* read;
-    };
-    const Row rows[] = {
+    const Rows<int, const char*, const char*> rows = {
         {1, "The master is locked by another connection", "Operation not permitted"},
         {5, "The master send failed", "bad slave address/ bad bus speed/ bus is busy"},
         {12, "Insufficient memory", "The master is locked by another connection"},
@@ -376,16 +361,16 @@ TEST_F(iReadCmdAsciiTest, AFailingTransactionIsToldWithItsTextAndItsCode) {
         {22, "Bad message format", "Bad message format"},
         {16, "Device or resource busy", "Device or resource busy"},
     };
-    for (const Row& row : rows) {
+    for (const auto& [result, write, read] : rows) {
         for (int time = 0; time < 6; ++time)
-            m_manager->willAnswer(row.result);
-        const std::string end = ", errorcode: " + std::to_string(row.result);
+            m_manager->willAnswer(result);
+        const std::string end = ", errorcode: " + std::to_string(result);
         expectRefused(withData({"i2c", "write", "0", "0x50"}, {1}), kBusError,
-                      std::string("Write Error on Device /dev/i2c0: ") + row.write + end);
+                      std::string("Write Error on Device /dev/i2c0: ") + write + end);
         expectRefused({"i2c", "read", "0", "3", "0x50"}, kBusError,
-                      std::string("Read Error on Device /dev/i2c0: ") + row.read + end);
+                      std::string("Read Error on Device /dev/i2c0: ") + read + end);
         expectRefused(withData({"i2c", "read", "0", "3", "0x50"}, {1}), kBusError,
-                      std::string("Transfer Error on Device /dev/i2c0: ") + row.write + end);
+                      std::string("Transfer Error on Device /dev/i2c0: ") + write + end);
     }
     EXPECT_EQ(m_manager->connections(), 1) << "the bus stays open";
 }

@@ -111,12 +111,7 @@ TEST_F(iReadCmdBinaryTest, ABusThatCannotBeOpenedIsTold) {
 }
 
 TEST_F(iReadCmdBinaryTest, AFailingTransactionIsToldWithItsTextAndItsCode) {
-    struct Row {
-        int result;
-        const char* read;
-        const char* transfer;
-    };
-    const Row rows[] = {
+    const Rows<int, const char*, const char*> rows = {
         {1, "Operation not permitted", "The master is locked by another connection"},
         {5, "bad slave address/ bad bus speed/ bus is busy", "The master send failed"},
         {12, "The master is locked by another connection", "Insufficient memory"},
@@ -125,14 +120,14 @@ TEST_F(iReadCmdBinaryTest, AFailingTransactionIsToldWithItsTextAndItsCode) {
         {16, "Device or resource busy", "Device or resource busy"},
         {-1, "Unknown error -1", "Unknown error -1"},
     };
-    for (const Row& row : rows) {
+    for (const auto& [result, read, transfer] : rows) {
         for (int time = 0; time < 4; ++time)
-            m_manager->willAnswer(row.result, Bytes(300));
-        const std::string end = ", errorcode: " + std::to_string(row.result);
+            m_manager->willAnswer(result, Bytes(300));
+        const std::string end = ", errorcode: " + std::to_string(result);
         expectRefused({5, 'i', 0, 3, 0x50}, kBusError,
-                      std::string("Read Error on Device /dev/i2c0: ") + row.read + end);
+                      std::string("Read Error on Device /dev/i2c0: ") + read + end);
         expectRefused({7, 'i', 0, 3, 0x50, 1, 2}, kBusError,
-                      std::string("Transfer Error on Device /dev/i2c0: ") + row.transfer + end);
+                      std::string("Transfer Error on Device /dev/i2c0: ") + transfer + end);
     }
     m_manager->willAnswer(0, readReply({7}));
     EXPECT_EQ(send({5, 'i', 0, 1, 0x50}), answerFrame(0, 1, {7}));

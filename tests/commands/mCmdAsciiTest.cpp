@@ -66,18 +66,11 @@ TEST_F(mCmdAsciiTest, NegativeAndLargeNumbersAreOutOfRange) {
     card.fill(0, 'a');
     expectAnswer({"blockdev", "open", "180", "0"}, "ok");
     setScratch(0, blocksOf('.'));
-    struct Row {
-        const char* first;
-        const char* count;
-        const char* offset;
-        const char* readText;
-        const char* writeText;
-    };
     const char* const noStart = "Startblock does not Exist on Device, errorCode: 16842752";
     const char* const noEnd = "Endblock does not exist on Device, errorCode: 16842752";
     const char* const noData = "Number of Bytes to Read overrides internal Memory, errorCode: 16842752";
     const char* const noOffset = "Memoryoffset out of Range";
-    const Row rows[] = {
+    const Rows<const char*, const char*, const char*, const char*, const char*> rows = {
         {"15", "1", "0", noStart, noStart},
         {"0x100000000", "1", "0", noStart, noStart},
         {"-0x100000000", "1", "0", noStart, noStart},
@@ -93,11 +86,10 @@ TEST_F(mCmdAsciiTest, NegativeAndLargeNumbersAreOutOfRange) {
         {"0", "1", "-1", noOffset, noData},
         {"0", "1", "0xF0000000", noOffset, noData},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.first) + " " + row.count + " " + row.offset);
-        expectRefused({"blockdev", "read", "180", "0", row.first, row.count, row.offset}, row.readText);
-        expectRefused({"blockdev", "write", "180", "0", row.first, row.count, row.offset},
-                      row.writeText);
+    for (const auto& [first, count, offset, readText, writeText] : rows) {
+        SCOPED_TRACE(std::string(first) + " " + count + " " + offset);
+        expectRefused({"blockdev", "read", "180", "0", first, count, offset}, readText);
+        expectRefused({"blockdev", "write", "180", "0", first, count, offset}, writeText);
     }
     EXPECT_EQ(card.block(0), blocksOf('a'));
     EXPECT_EQ(scratch(0, kBlock), blocksOf('.'));
@@ -105,14 +97,9 @@ TEST_F(mCmdAsciiTest, NegativeAndLargeNumbersAreOutOfRange) {
 
 TEST_F(mCmdAsciiTest, ANumberThatIsNoByteNamesNoDevice) {
     const BlockFile card(kCardPath, 3);
-    struct Row {
-        const char* type;
-        const char* id;
-        const char* text;
-    };
     const char* const unknownType = "Device Type is unknown";
     const char* const noSuchId = "Device ID does not exist";
-    const Row rows[] = {
+    const Rows<const char*, const char*, const char*> rows = {
         {"436", "0", unknownType},
         {"436", "256", unknownType},
         {"-76", "0", unknownType},
@@ -126,11 +113,11 @@ TEST_F(mCmdAsciiTest, ANumberThatIsNoByteNamesNoDevice) {
         {"179", "256", "No Device inserted"},
         {"180", "-0x100000000", noSuchId},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.type) + " " + row.id);
+    for (const auto& [type, id, text] : rows) {
+        SCOPED_TRACE(std::string(type) + " " + id);
         for (const char* operation : {"open", "close", "jump"})
-            expectRefused({"blockdev", operation, row.type, row.id}, row.text);
-        expectRefused({"blockdev", "read", row.type, row.id, "0", "1", "0"}, row.text);
+            expectRefused({"blockdev", operation, type, id}, text);
+        expectRefused({"blockdev", "read", type, id, "0", "1", "0"}, text);
     }
 }
 
@@ -148,12 +135,8 @@ TEST_F(mCmdAsciiTest, SubcommandsAreRecognisedByTheirBeginning) {
 
 TEST_F(mCmdAsciiTest, WhatIsNoRequestForItIsRefused) {
     const BlockFile card(kCardPath, 3);
-    struct Row {
-        Words words;
-        const char* text;
-    };
-    const Row rows[] = {
-        {{}, kInvalidLength},
+    const Rows<Words, const char*> rows = {
+        {Words{}, kInvalidLength},
         {{"blockdev"}, kInvalidLength},
         {{"blockdev", "open"}, kInvalidLength},
         {{"blockdev", "open", "180"}, kInvalidLength},
@@ -177,8 +160,8 @@ TEST_F(mCmdAsciiTest, WhatIsNoRequestForItIsRefused) {
         {{"blockdev", "open", "179", "1"}, "No Device inserted"},
         {{"blockdev", "open", "176", "0"}, "Probably due to failures no such Device was registered"},
     };
-    for (const Row& row : rows)
-        expectRefused(row.words, row.text);
+    for (const auto& [words, text] : rows)
+        expectRefused(words, text);
 }
 
 TEST_F(mCmdAsciiTest, AFailureIsReportedWithItsErrorCode) {

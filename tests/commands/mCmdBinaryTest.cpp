@@ -120,11 +120,7 @@ TEST_F(mCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
     tooShort.pop_back();
     tooShort[0] = 16;
     Bytes longOpen = transfer(kCard, 0, Open, 0, 1, 0);
-    struct Row {
-        Bytes frame;
-        const char* text;
-    };
-    const Row rows[] = {
+    const Rows<Bytes, const char*> rows = {
         {{4, 'm', kCard, 0}, kInvalidLength},
         {{4, 'm', 0, 0}, kInvalidLength},
         {{6, 'm', kCard, 0, Open, 0}, kInvalidLength},
@@ -142,9 +138,9 @@ TEST_F(mCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
         {{5, 'm', 176, 0, Open}, "Probably due to failures no such Device was registered"},
         {{5, 'm', 181, 0, Read}, "Device Type is unknown"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.frame));
-        expectRefused(row.frame, row.text);
+    for (const auto& [frame, text] : rows) {
+        SCOPED_TRACE(::testing::PrintToString(frame));
+        expectRefused(frame, text);
     }
 }
 

@@ -66,17 +66,13 @@ TEST_F(mCmdDeviceTest, HasItsIdAndName) {
 }
 
 TEST_F(mCmdDeviceTest, TypesHaveNames) {
-    struct Row {
-        int type;
-        const char* name;
-    };
-    const Row rows[] = {{176, "Generic Device"},    {177, "Hard Disk"},
-                        {178, "Optical Device"},    {179, "Mass Storage Device"},
-                        {180, "SD-Card"},           {175, "Unkown Devicetype"},
-                        {181, "Unkown Devicetype"}, {0, "Unkown Devicetype"},
-                        {-1, "Unkown Devicetype"},  {432, "Unkown Devicetype"}};
-    for (const Row& row : rows)
-        EXPECT_EQ(mCmd::getTypeName(row.type), row.name) << row.type;
+    const Rows<int, const char*> rows = {{176, "Generic Device"},    {177, "Hard Disk"},
+                                         {178, "Optical Device"},    {179, "Mass Storage Device"},
+                                         {180, "SD-Card"},           {175, "Unkown Devicetype"},
+                                         {181, "Unkown Devicetype"}, {0, "Unkown Devicetype"},
+                                         {-1, "Unkown Devicetype"},  {432, "Unkown Devicetype"}};
+    for (const auto& [type, name] : rows)
+        EXPECT_EQ(mCmd::getTypeName(type), name) << type;
 }
 
 TEST_F(mCmdDeviceTest, AnErrorIsItsTextAndItsCode) {
@@ -87,21 +83,16 @@ TEST_F(mCmdDeviceTest, AnErrorIsItsTextAndItsCode) {
 }
 
 TEST_F(mCmdDeviceTest, OnlyWhatIsRegisteredIsFound) {
-    struct Row {
-        unsigned char type;
-        unsigned char id;
-        const char* failure;
-    };
-    const Row rows[] = {
+    const Rows<unsigned char, unsigned char, const char*> rows = {
         {176, 0, kNoneRegistered}, {176, 255, kNoneRegistered}, {177, 0, kNoneRegistered},
         {177, 1, kNoneRegistered}, {178, 1, kNoSuchId},         {178, 255, kNoSuchId},
         {179, 1, kNoneInserted},   {179, 2, kNoneInserted},     {179, 255, kNoneInserted},
         {180, 2, kNoSuchId},       {180, 255, kNoSuchId},       {181, 0, kNoSuchType},
         {175, 0, kNoSuchType},     {0, 0, kNoSuchType},         {255, 255, kNoSuchType},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::to_string(row.type) + " " + std::to_string(row.id));
-        expectNoDevice(row.type, row.id, row.failure);
+    for (const auto& [type, id, failure] : rows) {
+        SCOPED_TRACE(std::to_string(type) + " " + std::to_string(id));
+        expectNoDevice(type, id, failure);
     }
     mCmd::Handle* const all[] = {expectDevice(178, 0), expectDevice(179, 0), expectDevice(180, 0),
                                  expectDevice(180, 1)};
@@ -110,30 +101,24 @@ TEST_F(mCmdDeviceTest, OnlyWhatIsRegisteredIsFound) {
 }
 
 TEST_F(mCmdDeviceTest, EachDeviceHasItsPlaceAndItsPermission) {
-    struct Row {
-        const char* path;
-        unsigned char type;
-        unsigned char id;
-        bool isWritable;
-        char content;
-    };
-    const Row rows[] = {{"/dev/cd0", 178, 0, false, 'c'},
-                        {"/dev/umass/umass0", 179, 0, true, 'u'},
-                        {"/dev/mnand0", 180, 0, true, 'n'},
-                        {"/dev/fs0", 180, 1, true, 'f'}};
-    for (const Row& row : rows)
-        makeDisk(row.path, row.content);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.path);
-        mCmd::Handle* const device = expectDevice(row.type, row.id);
-        EXPECT_EQ(contentOf(device), row.content);
+    const Rows<const char*, unsigned char, unsigned char, bool, char> rows = {
+        {"/dev/cd0", 178, 0, false, 'c'},
+        {"/dev/umass/umass0", 179, 0, true, 'u'},
+        {"/dev/mnand0", 180, 0, true, 'n'},
+        {"/dev/fs0", 180, 1, true, 'f'}};
+    for (const auto& [path, type, id, isWritable, content] : rows)
+        makeDisk(path, content);
+    for (const auto& [path, type, id, isWritable, content] : rows) {
+        SCOPED_TRACE(path);
+        mCmd::Handle* const device = expectDevice(type, id);
+        EXPECT_EQ(contentOf(device), content);
         std::string block = blocksOf('W');
         unsigned bytes = 0;
         EXPECT_FALSE(device->open().failed());
         const DeviceResult result = device->write(bytes, 0, 1, block.data(), BlockFile::kBlock);
-        EXPECT_EQ(result.message, row.isWritable ? "" : "Device is Read-Only declared");
+        EXPECT_EQ(result.message, isWritable ? "" : "Device is Read-Only declared");
         EXPECT_FALSE(device->close().failed());
-        EXPECT_EQ(read(row.path), blocksOf(row.isWritable ? 'W' : row.content) + blocksOf('\0'));
+        EXPECT_EQ(read(path), blocksOf(isWritable ? 'W' : content) + blocksOf('\0'));
     }
 }
 

@@ -9,6 +9,7 @@
 #include <climits>
 
 #include "support/BlockHandleFixture.h"
+#include "support/Rows.h"
 #include "wire/Descriptor.h"
 
 namespace fs = std::filesystem;
@@ -100,12 +101,7 @@ TEST_F(mCmdTransferTest, WritesWholeBlocks) {
 }
 
 TEST_F(mCmdTransferTest, TheLastBlockIsOutOfReach) {
-    struct Row {
-        unsigned first;
-        int count;
-        const char* failure;
-    };
-    const Row rows[] = {
+    const Rows<unsigned, int, const char*> rows = {
         {0, 14, nullptr},
         {0, 15, kNoEndBlock},
         {10, 4, nullptr},
@@ -129,17 +125,16 @@ TEST_F(mCmdTransferTest, TheLastBlockIsOutOfReach) {
         {0, INT_MAX, kNoEndBlock},
         {0, INT_MIN, kNoEndBlock},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::to_string(row.first) + ", " + std::to_string(row.count));
-        const auto length = static_cast<std::size_t>(row.failure == nullptr ? row.count : 0) * kBlock;
+    for (const auto& [first, count, failure] : rows) {
+        SCOPED_TRACE(std::to_string(first) + ", " + std::to_string(count));
+        const auto length = static_cast<std::size_t>(failure == nullptr ? count : 0) * kBlock;
         m_memory = blocksOf('.', kBlocks);
-        expectOutcome(read(row.first, row.count), row.failure);
-        EXPECT_EQ(m_memory.substr(0, length),
-                  m_before.substr(row.first * kBlock % m_before.size(), length));
+        expectOutcome(read(first, count), failure);
+        EXPECT_EQ(m_memory.substr(0, length), m_before.substr(first * kBlock % m_before.size(), length));
         EXPECT_EQ(m_memory.substr(length), blocksOf('.', kBlocks).substr(length));
-        expectOutcome(write(row.first, row.count), row.failure);
+        expectOutcome(write(first, count), failure);
         EXPECT_EQ(content(), m_before) << "it gets back what it gave, or nothing";
-        if (row.failure == nullptr) {
+        if (failure == nullptr) {
             EXPECT_EQ(m_bytes, length);
         }
     }
@@ -156,12 +151,7 @@ TEST_F(mCmdTransferTest, AnEmptyDeviceHasNoBlocks) {
 }
 
 TEST_F(mCmdTransferTest, MovesNoMoreThanThereIsSpaceFor) {
-    struct Row {
-        int count;
-        int space;
-        bool fits;
-    };
-    const Row rows[] = {
+    const Rows<int, int, bool> rows = {
         {0, 0, true},
         {0, -1, false},
         {1, 4096, true},
@@ -179,14 +169,14 @@ TEST_F(mCmdTransferTest, MovesNoMoreThanThereIsSpaceFor) {
         {INT_MAX, INT_MAX, false},
     };
     enlarge(0xFFFFFFFF);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::to_string(row.count) + ", " + std::to_string(row.space));
+    for (const auto& [count, space, fits] : rows) {
+        SCOPED_TRACE(std::to_string(count) + ", " + std::to_string(space));
         m_memory = blocksOf('.', kBlocks);
-        expectOutcome(write(0, row.count, row.space), row.fits ? nullptr : kNoData);
-        EXPECT_EQ(m_file.block(0), blocksOf(row.fits && row.count > 0 ? '.' : '\0'));
+        expectOutcome(write(0, count, space), fits ? nullptr : kNoData);
+        EXPECT_EQ(m_file.block(0), blocksOf(fits && count > 0 ? '.' : '\0'));
         m_file.fill(0, '\0');
-        expectOutcome(read(0, row.count, row.space), row.fits ? nullptr : kNoSpace);
-        EXPECT_EQ(m_memory.front(), row.fits && row.count > 0 ? '\0' : '.');
+        expectOutcome(read(0, count, space), fits ? nullptr : kNoSpace);
+        EXPECT_EQ(m_memory.front(), fits && count > 0 ? '\0' : '.');
         EXPECT_EQ(m_memory.substr(kBlock), blocksOf('.', kBlocks - 1));
     }
 }

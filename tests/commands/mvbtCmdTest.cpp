@@ -2,6 +2,7 @@
 #include <chrono>
 
 #include "support/BluetoothFixture.h"
+#include "support/Rows.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -118,23 +119,19 @@ TEST_F(mvbtCmdTest, OnePacketWaitsAtATime) {
 }
 
 TEST_F(mvbtCmdTest, ReadingSoManyBytesTakesWhatThereIsAtMost247) {
-    struct Row {
-        std::size_t waiting;
-        unsigned char wanted;
-        std::size_t taken;
-    };
-    const Row rows[] = {{1, 1, 1},       {10, 3, 3},      {10, 10, 10},    {10, 242, 10},  {10, 0, 0},
-                        {300, 242, 242}, {300, 247, 247}, {300, 248, 247}, {300, 255, 247}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(int{row.wanted});
+    const Rows<std::size_t, unsigned char, std::size_t> rows = {
+        {1, 1, 1},       {10, 3, 3},      {10, 10, 10},    {10, 242, 10},  {10, 0, 0},
+        {300, 242, 242}, {300, 247, 247}, {300, 248, 247}, {300, 255, 247}};
+    for (const auto& [waiting, wanted, taken] : rows) {
+        SCOPED_TRACE(int{wanted});
         open();
-        m_driver.receive(kEvent, Bytes(row.waiting - 1, 0x11));
-        ASSERT_TRUE(has(row.waiting));
-        Bytes data(row.wanted, 0xEE);
-        EXPECT_EQ(m_link.readnbytes(data, 0, row.wanted), static_cast<int>(row.taken) + 1);
-        EXPECT_EQ(data.size(), row.taken);
+        m_driver.receive(kEvent, Bytes(waiting - 1, 0x11));
+        ASSERT_TRUE(has(waiting));
+        Bytes data(wanted, 0xEE);
+        EXPECT_EQ(m_link.readnbytes(data, 0, wanted), static_cast<int>(taken) + 1);
+        EXPECT_EQ(data.size(), taken);
         EXPECT_THAT(data, ::testing::Each(::testing::AnyOf(0x04, 0x11)));
-        EXPECT_EQ(m_link.getQueueSize(), row.waiting - row.taken);
+        EXPECT_EQ(m_link.getQueueSize(), waiting - taken);
         m_link.close();
     }
 }

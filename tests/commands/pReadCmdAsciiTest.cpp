@@ -33,40 +33,34 @@ TEST_F(pReadCmdAsciiTest, ReadsTheAttributesOfAllPorts) {
 }
 
 TEST_F(pReadCmdAsciiTest, ThePortsNumberIsTakenModulo256) {
-    struct Row {
-        const char* number;
-        const char* answer;
-    };
-    const Row rows[] = {{"20", "hex(1403)"},     {"0x14", "hex(1403)"}, {"024", "hex(1403)"},
-                        {"276", "hex(1403)"},    {"-236", "hex(1403)"}, {"256", "hex(0003)"},
-                        {"1.5", "hex(0101)"},    {"abc", "hex(0003)"},  {"", "hex(0003)"},
-                        {"+2", "hex(0201)"},     {" 2", "hex(0201)"},   {"0x10000001", "hex(0101)"},
-                        {"2 and 3", "hex(0201)"}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.number);
-        const Response response = run(Words{"port", "read", row.number});
+    const Rows<const char*, const char*> rows = {
+        {"20", "hex(1403)"},     {"0x14", "hex(1403)"}, {"024", "hex(1403)"},
+        {"276", "hex(1403)"},    {"-236", "hex(1403)"}, {"256", "hex(0003)"},
+        {"1.5", "hex(0101)"},    {"abc", "hex(0003)"},  {"", "hex(0003)"},
+        {"+2", "hex(0201)"},     {" 2", "hex(0201)"},   {"0x10000001", "hex(0101)"},
+        {"2 and 3", "hex(0201)"}};
+    for (const auto& [number, answer] : rows) {
+        SCOPED_TRACE(number);
+        const Response response = run(Words{"port", "read", number});
         EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(answerOf(*response), row.answer);
+        EXPECT_EQ(answerOf(*response), answer);
     }
 }
 
 TEST_F(pReadCmdAsciiTest, ANumberBeyondTheTableIsRefused) {
-    struct Row {
-        const char* number;
-        const char* text;
-    };
-    const Row rows[] = {{"21", "Invalid Port: 21. Allowed port range is: [0,20]"},
-                        {"0x15", "Invalid Port: 21. Allowed port range is: [0,20]"},
-                        {"277", "Invalid Port: 21. Allowed port range is: [0,20]"},
-                        {"128", "Invalid Port: 128. Allowed port range is: [0,20]"},
-                        {"255", "Invalid Port: 255. Allowed port range is: [0,20]"},
-                        {"-1", "Invalid Port: 255. Allowed port range is: [0,20]"},
-                        {"2147483647", "Invalid Port: 255. Allowed port range is: [0,20]"},
-                        {"0x100000000", "Invalid Port: 255. Allowed port range is: [0,20]"}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.number);
-        expectRefused(Words{"port", "read", row.number}, kOutOfRange, row.text);
-        expectRefused(Words{"port", "write", row.number, "1"}, kOutOfRange, row.text);
+    const Rows<const char*, const char*> rows = {
+        {"21", "Invalid Port: 21. Allowed port range is: [0,20]"},
+        {"0x15", "Invalid Port: 21. Allowed port range is: [0,20]"},
+        {"277", "Invalid Port: 21. Allowed port range is: [0,20]"},
+        {"128", "Invalid Port: 128. Allowed port range is: [0,20]"},
+        {"255", "Invalid Port: 255. Allowed port range is: [0,20]"},
+        {"-1", "Invalid Port: 255. Allowed port range is: [0,20]"},
+        {"2147483647", "Invalid Port: 255. Allowed port range is: [0,20]"},
+        {"0x100000000", "Invalid Port: 255. Allowed port range is: [0,20]"}};
+    for (const auto& [number, text] : rows) {
+        SCOPED_TRACE(number);
+        expectRefused(Words{"port", "read", number}, kOutOfRange, text);
+        expectRefused(Words{"port", "write", number, "1"}, kOutOfRange, text);
     }
 }
 

@@ -66,17 +66,14 @@ TEST_F(pReadCmdBinaryTest, ReadsEachPort) {
 }
 
 TEST_F(pReadCmdBinaryTest, OnlyTheNodesFirstCharacterCounts) {
-    struct Row {
-        std::string content;
-        unsigned char attributes;
-    };
-    const Row rows[] = {{"", 1},   {"0", 1},  {"1", 5},    {"1\n", 5},
-                        {"10", 5}, {"x", 1},  {"\n1", 1},  {std::string("\0001", 2), 1},
-                        {"01", 1}, {" 1", 1}, {"\x31", 5}, {"\xB1", 1}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.content);
-        setLevel(kPorts[7], row.content);
-        EXPECT_EQ(frameOf(*readPort(7)), portFrame(7, row.attributes));
+    const Rows<std::string, unsigned char> rows = {
+        {"", 1},   {"0", 1},  {"1", 5},    {"1\n", 5},
+        {"10", 5}, {"x", 1},  {"\n1", 1},  {std::string("\0001", 2), 1},
+        {"01", 1}, {" 1", 1}, {"\x31", 5}, {"\xB1", 1}};
+    for (const auto& [content, attributes] : rows) {
+        SCOPED_TRACE(content);
+        setLevel(kPorts[7], content);
+        EXPECT_EQ(frameOf(*readPort(7)), portFrame(7, attributes));
     }
 }
 
@@ -195,25 +192,18 @@ TEST_F(pReadCmdBinaryTest, WhatIsReadIsAddedToTheData) {
 
 TEST_F(pReadCmdBinaryTest, PacksANibbleIntoEitherHalf) {
     using Info = AbstractPCmd::PortInfo;
-    struct Row {
-        Info::Type type;
-        unsigned char before;
-        char value;
-        bool low;
-        unsigned char after;
-    };
-    const Row rows[] = {
+    const Rows<Info::Type, unsigned char, char, bool, unsigned char> rows = {
         {Info::None, 0x00, '0', true, 0x00},   {Info::None, 0xFF, '0', true, 0x00},
         {Info::Input, 0xFF, '0', true, 0x01},  {Info::Output, 0xFF, '1', true, 0x07},
         {Info::Input, 0x00, 'x', true, 0x01},  {Info::None, 0x00, '1', true, 0x04},
         {Info::Input, 0x07, '0', false, 0x17}, {Info::Output, 0x03, '1', false, 0x73},
         {Info::None, 0x85, '0', false, 0x85},  {Info::Input, 0x00, '\1', false, 0x10},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(static_cast<int>(row.after)));
-        unsigned char byte = row.before;
-        command().setAttributes(byte, row.type, row.value, row.low);
-        EXPECT_EQ(byte, row.after);
+    for (const auto& [type, before, value, low, after] : rows) {
+        SCOPED_TRACE(::testing::PrintToString(static_cast<int>(after)));
+        unsigned char byte = before;
+        command().setAttributes(byte, type, value, low);
+        EXPECT_EQ(byte, after);
     }
 }
 

@@ -27,18 +27,15 @@ protected:
 } // namespace
 
 TEST_F(sReadCmdAsciiTest, ReportsStampProductRevisionAndProtocol) {
-    struct Row {
-        const char* content;
-        const char* revision;
-    };
-    const Row rows[] = {{"1A", "1A"},   {"1a\n", "1A"},     {"0", "0"},
-                        {"0x007", "7"}, {"12345", "12345"}, {"deadbeef", "DEADBEEF"}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.content);
-        write(kRevisionFile, row.content);
+    const Rows<const char*, const char*> rows = {{"1A", "1A"},       {"1a\n", "1A"},
+                                                 {"0", "0"},         {"0x007", "7"},
+                                                 {"12345", "12345"}, {"deadbeef", "DEADBEEF"}};
+    for (const auto& [content, revision] : rows) {
+        SCOPED_TRACE(content);
+        write(kRevisionFile, content);
         const Response response = status();
         EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(answerOf(*response), statusText(row.revision));
+        EXPECT_EQ(answerOf(*response), statusText(revision));
     }
 }
 
@@ -80,20 +77,16 @@ TEST_F(sReadCmdAsciiTest, AnswersIdentityFilesByTheirPrefix) {
     write("/dev/nvsku/serial_num", "AB");
     write("/mnt/app/version_info.txt", "ABC");
     write("/ifs/version_info.txt", std::string(300, '\0'));
-    struct Row {
-        const char* selection;
-        std::string answer;
-    };
-    const Row rows[] = {
+    const Rows<const char*, std::string> rows = {
         {"01", "base64(QQ==)"},   {"01x", "base64(QQ==)"},
         {"02", "base64(QUI=)"},   {"03", "base64(QUJD)"},
         {"0345", "base64(QUJD)"}, {"04", "base64(" + std::string(400, 'A') + ")"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.selection);
-        const Response response = process(tokens({"status", row.selection}));
+    for (const auto& [selection, answer] : rows) {
+        SCOPED_TRACE(selection);
+        const Response response = process(tokens({"status", selection}));
         EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(answerOf(*response), row.answer);
+        EXPECT_EQ(answerOf(*response), answer);
     }
     EXPECT_EQ(answerOf(*process(tokens({"status", "01", "and", "more"}))), "base64(QQ==)");
     EXPECT_EQ(answerOf(*process({token("status"), {'0', '2'}})), "base64(QUI=)")
@@ -101,19 +94,15 @@ TEST_F(sReadCmdAsciiTest, AnswersIdentityFilesByTheirPrefix) {
 }
 
 TEST_F(sReadCmdAsciiTest, AMissingIdentityFileIsReported) {
-    struct Row {
-        const char* selection;
-        std::string path;
-    };
-    const Row rows[] = {{"01", "/mnt/app/img_ver.txt"},
-                        {"02", "/dev/nvsku/serial_num"},
-                        {"03", "/mnt/app/version_info.txt"},
-                        {"04", "/ifs/version_info.txt"}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.selection);
-        remove(row.path);
-        expectError(process(tokens({"status", row.selection})), 'a',
-                    "cannot open " + row.path + ", no information available");
+    const Rows<const char*, std::string> rows = {{"01", "/mnt/app/img_ver.txt"},
+                                                 {"02", "/dev/nvsku/serial_num"},
+                                                 {"03", "/mnt/app/version_info.txt"},
+                                                 {"04", "/ifs/version_info.txt"}};
+    for (const auto& [selection, path] : rows) {
+        SCOPED_TRACE(selection);
+        remove(path);
+        expectError(process(tokens({"status", selection})), 'a',
+                    "cannot open " + path + ", no information available");
     }
 }
 

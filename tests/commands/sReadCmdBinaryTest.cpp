@@ -230,11 +230,7 @@ TEST_F(sReadCmdBinaryTest, AStatusThatFailsIsAnsweredAsOneThatDoesNot) {
 }
 
 TEST_F(sReadCmdBinaryTest, AShortRequestThatFailsIsNotAnswered) {
-    struct Row {
-        Bytes request;
-        const char* text;
-    };
-    const Row rows[] = {
+    const Rows<Bytes, const char*> rows = {
         {{0x03, 's', 0x01}, "cannot open /mnt/app/img_ver.txt, no information available"},
         {{0x03, 's', 0x02}, "cannot open /dev/nvsku/serial_num, no information available"},
         {{0x03, 's', 0x03}, "unsupported subcommand"},
@@ -242,12 +238,12 @@ TEST_F(sReadCmdBinaryTest, AShortRequestThatFailsIsNotAnswered) {
     };
     remove("/mnt/app/img_ver.txt");
     remove("/dev/nvsku/serial_num");
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
+    for (const auto& [request, text] : rows) {
+        SCOPED_TRACE(text);
         RecordingListener listener;
         command().setListener(&listener);
-        EXPECT_THROW(answer(row.request), std::out_of_range);
-        EXPECT_THAT(listener.frames, ElementsAre(debugFrame(row.text), debugFrame("request size < 4")));
+        EXPECT_THROW(answer(request), std::out_of_range);
+        EXPECT_THAT(listener.frames, ElementsAre(debugFrame(text), debugFrame("request size < 4")));
         command().setListener(nullptr);
     }
 }
@@ -261,11 +257,7 @@ TEST_F(sReadCmdBinaryTest, ARequestForAFileStaysWhatItIs) {
 }
 
 TEST_F(sReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
-    struct Row {
-        Bytes request;
-        const char* text;
-    };
-    const Row rows[] = {
+    const Rows<Bytes, const char*> rows = {
         {{0x03, 's', 0x00}, "unsupported subcommand"},
         {{0x03, 's', 0x03}, "unsupported subcommand"},
         {{0x03, 's', 0x04}, "unsupported subcommand"},
@@ -273,8 +265,8 @@ TEST_F(sReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
         {{0x04, 's', 0x01, 0x00}, "Command 's': too long!"},
         {{0x05, 's', 0x03, 0x00, 0x00}, "Command 's': too long!"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.request));
-        expectError(process(row.request), 0, row.text);
+    for (const auto& [request, text] : rows) {
+        SCOPED_TRACE(::testing::PrintToString(request));
+        expectError(process(request), 0, text);
     }
 }

@@ -59,11 +59,7 @@ TEST_F(tCmdAsciiRefusalTest, TooFewFields) {
 }
 
 TEST_F(tCmdAsciiRefusalTest, UnknownCombinations) {
-    struct Row {
-        const char* operation;
-        const char* keyword;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*> rows = {
         {"read", "64bit"},  {"read", "8bi"},      {"read", "8bits"},     {"read", "8bitcrcs"},
         {"read", "8BIT"},   {"read", "16bitcrc"}, {"read", "32bitcrc"},  {"read", ""},
         {"Read", "8bit"},   {"reads", "8bit"},    {"rea", "8bit"},       {"", "8bit"},
@@ -71,22 +67,17 @@ TEST_F(tCmdAsciiRefusalTest, UnknownCombinations) {
         {"8bit", "read"},   {"%s%n", "%d"},       {" read", "8bit"},
     };
     Refusals refusals;
-    for (const Row& row : rows)
-        refusals.push_back({tokens({"memory", row.operation, row.keyword, "1", "0", "A"}), kGenericError,
-                            std::string("unknown command combination param1:'") + row.operation +
-                                "', param2: " + row.keyword});
+    for (const auto& [operation, keyword] : rows)
+        refusals.push_back(
+            {tokens({"memory", operation, keyword, "1", "0", "A"}), kGenericError,
+             std::string("unknown command combination param1:'") + operation + "', param2: " + keyword});
     expectRefused(refusals);
 }
 
 TEST_F(tCmdAsciiRefusalTest, TooManyAccesses) {
     const std::string reads = "Number of Accessesout of Bounds ";
     const std::string writes = "Number of Accesses out of Bounds ";
-    struct Row {
-        const char* keyword;
-        const char* count;
-        const char* numbers;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*, const char*> rows = {
         {"8bit", "245", "[(245*1 => 245) > 244]"},   {"8bit", "-1", "[(255*1 => 255) > 244]"},
         {"8bit", "0x1FF", "[(255*1 => 255) > 244]"}, {"16bit", "123", "[(123*2 => 246) > 244]"},
         {"16bit", "128", "[(128*2 => 256) > 244]"},  {"16bit", "255", "[(255*2 => 510) > 244]"},
@@ -95,9 +86,9 @@ TEST_F(tCmdAsciiRefusalTest, TooManyAccesses) {
         {"32bit", "-129", "[(127*4 => 508) > 244]"},
     };
     Refusals refusals;
-    for (const Row& row : rows) {
-        refusals.push_back({read(row.keyword, row.count, "0"), kOutOfBounds, reads + row.numbers});
-        refusals.push_back({write(row.keyword, row.count, "0"), kOutOfBounds, writes + row.numbers});
+    for (const auto& [keyword, count, numbers] : rows) {
+        refusals.push_back({read(keyword, count, "0"), kOutOfBounds, reads + numbers});
+        refusals.push_back({write(keyword, count, "0"), kOutOfBounds, writes + numbers});
     }
     expectRefused(refusals);
 }
@@ -117,12 +108,7 @@ TEST_F(tCmdAsciiRefusalTest, AddressesThatAreNoMultipleOfTheWidth) {
 }
 
 TEST_F(tCmdAsciiRefusalTest, RangesThatReachTheLastByte) {
-    struct Row {
-        const char* keyword;
-        const char* count;
-        const char* address;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*, const char*> rows = {
         {"8bit", "1", "134217727"},
         {"8bit", "244", "0x7FFFF0C"},
         {"8bit", "0", "134217728"},
@@ -147,21 +133,15 @@ TEST_F(tCmdAsciiRefusalTest, RangesThatReachTheLastByte) {
         {"32bit", "61", "0xFFFFFF0C"},
     };
     Refusals refusals;
-    for (const Row& row : rows) {
-        refusals.push_back({read(row.keyword, row.count, row.address), kOutOfBounds, kOutOfLimits});
-        refusals.push_back({write(row.keyword, row.count, row.address), kOutOfBounds, kOutOfLimits});
+    for (const auto& [keyword, count, address] : rows) {
+        refusals.push_back({read(keyword, count, address), kOutOfBounds, kOutOfLimits});
+        refusals.push_back({write(keyword, count, address), kOutOfBounds, kOutOfLimits});
     }
     expectRefused(refusals);
 }
 
 TEST_F(tCmdAsciiRefusalTest, DataThatIsTooShortOrTooLong) {
-    struct Row {
-        const char* keyword;
-        const char* count;
-        std::size_t size;
-        const char* numbers;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*, std::size_t, const char*> rows = {
         {"8bit", "1", 0, "[1,255], received: 0"},
         {"8bit", "4", 3, "[4,255], received: 3"},
         {"8bit", "244", 243, "[244,255], received: 243"},
@@ -175,9 +155,9 @@ TEST_F(tCmdAsciiRefusalTest, DataThatIsTooShortOrTooLong) {
         {"8bitcrc", "1", 70000, "[1,255], received: 70000"},
     };
     Refusals refusals;
-    for (const Row& row : rows)
-        refusals.push_back({write(row.keyword, row.count, "0", Bytes(row.size, 0xA5)), kGenericError,
-                            std::string("Number of Data Bytes must be in Range ") + row.numbers});
+    for (const auto& [keyword, count, size, numbers] : rows)
+        refusals.push_back({write(keyword, count, "0", Bytes(size, 0xA5)), kGenericError,
+                            std::string("Number of Data Bytes must be in Range ") + numbers});
     expectRefused(refusals);
 }
 

@@ -50,11 +50,7 @@ std::string hexOf(const Bytes& bytes) {
 
 TEST_F(tCmdAsciiTest, ReadsTheBytesInTheOrderOfTheirAddresses) {
     store(0, {0x01, 0xAB, 0x00, 0xFF, 0x10, 0x20, 0x30, 0x40});
-    struct Row {
-        std::vector<std::string> request;
-        const char* answer;
-    };
-    const Row rows[] = {
+    const Rows<std::vector<std::string>, const char*> rows = {
         {{"memory", "read", "8bit", "1", "0"}, "hex(01)"},
         {{"memory", "read", "8bit", "3", "1"}, "hex(AB00FF)"},
         {{"memory", "read", "16bit", "2", "2"}, "hex(00FF1020)"},
@@ -68,9 +64,9 @@ TEST_F(tCmdAsciiTest, ReadsTheBytesInTheOrderOfTheirAddresses) {
         {{"memory", "read", "8bitcrc", "0", "0"}, "hex(00)"},
         {{"memory", "read", "8bit", "1", "0", "and", "more"}, "hex(01)"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.request));
-        expectAnswer(tokens(row.request), row.answer);
+    for (const auto& [request, answer] : rows) {
+        SCOPED_TRACE(::testing::PrintToString(request));
+        expectAnswer(tokens(request), answer);
     }
 }
 
@@ -89,32 +85,21 @@ TEST_F(tCmdAsciiTest, ReadsUpToTheLimits) {
 
 TEST_F(tCmdAsciiTest, NumbersMayBeWrittenInThreeWays) {
     store(0, {0xA0, 0xA1, 0xA2, 0xA3, 0xA4, 0xA5, 0xA6, 0xA7, 0xA8, 0xA9, 0xAA});
-    struct Row {
-        const char* count;
-        const char* address;
-        const char* answer;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*, const char*> rows = {
         {"1", "10", "hex(AA)"},   {"0x1", "0xa", "hex(AA)"}, {"01", "012", "hex(AA)"},
         {"+1", "0XA", "hex(AA)"}, {"257", "3", "hex(A3)"},   {"0x102", "3", "hex(A3A4)"},
         {"-255", "3", "hex(A3)"}, {"-256", "3", "hex()"},    {"256", "3", "hex()"},
         {"x", "3", "hex()"},      {"", "3", "hex()"},        {"1", "x", "hex(A0)"},
         {"1", "", "hex(A0)"},     {"2x", "1x", "hex(A1A2)"}, {" 2", "-0", "hex(A0A1)"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.count) + " at " + row.address);
-        expectAnswer(tokens({"memory", "read", "8bit", row.count, row.address}), row.answer);
+    for (const auto& [count, address, answer] : rows) {
+        SCOPED_TRACE(std::string(count) + " at " + address);
+        expectAnswer(tokens({"memory", "read", "8bit", count, address}), answer);
     }
 }
 
 TEST_F(tCmdAsciiTest, WritesTheBytesInTheOrderOfTheirAddresses) {
-    struct Row {
-        const char* keyword;
-        const char* count;
-        Bytes data;
-        const char* checksum;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*, Bytes, const char*> rows = {
         {"8bit", "1", {0xC1}, ""},
         {"8bit", "4", {0xC1, 0x00, 0xC3, 0xFF}, ""},
         {"16bit", "1", {0xD1, 0xD2}, ""},
@@ -129,14 +114,12 @@ TEST_F(tCmdAsciiTest, WritesTheBytesInTheOrderOfTheirAddresses) {
         {"8bitcrc", "2", {0x80, 0x80}, "0"},
         {"8bitcrc", "244", Bytes(244, 1), "244"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.keyword) + " " + row.count);
+    for (const auto& [keyword, count, data, checksum] : rows) {
+        SCOPED_TRACE(std::string(keyword) + " " + count);
         for (const unsigned int address : {16u, kScratchBytes - 512}) {
             store(address - 1, Bytes(256, 0x77));
-            expectOk(write(row.keyword, row.count, std::to_string(address), dataToken(row.data),
-                           row.checksum));
-            EXPECT_EQ(stored(address - 1, row.data.size() + 2),
-                      joined(joined({0x77}, row.data), {0x77}));
+            expectOk(write(keyword, count, std::to_string(address), dataToken(data), checksum));
+            EXPECT_EQ(stored(address - 1, data.size() + 2), joined(joined({0x77}, data), {0x77}));
         }
     }
 }
@@ -171,11 +154,7 @@ TEST_F(tCmdAsciiTest, NothingWrittenIsASuccess) {
 }
 
 TEST_F(tCmdAsciiTest, AWrongChecksumIsToldAndTheBytesAreWritten) {
-    struct Row {
-        const char* checksum;
-        const char* text;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*> rows = {
         {"5", "Invalid checksum in write request: 0x05 "},
         {"0", "Invalid checksum in write request: 0x00 "},
         {"x", "Invalid checksum in write request: 0x00 "},
@@ -183,14 +162,14 @@ TEST_F(tCmdAsciiTest, AWrongChecksumIsToldAndTheBytesAreWritten) {
         {"0x106", "Invalid checksum in write request: 0x106 "},
         {"-250", "Invalid checksum in write request: 0xFFFFFF06 "},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.checksum);
-        const Tokens list = write("8bitcrc", "3", "8", dataToken({1, 2, 3}), row.checksum);
+    for (const auto& [checksum, text] : rows) {
+        SCOPED_TRACE(checksum);
+        const Tokens list = write("8bitcrc", "3", "8", dataToken({1, 2, 3}), checksum);
         store(8, {9, 9, 9, 9});
-        expectError(run(list), kGenericError, row.text);
+        expectError(run(list), kGenericError, text);
         EXPECT_THAT(stored(8, 4), ElementsAre(1, 2, 3, 9));
         store(8, {9, 9, 9, 9});
-        expectErrorLines(list, "memory Error 0x1010000", row.text);
+        expectErrorLines(list, "memory Error 0x1010000", text);
         EXPECT_THAT(stored(8, 4), ElementsAre(1, 2, 3, 9));
     }
 }

@@ -108,12 +108,7 @@ TEST_F(tCmdBinaryRefusalTest, AddressesThatAreNoMultipleOfTheWidth) {
 }
 
 TEST_F(tCmdBinaryRefusalTest, RangesThatReachTheLastByte) {
-    struct Row {
-        unsigned char width;
-        unsigned char count;
-        unsigned int address;
-    };
-    const Row rows[] = {
+    const Rows<unsigned char, unsigned char, unsigned int> rows = {
         {1, 1, kScratchBytes - 1},
         {1, 244, kScratchBytes - 244},
         {1, 0, kScratchBytes},
@@ -137,18 +132,18 @@ TEST_F(tCmdBinaryRefusalTest, RangesThatReachTheLastByte) {
         {4, 3, 0xFFFFFFFC},
     };
     RefusedFrames refusals;
-    for (const Row& row : rows) {
-        const auto read = static_cast<unsigned char>(row.width / 2 * 2);
+    for (const auto& [width, count, address] : rows) {
+        const auto read = static_cast<unsigned char>(width / 2 * 2);
         const auto write = static_cast<unsigned char>(read + 1);
-        const Bytes data(std::size_t{row.width} * row.count, 0xA5);
-        refusals.push_back({access(read, row.count, row.address), kOutOfBounds, kOutOfLimits});
-        refusals.push_back({access(write, row.count, row.address, data), kOutOfBounds, kOutOfLimits});
-        refusals.push_back({access(write, row.count, row.address), kOutOfBounds, kOutOfLimits});
-        if (row.width != 1)
+        const Bytes data(std::size_t{width} * count, 0xA5);
+        refusals.push_back({access(read, count, address), kOutOfBounds, kOutOfLimits});
+        refusals.push_back({access(write, count, address, data), kOutOfBounds, kOutOfLimits});
+        refusals.push_back({access(write, count, address), kOutOfBounds, kOutOfLimits});
+        if (width != 1)
             continue;
-        refusals.push_back({access(6, row.count, row.address, {0, 0}), kOutOfBounds, kOutOfLimits});
+        refusals.push_back({access(6, count, address, {0, 0}), kOutOfBounds, kOutOfLimits});
         refusals.push_back(
-            {access(7, row.count, row.address, joined({0, 0, 0}, data)), kOutOfBounds, kOutOfLimits});
+            {access(7, count, address, joined({0, 0, 0}, data)), kOutOfBounds, kOutOfLimits});
     }
     expectRefused(refusals);
 }
@@ -179,21 +174,16 @@ TEST_F(tCmdBinaryRefusalTest, OfSeveralFaultsTheFirstIsTold) {
 }
 
 TEST_F(tCmdBinaryRefusalTest, RequestsTooShortToBeAnswered) {
-    struct Row {
-        Bytes request;
-        const char* text;
-    };
-    const Row rows[] = {
+    const Rows<Bytes, const char*> rows = {
         {{0x02, 't'}, "Command not supported"}, {{0x03, 't', 0}, kInvalidLength},
         {{0x03, 't', 1}, kInvalidLength},       {{0x03, 't', 6}, kInvalidLength},
         {{0x03, 't', 7}, kInvalidLength},       {{0x03, 't', 8}, "Command not supported"}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.request));
-        expectError(run(row.request), kMalformed, row.text);
+    for (const auto& [request, text] : rows) {
+        SCOPED_TRACE(::testing::PrintToString(request));
+        expectError(run(request), kMalformed, text);
         m_listener.frames.clear();
-        EXPECT_THROW(send(row.request), std::out_of_range);
-        EXPECT_THAT(m_listener.frames,
-                    ElementsAre(debugFrame(row.text), debugFrame("request size < 4")));
+        EXPECT_THROW(send(request), std::out_of_range);
+        EXPECT_THAT(m_listener.frames, ElementsAre(debugFrame(text), debugFrame("request size < 4")));
     }
     Bytes none;
     expectError(Response(command().process(&none)), kMalformed, "Command not supported");

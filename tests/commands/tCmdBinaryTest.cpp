@@ -51,22 +51,16 @@ TEST_F(tCmdBinaryTest, HasItsIdAndName) {
 }
 
 TEST_F(tCmdBinaryTest, ReadsTheBytesInTheOrderOfTheirAddresses) {
-    struct Row {
-        unsigned char code;
-        unsigned char width;
-        unsigned char count;
-        unsigned int address;
-    };
-    const Row rows[] = {
+    const Rows<unsigned char, unsigned char, unsigned char, unsigned int> rows = {
         {0, 1, 1, 0},  {0, 1, 3, 1},  {0, 1, 244, 5}, {0, 1, 1, kScratchBytes - 2},
         {2, 2, 1, 2},  {2, 2, 3, 6},  {2, 2, 122, 2}, {0, 1, 244, kScratchBytes - 245},
         {4, 4, 1, 4},  {4, 4, 2, 12}, {4, 4, 61, 8},  {2, 2, 122, kScratchBytes - 246},
         {2, 2, 1, 10}, {4, 4, 1, 20}, {2, 2, 1, 0},   {4, 4, 61, kScratchBytes - 248},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(access(row.code, row.count, row.address)));
-        const std::size_t total = std::size_t{row.width} * row.count;
-        expectData(access(row.code, row.count, row.address), stored(row.address, total));
+    for (const auto& [code, width, count, address] : rows) {
+        SCOPED_TRACE(::testing::PrintToString(access(code, count, address)));
+        const std::size_t total = std::size_t{width} * count;
+        expectData(access(code, count, address), stored(address, total));
     }
 }
 
@@ -89,26 +83,20 @@ TEST_F(tCmdBinaryTest, TheLargestAnswerFillsAFrame) {
 }
 
 TEST_F(tCmdBinaryTest, WritesTheBytesInTheOrderOfTheirAddresses) {
-    struct Row {
-        unsigned char code;
-        unsigned char count;
-        unsigned int address;
-        std::size_t total;
-    };
-    const Row rows[] = {
+    const Rows<unsigned char, unsigned char, unsigned int, std::size_t> rows = {
         {1, 1, 0, 1}, {1, 5, 3, 5},  {1, 244, 1, 244}, {1, 1, kScratchBytes - 2, 1},
         {3, 1, 2, 2}, {3, 3, 10, 6}, {3, 122, 2, 244}, {3, 1, kScratchBytes - 4, 2},
         {5, 1, 4, 4}, {5, 2, 16, 8}, {5, 61, 8, 244},  {5, 1, kScratchBytes - 8, 4},
     };
     unsigned char first = 1;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(access(row.code, row.count, row.address)));
-        const Bytes data = countingUp(row.total, ++first);
+    for (const auto& [code, count, address, total] : rows) {
+        SCOPED_TRACE(::testing::PrintToString(access(code, count, address)));
+        const Bytes data = countingUp(total, ++first);
         Bytes expected = allStored();
         const unsigned int place =
-            row.address < kPrepared ? row.address : row.address - (kScratchBytes - 2 * kPrepared);
+            address < kPrepared ? address : address - (kScratchBytes - 2 * kPrepared);
         std::copy(data.begin(), data.end(), expected.begin() + place);
-        expectData(access(row.code, row.count, row.address, data), {});
+        expectData(access(code, count, address, data), {});
         EXPECT_EQ(allStored(), expected) << "and nothing else";
     }
 }
@@ -122,20 +110,16 @@ TEST_F(tCmdBinaryTest, BytesBehindTheAnnouncedOnesAreIgnored) {
 }
 
 TEST_F(tCmdBinaryTest, AWriteWithChecksumAnswersTheChecksum) {
-    struct Row {
-        Bytes data;
-        unsigned char checksum;
-    };
-    const Row rows[] = {
+    const Rows<Bytes, unsigned char> rows = {
         {{1, 2, 3}, 6}, {{0xFF, 0x02}, 1}, {{0}, 0}, {{0x80, 0x80}, 0}, {countingUp(244), 0xC2}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.data.size());
-        const auto count = static_cast<unsigned char>(row.data.size());
+    for (const auto& [data, checksum] : rows) {
+        SCOPED_TRACE(data.size());
+        const auto count = static_cast<unsigned char>(data.size());
         for (const unsigned char ignored : Bytes{0x00, 0xFF}) {
             store(4, Bytes(244, 0x77));
-            expectData(access(7, count, 4, joined({ignored, ignored, row.checksum}, row.data)),
-                       {0, 0, row.checksum});
-            EXPECT_EQ(stored(4, row.data.size()), row.data);
+            expectData(access(7, count, 4, joined({ignored, ignored, checksum}, data)),
+                       {0, 0, checksum});
+            EXPECT_EQ(stored(4, data.size()), data);
         }
     }
 }

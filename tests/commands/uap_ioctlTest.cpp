@@ -83,16 +83,13 @@ TEST_F(uap_ioctlTest, ACommandBeyondTheBufferIsTold) {
 }
 
 TEST_F(uap_ioctlTest, WhatTheManagerFailsWithComesBackNegative) {
-    struct Row {
-        int result;
-        int error;
-    };
-    const Row rows[] = {{1, 1}, {5, 5}, {-5, 5}, {-1, 1}, {INT32_MIN, EPROTO}, {INT32_MAX, INT32_MAX}};
-    for (const Row& row : rows) {
-        m_manager->willAnswer(row.result, wlanReply(hostMessage(0x8003, 9, 0)));
-        EXPECT_EQ(call(), -row.error);
-        EXPECT_EQ(m_told, "uap_ioctl(): MsgSendv_r() failed return " + std::to_string(-row.error) +
-                              ", errno " + std::to_string(row.error) + "\n");
+    const Rows<int, int> rows = {
+        {1, 1}, {5, 5}, {-5, 5}, {-1, 1}, {INT32_MIN, EPROTO}, {INT32_MAX, INT32_MAX}};
+    for (const auto& [result, error] : rows) {
+        m_manager->willAnswer(result, wlanReply(hostMessage(0x8003, 9, 0)));
+        EXPECT_EQ(call(), -error);
+        EXPECT_EQ(m_told, "uap_ioctl(): MsgSendv_r() failed return " + std::to_string(-error) +
+                              ", errno " + std::to_string(error) + "\n");
         EXPECT_EQ(m_size, 9);
     }
 }

@@ -3,6 +3,7 @@
 
 #include "core/AbstractCmd.h"
 #include "core/ProcessResponseAscii.h"
+#include "support/Rows.h"
 #include "support/ScriptedCommand.h"
 
 using ::testing::ElementsAre;
@@ -56,11 +57,7 @@ TEST_F(AsciiAnswerTest, CodeOneAnswersNothingAndStaysTheCallers) {
 }
 
 TEST_F(AsciiAnswerTest, AnErrorIsItsTextAheadAndItsCode) {
-    struct Row {
-        unsigned int code;
-        const char* answer;
-    };
-    const Row rows[] = {
+    const Rows<unsigned int, const char*> rows = {
         {0x2, "diag Error 0x2"},
         {0x10, "diag Error 0x10"},
         {0x123, "diag Error 0x123"},
@@ -68,34 +65,29 @@ TEST_F(AsciiAnswerTest, AnErrorIsItsTextAheadAndItsCode) {
         {0xABCDEF01, "diag Error 0xABCDEF01"},
         {0xFFFFFFFF, "diag Error 0xFFFFFFFF"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.answer);
+    for (const auto& [code, answer] : rows) {
+        SCOPED_TRACE(answer);
         m_listener.lines.clear();
-        EXPECT_EQ(command().ascii_exec(new ProcessResponse(row.code, "what %d", 7)), row.answer);
-        EXPECT_EQ(command().ascii_exec(new ProcessResponseAscii(row.code, "what %d", 7)), row.answer);
-        EXPECT_EQ(command().ascii_exec(new ProcessResponseTavrin(row.code, "what %d", 7)), row.answer);
+        EXPECT_EQ(command().ascii_exec(new ProcessResponse(code, "what %d", 7)), answer);
+        EXPECT_EQ(command().ascii_exec(new ProcessResponseAscii(code, "what %d", 7)), answer);
+        EXPECT_EQ(command().ascii_exec(new ProcessResponseTavrin(code, "what %d", 7)), answer);
         const std::string info = "Info \"what 7\"";
         EXPECT_THAT(m_listener.lines, ElementsAre(info, info, info));
     }
 }
 
 TEST_F(AsciiAnswerTest, TheTextOfAnErrorIsNeverAFormatAndNeverCut) {
-    struct Row {
-        std::string message;
-        std::string info;
-    };
-    const Row rows[] = {
+    const Rows<std::string, std::string> rows = {
         {"", "Info \"\""},
         {"%n%s%x", "Info \"%n%s%x\""},
         {"say \"no\"", "Info \"say \"no\"\""},
         {std::string(5000, 'x'), "Info \"" + std::string(5000, 'x') + "\""},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.info.substr(0, 40));
+    for (const auto& [message, info] : rows) {
+        SCOPED_TRACE(info.substr(0, 40));
         m_listener.lines.clear();
-        EXPECT_EQ(command().ascii_exec(new ProcessResponse(2, "%s", row.message.c_str())),
-                  "diag Error 0x2");
-        EXPECT_THAT(m_listener.lines, ElementsAre(row.info));
+        EXPECT_EQ(command().ascii_exec(new ProcessResponse(2, "%s", message.c_str())), "diag Error 0x2");
+        EXPECT_THAT(m_listener.lines, ElementsAre(info));
     }
 }
 

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "core/AbstractCmd.h"
+#include "support/Rows.h"
 #include "support/ScriptedCommand.h"
 
 using ::testing::ElementsAreArray;
@@ -21,11 +22,7 @@ TEST(AsciiHelpersTest, TellsTheCommandsName) {
 }
 
 TEST(AsciiHelpersTest, ReadsNumbersInTheirThreeNotations) {
-    struct Row {
-        const char* text;
-        int value;
-    };
-    const Row rows[] = {
+    const Rows<const char*, int> rows = {
         {"0", 0},
         {"42", 42},
         {"+42", 42},
@@ -53,9 +50,9 @@ TEST(AsciiHelpersTest, ReadsNumbersInTheirThreeNotations) {
         {"-", 0},
         {"%d", 0},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(command().ascii_getInt(token(row.text)), row.value);
+    for (const auto& [text, value] : rows) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(command().ascii_getInt(token(text)), value);
     }
 }
 
@@ -66,11 +63,7 @@ TEST(AsciiHelpersTest, ReadsNoNumberBeyondTheToken) {
 }
 
 TEST(AsciiHelpersTest, TurnsHexadecimalTextIntoBytes) {
-    struct Row {
-        const char* text;
-        Bytes bytes;
-    };
-    const Row rows[] = {
+    const Rows<const char*, Bytes> rows = {
         {"", {}},
         {"1", {}},
         {"12", {0x12}},
@@ -84,9 +77,9 @@ TEST(AsciiHelpersTest, TurnsHexadecimalTextIntoBytes) {
         {"123", {0x12}},
         {"\xB1\xB2", {}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        EXPECT_THAT(command().ascii_buildHexVector(row.text), ElementsAreArray(row.bytes));
+    for (const auto& [text, bytes] : rows) {
+        SCOPED_TRACE(text);
+        EXPECT_THAT(command().ascii_buildHexVector(text), ElementsAreArray(bytes));
     }
 }
 
@@ -95,42 +88,32 @@ TEST(AsciiHelpersTest, AWrapperLeftOnHexadecimalTextIsReadAsADigit) {
 }
 
 TEST(AsciiHelpersTest, TurnsBytesIntoHexadecimalText) {
-    struct Row {
-        Bytes bytes;
-        const char* bare;
-        const char* wrapped;
-    };
-    const Row rows[] = {
+    const Rows<Bytes, const char*, const char*> rows = {
         {{}, "", "hex()"},
         {{0x00}, "00", "hex(00)"},
         {{0x01, 0xAB, 0xFF}, "01ABFF", "hex(01ABFF)"},
         {{0x0A, 0xA0}, "0AA0", "hex(0AA0)"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.wrapped);
-        EXPECT_EQ(command().ascii_buildHexString(row.bytes, false), row.bare);
-        EXPECT_EQ(command().ascii_buildHexString(row.bytes, true), row.wrapped);
+    for (const auto& [bytes, bare, wrapped] : rows) {
+        SCOPED_TRACE(wrapped);
+        EXPECT_EQ(command().ascii_buildHexString(bytes, false), bare);
+        EXPECT_EQ(command().ascii_buildHexString(bytes, true), wrapped);
     }
 }
 
 TEST(AsciiHelpersTest, TurnsBytesIntoBase64Text) {
-    struct Row {
-        Bytes bytes;
-        const char* text;
-    };
-    const Row rows[] = {
-        {{}, "base64()"},
+    const Rows<Bytes, const char*> rows = {
+        {Bytes{}, "base64()"},
         {{'A'}, "base64(QQ==)"},
         {{'A', 'B'}, "base64(QUI=)"},
         {{'A', 'B', 'C'}, "base64(QUJD)"},
         {{'A', 'B', 'C', 'D'}, "base64(QUJDRA==)"},
         {{0xFB, 0xFF, 0xBF}, "base64(+/+/)"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(command().ascii_buildBase64String(row.bytes), row.text);
-        EXPECT_EQ(command().ascii_buildBase64String(row.bytes, static_cast<unsigned>(row.bytes.size())),
-                  row.text);
+    for (const auto& [bytes, text] : rows) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(command().ascii_buildBase64String(bytes), text);
+        EXPECT_EQ(command().ascii_buildBase64String(bytes, static_cast<unsigned>(bytes.size())), text);
     }
     EXPECT_EQ(command().ascii_buildBase64String(Bytes(30000, 0)),
               "base64(" + std::string(40000, 'A') + ")");

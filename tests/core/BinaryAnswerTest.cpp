@@ -7,6 +7,7 @@
 
 #include "core/AbstractCmd.h"
 #include "core/ProcessResponseAscii.h"
+#include "support/Rows.h"
 #include "support/ScriptedCommand.h"
 
 using ::testing::ElementsAre;
@@ -72,23 +73,19 @@ TEST_F(BinaryAnswerTest, CodeOneAnswersNothingAndStaysTheCallers) {
 }
 
 TEST_F(BinaryAnswerTest, AnErrorIsItsTextAheadAndEightBytes) {
-    struct Row {
-        unsigned int code;
-        Bytes status;
-    };
-    const Row rows[] = {
+    const Rows<unsigned int, Bytes> rows = {
         {0x00000002, {0x00, 0x00, 0x00, 0x02}}, {0x00000123, {0x00, 0x00, 0x01, 0x23}},
         {0x01010000, {0x01, 0x01, 0x00, 0x00}}, {0x12345678, {0x12, 0x34, 0x56, 0x78}},
         {0x80000000, {0x80, 0x00, 0x00, 0x00}}, {0xFFFFFFFF, {0xFF, 0xFF, 0xFF, 0xFF}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.code);
+    for (const auto& [code, status] : rows) {
+        SCOPED_TRACE(code);
         Bytes expected = {0x08, 'D', 0xA2, 0xA3};
-        expected.insert(expected.end(), row.status.begin(), row.status.end());
+        expected.insert(expected.end(), status.begin(), status.end());
         m_listener.frames.clear();
-        EXPECT_EQ(exec(new ProcessResponse(row.code, "abc")), expected);
-        EXPECT_EQ(exec(new ProcessResponseAscii(row.code, "abc")), expected);
-        auto* filled = new ProcessResponseTavrin(row.code, "abc");
+        EXPECT_EQ(exec(new ProcessResponse(code, "abc")), expected);
+        EXPECT_EQ(exec(new ProcessResponseAscii(code, "abc")), expected);
+        auto* filled = new ProcessResponseTavrin(code, "abc");
         filled->data = {1, 2, 3}; // never sent with an error
         EXPECT_EQ(exec(filled), expected);
         const Bytes text = {0x05, 0x64, 'a', 'b', 'c'};
@@ -97,20 +94,16 @@ TEST_F(BinaryAnswerTest, AnErrorIsItsTextAheadAndEightBytes) {
 }
 
 TEST_F(BinaryAnswerTest, ADebugFrameCarriesAtMost253Characters) {
-    struct Row {
-        std::size_t textLength;
-        unsigned char d0;
-        std::size_t carried;
-    };
-    const Row rows[] = {{0, 2, 0},       {1, 3, 1},       {252, 254, 252},  {253, 255, 253},
-                        {254, 255, 253}, {300, 255, 253}, {10000, 255, 253}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.textLength);
-        std::string text(row.textLength, 'x');
+    const Rows<std::size_t, unsigned char, std::size_t> rows = {
+        {0, 2, 0},       {1, 3, 1},       {252, 254, 252},  {253, 255, 253},
+        {254, 255, 253}, {300, 255, 253}, {10000, 255, 253}};
+    for (const auto& [textLength, d0, carried] : rows) {
+        SCOPED_TRACE(textLength);
+        std::string text(textLength, 'x');
         if (!text.empty())
             text.back() = 'z';
-        Bytes expected = {row.d0, 0x64};
-        expected.insert(expected.end(), text.begin(), text.begin() + static_cast<long>(row.carried));
+        Bytes expected = {d0, 0x64};
+        expected.insert(expected.end(), text.begin(), text.begin() + static_cast<long>(carried));
         m_listener.frames.clear();
         command().tavrin_sendAsyncDebug(text);
         command().tavrin_sendAsyncDebug(text.c_str());
@@ -170,22 +163,17 @@ TEST_F(BinaryAnswerTest, FillingAFrameForATooShortRequestThrowsAfterADebugFrame)
 }
 
 TEST_F(BinaryAnswerTest, APayloadFollowsTheHeaderAndIsCutAt247Bytes) {
-    struct Row {
-        unsigned char offered;
-        unsigned char carried;
-    };
-    const Row rows[] = {{0, 0},     {1, 1},     {16, 16},   {246, 246},
-                        {247, 247}, {248, 247}, {250, 247}, {255, 247}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(int{row.offered});
+    const Rows<unsigned char, unsigned char> rows = {{0, 0},     {1, 1},     {16, 16},   {246, 246},
+                                                     {247, 247}, {248, 247}, {250, 247}, {255, 247}};
+    for (const auto& [offered, carried] : rows) {
+        SCOPED_TRACE(int{offered});
         const Bytes payload = countedBytes(255);
         ProcessResponseTavrin response(0, "");
-        command().tavrin_fillDefaultResponse(&kRequest, &response, row.offered, payload.data());
-        Bytes expected = {static_cast<unsigned char>(row.carried + 8), 'D', 0xA2, 0xA3, 0, 0, 0, 0};
-        expected.insert(expected.end(), payload.begin(), payload.begin() + row.carried);
+        command().tavrin_fillDefaultResponse(&kRequest, &response, offered, payload.data());
+        Bytes expected = {static_cast<unsigned char>(carried + 8), 'D', 0xA2, 0xA3, 0, 0, 0, 0};
+        expected.insert(expected.end(), payload.begin(), payload.begin() + carried);
         EXPECT_EQ(response.data, expected);
-        EXPECT_EQ(response.message,
-                  row.offered > 247 ? "Payload truncated. Response is maybe invalid" : "");
+        EXPECT_EQ(response.message, offered > 247 ? "Payload truncated. Response is maybe invalid" : "");
     }
     EXPECT_THAT(m_listener.frames, IsEmpty());
 }
@@ -209,20 +197,15 @@ TEST_F(BinaryAnswerTest, WithoutAPayloadItsLengthDoesNotCount) {
 }
 
 TEST_F(BinaryAnswerTest, AVectorIsAPayloadOfItsSizeInEightBits) {
-    struct Row {
-        std::size_t size;
-        std::size_t carried;
-    };
-    const Row rows[] = {{0, 0},     {1, 1},   {247, 247}, {248, 247},
-                        {255, 247}, {256, 0}, {257, 1},   {300, 44}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.size);
-        Bytes payload = countedBytes(row.size);
+    const Rows<std::size_t, std::size_t> rows = {{0, 0},     {1, 1},   {247, 247}, {248, 247},
+                                                 {255, 247}, {256, 0}, {257, 1},   {300, 44}};
+    for (const auto& [size, carried] : rows) {
+        SCOPED_TRACE(size);
+        Bytes payload = countedBytes(size);
         ProcessResponseTavrin response(0, "");
         command().tavrin_fillDefaultResponse(&kRequest, &response, payload);
-        Bytes expected = {static_cast<unsigned char>(row.carried + 8), 'D', 0xA2, 0xA3, 0, 0, 0, 0};
-        expected.insert(expected.end(), payload.begin(),
-                        payload.begin() + static_cast<long>(row.carried));
+        Bytes expected = {static_cast<unsigned char>(carried + 8), 'D', 0xA2, 0xA3, 0, 0, 0, 0};
+        expected.insert(expected.end(), payload.begin(), payload.begin() + static_cast<long>(carried));
         EXPECT_EQ(response.data, expected);
     }
 }

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "core/AbstractCmd.h"
+#include "support/Rows.h"
 #include "support/ScriptedCommand.h"
 
 using ::testing::ElementsAreArray;
@@ -47,12 +48,7 @@ TEST_F(BinaryRequestTest, TellsTheCommandsId) {
 }
 
 TEST_F(BinaryRequestTest, ReadsLengthAndSubCommand) {
-    struct Row {
-        Bytes request;
-        int length;
-        int subCommand;
-    };
-    const Row rows[] = {
+    const Rows<Bytes, int, int> rows = {
         {{}, -1, -1},
         {{0x00}, 0, -1},
         {{0x02, 'D'}, 2, -1},
@@ -61,10 +57,10 @@ TEST_F(BinaryRequestTest, ReadsLengthAndSubCommand) {
         {{0xFF, 'D', 0xFF}, 255, 0xFF},
         {{0x80, 'D', 0x80, 0x01}, 128, 0x80},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.request));
-        EXPECT_EQ(command().tavrin_getRequestLen(&row.request), row.length);
-        EXPECT_EQ(command().tavrin_getCommand(&row.request), row.subCommand);
+    for (const auto& [request, length, subCommand] : rows) {
+        SCOPED_TRACE(::testing::PrintToString(request));
+        EXPECT_EQ(command().tavrin_getRequestLen(&request), length);
+        EXPECT_EQ(command().tavrin_getCommand(&request), subCommand);
     }
     EXPECT_EQ(command().tavrin_getRequestLen(nullptr), 0);
     EXPECT_EQ(command().tavrin_getCommand(nullptr), -1);
@@ -132,12 +128,7 @@ TEST_F(BinaryRequestTest, AValidFrameReachesTheCommandAsItIs) {
 }
 
 TEST_F(BinaryRequestTest, TheGenericErrorEchoesWhatTheRequestHas) {
-    struct Row {
-        const char* what;
-        Bytes request;
-        Bytes frame;
-    };
-    const Row rows[] = {
+    const Rows<const char*, Bytes, Bytes> rows = {
         {"nothing", {}, {8, 0, 0, 0, 1, 1, 0, 0}},
         {"D0", {9}, {8, 0, 0, 0, 1, 1, 0, 0}},
         {"D1", {9, 0xA1}, {8, 0xA1, 0, 0, 1, 1, 0, 0}},
@@ -145,18 +136,18 @@ TEST_F(BinaryRequestTest, TheGenericErrorEchoesWhatTheRequestHas) {
         {"D3", {9, 0xA1, 0xA2, 0xA3}, {8, 0xA1, 0xA2, 0xA3, 1, 1, 0, 0}},
         {"more", {9, 0xA1, 0xA2, 0xA3, 0xA4, 0xA5}, {8, 0xA1, 0xA2, 0xA3, 1, 1, 0, 0}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, request, frame] : rows) {
+        SCOPED_TRACE(what);
         const std::string text = "100% %s";
         const std::unique_ptr<ProcessResponseTavrin> fromString(
-            command().tavrin_generateGenericError(&row.request, text));
+            command().tavrin_generateGenericError(&request, text));
         const std::unique_ptr<ProcessResponseTavrin> fromPointer(
-            command().tavrin_generateGenericError(&row.request, text.c_str()));
+            command().tavrin_generateGenericError(&request, text.c_str()));
         for (const auto* response : {fromString.get(), fromPointer.get()}) {
             EXPECT_EQ(response->code, 0x01010000u);
             EXPECT_EQ(response->message, "100% %s");
             EXPECT_EQ(response->protocol, 't');
-            EXPECT_THAT(response->data, ElementsAreArray(row.frame));
+            EXPECT_THAT(response->data, ElementsAreArray(frame));
         }
     }
     const std::unique_ptr<ProcessResponseTavrin> forNone(

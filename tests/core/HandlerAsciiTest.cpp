@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "core/ProcessResponseAscii.h"
+#include "support/Rows.h"
 #include "support/RunningHandler.h"
 
 using ::testing::ElementsAre;
@@ -42,14 +43,9 @@ TEST_F(HandlerAsciiTest, AnErrorIsItsTextAndThenItsLine) {
 }
 
 TEST_F(HandlerAsciiTest, AnUnknownNameIsAnsweredInTheNameOfTheErrorCommand) {
-    struct Row {
-        const char* what;
-        Tokens request;
-        std::string info;
-    };
     const std::string noHandler = "No Handler for the Command ";
     const std::string longName(5000, 'n');
-    const Row rows[] = {
+    const Rows<const char*, Tokens, std::string> rows = {
         {"with an argument", tokens({"foo", "1"}), noHandler + "foo"},
         {"in another case", tokens({"Scripted"}), noHandler + "Scripted"},
         {"a beginning of a name", tokens({"script"}), noHandler + "script"},
@@ -61,11 +57,11 @@ TEST_F(HandlerAsciiTest, AnUnknownNameIsAnsweredInTheNameOfTheErrorCommand) {
         {"a long name", tokens({longName}), noHandler + longName},
         {"the error command's own", tokens({"Error"}), noHandler + "Error"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, request, info] : rows) {
+        SCOPED_TRACE(what);
         m_listener.lines.clear();
-        EXPECT_EQ(handler().handleCommand(row.request, &m_listener), "Error Error 0x10");
-        EXPECT_THAT(m_listener.lines, ElementsAre("Info \"" + row.info + "\""));
+        EXPECT_EQ(handler().handleCommand(request, &m_listener), "Error Error 0x10");
+        EXPECT_THAT(m_listener.lines, ElementsAre("Info \"" + info + "\""));
     }
 }
 

@@ -1,6 +1,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "support/Rows.h"
 #include "support/RunningHandler.h"
 
 using ::testing::ElementsAre;
@@ -61,20 +62,16 @@ TEST_F(HandlerBinaryTest, AnErrorIsItsTextAndThenItsFrame) {
 }
 
 TEST_F(HandlerBinaryTest, AnUnknownIdIsAnsweredInTheNameOfTheErrorCommand) {
-    struct Row {
-        unsigned char id;
-        const char* text;
-    };
-    const Row rows[] = {
+    const Rows<unsigned char, const char*> rows = {
         {'x', "No Handler for the Command x"},     {0x7F, "No Handler for the Command 0x7F"},
         {0x00, "No Handler for the Command 0x00"}, {0xFF, "No Handler for the Command 0xFF"},
         {'%', "No Handler for the Command 0x25"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
+    for (const auto& [id, text] : rows) {
+        SCOPED_TRACE(text);
         m_listener.frames.clear();
-        EXPECT_THAT(send({0x04, row.id, 0x00, 0x00}), ElementsAre(8, row.id, 0, 0, 1, 1, 0, 0));
-        EXPECT_THAT(m_listener.frames, ElementsAre(debugFrame(row.text)));
+        EXPECT_THAT(send({0x04, id, 0x00, 0x00}), ElementsAre(8, id, 0, 0, 1, 1, 0, 0));
+        EXPECT_THAT(m_listener.frames, ElementsAre(debugFrame(text)));
     }
     EXPECT_THAT(send({0x09, 'x', 5, 6}), ElementsAre(8, 'x', 5, 6, 1, 1, 0, 0))
         << "its length does not matter";
@@ -108,24 +105,19 @@ TEST_F(HandlerBinaryTest, ARequestTooShortToBeLookedUpIsRefusedAtOnce) {
 }
 
 TEST_F(HandlerBinaryTest, ARequestTooShortToBeAnsweredThrowsOnTheCallersThread) {
-    struct Row {
-        const char* what;
-        Bytes request;
-        std::vector<std::string> texts;
-    };
-    const Row rows[] = {
+    const Rows<const char*, Bytes, std::vector<std::string>> rows = {
         {"success", {0x02, 'Q'}, {kTooShort}},
         {"success with a sub-command", {0x03, 'Q', 0x09}, {kTooShort}},
         {"unknown", {0x02, 'x'}, {"No Handler for the Command x", kTooShort}},
         {"unknown with a sub-command", {0x03, 'x', 0x09}, {"No Handler for the Command x", kTooShort}},
         {"wrong size", {0x04, 'Q'}, {"Internal Error: Invalid Request Buffer Size", kTooShort}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, request, texts] : rows) {
+        SCOPED_TRACE(what);
         m_listener.frames.clear();
-        expectBoundsException(row.request);
+        expectBoundsException(request);
         std::vector<Bytes> expected;
-        for (const std::string& text : row.texts)
+        for (const std::string& text : texts)
             expected.push_back(debugFrame(text));
         EXPECT_EQ(m_listener.frames, expected);
     }

@@ -2,6 +2,7 @@
 
 #include "core/Handler.h"
 #include "support/FreshProcess.h"
+#include "support/Rows.h"
 #include "support/ScriptedCommand.h"
 
 namespace {
@@ -25,18 +26,14 @@ TEST(HandlerRegistryTest, ThereIsOneHandler) {
 }
 
 TEST(HandlerRegistryTest, NamesIdsByLetterOrInHexadecimal) {
-    struct Row {
-        unsigned char id;
-        const char* name;
-    };
-    const Row rows[] = {
+    const Rows<unsigned char, const char*> rows = {
         {'a', "a"},     {'z', "z"},     {'A', "A"},     {'Z', "Z"},     {'x', "x"},    {0x00, "0x00"},
         {0x06, "0x06"}, {'0', "0x30"},  {'@', "0x40"},  {'[', "0x5B"},  {'`', "0x60"}, {'{', "0x7B"},
         {0x7F, "0x7F"}, {0x80, "0x80"}, {0xE4, "0xE4"}, {0xFF, "0xFF"}, {'%', "0x25"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(handler().getHandlerName(row.id), row.name);
+    for (const auto& [id, name] : rows) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(handler().getHandlerName(id), name);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "support/Rows.h"
 #include "support/ScriptedCommand.h"
 
 TEST(TokenNumberTest, BeyondItsWidthANumberIsTheNearest) {
@@ -14,12 +15,7 @@ TEST(TokenNumberTest, BeyondItsWidthANumberIsTheNearest) {
 }
 
 TEST(TokenNumberTest, ARangeEndsWithItsHighestNumber) {
-    struct Row {
-        const char* text;
-        std::uint32_t highest;
-        std::optional<std::uint32_t> number;
-    };
-    const Row rows[] = {
+    const Rows<const char*, std::uint32_t, std::optional<std::uint32_t>> rows = {
         {"0", 0, 0},
         {"1", 0, std::nullopt},
         {"255", 255, 255},
@@ -36,6 +32,6 @@ TEST(TokenNumberTest, ARangeEndsWithItsHighestNumber) {
         {"0x10000000000000000", 0xFFFFFFFF, std::nullopt},
         {"-0x10000000000000000", 0xFFFFFFFF, std::nullopt},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(tokenNumberUpTo(token(row.text), row.highest), row.number) << row.text;
+    for (const auto& [text, highest, number] : rows)
+        EXPECT_EQ(tokenNumberUpTo(token(text), highest), number) << text;
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 
+#include "support/Rows.h"
 #include "support/RunningHandler.h"
 
 using ::testing::ElementsAre;
@@ -23,19 +24,15 @@ using WideNumbersTest = RunningHandler;
 } // namespace
 
 TEST_F(WideNumbersTest, ANumberOf32BitsKeepsItsBits) {
-    struct Row {
-        const char* text;
-        std::uint32_t bits;
-    };
-    const Row rows[] = {
+    const Rows<const char*, std::uint32_t> rows = {
         {"0x7FFFFFFF", 0x7FFFFFFF},   {"0x80000000", 0x80000000},   {"0x9ABCDEF0", 0x9ABCDEF0},
         {"0xFFFFFFFF", 0xFFFFFFFF},   {"2147483648", 0x80000000},   {"4294967295", 0xFFFFFFFF},
         {"020000000000", 0x80000000}, {"037777777777", 0xFFFFFFFF}, {"-1", 0xFFFFFFFF},
         {"-2147483648", 0x80000000},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(static_cast<std::uint32_t>(command().ascii_getInt(token(row.text))), row.bits);
+    for (const auto& [text, bits] : rows) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(static_cast<std::uint32_t>(command().ascii_getInt(token(text))), bits);
     }
 }
 

@@ -2,6 +2,7 @@
 #include <iterator>
 
 #include "support/DriverFixture.h"
+#include "support/Rows.h"
 
 using ::testing::Each;
 using ::testing::ElementsAre;
@@ -31,13 +32,7 @@ TEST_P(AttributesTest, TheLineIsSetUpInThisOrder) {
 }
 
 TEST_P(AttributesTest, EachFrameFormatHasItsFlags) {
-    struct Row {
-        unsigned dataBits;
-        unsigned stopBits;
-        CommInterface::Parity parity;
-        tcflag_t flags;
-    };
-    const Row rows[] = {
+    const Rows<unsigned, unsigned, CommInterface::Parity, tcflag_t> rows = {
         {8, 1, CommInterface::None, CS8},
         {8, 2, CommInterface::None, CS8 | CSTOPB},
         {8, 1, CommInterface::Even, CS8 | PARENB},
@@ -50,10 +45,10 @@ TEST_P(AttributesTest, EachFrameFormatHasItsFlags) {
         {5, 1, CommInterface::None, CS5},
         {5, 2, CommInterface::Odd, CS5 | CSTOPB | PARENB | PARODD},
     };
-    for (const Row& row : rows) {
-        ASSERT_THAT(openFramed(row.dataBits, row.stopBits, row.parity), isSuccess());
-        EXPECT_EQ(frameOf(m_calls.beforeRaw), (row.flags | CREAD | CLOCAL))
-            << row.dataBits << " data bits, " << row.stopBits << " stop bits, parity " << row.parity;
+    for (const auto& [dataBits, stopBits, parity, flags] : rows) {
+        ASSERT_THAT(openFramed(dataBits, stopBits, parity), isSuccess());
+        EXPECT_EQ(frameOf(m_calls.beforeRaw), (flags | CREAD | CLOCAL))
+            << dataBits << " data bits, " << stopBits << " stop bits, parity " << parity;
     }
 }
 

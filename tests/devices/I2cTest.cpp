@@ -10,6 +10,7 @@
 #include "manager/ScriptedManager.h"
 #include "support/GuardedBuffer.h"
 #include "support/Results.h"
+#include "support/Rows.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -130,20 +131,14 @@ TEST_F(I2cTest, AnOpenBusIsNotOpenedAgain) {
 }
 
 TEST_F(I2cTest, ABusThatCannotBeOpenedSaysWhyAndStaysClosed) {
-    struct Row {
-        std::string path;
-        int error;
-        const char* suffix;
-    };
-    const Row rows[] = {
+    const Rows<std::string, int, const char*> rows = {
         {m_folder / "none", ENOENT, ": No such file or directory 2"},
         {m_folder, EISDIR, ": Is a directory 21"},
         {"", ENOENT, ": No such file or directory 2"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.path);
-        EXPECT_THAT(m_bus.open(row.path),
-                    isFailure(row.error, "Open Error for " + row.path + row.suffix));
+    for (const auto& [path, error, suffix] : rows) {
+        SCOPED_TRACE(path);
+        EXPECT_THAT(m_bus.open(path), isFailure(error, "Open Error for " + path + suffix));
         EXPECT_FALSE(m_bus.isStopBitEnabled());
         expectClosed();
     }
@@ -180,17 +175,13 @@ TEST_F(I2cTest, ABusThatGoesAwayIsClosed) {
 TEST_F(I2cTest, AWriteSendsItsHeaderAndItsData) {
     open();
     const Bytes data = counting(300);
-    struct Row {
-        unsigned address;
-        unsigned length;
-    };
-    for (const Row& row :
-         {Row{0x50, 1}, Row{0, 2}, Row{0x7F, 251}, Row{0xFF, 300}, Row{0xFEDCBA98, 3}, Row{0x50, 0}}) {
-        SCOPED_TRACE(row.length);
+    for (const auto& [address, length] : Rows<unsigned, unsigned>{
+             {0x50, 1}, {0, 2}, {0x7F, 251}, {0xFF, 300}, {0xFEDCBA98, 3}, {0x50, 0}}) {
+        SCOPED_TRACE(length);
         m_manager->willAnswer(0);
-        EXPECT_THAT(m_bus.write(row.address, data.data(), row.length), isSuccess());
+        EXPECT_THAT(m_bus.write(address, data.data(), length), isSuccess());
         EXPECT_EQ(m_manager->lastRequest(),
-                  writeRequest(row.address, Bytes(data.begin(), data.begin() + row.length)));
+                  writeRequest(address, Bytes(data.begin(), data.begin() + length)));
     }
     m_manager->willAnswer(0);
     EXPECT_THAT(m_bus.write(0x50, "\xA1\xA2", 2), isSuccess());

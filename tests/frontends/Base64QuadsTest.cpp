@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/Rows.h"
 #include "wire/Base64.h"
 
 namespace {
@@ -26,12 +27,7 @@ Decoded decode(const std::string& text) {
 } // namespace
 
 TEST(Base64QuadsTest, StopsBeforeTheFirstQuadThatIsNotWhole) {
-    struct Row {
-        const char* text;
-        std::size_t quads;
-        const char* bytes;
-    };
-    const Row rows[] = {
+    const Rows<const char*, std::size_t, const char*> rows = {
         {"", 0, "."},
         {"QUJ", 0, "."},
         {"QUJD", 1, "ABC."},
@@ -45,35 +41,31 @@ TEST(Base64QuadsTest, StopsBeforeTheFirstQuadThatIsNotWhole) {
         {"QUJD\xFFUJDQUJD", 1, "ABC......."},
         {"+/+/", 1, "\xFB\xFF\xBF."},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        const Decoded decoded = decode(row.text);
-        EXPECT_EQ(decoded.quads, row.quads);
-        EXPECT_EQ(decoded.bytes, row.bytes);
+    for (const auto& [text, quads, bytes] : rows) {
+        SCOPED_TRACE(text);
+        const Decoded decoded = decode(text);
+        EXPECT_EQ(decoded.quads, quads);
+        EXPECT_EQ(decoded.bytes, bytes);
     }
 }
 
 TEST(Base64QuadsTest, ARunEndsBeforeTheFirstForeignCharacter) {
-    struct Row {
-        const char* text;
-        std::size_t length;
-    };
-    const Row rows[] = {{"", 0},
-                        {")", 0},
-                        {"QUJD)", 4},
-                        {"AZaz09+/=)", 9},
-                        {"=", 1},
-                        {"Q==QUJD-", 7},
-                        {"QUJ D", 3},
-                        {"QUJ\nD", 3},
-                        {"A\xC1", 1},
-                        {"QUJD\x03"
-                         "ABCD",
-                         4},
-                        {"A_B", 1},
-                        {"A,", 1}};
-    for (const Row& row : rows)
-        EXPECT_EQ(base64RunLength(row.text, std::strlen(row.text)), row.length) << row.text;
+    const Rows<const char*, std::size_t> rows = {{"", 0},
+                                                 {")", 0},
+                                                 {"QUJD)", 4},
+                                                 {"AZaz09+/=)", 9},
+                                                 {"=", 1},
+                                                 {"Q==QUJD-", 7},
+                                                 {"QUJ D", 3},
+                                                 {"QUJ\nD", 3},
+                                                 {"A\xC1", 1},
+                                                 {"QUJD\x03"
+                                                  "ABCD",
+                                                  4},
+                                                 {"A_B", 1},
+                                                 {"A,", 1}};
+    for (const auto& [text, length] : rows)
+        EXPECT_EQ(base64RunLength(text, std::strlen(text)), length) << text;
     EXPECT_EQ(base64RunLength("QUJD", 2), 2U);
 }
 

@@ -11,6 +11,7 @@
 #include <cstdarg>
 #include <cstdint>
 
+#include "support/Rows.h"
 #include "wire/Descriptor.h"
 
 using System::blockDeviceStatus;
@@ -93,26 +94,22 @@ private:
 } // namespace
 
 TEST(BlockDeviceTest, AFileIsCountedInWholeBlocksOfItsOwnSize) {
-    struct Row {
-        off_t bytes;
-        blkcnt_t blocks;
-    };
-    const Row rows[] = {{0, 0},
-                        {1, 0},
-                        {kPage - 1, 0},
-                        {kPage, 1},
-                        {kPage + 1, 1},
-                        {15 * kPage, 15},
-                        {(off_t{1} << 32) + kPage, (blkcnt_t{1} << 20) + 1},
-                        {off_t{1} << 44, blkcnt_t{1} << 32}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.bytes);
-        const Descriptor file = makeFile(row.bytes);
+    const Rows<off_t, blkcnt_t> rows = {{0, 0},
+                                        {1, 0},
+                                        {kPage - 1, 0},
+                                        {kPage, 1},
+                                        {kPage + 1, 1},
+                                        {15 * kPage, 15},
+                                        {(off_t{1} << 32) + kPage, (blkcnt_t{1} << 20) + 1},
+                                        {off_t{1} << 44, blkcnt_t{1} << 32}};
+    for (const auto& [bytes, blocks] : rows) {
+        SCOPED_TRACE(bytes);
+        const Descriptor file = makeFile(bytes);
         struct stat status {};
         EXPECT_EQ(blockDeviceStatus(file.get(), status), 0);
         EXPECT_EQ(status.st_blksize, kPage);
-        EXPECT_EQ(status.st_blocks, row.blocks);
-        EXPECT_EQ(status.st_size, row.bytes);
+        EXPECT_EQ(status.st_blocks, blocks);
+        EXPECT_EQ(status.st_size, bytes);
     }
 }
 
@@ -177,26 +174,21 @@ TEST_F(MadeUpBlockDeviceTest, IsGivenTheTimeToGetHoldOfItsMedium) {
 }
 
 TEST_F(MadeUpBlockDeviceTest, ItsSectorsAreItsBlocks) {
-    struct Row {
-        int sectorBytes;
-        std::uint64_t bytes;
-        blkcnt_t blocks;
-    };
-    const Row rows[] = {{512, 0, 0},
-                        {512, 511, 0},
-                        {512, 512 * 15, 15},
-                        {512, 512 * 15 + 511, 15},
-                        {2048, 2048 * 300, 300},
-                        {4096, 4096, 1},
-                        {512, std::uint64_t{4} << 40, blkcnt_t{1} << 33}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.bytes);
-        s_device.sectorBytes = row.sectorBytes;
-        s_device.bytes = row.bytes;
+    const Rows<int, std::uint64_t, blkcnt_t> rows = {{512, 0, 0},
+                                                     {512, 511, 0},
+                                                     {512, 512 * 15, 15},
+                                                     {512, 512 * 15 + 511, 15},
+                                                     {2048, 2048 * 300, 300},
+                                                     {4096, 4096, 1},
+                                                     {512, std::uint64_t{4} << 40, blkcnt_t{1} << 33}};
+    for (const auto& [sectorBytes, bytes, blocks] : rows) {
+        SCOPED_TRACE(bytes);
+        s_device.sectorBytes = sectorBytes;
+        s_device.bytes = bytes;
         struct stat result {};
         EXPECT_EQ(status(result), 0);
-        EXPECT_EQ(result.st_blksize, row.sectorBytes);
-        EXPECT_EQ(result.st_blocks, row.blocks);
+        EXPECT_EQ(result.st_blksize, sectorBytes);
+        EXPECT_EQ(result.st_blocks, blocks);
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "manager/ManagerFixture.h"
 #include "support/DescriptorLimit.h"
+#include "support/Rows.h"
 
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -109,31 +110,32 @@ TEST_F(DeviceManagerTest, ARequestCarriesItsSizesAndItsPartsInOrder) {
     std::array<unsigned char, 4> one{};
     std::array<unsigned char, 300> two{};
     const System::SendPart parts[] = {{first.data(), first.size()}, {second.data(), second.size()}};
-    struct Row {
-        std::uint32_t command;
-        std::vector<System::SendPart> send;
-        std::vector<System::ReplyPart> reply;
-        Bytes packet;
-    };
-    const Row rows[] = {
-        {kNoData, {}, {}, littleEndian({1, 0, 0, 0})},
-        {0, {}, {}, littleEndian({0, 0, 0, 0})},
-        {0xFEDCBA98, {parts[0]}, {}, joined({littleEndian({0xFEDCBA98, 3, 0, 0}), first})},
-        {kTowards, {parts[0], parts[1]}, {}, joined({littleEndian({kTowards, 5, 0, 0}), first, second})},
-        {kTowards, {parts[1], parts[0]}, {}, joined({littleEndian({kTowards, 5, 0, 0}), second, first})},
-        {kTowards, {{nullptr, 0}, parts[0]}, {}, joined({littleEndian({kTowards, 3, 0, 0}), first})},
-        {kBack, {}, {{one.data(), 4}}, littleEndian({kBack, 0, 4, 0})},
-        {kBoth,
-         {parts[1]},
-         {{one.data(), 4}, {two.data(), 300}},
-         joined({littleEndian({kBoth, 2, 304, 0}), second})},
-        {kTowards, {}, {}, littleEndian({kTowards, 0, 0, 0})},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.command);
+    const Rows<std::uint32_t, std::vector<System::SendPart>, std::vector<System::ReplyPart>, Bytes>
+        rows = {
+            {kNoData, {}, {}, littleEndian({1, 0, 0, 0})},
+            {0, {}, {}, littleEndian({0, 0, 0, 0})},
+            {0xFEDCBA98, {parts[0]}, {}, joined({littleEndian({0xFEDCBA98, 3, 0, 0}), first})},
+            {kTowards,
+             {parts[0], parts[1]},
+             {},
+             joined({littleEndian({kTowards, 5, 0, 0}), first, second})},
+            {kTowards,
+             {parts[1], parts[0]},
+             {},
+             joined({littleEndian({kTowards, 5, 0, 0}), second, first})},
+            {kTowards, {{nullptr, 0}, parts[0]}, {}, joined({littleEndian({kTowards, 3, 0, 0}), first})},
+            {kBack, {}, {{one.data(), 4}}, littleEndian({kBack, 0, 4, 0})},
+            {kBoth,
+             {parts[1]},
+             {{one.data(), 4}, {two.data(), 300}},
+             joined({littleEndian({kBoth, 2, 304, 0}), second})},
+            {kTowards, {}, {}, littleEndian({kTowards, 0, 0, 0})},
+        };
+    for (const auto& [command, send, reply, packet] : rows) {
+        SCOPED_TRACE(command);
         m_manager->willAnswer(0);
-        EXPECT_EQ(System::requestDevice(m_device.get(), row.command, row.send, row.reply), 0);
-        EXPECT_EQ(m_manager->lastRequest(), row.packet);
+        EXPECT_EQ(System::requestDevice(m_device.get(), command, send, reply), 0);
+        EXPECT_EQ(m_manager->lastRequest(), packet);
     }
     EXPECT_THAT(m_manager->requests(), SizeIs(std::size(rows)));
     EXPECT_EQ(m_manager->connections(), 1);
@@ -143,47 +145,38 @@ TEST_F(DeviceManagerTest, WithoutASendPartTheFirstReplyPartIsTheInputOfWhatGoesT
     open();
     Bytes header = counting(4);
     Bytes room(2, 0);
-    struct Row {
-        std::uint32_t command;
-        Bytes packet;
-    };
-    const Row rows[] = {
+    const Rows<std::uint32_t, Bytes> rows = {
         {kBoth, joined({littleEndian({kBoth, 4, 6, 0}), counting(4)})},
         {kTowards, joined({littleEndian({kTowards, 4, 6, 0}), counting(4)})},
         {kBack, littleEndian({kBack, 0, 6, 0})},
         {0, littleEndian({0, 0, 6, 0})},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.command);
+    for (const auto& [command, packet] : rows) {
+        SCOPED_TRACE(command);
         m_manager->willAnswer(0);
-        EXPECT_EQ(System::requestDevice(m_device.get(), row.command, {},
+        EXPECT_EQ(System::requestDevice(m_device.get(), command, {},
                                         {{header.data(), header.size()}, {room.data(), room.size()}}),
                   0);
-        EXPECT_EQ(m_manager->lastRequest(), row.packet);
+        EXPECT_EQ(m_manager->lastRequest(), packet);
     }
     EXPECT_EQ(header, counting(4));
 }
 
 TEST_F(DeviceManagerTest, OneBlockOfDataGoesWhicheverWayTheCommandSays) {
     open();
-    struct Row {
-        Bytes packet;
-        std::uint32_t command;
-        bool comesBack;
-    };
-    const Row rows[] = {
+    const Rows<Bytes, std::uint32_t, bool> rows = {
         {littleEndian({kNoData, 0, 0, 0}), kNoData, false},
         {joined({littleEndian({kTowards, 4, 0, 0}), counting(4)}), kTowards, false},
         {littleEndian({kBack, 0, 4, 0}), kBack, true},
         {joined({littleEndian({kBoth, 4, 4, 0}), counting(4)}), kBoth, true},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.command);
+    for (const auto& [packet, command, comesBack] : rows) {
+        SCOPED_TRACE(command);
         Bytes data = counting(4);
         m_manager->willAnswer(0, counting(4, 0x80));
-        EXPECT_EQ(System::requestDevice(m_device.get(), row.command, data.data(), data.size()), 0);
-        EXPECT_EQ(m_manager->lastRequest(), row.packet);
-        EXPECT_EQ(data, row.comesBack ? counting(4, 0x80) : counting(4));
+        EXPECT_EQ(System::requestDevice(m_device.get(), command, data.data(), data.size()), 0);
+        EXPECT_EQ(m_manager->lastRequest(), packet);
+        EXPECT_EQ(data, comesBack ? counting(4, 0x80) : counting(4));
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include "manager/KernelCalls.h"
 #include "platform/DeviceManager.h"
+#include "support/Rows.h"
 
 using ::testing::AllOf;
 using ::testing::ElementsAre;
@@ -200,12 +201,7 @@ TEST_F(I2cDriverTest, RequestsWithPartsMissingAreRefused) {
     const System::ReplyPart wholeReply{header.data(), 20};
     const System::SendPart data{&byte, 1};
     const System::ReplyPart room{&byte, 1};
-    struct Row {
-        std::uint32_t command;
-        std::vector<System::SendPart> send;
-        std::vector<System::ReplyPart> reply;
-    };
-    const Row rows[] = {
+    const Rows<std::uint32_t, std::vector<System::SendPart>, std::vector<System::ReplyPart>> rows = {
         {kSend, {}, {}},
         {kSend, {whole}, {}},
         {kSend, {{header.data(), 15}, data}, {}},
@@ -219,9 +215,9 @@ TEST_F(I2cDriverTest, RequestsWithPartsMissingAreRefused) {
         {kSendReceive, {whole, data}, {wholeReply}},
         {kSendReceive, {{header.data(), 19}, data}, {wholeReply, room}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.command);
-        EXPECT_EQ(request(row.command, row.send, row.reply), EINVAL);
+    for (const auto& [command, send, reply] : rows) {
+        SCOPED_TRACE(command);
+        EXPECT_EQ(request(command, send, reply), EINVAL);
     }
     EXPECT_THAT(m_calls.transfers(), IsEmpty());
     EXPECT_EQ(byte, kGuard);

@@ -20,6 +20,7 @@
 
 #include "platform/BlockDevice.h"
 #include "support/PseudoTerminal.h"
+#include "support/Rows.h"
 #include "support/SleepingThread.h"
 
 using std::chrono::steady_clock;
@@ -118,19 +119,14 @@ TEST_F(NodeTest, TellsStatusAndSize) {
 }
 
 TEST_F(NodeTest, WhatCannotBeOpenedIsEmptyAndSaysWhy) {
-    struct Row {
-        std::string path;
-        int access;
-        int error;
-    };
-    const Row rows[] = {{m_folder / "nothing", O_RDONLY, ENOENT},
-                        {m_folder, O_WRONLY, EISDIR},
-                        {"/dev/null/node", O_RDONLY, ENOTDIR}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.path);
+    const Rows<std::string, int, int> rows = {{m_folder / "nothing", O_RDONLY, ENOENT},
+                                              {m_folder, O_WRONLY, EISDIR},
+                                              {"/dev/null/node", O_RDONLY, ENOTDIR}};
+    for (const auto& [path, access, error] : rows) {
+        SCOPED_TRACE(path);
         errno = 0;
-        EXPECT_FALSE(openNode(row.path.c_str(), row.access));
-        EXPECT_EQ(errno, row.error);
+        EXPECT_FALSE(openNode(path.c_str(), access));
+        EXPECT_EQ(errno, error);
     }
 }
 

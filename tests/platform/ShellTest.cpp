@@ -14,6 +14,7 @@
 
 #include "platform/Descriptors.h"
 #include "support/RefusedCalls.h"
+#include "support/Rows.h"
 #include "support/ShellFixture.h"
 
 using System::Descriptor;
@@ -44,12 +45,7 @@ public:
 } // namespace
 
 TEST_F(ShellTest, ReportsHowTheShellEndedAndWhatItWrote) {
-    struct Row {
-        const char* text;
-        int status;
-        const char* output;
-    };
-    const Row rows[] = {
+    const Rows<const char*, int, const char*> rows = {
         {"", 0x0000, ""},
         {"echo hello\n", 0x0000, "hello\n"},
         {"echo no line end", 0x0000, "no line end\n"},
@@ -63,12 +59,12 @@ TEST_F(ShellTest, ReportsHowTheShellEndedAndWhatItWrote) {
         {"kill -TERM $$", SIGTERM, ""},
         {"exec printf '%s' replaced", 0x0000, "replaced"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        const ShellRun shell = run(row.text);
+    for (const auto& [text, status, output] : rows) {
+        SCOPED_TRACE(text);
+        const ShellRun shell = run(text);
         EXPECT_EQ(shell.result.outcome, ShellOutcome::Ended);
-        EXPECT_EQ(shell.result.status, row.status);
-        EXPECT_EQ(shell.output, row.output);
+        EXPECT_EQ(shell.result.status, status);
+        EXPECT_EQ(shell.output, output);
     }
 }
 

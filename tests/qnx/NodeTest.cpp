@@ -9,6 +9,7 @@
 
 #include "NodeResults.h"
 #include "platform/BlockDevice.h"
+#include "support/Rows.h"
 
 using ::testing::ElementsAre;
 using ::testing::StartsWith;
@@ -25,20 +26,16 @@ protected:
 } // namespace
 
 TEST_F(QnxNodeTest, ANodeIsOpenedWithoutWaiting) {
-    struct Row {
-        int access;
-        const char* call;
-    };
-    const Row rows[] = {{O_RDONLY, "open64 \"/dev/node\" 0x80"},
-                        {O_WRONLY, "open64 \"/dev/node\" 0x81"},
-                        {O_RDWR, "open64 \"/dev/node\" 0x82"}};
-    for (const Row& row : rows) {
+    const Rows<int, const char*> rows = {{O_RDONLY, "open64 \"/dev/node\" 0x80"},
+                                         {O_WRONLY, "open64 \"/dev/node\" 0x81"},
+                                         {O_RDWR, "open64 \"/dev/node\" 0x82"}};
+    for (const auto& [access, call] : rows) {
         FakeSystem::next("open64", {7});
         nextKind(S_IFCHR);
-        EXPECT_EQ(System::openNode("/dev/node", row.access).release(), 7);
+        EXPECT_EQ(System::openNode("/dev/node", access).release(), 7);
         const auto calls = FakeSystem::calls();
         ASSERT_GE(calls.size(), 2u);
-        EXPECT_EQ(calls[0], row.call);
+        EXPECT_EQ(calls[0], call);
         EXPECT_EQ(calls[1], "fcntl 7 2 0x1");
         FakeSystem::reset();
     }
@@ -213,18 +210,14 @@ TEST_F(QnxNodeTest, TheSizeIsWhereTheContentEnds) {
 }
 
 TEST_F(QnxNodeTest, ASizeThatCannotBeToldIsReported) {
-    struct Row {
-        mode_t kind;
-        int error;
-        off_t size;
-    };
-    const Row rows[] = {{S_IFIFO, ESPIPE, 0}, {S_IFCHR, ETIMEDOUT, -1}, {S_IFREG, EINVAL, -1}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.kind);
-        nextKind(row.kind);
-        FakeSystem::fail("lseek", row.error);
-        EXPECT_EQ(System::nodeSize(7), row.size);
-        EXPECT_EQ(errno, row.error);
+    const Rows<mode_t, int, off_t> rows = {
+        {S_IFIFO, ESPIPE, 0}, {S_IFCHR, ETIMEDOUT, -1}, {S_IFREG, EINVAL, -1}};
+    for (const auto& [kind, error, size] : rows) {
+        SCOPED_TRACE(kind);
+        nextKind(kind);
+        FakeSystem::fail("lseek", error);
+        EXPECT_EQ(System::nodeSize(7), size);
+        EXPECT_EQ(errno, error);
     }
     nextKind(S_IFDIR);
     EXPECT_EQ(System::nodeSize(7), -1);

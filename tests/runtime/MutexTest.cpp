@@ -7,24 +7,21 @@
 #include <vector>
 
 #include "support/PthreadCalls.h"
+#include "support/Rows.h"
 #include "support/Waiting.h"
 
 using System::Lock;
 using System::Mutex;
 
 TEST(MutexTest, TypeZeroIsANormalMutexAndAnyOtherARecursiveOne) {
-    struct Row {
-        int type;
-        int expected;
-    };
-    const Row rows[] = {
+    const Rows<int, int> rows = {
         {0, PTHREAD_MUTEX_NORMAL}, {1, PTHREAD_MUTEX_RECURSIVE}, {2, PTHREAD_MUTEX_RECURSIVE}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.type);
+    for (const auto& [type, expected] : rows) {
+        SCOPED_TRACE(type);
         PthreadCalls calls;
-        const Mutex mutex(static_cast<Mutex::Type>(row.type));
+        const Mutex mutex(static_cast<Mutex::Type>(type));
         EXPECT_TRUE(mutex.isValid());
-        EXPECT_EQ(calls.mutexType, row.expected);
+        EXPECT_EQ(calls.mutexType, expected);
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "core/AbstractCmd.h"
 #include "support/FrontEnd.h"
+#include "support/Rows.h"
 
 using Response = std::unique_ptr<ProcessResponse>;
 using Words = std::vector<std::string>;
