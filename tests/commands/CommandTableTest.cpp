@@ -30,6 +30,12 @@ struct Entry {
     const char* name;
 };
 
+template <typename Command>
+Entry entry(signed char id, const char* name) {
+    EXPECT_EQ(Command::getInstance(), Command::getInstance()) << name;
+    return {Command::getInstance(), id, name};
+}
+
 } // namespace
 
 TEST(CommandTableTest, EveryCommandIsReachableByItsIdAndItsName) {
@@ -43,13 +49,11 @@ TEST(CommandTableTest, EveryCommandIsReachableByItsIdAndItsName) {
     EXPECT_TRUE(eventually([&] { return handler.getState() == StatedThread::Started; }));
 
     const Entry entries[] = {
-        {ackCmd::getInstance(), 0x06, "ack"},   {DCmd::getInstance(), 'D', "diag"},
-        {ECmd::getInstance(), 'E', "audio"},    {GCmd::getInstance(), 'G', "graphic"},
-        {iReadCmd::getInstance(), 'i', "i2c"},  {IWriteCmd::getInstance(), 'I', ""},
-        {mCmd::getInstance(), 'm', "blockdev"}, {pReadCmd::getInstance(), 'p', "port"},
-        {PWriteCmd::getInstance(), 'P', ""},    {sReadCmd::getInstance(), 's', "status"},
-        {cReadCmd::getInstance(), 'c', "exec"}, {SWriteCmd::getInstance(), 'S', "serial"},
-        {tCmd::getInstance(), 't', "memory"},
+        entry<ackCmd>(0x06, "ack"),     entry<DCmd>('D', "diag"),     entry<ECmd>('E', "audio"),
+        entry<GCmd>('G', "graphic"),    entry<iReadCmd>('i', "i2c"),  entry<IWriteCmd>('I', ""),
+        entry<mCmd>('m', "blockdev"),   entry<pReadCmd>('p', "port"), entry<PWriteCmd>('P', ""),
+        entry<sReadCmd>('s', "status"), entry<cReadCmd>('c', "exec"), entry<SWriteCmd>('S', "serial"),
+        entry<tCmd>('t', "memory"),
     };
     for (const Entry& entry : entries) {
         SCOPED_TRACE(entry.name);

@@ -1,4 +1,5 @@
 // Routing a video input: what reaches the two tools, in which order, and what a failing one leads to.
+#include "support/ErrorOutput.h"
 #include "support/GraphicsUnit.h"
 
 using ::testing::ElementsAre;
@@ -26,9 +27,7 @@ constexpr Input kInputs[] = {
 class GCmdCaptureTest : public GraphicsUnit {
 protected:
     static std::string errorOutputOfOutputOne() {
-        ::testing::internal::CaptureStderr();
-        expectSuccess(graphics().captureFrame(0, 1));
-        return ::testing::internal::GetCapturedStderr();
+        return errorOutputOf([] { expectSuccess(graphics().captureFrame(0, 1)); });
     }
 };
 
@@ -139,22 +138,17 @@ TEST_F(GCmdCaptureTest, AViewerThatRunsIsEndedOnce) {
 }
 
 TEST_F(GCmdCaptureTest, ARefusedRequestEndsTheViewerAllTheSame) {
-    struct Row {
-        unsigned char input;
-        unsigned char output;
-        unsigned int code;
-        const char* text;
-    };
-    const Row rows[] = {{3, 2, kInvalidOutput, "The output channel : 2 is invalid for video"},
-                        {1, 0, kInvalidInput, "The input channel : 1 is invalid for video"}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        inFreshProcess([&row] {
+    const Rows<unsigned char, unsigned char, unsigned int, const char*> rows = {
+        {3, 2, kInvalidOutput, "The output channel : 2 is invalid for video"},
+        {1, 0, kInvalidInput, "The input channel : 1 is invalid for video"}};
+    for (const auto& [input, output, code, text] : rows) {
+        SCOPED_TRACE(text);
+        inFreshProcess([input = input, output = output, code = code, text = text] {
             graphics().displayTestImage(2, 0);
             calls();
-            expectError(graphics().captureFrame(row.input, row.output), row.code, row.text);
+            expectError(graphics().captureFrame(input, output), code, text);
             EXPECT_THAT(calls(), ElementsAre("showimage|q"));
-            expectError(graphics().captureFrame(row.input, row.output), row.code, row.text);
+            expectError(graphics().captureFrame(input, output), code, text);
             EXPECT_THAT(calls(), IsEmpty());
         });
     }
@@ -240,15 +234,7 @@ TEST_F(GCmdCaptureTest, BothProtocolsRouteInputs) {
 
 TEST_F(GCmdCaptureTest, TheSameResponseComesInEitherProtocol) {
     const unsigned int before = ProcessResponse::m_counter;
-    {
-        Bytes request = {0x06, 'G', 0xA1, 0, 0, 0};
-        const Response binary(graphics().process(&request));
-        expectSuccess(*binary);
-        EXPECT_THAT(frameOf(*binary), IsEmpty());
-        std::vector<std::vector<char>> list = tokens({"graphic", "capture", "0", "0"});
-        const Response ascii(graphics().process(list));
-        expectSuccess(*ascii);
-        EXPECT_EQ(answerOf(*ascii), "ok");
-    }
+    expectSuccess(*runRequest(graphics(), Bytes{0x06, 'G', 0xA1, 0, 0, 0}), Bytes{});
+    expectSuccess(*runRequest(graphics(), tokens({"graphic", "capture", "0", "0"})), "ok");
     EXPECT_EQ(ProcessResponse::m_counter, before);
 }

@@ -84,12 +84,8 @@ TEST_F(GCmdDisplayTest, TheSecondOutputHasNoBlackLayer) {
 
 TEST_F(GCmdDisplayTest, AToolMayFailAtAnyStep) {
     const Calls restart = joined(kShowBlack, joined(kStart, showing(0, 0)));
-    struct Row {
-        std::string failing;
-        Calls first;
-        Calls second; ///< of the next request, when nothing fails any more
-    };
-    const Row rows[] = {
+    // What fails, the calls then, and those of the next request, when nothing fails any more.
+    const Rows<std::string, Calls, Calls> rows = {
         {"dmdt|dc|100|-9999", kMakeBlack, restart},
         {"dmdt|sc|0|100", joined(kMakeBlack, kShowBlack), restart},
         {"showimage", joined(kMakeBlack, joined(kShowBlack, kStart)), kLater},
@@ -98,15 +94,15 @@ TEST_F(GCmdDisplayTest, AToolMayFailAtAnyStep) {
         {kFirst[5], joined(firstSteps(6), kQuit), restart},
         {"showimage|s|0", joined(kFirst, kQuit), restart},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.failing);
-        inFreshProcess([&row] {
-            failAt({row.failing});
+    for (const auto& [failing, first, second] : rows) {
+        SCOPED_TRACE(failing);
+        inFreshProcess([failing = failing, first = first, second = second] {
+            failAt({failing});
             expectToolFailure(graphics().displayTestImage(0, 0));
-            EXPECT_EQ(calls(), row.first);
+            EXPECT_EQ(calls(), first);
             failAt({});
             expectSuccess(graphics().displayTestImage(0, 0));
-            EXPECT_EQ(calls(), row.second);
+            EXPECT_EQ(calls(), second);
         });
     }
 }
@@ -168,23 +164,15 @@ TEST_F(GCmdDisplayTest, BothProtocolsShowPictures) {
 TEST_F(GCmdDisplayTest, BothProtocolsPassAFailureOn) {
     graphics();
     remove(packedPath(0));
-    EXPECT_EQ(m_frontEnd.send(Bytes{0x05, 'G', 0xA0, 2, 0}), (Bytes{8, 'G', 0xA0, 2, 1, 1, 0, 0}));
-    EXPECT_THAT(m_frontEnd.frames, ElementsAre(debugFrame("path to test image not found")));
-    EXPECT_EQ(m_frontEnd.sendWords({"graphic", "display", "2", "0"}), "graphic Error 0x1010000");
-    EXPECT_THAT(m_frontEnd.lines, ElementsAre(infoLine("path to test image not found")));
+    constexpr char kNotFound[] = "path to test image not found";
+    expectRefused(graphics(), m_frontEnd, Bytes{0x05, 'G', 0xA0, 2, 0}, kGenericError, kNotFound);
+    expectRefused(graphics(), m_frontEnd, tokens({"graphic", "display", "2", "0"}), kGenericError,
+                  kNotFound);
 }
 
 TEST_F(GCmdDisplayTest, TheSameResponseComesInEitherProtocol) {
     const unsigned int before = ProcessResponse::m_counter;
-    {
-        Bytes request = {0x05, 'G', 0xA0, 2, 0};
-        const Response binary(graphics().process(&request));
-        expectSuccess(*binary);
-        EXPECT_THAT(frameOf(*binary), IsEmpty());
-        std::vector<std::vector<char>> list = tokens({"graphic", "display", "2", "0"});
-        const Response ascii(graphics().process(list));
-        expectSuccess(*ascii);
-        EXPECT_EQ(answerOf(*ascii), "ok");
-    }
+    expectSuccess(*runRequest(graphics(), Bytes{0x05, 'G', 0xA0, 2, 0}), Bytes{});
+    expectSuccess(*runRequest(graphics(), tokens({"graphic", "display", "2", "0"})), "ok");
     EXPECT_EQ(ProcessResponse::m_counter, before);
 }

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "support/ErrorOutput.h"
 #include "support/GraphicsUnit.h"
 
 namespace fs = std::filesystem;
@@ -31,16 +32,8 @@ protected:
         EXPECT_EQ(path, "as it was");
     }
 
-    /// What is said on standard error meanwhile.
-    template <typename Action>
-    static std::string errorOutputOf(const Action& action) {
-        graphics();
-        ::testing::internal::CaptureStderr();
-        action();
-        return ::testing::internal::GetCapturedStderr();
-    }
-
     static std::string errorOutputOfRefusal(const std::string& text) {
+        graphics();
         return errorOutputOf([&text] { expectRefused(text); });
     }
 };
@@ -81,6 +74,7 @@ TEST_F(GCmdPictureTest, WhatWasPutInPlaceOfAPictureIsReplacedAndNotTouched) {
 
 TEST_F(GCmdPictureTest, ALinkInPlaceOfAPictureIsReplacedAndNotWhatItLeadsTo) {
     write("/tmp/precious", "precious");
+    graphics();
     for (const char* target : {"/tmp/precious", "/tmp/none", "/tmp", "/dev/null"}) {
         SCOPED_TRACE(target);
         ASSERT_EQ(::symlink(target, unpackedPath(0).c_str()), 0);
@@ -157,6 +151,7 @@ TEST_F(GCmdPictureTest, APictureWithTooFewBytesIsShownAllTheSame) {
     const auto expectShown = [&begun] {
         expectPicture(0, begun + std::string(kPictureBytes - begun.size(), '\0'));
     };
+    graphics();
     EXPECT_EQ(errorOutputOf(expectShown), "Prod.testserver: " + packedPath(0) +
                                               " unpacks to 1000 bytes instead of 1152054, the rest is "
                                               "zero\n");

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <stdexcept>
 
 #include "commands/GCmd.h"
 #include "support/CommandBench.h"
@@ -26,23 +25,9 @@ constexpr char kNoConfiguration[] =
 class GCmdRefusalTest : public CommandTest<GCmd> {
 protected:
     ~GCmdRefusalTest() override { refuseVariable(nullptr); }
-
-    FrontEnd m_frontEnd;
 };
 
 } // namespace
-
-TEST_F(GCmdRefusalTest, HasItsIdAndName) {
-    expectIdAndName('G', "graphic");
-}
-
-TEST_F(GCmdRefusalTest, TheVariantsHaveTheirNumbers) {
-    EXPECT_EQ(GCmd::PAG, 0);
-    EXPECT_EQ(GCmd::G11, 1);
-    EXPECT_EQ(GCmd::G22, 2);
-    EXPECT_EQ(GCmd::G24, 3);
-    EXPECT_EQ(GCmd::G21, 4);
-}
 
 TEST_F(GCmdRefusalTest, ThePicturesHaveTheirNames) {
     EXPECT_THAT(GCmd::test_screens, ElementsAre(::testing::StrEq("colorscale_7bars_888_800x480.bmp"),
@@ -61,14 +46,10 @@ TEST_F(GCmdRefusalTest, OnlyTheseChannelsCarryVideo) {
 
 TEST_F(GCmdRefusalTest, FramesOfAnotherLength) {
     for (const Bytes& request :
-         {Bytes{4, 'G', 0xA0, 0}, Bytes{6, 'G', 0xA0, 0, 0, 0}, Bytes{6, 'G', 0xA0, 0, 3, 0},
-          Bytes{4, 'G', 0xA1, 0}, Bytes{5, 'G', 0xA1, 0, 0}, Bytes{7, 'G', 0xA1, 0, 0, 0, 0}})
+         {Bytes{3, 'G', 0xA0}, Bytes{4, 'G', 0xA0, 0}, Bytes{6, 'G', 0xA0, 0, 0, 0},
+          Bytes{6, 'G', 0xA0, 0, 3, 0}, Bytes{4, 'G', 0xA1, 0}, Bytes{5, 'G', 0xA1, 0, 0},
+          Bytes{7, 'G', 0xA1, 0, 0, 0, 0}})
         expectRefused(request, kGenericError, kInvalidLength);
-    Bytes tooShort = {3, 'G', 0xA0};
-    expectError(Response(command().process(&tooShort)), kGenericError, kInvalidLength);
-    EXPECT_THROW(m_frontEnd.send(tooShort), std::out_of_range);
-    EXPECT_THAT(m_frontEnd.frames,
-                ElementsAre(debugFrame(kInvalidLength), debugFrame("request size < 4")));
 }
 
 TEST_F(GCmdRefusalTest, FramesOfAnotherKind) {
@@ -87,18 +68,15 @@ TEST_F(GCmdRefusalTest, FramesOfAnotherKind) {
 
 TEST_F(GCmdRefusalTest, LinesOfAnotherKind) {
     expectRefused(Words{"graphic"}, kGenericError, "Expected a subcommand!");
-    Tokens none;
-    expectError(Response(command().process(none)), kGenericError, "Expected a subcommand!");
+    expectRefused(Tokens{}, kGenericError, "Expected a subcommand!");
     for (const char* word :
          {"displa", "Display", " display", "captur", "CAPTURE", "show", "0xA0", "%s%n%x"})
         expectRefused(Words{"graphic", word, "0", "0"}, kGenericError,
                       "Unknown 'graphic' subcommand: " + std::string(word));
     expectRefused(Words{"graphic", "wrong"}, kGenericError, "Unknown 'graphic' subcommand: wrong");
-    Tokens unended = {token("graphic"), {'d', 'i', 's'}};
-    expectError(Response(command().process(unended)), kGenericError,
-                "Unknown 'graphic' subcommand: dis");
-    Tokens empty = {token("graphic"), {}};
-    expectError(Response(command().process(empty)), kGenericError, "Unknown 'graphic' subcommand: ");
+    expectRefused(Tokens{token("graphic"), {'d', 'i', 's'}}, kGenericError,
+                  "Unknown 'graphic' subcommand: dis");
+    expectRefused(Tokens{token("graphic"), {}}, kGenericError, "Unknown 'graphic' subcommand: ");
 }
 
 TEST_F(GCmdRefusalTest, LinesWithoutAllTheirNumbers) {
@@ -161,13 +139,4 @@ TEST_F(GCmdRefusalTest, TheEnvironmentIsOverwritten) {
     }
     ::unsetenv("LD_LIBRARY_PATH");
     ::unsetenv("IPL_CONFIG_DIR");
-}
-
-TEST_F(GCmdRefusalTest, NoResponseIsLeftOver) {
-    const unsigned int before = ProcessResponse::m_counter;
-    m_frontEnd.send(Bytes{5, 'G', 0xA0, 0, 3});
-    m_frontEnd.send(Bytes{5, 'G', 0x00, 0, 3});
-    m_frontEnd.sendWords({"graphic", "display", "0", "3"});
-    m_frontEnd.sendWords({"graphic", "wrong"});
-    EXPECT_EQ(ProcessResponse::m_counter, before);
 }

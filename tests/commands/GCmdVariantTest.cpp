@@ -1,6 +1,7 @@
 // Which hardware variant the unit is, and what that makes of its picture outputs.
 #include <filesystem>
 
+#include "support/ErrorOutput.h"
 #include "support/GraphicsUnit.h"
 
 using ::testing::IsEmpty;
@@ -15,9 +16,7 @@ class GCmdVariantTest : public GraphicsUnit {
 protected:
     /// What is said on standard error when the command comes into being.
     static std::string madeCommand() {
-        ::testing::internal::CaptureStderr();
-        graphics();
-        return ::testing::internal::GetCapturedStderr();
+        return errorOutputOf([] { graphics(); });
     }
 
     static void expectVariant(const std::string& name, bool hasSecondOutput) {
@@ -39,13 +38,7 @@ protected:
 } // namespace
 
 TEST_F(GCmdVariantTest, TheImageVersionNamesTheVariant) {
-    struct Row {
-        const char* text;
-        const char* name;
-        bool hasSecondOutput;
-        GCmd::variant_type variant;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*, bool, GCmd::variant_type> rows = {
         {"PAG", "PAG", true, GCmd::PAG},
         {"HU G11 11.02.03\n", "G11", false, GCmd::G11},
         {"G22\n", "G22", true, GCmd::G22},
@@ -56,13 +49,13 @@ TEST_F(GCmdVariantTest, TheImageVersionNamesTheVariant) {
         {"G21 G24 G22", "G22", true, GCmd::G22},
         {"G21 G24", "G24", false, GCmd::G24},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        inFreshProcess([&row] {
-            setImageVersion(row.text);
+    for (const auto& [text, name, hasSecondOutput, variant] : rows) {
+        SCOPED_TRACE(text);
+        inFreshProcess([text = text, name = name, second = hasSecondOutput, variant = variant] {
+            setImageVersion(text);
             EXPECT_EQ(madeCommand(), "");
-            expectVariant(row.name, row.hasSecondOutput);
-            EXPECT_EQ(graphics().getVariant(), row.variant);
+            expectVariant(name, second);
+            EXPECT_EQ(graphics().getVariant(), variant);
         });
     }
 }
@@ -122,11 +115,8 @@ TEST_F(GCmdVariantTest, BothProtocolsRefuseAnOutputThatTheVariantLacks) {
         setImageVersion("G11");
         graphics();
         const std::string text = "Output Channel for Test picture out of range for G11 variant";
-        EXPECT_EQ(m_frontEnd.send(Bytes{0x05, 'G', 0xA0, 2, 0}),
-                  (Bytes{8, 'G', 0xA0, 2, 0x49, 0, 0, 0x02}));
-        EXPECT_THAT(m_frontEnd.frames, ::testing::ElementsAre(debugFrame(text)));
-        EXPECT_EQ(m_frontEnd.sendWords({"graphic", "display", "2", "0"}), "graphic Error 0x49000002");
-        EXPECT_THAT(m_frontEnd.lines, ::testing::ElementsAre(infoLine(text)));
+        expectErrorSent(m_frontEnd, Bytes{0x05, 'G', 0xA0, 2, 0}, 0x49000002, text);
+        expectErrorSent(m_frontEnd, tokens({"graphic", "display", "2", "0"}), 0x49000002, text);
         EXPECT_THAT(calls(), IsEmpty());
     });
 }

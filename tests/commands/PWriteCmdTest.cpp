@@ -3,13 +3,11 @@
 #include <sys/syscall.h>
 
 #include <cerrno>
-#include <stdexcept>
 
 #include "support/PortFixture.h"
 #include "support/RefusedCalls.h"
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 namespace {
 
@@ -25,15 +23,11 @@ protected:
 
 } // namespace
 
-TEST_F(PWriteCmdTest, HasAnIdAndNoName) {
-    expectIdAndName('P', "");
-}
-
 TEST_F(PWriteCmdTest, WritesOutputsAndNothingElse) {
     const std::string before = allLevels();
     for (const Port& port : kPorts) {
         SCOPED_TRACE(port.name);
-        const Bytes high = m_frontEnd.send({6, 'P', 0xE3, 1, port.number, 0x04});
+        const Bytes high = send({6, 'P', 0xE3, 1, port.number, 0x04});
         if (port.type != kOutput) {
             expectRefused(writing(port.number, 0x04), kNotAnOutput,
                           "Port " + std::to_string(port.number) + " is not an Output Port");
@@ -44,10 +38,8 @@ TEST_F(PWriteCmdTest, WritesOutputsAndNothingElse) {
         expected[port.number] = '1';
         EXPECT_THAT(high, ElementsAre(8, 'P', 0xE3, 1, 0, 0, 0, 0));
         EXPECT_EQ(allLevels(), expected);
-        EXPECT_THAT(m_frontEnd.send({6, 'P', 0xE3, 1, port.number, 0x00}),
-                    ElementsAre(8, 'P', 0xE3, 1, 0, 0, 0, 0));
+        expectAnswer({6, 'P', 0xE3, 1, port.number, 0x00}, {8, 'P', 0xE3, 1, 0, 0, 0, 0});
         EXPECT_EQ(allLevels(), before);
-        EXPECT_THAT(m_frontEnd.frames, IsEmpty());
     }
 }
 
@@ -146,12 +138,6 @@ TEST_F(PWriteCmdTest, WhatIsNoRequestForItIsRefused) {
     EXPECT_EQ(allLevels(), std::string(21, '0'));
 }
 
-TEST_F(PWriteCmdTest, ARequestWithNothingToEchoIsReportedAndThrown) {
-    EXPECT_THROW(m_frontEnd.send({3, 'P', 0xE3}), std::out_of_range);
-    EXPECT_THAT(m_frontEnd.frames,
-                ElementsAre(debugFrame("Command not supported"), debugFrame("request size < 4")));
-}
-
 TEST_F(PWriteCmdTest, LinesOfTextWriteThroughTheOtherCommand) {
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{}, {"port"}, {"port", "write", "3", "1"}}) {
@@ -159,13 +145,6 @@ TEST_F(PWriteCmdTest, LinesOfTextWriteThroughTheOtherCommand) {
         expectError(run(words), kGenericError, "Implemented in port command");
     }
     EXPECT_EQ(levelOf(kPorts[3]), "0");
-    EXPECT_EQ(m_frontEnd.sendWords({"", "write", "3", "1"}), "Error Error 0x10")
+    EXPECT_EQ(send(Words{"", "write", "3", "1"}), "Error Error 0x10")
         << "it has no name to be called by";
-}
-
-TEST_F(PWriteCmdTest, NoResponseIsLeftOver) {
-    const unsigned int before = ProcessResponse::m_counter;
-    m_frontEnd.send({6, 'P', 0xE3, 1, 3, 4});
-    m_frontEnd.send({6, 'P', 0xE3, 1, 1, 4});
-    EXPECT_EQ(ProcessResponse::m_counter, before);
 }

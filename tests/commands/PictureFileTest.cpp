@@ -1,3 +1,5 @@
+// Unpacking a picture: its content, what lies in its way, and what the system refuses. It is long as
+// each of these leaves nothing behind in a way of its own.
 #include "commands/PictureFile.h"
 
 #include <fcntl.h>

@@ -1,4 +1,5 @@
-// The WLAN side of the wireless chip: its host commands as a stream, and its replies.
+// The WLAN side of the wireless chip: its host commands as a stream, and its replies. It is long as each
+// rule of the one stream is tried against what was collected before.
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
@@ -48,11 +49,7 @@ protected:
 
     /// A request that fails on the wire; nothing of it is sent twice.
     void expectSendRefused(const Bytes& data, unsigned code, const std::string& text) {
-        const Bytes request = sendRequest(kWlan, data);
-        const Bytes answer = m_frontEnd.send(request);
-        ASSERT_THAT(answer, SizeIs(8));
-        EXPECT_EQ(bigEndian32(answer, 4), code);
-        EXPECT_THAT(m_frontEnd.frames, ::testing::ElementsAre(debugFrame(text)));
+        expectErrorSent(m_frontEnd, sendRequest(kWlan, data), code, text);
     }
 
     /// That nothing is left of what was collected before.

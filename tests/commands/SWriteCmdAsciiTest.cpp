@@ -5,19 +5,12 @@ using ::testing::SizeIs;
 
 namespace {
 
-constexpr unsigned kReadSize = 0x10;
-constexpr unsigned kIoFailed = 0x0A000000;
-constexpr unsigned kNoSuchChannel = 0x0A000004;
-constexpr unsigned kNoSuchParity = 0x0A000008;
-constexpr unsigned kOpenFailed = 0x0A000040;
-
 class SWriteCmdAsciiTest : public PassThroughUnit {
 protected:
-    void expectWords(const std::vector<std::string>& words, const std::string& answer) {
+    void expectWords(const Words& words, const std::string& answer) {
         expectLine(tokens(words), answer);
     }
-    void expectWordsRefused(const std::vector<std::string>& words, unsigned code,
-                            const std::string& text) {
+    void expectWordsRefused(const Words& words, unsigned code, const std::string& text) {
         expectLineRefused(tokens(words), code, text);
     }
 };
@@ -25,7 +18,7 @@ protected:
 } // namespace
 
 TEST_F(SWriteCmdAsciiTest, MalformedLinesAreRefused) {
-    const Rows<std::vector<std::string>, const char*> rows = {
+    const Rows<Words, const char*> rows = {
         {{"serial"}, "no sub command found"},
         {{"serial", "ope"}, "Command 111 not supported"},
         {{"serial", "Get", "1", "1"}, "Command 71 not supported"},
@@ -138,12 +131,7 @@ TEST_F(SWriteCmdAsciiTest, FetchedBytesAreToldInBase64) {
 }
 
 TEST_F(SWriteCmdAsciiTest, SuccessesWithoutDataCarryNothing) {
-    for (const std::vector<std::string>& words :
-         {std::vector<std::string>{"serial", "open", "2", "9600", "0"},
-          std::vector<std::string>{"serial", "send", "2", "x"},
-          std::vector<std::string>{"serial", "close", "2"}}) {
-        const Response response = runLine(tokens(words));
-        EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(response->message, "");
-    }
+    for (const Words& words : {Words{"serial", "open", "2", "9600", "0"},
+                               Words{"serial", "send", "2", "x"}, Words{"serial", "close", "2"}})
+        expectSuccess(*runLine(tokens(words)));
 }

@@ -8,12 +8,6 @@ using ::testing::SizeIs;
 
 namespace {
 
-constexpr unsigned kReadSize = 0x10;
-constexpr unsigned kIoFailed = 0x0A000000;
-constexpr unsigned kNoSuchChannel = 0x0A000004;
-constexpr unsigned kNoSuchParity = 0x0A000008;
-constexpr unsigned kOpenFailed = 0x0A000040;
-
 constexpr char kNoHandle[] = "Handle does not exist, errorcode: 1285";
 constexpr char kNotOpen[] = "Serial port not open., errorcode: 1024";
 constexpr char kInUse[] = "Channel is a already in use by Bios";
@@ -33,12 +27,6 @@ Bytes closeRequest(unsigned char channel) {
 class SWriteCmdBinaryTest : public PassThroughUnit {};
 
 } // namespace
-
-TEST_F(SWriteCmdBinaryTest, HasItsIdAndItsName) {
-    EXPECT_EQ(command().tavrin_getName(), 'S');
-    EXPECT_EQ(command().ascii_getName(), "serial");
-    EXPECT_EQ(SWriteCmd::getInstance(), SWriteCmd::getInstance());
-}
 
 TEST_F(SWriteCmdBinaryTest, MalformedRequestsAreRefused) {
     const Rows<Bytes, const char*> rows = {

@@ -5,9 +5,6 @@
 
 namespace {
 
-constexpr unsigned kIoFailed = 0x0A000000;
-constexpr unsigned kOpenFailed = 0x0A000040;
-
 const Bytes kOpen = {4, 'S', 0, kBluetooth};
 const Bytes kClose = {4, 'S', 1, kBluetooth};
 const Bytes kGetAll = {4, 'S', 4, kBluetooth};

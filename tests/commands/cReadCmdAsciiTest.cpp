@@ -4,18 +4,15 @@
 
 namespace {
 
-using Tokens = std::vector<std::vector<char>>;
-
 std::string base64Of(const std::string& text) {
     const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
     return "base64(" + System::encodeBase64(bytes, text.size()) + ")";
 }
 
-class cReadCmdAsciiTest : public UnitFixture {
+class cReadCmdAsciiTest : public CommandTest<cReadCmd, UnitFixture> {
 protected:
-    static Response process(Tokens list) { return Response(cReadCmd::getInstance()->process(list)); }
-    static Response run(const std::string& text, const std::string& limit = "30") {
-        return process(tokens({"exec", "command", limit, text}));
+    static Response execute(const std::string& text, const std::string& limit = "30") {
+        return run(Words{"exec", "command", limit, text});
     }
 };
 
@@ -34,55 +31,44 @@ TEST_F(cReadCmdAsciiTest, AnswersWhatTheCommandWrote) {
     };
     for (const auto& [text, answer] : rows) {
         SCOPED_TRACE(text);
-        const Response response = run(text);
-        EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(answerOf(*response), answer);
+        expectSuccess(*execute(text), answer);
     }
 }
 
 TEST_F(cReadCmdAsciiTest, AnswersTheWholeOutput) {
-    EXPECT_EQ(answerOf(*run("printf %0247d 7")), base64Of(std::string(246, '0') + "7"));
+    EXPECT_EQ(answerOf(*execute("printf %0247d 7")), base64Of(std::string(246, '0') + "7"));
     const std::string expected = base64Of(std::string(3000000, '\0'));
-    EXPECT_TRUE(answerOf(*run("head -c 3000000 /dev/zero")) == expected);
+    EXPECT_TRUE(answerOf(*execute("head -c 3000000 /dev/zero")) == expected);
 }
 
 TEST_F(cReadCmdAsciiTest, ReadsATextOfAnyLength) {
     const std::string comment = "# " + std::string(1000000, 'x') + "\n";
-    EXPECT_EQ(answerOf(*run(comment + "printf A")), "base64(QQ==)");
-    EXPECT_EQ(answerOf(*run("printf A; exit\n" + comment)), "base64(QQ==)");
+    EXPECT_EQ(answerOf(*execute(comment + "printf A")), "base64(QQ==)");
+    EXPECT_EQ(answerOf(*execute("printf A; exit\n" + comment)), "base64(QQ==)");
 }
 
 TEST_F(cReadCmdAsciiTest, TakesExactlyFourTokens) {
-    const Rows<Tokens, const char*> rows = {
-        {Tokens{}, "Command execute was called with 0 parameters must have 4 parameters"},
-        {tokens({"exec"}), "Command execute was called with 1 parameters must have 4 parameters"},
-        {tokens({"exec", "command", "3"}),
-         "Command execute was called with 3 parameters must have 4 parameters"},
-        {tokens({"exec", "command", "3", "ls", "x"}),
-         "Command execute was called with 5 parameters must have 4 parameters"},
-        {tokens({"exec", "wrong", "3"}),
-         "Command execute was called with 3 parameters must have 4 parameters"},
+    const auto text = [](const char* count) {
+        return string_format("Command execute was called with %s parameters must have 4 parameters",
+                             count);
     };
-    for (const auto& [list, text] : rows) {
-        SCOPED_TRACE(text);
-        const Response response = process(list);
-        EXPECT_EQ(response->code, kGenericError);
-        EXPECT_EQ(response->message, text);
-        EXPECT_EQ(response->protocol, 0);
-    }
+    expectRefused(RefusedLines{
+        {{}, kGenericError, text("0")},
+        {{"exec"}, kGenericError, text("1")},
+        {{"exec", "command", "3"}, kGenericError, text("3")},
+        {{"exec", "command", "3", "ls", "x"}, kGenericError, text("5")},
+        {{"exec", "wrong", "3"}, kGenericError, text("3")},
+    });
 }
 
 TEST_F(cReadCmdAsciiTest, TheSubCommandBeginsWithCommand) {
     for (const char* word : {"command", "commandfoo", "command ", "commandcommand"}) {
         SCOPED_TRACE(word);
-        EXPECT_EQ(answerOf(*process(tokens({"exec", word, "3", "printf A"}))), "base64(QQ==)");
+        EXPECT_EQ(answerOf(*run(Words{"exec", word, "3", "printf A"})), "base64(QQ==)");
     }
     for (const char* word : {"", "comman", "Command", "COMMAND", "xcommand", "1"}) {
-        SCOPED_TRACE(word);
-        const Response response = process(tokens({"exec", word, "3", "touch /tmp/ran"}));
-        EXPECT_EQ(response->code, kGenericError);
-        EXPECT_EQ(response->message, "Unsupported exec subcommand ");
-        EXPECT_EQ(response->protocol, 0);
+        expectRefused(Words{"exec", word, "3", "touch /tmp/ran"}, kGenericError,
+                      "Unsupported exec subcommand ");
         EXPECT_FALSE(exists("/tmp/ran"));
     }
 }
@@ -90,37 +76,35 @@ TEST_F(cReadCmdAsciiTest, TheSubCommandBeginsWithCommand) {
 TEST_F(cReadCmdAsciiTest, TokensOfDecodedDataHaveNoZeroByte) {
     const std::vector<char> word = {'c', 'o', 'm', 'm', 'a', 'n', 'd'};
     const std::vector<char> text = {'e', 'c', 'h', 'o', ' ', 'x'};
-    EXPECT_EQ(answerOf(*process({token("exec"), word, {'9'}, text})), base64Of("x\n"));
-    EXPECT_EQ(process({token("exec"), {'c'}, {'9'}, text})->message, "Unsupported exec subcommand ");
-    EXPECT_EQ(answerOf(*process({token("exec"), word, {'9'}, {}})), "base64()");
-    EXPECT_EQ(process({token("exec"), {}, {'9'}, text})->message, "Unsupported exec subcommand ");
+    EXPECT_EQ(answerOf(*run(Tokens{token("exec"), word, {'9'}, text})), base64Of("x\n"));
+    expectRefused({token("exec"), {'c'}, {'9'}, text}, kGenericError, "Unsupported exec subcommand ");
+    EXPECT_EQ(answerOf(*run(Tokens{token("exec"), word, {'9'}, {}})), "base64()");
+    expectRefused({token("exec"), {}, {'9'}, text}, kGenericError, "Unsupported exec subcommand ");
 }
 
 TEST_F(cReadCmdAsciiTest, TheTextEndsAtItsFirstZeroByte) {
     const std::string text("printf A\0printf B", 17);
-    EXPECT_EQ(answerOf(*run(text)), "base64(QQ==)");
+    EXPECT_EQ(answerOf(*execute(text)), "base64(QQ==)");
 }
 
 TEST_F(cReadCmdAsciiTest, TheLimitIsAnyNumberOfSeconds) {
     for (const char* limit : {"1", "0x1", "01", "+1"}) {
         SCOPED_TRACE(limit);
-        const Response response = run("sleep 1000 # %n%s", limit);
-        EXPECT_EQ(response->code, kGenericError);
-        EXPECT_EQ(response->message,
-                  "Process sleep 1000 # %n%s was killed after timeout\nstdout+err:\n\n");
+        expectError(execute("sleep 1000 # %n%s", limit), kGenericError,
+                    "Process sleep 1000 # %n%s was killed after timeout\nstdout+err:\n\n");
     }
 }
 
 TEST_F(cReadCmdAsciiTest, ANegativeLimitIsPracticallyEndless) {
     for (const char* limit : {"-1", "-2147483648"}) {
         SCOPED_TRACE(limit);
-        EXPECT_EQ(answerOf(*run("printf A", limit)), "base64(QQ==)");
+        EXPECT_EQ(answerOf(*execute("printf A", limit)), "base64(QQ==)");
     }
 }
 
 TEST_F(cReadCmdAsciiTest, WithoutALimitTheDefaultIsEnoughForAQuickCommand) {
     for (const char* limit : {"0", "", "abc"}) {
         SCOPED_TRACE(limit);
-        EXPECT_EQ(answerOf(*run("printf A", limit)), "base64(QQ==)");
+        EXPECT_EQ(answerOf(*execute("printf A", limit)), "base64(QQ==)");
     }
 }

@@ -25,9 +25,7 @@ protected:
         return Response(cReadCmd::getInstance()->ReadFromFileBase64(path));
     }
     static void expectError(const Response& response, char protocol, const std::string& text) {
-        EXPECT_EQ(response->code, kGenericError);
-        EXPECT_EQ(response->message, text);
-        EXPECT_EQ(response->protocol, protocol);
+        ::expectError(response, kGenericError, text, protocol);
     }
 };
 
@@ -40,14 +38,11 @@ TEST_F(cReadCmdFileTest, BinaryAnswersTheFirst246Bytes) {
         content[0] = '\0';
         content[std::min<std::size_t>(size, 246) - 1] = 'z';
         write(kFile, content);
-        const Response response = readBinary(kFile);
-        EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(response->message, "");
         const std::size_t carried = std::min<std::size_t>(size, 246);
         Bytes expected = {static_cast<unsigned char>(8 + carried), 's', 0xA2, 0xA3, 0, 0, 0, 0};
         expected.resize(8 + carried);
         std::copy_n(content.begin(), carried, expected.begin() + 8);
-        EXPECT_EQ(frameOf(*response), expected);
+        expectSuccess(*readBinary(kFile), expected);
     }
 }
 
@@ -57,8 +52,7 @@ TEST_F(cReadCmdFileTest, BinaryReportsAnEmptyFile) {
     const Response response = readBinary(kFile);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "Prod.testserver: File /tmp/some file is empty\n");
-    EXPECT_EQ(response->code, 0u);
-    EXPECT_EQ(frameOf(*response), (Bytes{8, 's', 0xA2, 0xA3, 0, 0, 0, 0}));
+    expectSuccess(*response, Bytes{8, 's', 0xA2, 0xA3, 0, 0, 0, 0});
 }
 
 TEST_F(cReadCmdFileTest, BinaryTellsWhatIsWrongWithAFile) {
@@ -89,9 +83,7 @@ TEST_F(cReadCmdFileTest, Base64AnswersTheWholeFile) {
     for (const auto& [content, answer] : rows) {
         SCOPED_TRACE(answer);
         write(kFile, content);
-        const Response response = readBase64(kFile);
-        EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(answerOf(*response), answer);
+        expectSuccess(*readBase64(kFile), answer);
     }
     write(kFile, std::string(3000000, '\0'));
     EXPECT_TRUE(answerOf(*readBase64(kFile)) == "base64(" + std::string(4000000, 'A') + ")");

@@ -37,9 +37,7 @@ private:
 
 TEST_F(cReadCmdHugeFileTest, IsRefusedWholeAndNotCutShort) {
     const Response response(cReadCmd::getInstance()->ReadFromFileBase64(kFile));
-    EXPECT_EQ(response->code, kGenericError);
-    EXPECT_EQ(response->message, "cannot read /tmp/huge: Cannot allocate memory");
-    EXPECT_EQ(response->protocol, 'a');
+    expectError(response, kGenericError, "cannot read /tmp/huge: Cannot allocate memory", 'a');
     EXPECT_THROW(readFileToString(kFile), std::bad_alloc);
 }
 

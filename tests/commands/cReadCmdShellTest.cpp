@@ -36,21 +36,18 @@ protected:
     }
 
     static Response processAscii(const std::string& text) {
-        std::vector<std::vector<char>> list = tokens({"exec", "command", "60", text});
-        return Response(cReadCmd::getInstance()->process(list));
+        return runRequest(*cReadCmd::getInstance(), tokens({"exec", "command", "60", text}));
     }
 
     static Response processBinary(const std::string& text) {
         Bytes request = {static_cast<unsigned char>(5 + text.size()), 'c', 1, 0, 60};
         request.insert(request.end(), text.begin(), text.end());
-        return Response(cReadCmd::getInstance()->process(&request));
+        return runRequest(*cReadCmd::getInstance(), request);
     }
 
     static void expectError(const ProcessResponse& response, const std::string& text,
                             char protocol = 0) {
-        EXPECT_EQ(response.code, kGenericError);
-        EXPECT_EQ(response.message, text);
-        EXPECT_EQ(response.protocol, protocol);
+        ::expectError(response, kGenericError, text, protocol);
     }
 
     /// Runs into its limit what does not end by itself when it has run `text`; gives it more time until
@@ -71,9 +68,7 @@ protected:
     }
 
     static void expectOutput(const std::string& text, const std::string& output) {
-        const ProcessResponse response = execute(text);
-        EXPECT_EQ(response.code, 0u);
-        EXPECT_EQ(response.message, "");
+        expectSuccess(execute(text));
         EXPECT_EQ(read(kCaptureFile), output);
     }
 };
@@ -225,10 +220,8 @@ TEST_F(cReadCmdShellTest, WhatIsPutInPlaceOfTheCaptureFileMeanwhileIsAnswered) {
 
 TEST_F(cReadCmdShellTest, WhenTheCommandRemovesTheCaptureFileThereIsNothingToAnswer) {
     constexpr char kGone[] = "cannot open /tmp/resp.txt, no information available";
-    const Response ascii = processAscii("echo lost; rm /tmp/resp.txt");
-    expectError(*ascii, kGone, 'a');
-    const Response binary = processBinary("echo lost; rm /tmp/resp.txt");
-    expectError(*binary, kGone, 't');
+    expectError(*processAscii("echo lost; rm /tmp/resp.txt"), kGone, 'a');
+    expectError(*processBinary("echo lost; rm /tmp/resp.txt"), kGone, 't');
     expectKilled("echo lost; rm /tmp/resp.txt", "");
 }
 
@@ -256,11 +249,7 @@ TEST_F(cReadCmdShellTest, ACaptureFileThatCannotBeRemovedIsTruncatedAndUsed) {
 
 TEST_F(cReadCmdShellTest, WhatCannotBeRemovedAndIsNoFileIsNotTouched) {
     write("/tmp/precious", "precious");
-    const Planted rows[] = {
-        kLink,
-        kPipe,
-    };
-    for (const Planted& row : rows) {
+    for (const Planted& row : {kLink, kPipe}) {
         SCOPED_TRACE(row.what);
         remove(kCaptureFile);
         row.plant();

@@ -1,4 +1,4 @@
-// The bus over the ASCII protocol: reads and writes, and its attributes.
+// The bus over the ASCII protocol: reads and writes, and its attributes. It is long as its tables are.
 #include "commands/iReadCmd.h"
 
 #include <stdexcept>
@@ -9,19 +9,7 @@ using ::testing::IsEmpty;
 
 namespace {
 
-constexpr unsigned kBusError = 0x07000001;
-constexpr unsigned kNoSuchBus = 0x07000005;
-constexpr unsigned kUnknownAttribute = 0x0700000B;
-constexpr unsigned kSpeedError = 0x0700000D;
-
 using iReadCmdAsciiTest = CommandTest<iReadCmd, I2cUnit>;
-
-/// The line's tokens, with bytes as its last one.
-std::vector<std::vector<char>> withData(const std::vector<std::string>& texts, const Bytes& data) {
-    std::vector<std::vector<char>> list = tokens(texts);
-    list.emplace_back(data.begin(), data.end());
-    return list;
-}
 
 } // namespace
 
@@ -37,28 +25,19 @@ TEST_F(iReadCmdAsciiTest, ALineNeedsASubCommandThatIsKnown) {
 }
 
 TEST_F(iReadCmdAsciiTest, AReadAnswersTheBytesInHexadecimal) {
-    struct Row {
-        const char* count;
-        const char* address;
-        Bytes data;
-        unsigned char sentAddress;
-        const char* line;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*, Bytes, unsigned char, const char*> rows = {
         {"1", "0x50", {0xA1}, 0x50, "i2c hex(A1)"},
         {"3", "80", {0, 0x0F, 0xFF}, 0x50, "i2c hex(000FFF)"},
         {"0x2", "0120", {1, 2}, 0x50, "i2c hex(0102)"},
         {"2", "0", {1, 2}, 0, "i2c hex(0102)"},
         {"2", "127", {0, 0}, 127, "i2c hex(0000)"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.line);
-        m_manager->willAnswer(0, readReply(row.data));
-        EXPECT_EQ(send(tokens({"i2c", "read", "0", row.count, row.address})), row.line);
-        const auto count = static_cast<std::uint32_t>(std::stoi(row.count, nullptr, 0));
-        EXPECT_EQ(m_manager->lastRequest(), readRequest(row.sentAddress, count));
+    for (const auto& [count, address, data, sentAddress, line] : rows) {
+        m_manager->willAnswer(0, readReply(data));
+        expectAnswer(Words{"i2c", "read", "0", count, address}, line);
+        const auto size = static_cast<std::uint32_t>(data.size());
+        EXPECT_EQ(m_manager->lastRequest(), readRequest(sentAddress, size));
     }
-    EXPECT_THAT(m_listener.lines, IsEmpty());
 }
 
 TEST_F(iReadCmdAsciiTest, UpTo247BytesAreRead) {
@@ -66,38 +45,36 @@ TEST_F(iReadCmdAsciiTest, UpTo247BytesAreRead) {
     std::string digits;
     for (int byte = 0; byte < 247; ++byte)
         digits += "AB";
-    const Response response = run(tokens({"i2c", "read", "0", "247", "0x50"}));
-    EXPECT_EQ(response->code, 0u);
-    EXPECT_EQ(answerOf(*response), "hex(" + digits + ")");
+    expectSuccess(*run(Words{"i2c", "read", "0", "247", "0x50"}), "hex(" + digits + ")");
 }
 
 TEST_F(iReadCmdAsciiTest, TheSixthTokenIsWrittenFirst) {
     const auto expectSent = [this](const Tokens& list, const Bytes& sent) {
         SCOPED_TRACE(::testing::PrintToString(list));
         m_manager->willAnswer(0, transferReply({0xA1, 0xA2}));
-        EXPECT_EQ(send(list), "i2c hex(A1A2)");
+        expectAnswer(list, "i2c hex(A1A2)");
         EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, sent, 2));
     };
     const std::vector<std::string> line = {"i2c", "read", "0", "2", "0x50"};
-    expectSent(withData(line, {0x10}), {0x10});
-    expectSent(withData(line, {0, 1, 0xFF}), {0, 1, 0xFF});
-    expectSent(withData(line, counting(255)), counting(255));
+    expectSent(lineWithData(line, {0x10}), {0x10});
+    expectSent(lineWithData(line, {0, 1, 0xFF}), {0, 1, 0xFF});
+    expectSent(lineWithData(line, counting(255)), counting(255));
 }
 
 TEST_F(iReadCmdAsciiTest, OfMoreThanSixTokensNoneIsWritten) {
     m_manager->willAnswer(0, readReply({7}));
-    EXPECT_EQ(send(tokens({"i2c", "read", "0", "1", "0x50", "x", "y"})), "i2c hex(07)");
+    expectAnswer(Words{"i2c", "read", "0", "1", "0x50", "x", "y"}, "i2c hex(07)");
     EXPECT_EQ(m_manager->lastRequest(), readRequest(0x50, 1));
     m_manager->willAnswer(0, readReply({7}));
-    Tokens list = withData({"i2c", "read", "0", "1", "0x50"}, Bytes(300));
+    Tokens list = lineWithData({"i2c", "read", "0", "1", "0x50"}, Bytes(300));
     list.push_back({});
-    EXPECT_EQ(send(list), "i2c hex(07)");
+    expectAnswer(list, "i2c hex(07)");
     EXPECT_EQ(m_manager->lastRequest(), readRequest(0x50, 1));
 }
 
 TEST_F(iReadCmdAsciiTest, NoDataAreAWriteOfNoBytes) {
     m_manager->willAnswer(0, transferReply({0xA1}));
-    EXPECT_EQ(send(withData({"i2c", "read", "0", "1", "0x50"}, {})), "i2c hex(A1)");
+    expectAnswer(lineWithData({"i2c", "read", "0", "1", "0x50"}, {}), "i2c hex(A1)");
     EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, {}, 1));
 }
 
@@ -105,8 +82,8 @@ TEST_F(iReadCmdAsciiTest, TooMuchDataToWriteFirstIsRefusedBehindTheBus) {
     for (const std::size_t size : {256U, 257U, 511U, 65536U, 65537U}) {
         const std::string text =
             "Number of Bytes to write first must be in Range [0,255], received: " + std::to_string(size);
-        expectRefused(withData({"i2c", "read", "0", "1", "0x50"}, Bytes(size)), kGenericError, text);
-        expectRefused(withData({"i2c", "read", "1", "1", "0x50"}, Bytes(size)), kNoSuchBus,
+        expectRefused(lineWithData({"i2c", "read", "0", "1", "0x50"}, Bytes(size)), kGenericError, text);
+        expectRefused(lineWithData({"i2c", "read", "1", "1", "0x50"}, Bytes(size)), kNoSuchBus,
                       "Bus number 1 is invalid");
     }
     EXPECT_THAT(m_manager->requests(), IsEmpty());
@@ -149,7 +126,7 @@ TEST_F(iReadCmdAsciiTest, ThereIsOneBus) {
         expectRefused({"i2c", "read", bus, "1", "0x50"}, kNoSuchBus, text);
         expectRefused({"i2c", "getattributes", bus, "9"}, kNoSuchBus, text);
         expectRefused({"i2c", "setattributes", bus, "9", "00"}, kNoSuchBus, text);
-        expectRefused(withData({"i2c", "write", bus, "0x50"}, {1}), kNoSuchBus, text);
+        expectRefused(lineWithData({"i2c", "write", bus, "0x50"}, {1}), kNoSuchBus, text);
     }
     EXPECT_EQ(m_manager->connections(), 0);
 }
@@ -168,7 +145,7 @@ TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoBus) {
         expectRefused({"i2c", "read", bus, "1", "0x150"}, kNoSuchBus, text);
         expectRefused({"i2c", "getattributes", bus, "0x100"}, kNoSuchBus, text);
         expectRefused({"i2c", "setattributes", bus, "0x100", ""}, kNoSuchBus, text);
-        expectRefused(withData({"i2c", "write", bus, "0x150"}, {}), kNoSuchBus, text);
+        expectRefused(lineWithData({"i2c", "write", bus, "0x150"}, {}), kNoSuchBus, text);
     }
     EXPECT_EQ(m_manager->connections(), 0);
 }
@@ -181,12 +158,12 @@ TEST_F(iReadCmdAsciiTest, ANumberThatIsNoByteIsNoSlave) {
                                                                         {"0x100000050", "2147483647"}}) {
         const std::string text = std::string("Slave address ") + number + " is invalid";
         expectRefused({"i2c", "read", "0", "1", address}, kGenericError, text);
-        expectRefused(withData({"i2c", "write", "0", address}, {1}), kGenericError, text);
-        expectRefused(withData({"i2c", "read", "0", "1", address}, {1}), kGenericError, text);
+        expectRefused(lineWithData({"i2c", "write", "0", address}, {1}), kGenericError, text);
+        expectRefused(lineWithData({"i2c", "read", "0", "1", address}, {1}), kGenericError, text);
     }
     EXPECT_THAT(m_manager->requests(), IsEmpty());
     m_manager->willAnswer(0, readReply({7}));
-    EXPECT_EQ(send(tokens({"i2c", "read", "0", "1", "255"})), "i2c hex(07)") << "the bus may know it";
+    expectAnswer(Words{"i2c", "read", "0", "1", "255"}, "i2c hex(07)"); // the bus may know it
     EXPECT_EQ(m_manager->lastRequest(), readRequest(255, 1));
 }
 
@@ -211,14 +188,14 @@ TEST_F(iReadCmdAsciiTest, ABusThatCannotBeOpenedIsTold) {
     expectRefused({"i2c", "read", "0", "1", "0x50"}, kBusError, kShort);
     expectRefused({"i2c", "getattributes", "0", "9"}, kBusError, kShort);
     expectRefused({"i2c", "setattributes", "0", "9", "00"}, kBusError, kLong);
-    expectRefused(withData({"i2c", "write", "0", "0x50"}, {1}), kBusError, kLong);
+    expectRefused(lineWithData({"i2c", "write", "0", "0x50"}, {1}), kBusError, kLong);
     comeBack();
-    EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "0"})), "i2c hex(01)");
+    expectAnswer(Words{"i2c", "getattributes", "0", "0"}, "i2c hex(01)");
 }
 
 TEST_F(iReadCmdAsciiTest, AttributesAreReadInHexadecimal) {
-    EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "0"})), "i2c hex(01)");
-    EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "1"})), "i2c hex(0064)");
+    expectAnswer(Words{"i2c", "getattributes", "0", "0"}, "i2c hex(01)");
+    expectAnswer(Words{"i2c", "getattributes", "0", "1"}, "i2c hex(0064)");
     EXPECT_THAT(m_manager->requests(), IsEmpty());
     expectRefused({"i2c", "getattributes", "0", "2"}, kUnknownAttribute, "Attribute ID 2 is unknown");
     expectRefused({"i2c", "getattributes", "0", "255"}, kUnknownAttribute,
@@ -230,24 +207,19 @@ TEST_F(iReadCmdAsciiTest, AttributesAreReadInHexadecimal) {
 }
 
 TEST_F(iReadCmdAsciiTest, TheStopConditionIsSwitched) {
-    struct Row {
-        const char* value;
-        bool stop;
-    };
-    const Row rows[] = {{"00", false}, {"01", true}, {"01FF", true}, {"00 01", false}, {"0x01", false}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.value);
-        send(tokens({"i2c", "setattributes", "0", "0", row.stop ? "00" : "01"}));
-        EXPECT_EQ(stopCondition(), !row.stop);
-        EXPECT_EQ(send(tokens({"i2c", "setattributes", "0", "0", row.value})), "i2c ok");
-        EXPECT_EQ(stopCondition(), row.stop);
-        EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "0"})),
-                  row.stop ? "i2c hex(01)" : "i2c hex(00)");
+    const Rows<const char*, bool> rows = {
+        {"00", false}, {"01", true}, {"01FF", true}, {"00 01", false}, {"0x01", false}};
+    for (const auto& [value, stop] : rows) {
+        SCOPED_TRACE(value);
+        send(tokens({"i2c", "setattributes", "0", "0", stop ? "00" : "01"}));
+        EXPECT_EQ(stopCondition(), !stop);
+        expectAnswer(Words{"i2c", "setattributes", "0", "0", value}, "i2c ok");
+        EXPECT_EQ(stopCondition(), stop);
+        expectAnswer(Words{"i2c", "getattributes", "0", "0"}, stop ? "i2c hex(01)" : "i2c hex(00)");
         m_manager->willAnswer(0);
-        EXPECT_EQ(send(withData({"i2c", "write", "0", "0x50"}, {1})), "i2c ok");
-        EXPECT_EQ(m_manager->lastRequest(), writeRequest(0x50, {1}, row.stop ? 1 : 0));
+        expectAnswer(lineWithData({"i2c", "write", "0", "0x50"}, {1}), "i2c ok");
+        EXPECT_EQ(m_manager->lastRequest(), writeRequest(0x50, {1}, stop ? 1 : 0));
     }
-    EXPECT_THAT(m_listener.lines, IsEmpty());
     for (const char* value : {"02", "FF", "0200"}) {
         const std::string number = std::to_string(std::stoi(std::string(value, 2), nullptr, 16));
         expectRefused({"i2c", "setattributes", "0", "0", value}, kGenericError,
@@ -270,9 +242,9 @@ TEST_F(iReadCmdAsciiTest, TheSpeedIsSetInKiloHertz) {
                                                   {"01 90 FF", 400000, "i2c hex(0190)"}}) {
         SCOPED_TRACE(value);
         m_manager->willAnswer(0);
-        EXPECT_EQ(send(tokens({"i2c", "setattributes", "0", "1", value})), "i2c ok");
+        expectAnswer(Words{"i2c", "setattributes", "0", "1", value}, "i2c ok");
         EXPECT_EQ(m_manager->lastRequest(), speedRequest(speed));
-        EXPECT_EQ(send(tokens({"i2c", "getattributes", "0", "1"})), answer);
+        expectAnswer(Words{"i2c", "getattributes", "0", "1"}, answer);
     }
 }
 
@@ -318,7 +290,7 @@ TEST_F(iReadCmdAsciiTest, AWriteSendsTheBytesOfItsToken) {
     const auto expectSent = [this](const char* address, unsigned char number, const Bytes& data) {
         SCOPED_TRACE(data.size());
         m_manager->willAnswer(0);
-        EXPECT_EQ(send(withData({"i2c", "write", "0", address}, data)), "i2c ok");
+        expectAnswer(lineWithData({"i2c", "write", "0", address}, data), "i2c ok");
         EXPECT_TRUE(m_manager->lastRequest() == writeRequest(number, data));
     };
     expectSent("0x50", 0x50, {7});
@@ -327,19 +299,14 @@ TEST_F(iReadCmdAsciiTest, AWriteSendsTheBytesOfItsToken) {
     expectSent("0", 0, counting(251));
     expectSent("0x50", 0x50, counting(256));
     expectSent("0x50", 0x50, counting(100000));
-    const Response response = [this] {
-        m_manager->willAnswer(0);
-        return run(withData({"i2c", "write", "0", "1"}, {1}));
-    }();
-    EXPECT_EQ(response->code, 0u);
-    EXPECT_EQ(answerOf(*response), "ok");
-    EXPECT_THAT(m_listener.lines, IsEmpty());
+    m_manager->willAnswer(0);
+    expectSuccess(*run(lineWithData({"i2c", "write", "0", "1"}, {1})), "ok");
 }
 
 TEST_F(iReadCmdAsciiTest, AWriteWithoutDataIsAnExceptionThatIsAnsweredAsTheGenericError) {
-    const Tokens list = withData({"i2c", "write", "0", "0x50"}, {});
+    const Tokens list = lineWithData({"i2c", "write", "0", "0x50"}, {});
     EXPECT_THROW(run(list), std::out_of_range);
-    expectErrorLine(list, kGenericError, "Expected Data to write");
+    expectErrorSent(m_frontEnd, list, kGenericError, "Expected Data to write");
     EXPECT_THAT(m_manager->requests(), IsEmpty());
 }
 
@@ -365,19 +332,19 @@ TEST_F(iReadCmdAsciiTest, AFailingTransactionIsToldWithItsTextAndItsCode) {
         for (int time = 0; time < 6; ++time)
             m_manager->willAnswer(result);
         const std::string end = ", errorcode: " + std::to_string(result);
-        expectRefused(withData({"i2c", "write", "0", "0x50"}, {1}), kBusError,
+        expectRefused(lineWithData({"i2c", "write", "0", "0x50"}, {1}), kBusError,
                       std::string("Write Error on Device /dev/i2c0: ") + write + end);
         expectRefused({"i2c", "read", "0", "3", "0x50"}, kBusError,
                       std::string("Read Error on Device /dev/i2c0: ") + read + end);
-        expectRefused(withData({"i2c", "read", "0", "3", "0x50"}, {1}), kBusError,
+        expectRefused(lineWithData({"i2c", "read", "0", "3", "0x50"}, {1}), kBusError,
                       std::string("Transfer Error on Device /dev/i2c0: ") + write + end);
     }
     EXPECT_EQ(m_manager->connections(), 1) << "the bus stays open";
 }
 
 TEST_F(iReadCmdAsciiTest, ADataTokenThatTheSocketCannotTakeIsAnErrorAndTheBusGoesOn) {
-    expectErrorLine(withData({"i2c", "write", "0", "0x50"}, Bytes(8 << 20)), kBusError,
+    expectErrorSent(m_frontEnd, lineWithData({"i2c", "write", "0", "0x50"}, Bytes(8 << 20)), kBusError,
                     "Write Error on Device /dev/i2c0: Message too long, errorcode: 90");
     m_manager->willAnswer(0);
-    EXPECT_EQ(send(withData({"i2c", "write", "0", "0x50"}, {1})), "i2c ok");
+    expectAnswer(lineWithData({"i2c", "write", "0", "0x50"}, {1}), "i2c ok");
 }

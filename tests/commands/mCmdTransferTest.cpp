@@ -1,4 +1,5 @@
-// Moving blocks between a device and memory.
+// Moving blocks between a device and memory. It is long as both directions are tried at each of their
+// limits.
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/mman.h>

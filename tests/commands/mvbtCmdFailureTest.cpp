@@ -8,6 +8,7 @@
 #include "core/StandardStream.h"
 #include "support/BluetoothFixture.h"
 #include "support/PthreadCalls.h"
+#include "support/Rows.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -102,17 +103,14 @@ TEST_F(mvbtCmdFailureTest, AFailedReadOpensTheDriverAnew) {
 }
 
 TEST_F(mvbtCmdFailureTest, WhatCannotBeAPacketCountsAsAFailedRead) {
-    struct Row {
-        int length;
-        bool hasBytes;
-    };
-    const Row rows[] = {{-1, true}, {INT_MIN, true}, {65540, true}, {INT_MAX, true}, {1, false}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.length);
+    const Rows<int, bool> rows = {
+        {-1, true}, {INT_MIN, true}, {65540, true}, {INT_MAX, true}, {1, false}};
+    for (const auto& [length, hasBytes] : rows) {
+        SCOPED_TRACE(length);
         open();
-        EXPECT_EQ(errorOutputOf([&] {
+        EXPECT_EQ(errorOutputOf([this, length = length, hasBytes = hasBytes] {
                       const int before = m_driver.openings();
-                      m_driver.receiveOdd(kEvent, row.length, row.hasBytes);
+                      m_driver.receiveOdd(kEvent, length, hasBytes);
                       EXPECT_TRUE(eventually([&] { return m_driver.openings() == before + 1; }));
                   }),
                   kReadFailed);

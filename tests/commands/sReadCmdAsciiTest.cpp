@@ -4,23 +4,18 @@
 
 namespace {
 
-using Tokens = std::vector<std::vector<char>>;
-
 constexpr char kRevisionFile[] = "/dev/nvsku/rev";
 
 std::string statusText(const std::string& revision) {
     return "\"" + std::string(getDateTimeString()) + "\" A024 \"" + revision + "\" 4";
 }
 
-class sReadCmdAsciiTest : public UnitFixture {
+class sReadCmdAsciiTest : public CommandTest<sReadCmd, UnitFixture> {
 protected:
-    static Response process(Tokens list) { return Response(sReadCmd::getInstance()->process(list)); }
-    static Response status() { return process(tokens({"status"})); }
+    static Response status() { return run(Words{"status"}); }
 
-    static void expectError(const Response& response, char protocol, const std::string& text) {
-        EXPECT_EQ(response->code, kGenericError);
-        EXPECT_EQ(response->message, text);
-        EXPECT_EQ(response->protocol, protocol);
+    static void expectError(const Response& response, const std::string& text) {
+        ::expectError(response, kGenericError, text, 'a');
     }
 };
 
@@ -33,26 +28,22 @@ TEST_F(sReadCmdAsciiTest, ReportsStampProductRevisionAndProtocol) {
     for (const auto& [content, revision] : rows) {
         SCOPED_TRACE(content);
         write(kRevisionFile, content);
-        const Response response = status();
-        EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(answerOf(*response), statusText(revision));
+        expectSuccess(*status(), statusText(revision));
     }
 }
 
 TEST_F(sReadCmdAsciiTest, TheAnswerLineBeginsWithTheName) {
     write(kRevisionFile, "1A");
-    Tokens list = tokens({"status"});
-    sReadCmd& command = *sReadCmd::getInstance();
-    EXPECT_EQ(command.ascii_exec(command.process(list)), "status " + statusText("1A"));
+    expectAnswer(Words{"status"}, "status " + statusText("1A"));
 }
 
 TEST_F(sReadCmdAsciiTest, ABoardRevisionThatCannotBeReadIsReported) {
     write(kRevisionFile, "xyz");
-    expectError(status(), 'a', "Failed to read from /dev/nvsku/rev file");
+    expectError(status(), "Failed to read from /dev/nvsku/rev file");
     write(kRevisionFile, "");
-    expectError(status(), 'a', "Failed to read from /dev/nvsku/rev file");
+    expectError(status(), "Failed to read from /dev/nvsku/rev file");
     remove(kRevisionFile);
-    expectError(status(), 'a', "Failed to open the /dev/nvsku/rev file");
+    expectError(status(), "Failed to open the /dev/nvsku/rev file");
     write(kRevisionFile, "2B");
     EXPECT_EQ(answerOf(*status()), statusText("2B"));
 }
@@ -62,8 +53,7 @@ TEST_F(sReadCmdAsciiTest, LeavesAloneWhatTheBinaryStatusRemembers) {
         write(kRevisionFile, "12345");
         EXPECT_EQ(answerOf(*status()), statusText("12345"));
         write(kRevisionFile, "1A");
-        Bytes request = {0x02, 's'};
-        const Response first(sReadCmd::getInstance()->process(&request));
+        const Response first = run(Bytes{0x02, 's'});
         ASSERT_EQ(frameOf(*first).size(), 24u);
         EXPECT_EQ(frameOf(*first)[3], 0) << "it is the first of its kind";
         EXPECT_EQ(frameOf(*first)[16], 0x1A);
@@ -84,12 +74,10 @@ TEST_F(sReadCmdAsciiTest, AnswersIdentityFilesByTheirPrefix) {
     };
     for (const auto& [selection, answer] : rows) {
         SCOPED_TRACE(selection);
-        const Response response = process(tokens({"status", selection}));
-        EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(answerOf(*response), answer);
+        expectSuccess(*run(Words{"status", selection}), answer);
     }
-    EXPECT_EQ(answerOf(*process(tokens({"status", "01", "and", "more"}))), "base64(QQ==)");
-    EXPECT_EQ(answerOf(*process({token("status"), {'0', '2'}})), "base64(QUI=)")
+    EXPECT_EQ(answerOf(*run(Words{"status", "01", "and", "more"})), "base64(QQ==)");
+    EXPECT_EQ(answerOf(*run(Tokens{token("status"), {'0', '2'}})), "base64(QUI=)")
         << "without a zero byte";
 }
 
@@ -101,17 +89,16 @@ TEST_F(sReadCmdAsciiTest, AMissingIdentityFileIsReported) {
     for (const auto& [selection, path] : rows) {
         SCOPED_TRACE(selection);
         remove(path);
-        expectError(process(tokens({"status", selection})), 'a',
+        expectError(run(Words{"status", selection}),
                     "cannot open " + path + ", no information available");
     }
 }
 
 TEST_F(sReadCmdAsciiTest, WhatIsNoRequestForItIsRefused) {
     for (const char* selection : {"", "0", "00", "05", "1", "10", " 01", "a01", "%s"}) {
-        SCOPED_TRACE(selection);
-        expectError(process(tokens({"status", selection})), 0, "unsupported subcommand");
+        expectRefused(Words{"status", selection}, kGenericError, "unsupported subcommand");
     }
-    expectError(process({token("status"), {}}), 0, "unsupported subcommand");
-    expectError(process({token("status"), {'0'}}), 0, "unsupported subcommand");
-    expectError(process({}), 0, "unsupported subcommand");
+    expectRefused(Tokens{token("status"), {}}, kGenericError, "unsupported subcommand");
+    expectRefused(Tokens{token("status"), {'0'}}, kGenericError, "unsupported subcommand");
+    expectRefused(Tokens{}, kGenericError, "unsupported subcommand");
 }

@@ -21,57 +21,24 @@ unsigned char packed(int number) {
 Bytes statusFrame(unsigned char sentBefore, unsigned int revision) {
     const std::string stamp = getDateTimeString(); // yyyy/mm/dd hh:mm:ss
     const auto part = [&stamp](std::size_t at) { return packed(std::stoi(stamp.substr(at, 2))); };
-    Bytes frame = {0x18,
-                   's',
-                   0x2C,
-                   sentBefore,
-                   0,
-                   0,
-                   0,
-                   0,
-                   part(8),
-                   part(5),
-                   part(2),
-                   part(11),
-                   part(14),
-                   0xA0,
-                   0x24,
-                   static_cast<unsigned char>(revision >> 8),
-                   static_cast<unsigned char>(revision),
-                   4};
+    Bytes frame = {24, 's', 0x2C, sentBefore, 0, 0, 0, 0, part(8), part(5), part(2), part(11), part(14)};
+    for (const unsigned int number : {0xA0u, 0x24u, revision >> 8, revision, 4u})
+        frame.push_back(static_cast<unsigned char>(number));
     frame.resize(24);
     return frame;
 }
 
-class sReadCmdBinaryTest : public UnitFixture {
+class sReadCmdBinaryTest : public CommandTest<sReadCmd, UnitFixture> {
 protected:
-    static sReadCmd& command() { return *sReadCmd::getInstance(); }
-
-    static Response process(Bytes request) { return Response(command().tavrin_preCheck(&request)); }
-    static Response status() { return process({0x02, 's'}); }
+    static Response status() { return run({0x02, 's'}); }
     static Response startup() { return Response(command().tavrin_getStartupStatus()); }
 
     static void expectError(const Response& response, char protocol, const std::string& text) {
-        EXPECT_EQ(response->code, kGenericError);
-        EXPECT_EQ(response->message, text);
-        EXPECT_EQ(response->protocol, protocol);
-    }
-
-    /// The frame that answers a request.
-    static Bytes answer(Bytes request) {
-        return command().tavrin_exec(&request, command().tavrin_preCheck(&request));
+        ::expectError(response, kGenericError, text, protocol);
     }
 };
 
 } // namespace
-
-TEST_F(sReadCmdBinaryTest, HasItsIdAndName) {
-    EXPECT_EQ(command().tavrin_getName(), 's');
-    EXPECT_EQ(command().ascii_getName(), "status");
-    EXPECT_EQ(sReadCmd::getInstance(), sReadCmd::getInstance());
-    EXPECT_EQ(sReadCmd::Startup, 0);
-    EXPECT_EQ(sReadCmd::Requested, 1);
-}
 
 TEST_F(sReadCmdBinaryTest, TellsWhetherItIsTheFirst) {
     inFreshProcess([] {
@@ -113,52 +80,45 @@ TEST_F(sReadCmdBinaryTest, ALaterStartupStatusIsAnnounced) {
 }
 
 TEST_F(sReadCmdBinaryTest, ReadsTheBoardRevisionInHexadecimal) {
-    struct Row {
-        const char* content;
-        unsigned int revision;
-    };
-    const Row rows[] = {{"0", 0},
-                        {"1A", 0x1A},
-                        {"1a\n", 0x1A},
-                        {"  7", 7},
-                        {"0x1A", 0x1A},
-                        {"FFFF", 0xFFFF},
-                        {"ABCD and more", 0xABCD},
-                        {"12G", 0x12},
-                        {"+1A", 0x1A},
-                        {"0000000000000000001A", 0x1A}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.content);
-        inFreshProcess([&row] {
-            write(kRevisionFile, row.content);
-            EXPECT_EQ(frameOf(*status()), statusFrame(0, row.revision));
+    const Rows<const char*, unsigned int> rows = {{"0", 0},
+                                                  {"1A", 0x1A},
+                                                  {"1a\n", 0x1A},
+                                                  {"  7", 7},
+                                                  {"0x1A", 0x1A},
+                                                  {"FFFF", 0xFFFF},
+                                                  {"ABCD and more", 0xABCD},
+                                                  {"12G", 0x12},
+                                                  {"+1A", 0x1A},
+                                                  {"0000000000000000001A", 0x1A}};
+    for (const auto& [content, revision] : rows) {
+        SCOPED_TRACE(content);
+        inFreshProcess([content = content, revision = revision] {
+            write(kRevisionFile, content);
+            EXPECT_EQ(frameOf(*status()), statusFrame(0, revision));
         });
     }
 }
 
 TEST_F(sReadCmdBinaryTest, ABoardRevisionThatCannotBeReadIsReportedUntilItCan) {
-    struct Row {
-        const char* content;
-        const char* text;
-    };
-    const Row rows[] = {{"12345", "Revision does not Fit in 2 Bytes"},
-                        {"10000", "Revision does not Fit in 2 Bytes"},
-                        {"-1", "Revision does not Fit in 2 Bytes"},
-                        {"10000001A", "Revision does not Fit in 2 Bytes"},
-                        {"FFFFFFFFFFFFFFFF0000001A", "Revision does not Fit in 2 Bytes"},
-                        {"", "Could not read the /dev/nvsku/rev file"},
-                        {"\n", "Could not read the /dev/nvsku/rev file"},
-                        {"xyz", "Could not read the /dev/nvsku/rev file"},
-                        {nullptr, "Failed to open the /dev/nvsku/rev file"}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        inFreshProcess([&row] {
+    const Rows<const char*, const char*> rows = {
+        {"12345", "Revision does not Fit in 2 Bytes"},
+        {"10000", "Revision does not Fit in 2 Bytes"},
+        {"-1", "Revision does not Fit in 2 Bytes"},
+        {"10000001A", "Revision does not Fit in 2 Bytes"},
+        {"FFFFFFFFFFFFFFFF0000001A", "Revision does not Fit in 2 Bytes"},
+        {"", "Could not read the /dev/nvsku/rev file"},
+        {"\n", "Could not read the /dev/nvsku/rev file"},
+        {"xyz", "Could not read the /dev/nvsku/rev file"},
+        {nullptr, "Failed to open the /dev/nvsku/rev file"}};
+    for (const auto& [content, text] : rows) {
+        SCOPED_TRACE(text);
+        inFreshProcess([content = content, text = text] {
             remove(kRevisionFile);
-            if (row.content != nullptr)
-                write(kRevisionFile, row.content);
-            expectError(status(), 't', row.text);
-            expectError(status(), 't', row.text);
-            expectError(startup(), 't', row.text);
+            if (content != nullptr)
+                write(kRevisionFile, content);
+            expectError(status(), 't', text);
+            expectError(status(), 't', text);
+            expectError(startup(), 't', text);
             write(kRevisionFile, "1A");
             EXPECT_EQ(frameOf(*status()), statusFrame(1, 0x1A))
                 << "a status had been built, for all that";
@@ -207,44 +167,37 @@ TEST_F(sReadCmdBinaryTest, AStatusIsForRequestsOfTwoBytes) {
 TEST_F(sReadCmdBinaryTest, AnswersIdentityFiles) {
     write("/mnt/app/img_ver.txt", "IMG 1.2");
     write("/dev/nvsku/serial_num", "SN42");
-    EXPECT_EQ(frameOf(*process({0x03, 's', 0x01})),
+    EXPECT_EQ(frameOf(*run({0x03, 's', 0x01})),
               (Bytes{15, 's', 0x01, 0, 0, 0, 0, 0, 'I', 'M', 'G', ' ', '1', '.', '2'}));
-    EXPECT_EQ(frameOf(*process({0x03, 's', 0x02})),
+    EXPECT_EQ(frameOf(*run({0x03, 's', 0x02})),
               (Bytes{12, 's', 0x02, 0, 0, 0, 0, 0, 'S', 'N', '4', '2'}));
     remove("/mnt/app/img_ver.txt");
-    expectError(process({0x03, 's', 0x01}), 't',
+    expectError(run({0x03, 's', 0x01}), 't',
                 "cannot open /mnt/app/img_ver.txt, no information available");
 }
 
 // The request has become what a status echoes before the revision is looked for.
 TEST_F(sReadCmdBinaryTest, AStatusThatFailsIsAnsweredAsOneThatDoesNot) {
-    inFreshProcess([] {
+    inFreshProcess([this] {
         remove(kRevisionFile);
-        RecordingListener listener;
-        command().setListener(&listener);
-        const Bytes text = debugFrame("Failed to open the /dev/nvsku/rev file");
-        EXPECT_EQ(answer({0x02, 's'}), (Bytes{8, 's', 0x2C, 0, 1, 1, 0, 0}));
-        EXPECT_EQ(answer({0x02, 's'}), (Bytes{8, 's', 0x2C, 1, 1, 1, 0, 0}));
-        EXPECT_THAT(listener.frames, ElementsAre(text, text));
+        for (const unsigned char sentBefore : Bytes{0, 1}) {
+            EXPECT_EQ(send({0x02, 's'}), (Bytes{8, 's', 0x2C, sentBefore, 1, 1, 0, 0}));
+            EXPECT_THAT(m_frontEnd.frames,
+                        ElementsAre(debugFrame("Failed to open the /dev/nvsku/rev file")));
+        }
     });
 }
 
 TEST_F(sReadCmdBinaryTest, AShortRequestThatFailsIsNotAnswered) {
-    const Rows<Bytes, const char*> rows = {
-        {{0x03, 's', 0x01}, "cannot open /mnt/app/img_ver.txt, no information available"},
-        {{0x03, 's', 0x02}, "cannot open /dev/nvsku/serial_num, no information available"},
-        {{0x03, 's', 0x03}, "unsupported subcommand"},
-        {{0x03, 's', 0x00}, "unsupported subcommand"},
-    };
-    remove("/mnt/app/img_ver.txt");
-    remove("/dev/nvsku/serial_num");
-    for (const auto& [request, text] : rows) {
-        SCOPED_TRACE(text);
-        RecordingListener listener;
-        command().setListener(&listener);
-        EXPECT_THROW(answer(request), std::out_of_range);
-        EXPECT_THAT(listener.frames, ElementsAre(debugFrame(text), debugFrame("request size < 4")));
-        command().setListener(nullptr);
+    const Rows<Bytes, std::string> rows = {{{0x03, 's', 0x01}, "/mnt/app/img_ver.txt"},
+                                           {{0x03, 's', 0x02}, "/dev/nvsku/serial_num"}};
+    for (const auto& [request, path] : rows) {
+        SCOPED_TRACE(path);
+        remove(path);
+        EXPECT_THROW(send(request), std::out_of_range);
+        EXPECT_THAT(m_frontEnd.frames,
+                    ElementsAre(debugFrame("cannot open " + path + ", no information available"),
+                                debugFrame("request size < 4")));
     }
 }
 
@@ -257,16 +210,8 @@ TEST_F(sReadCmdBinaryTest, ARequestForAFileStaysWhatItIs) {
 }
 
 TEST_F(sReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
-    const Rows<Bytes, const char*> rows = {
-        {{0x03, 's', 0x00}, "unsupported subcommand"},
-        {{0x03, 's', 0x03}, "unsupported subcommand"},
-        {{0x03, 's', 0x04}, "unsupported subcommand"},
-        {{0x03, 's', 0xFF}, "unsupported subcommand"},
-        {{0x04, 's', 0x01, 0x00}, "Command 's': too long!"},
-        {{0x05, 's', 0x03, 0x00, 0x00}, "Command 's': too long!"},
-    };
-    for (const auto& [request, text] : rows) {
-        SCOPED_TRACE(::testing::PrintToString(request));
-        expectError(process(request), 0, text);
-    }
+    for (const unsigned char selection : Bytes{0x00, 0x03, 0x04, 0xFF})
+        expectRefused({0x03, 's', selection}, kGenericError, "unsupported subcommand");
+    expectRefused({0x04, 's', 0x01, 0x00}, kGenericError, "Command 's': too long!");
+    expectRefused({0x05, 's', 0x03, 0x00, 0x00}, kGenericError, "Command 's': too long!");
 }

@@ -14,7 +14,7 @@ using Refusals = std::vector<Refusal<Tokens>>;
 
 class tCmdAsciiRefusalTest : public CommandTest<tCmd, ScratchFixture> {
 protected:
-    static void expectRefused(const Refusals& rows) {
+    void expectRefused(const Refusals& rows) {
         const Bytes before = allStored();
         CommandTest::expectRefused(rows);
         EXPECT_EQ(allStored(), before);

@@ -5,7 +5,6 @@
 #include "support/ScratchFixture.h"
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 namespace {
 
@@ -25,12 +24,8 @@ protected:
     void expectData(const Bytes& request, const Bytes& data) {
         const Bytes head = {
             static_cast<unsigned char>(8 + data.size()), 't', request[2], request[3], 0, 0, 0, 0};
-        const Response response = run(request);
-        EXPECT_EQ(response->code, 0u);
-        EXPECT_EQ(response->message, "");
-        EXPECT_EQ(frameOf(*response), joined(head, data));
-        EXPECT_EQ(send(request), joined(head, data));
-        EXPECT_THAT(m_listener.frames, IsEmpty());
+        expectSuccess(*run(request), joined(head, data));
+        expectAnswer(request, joined(head, data));
     }
 };
 
@@ -45,10 +40,6 @@ Bytes countingUp(std::size_t count, unsigned char first = 1) {
 }
 
 } // namespace
-
-TEST_F(tCmdBinaryTest, HasItsIdAndName) {
-    expectIdAndName('t', "memory");
-}
 
 TEST_F(tCmdBinaryTest, ReadsTheBytesInTheOrderOfTheirAddresses) {
     const Rows<unsigned char, unsigned char, unsigned char, unsigned int> rows = {
@@ -66,10 +57,9 @@ TEST_F(tCmdBinaryTest, ReadsTheBytesInTheOrderOfTheirAddresses) {
 
 TEST_F(tCmdBinaryTest, AReadWithChecksumAnswersTagAndChecksumFirst) {
     store(0, {1, 2, 3, 0x80, 0x80, 0xFF});
-    EXPECT_EQ(send(access(6, 3, 0, {0x12, 0x34})),
-              (Bytes{14, 't', 6, 3, 0, 0, 0, 0, 0x12, 0x34, 6, 1, 2, 3}));
-    EXPECT_EQ(send(access(6, 3, 3, {0xFF, 0x80})),
-              (Bytes{14, 't', 6, 3, 0, 0, 0, 0, 0xFF, 0x80, 0xFF, 0x80, 0x80, 0xFF}));
+    expectAnswer(access(6, 3, 0, {0x12, 0x34}), {14, 't', 6, 3, 0, 0, 0, 0, 0x12, 0x34, 6, 1, 2, 3});
+    expectAnswer(access(6, 3, 3, {0xFF, 0x80}),
+                 {14, 't', 6, 3, 0, 0, 0, 0, 0xFF, 0x80, 0xFF, 0x80, 0x80, 0xFF});
     for (const unsigned char count : Bytes{1, 2, 100, 243, 244}) {
         SCOPED_TRACE(count);
         const Bytes expected = stored(7, count);
@@ -136,7 +126,7 @@ TEST_F(tCmdBinaryTest, AWrongChecksumIsAnsweredAndTheBytesAreWritten) {
         EXPECT_THAT(stored(8, 4), ElementsAre(1, 2, 3, 9));
 
         store(8, {9, 9, 9, 9});
-        expectErrorFrames(request, kWrongChecksum, "");
+        expectErrorSent(m_frontEnd, request, kWrongChecksum, "");
         EXPECT_THAT(stored(8, 4), ElementsAre(1, 2, 3, 9));
     }
 }
@@ -183,13 +173,4 @@ TEST_F(tCmdBinaryTest, TheOperationsCanBeCalledByThemselves) {
     EXPECT_EQ(Response(command().write(&request, &data, 1, true, 0x1234))->code, 0u);
     EXPECT_THAT(data, ElementsAre(0, 0, 9));
     EXPECT_THAT(stored(0, 4), ElementsAre(1, 4, 5, 4));
-}
-
-TEST_F(tCmdBinaryTest, NoResponseIsLeftOver) {
-    const unsigned int before = ProcessResponse::m_counter;
-    send(access(6, 3, 0, {0, 0}));
-    send(access(7, 1, 0, {0, 0, 0, 1}));
-    send(access(0, 245, 0));
-    send(access(8, 0, 0));
-    EXPECT_EQ(ProcessResponse::m_counter, before);
 }

@@ -1,3 +1,4 @@
+// It is long as it is one driver: each of its calls is scripted, noted and held up here.
 #include "driver/ScriptedBluetooth.h"
 
 #include <gtest/gtest.h>

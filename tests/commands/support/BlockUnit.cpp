@@ -12,7 +12,7 @@ BlockUnit::BlockUnit() {
     for (const unsigned char type : {kOptical, kStick, kCard}) {
         for (unsigned char id = 0; id < 2; ++id) {
             mCmd::Handle* handle = nullptr;
-            if (!command().device(&handle, type, id).failed())
+            if (!mCmd::getInstance()->device(&handle, type, id).failed())
                 handle->open();
         }
     }

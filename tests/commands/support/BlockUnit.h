@@ -4,7 +4,6 @@
 
 #include "commands/mCmd.h"
 #include "support/BlockFile.h"
-#include "support/FrontEnd.h"
 #include "support/UnitFixture.h"
 
 constexpr unsigned char kHardDisk = 177;
@@ -24,11 +23,7 @@ class BlockUnit : public UnitFixture {
 protected:
     BlockUnit();
 
-    static mCmd& command() { return *mCmd::getInstance(); }
-
     /// What the scratch buffer holds.
     static std::string scratch(std::size_t offset, std::size_t length);
     static void setScratch(std::size_t offset, const std::string& content);
-
-    FrontEnd m_frontEnd;
 };

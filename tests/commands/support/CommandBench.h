@@ -16,20 +16,41 @@ using Words = std::vector<std::string>;
 
 constexpr unsigned int kGenericError = 0x01010000;
 
+/// The words of a line, and bytes as its last argument.
+Tokens lineWithData(const Words& words, const Bytes& data);
+
 /// Runs a request as the dispatcher would.
 Response runRequest(AbstractCmd& command, Bytes frame);
 Response runRequest(AbstractCmd& command, Tokens line);
 
-/// That a response carries an error and nothing else.
-void expectError(const ProcessResponse& response, unsigned int code, const std::string& text);
-inline void expectError(const Response& response, unsigned int code, const std::string& text) {
-    expectError(*response, code, text);
+/// The frame that a response of the binary protocol carries.
+const Bytes& frameOf(const ProcessResponse& response);
+/// The text that a response of the ASCII protocol carries.
+const std::string& answerOf(const ProcessResponse& response);
+
+/// That a response is a success, and carries this.
+void expectSuccess(const ProcessResponse& response);
+void expectSuccess(const ProcessResponse& response, const Bytes& frame);
+void expectSuccess(const ProcessResponse& response, const std::string& answer);
+
+/// That a response carries an error and, unless a protocol is named, nothing else.
+void expectError(const ProcessResponse& response, unsigned int code, const std::string& text,
+                 char protocol = 0);
+inline void expectError(const Response& response, unsigned int code, const std::string& text,
+                        char protocol = 0) {
+    expectError(*response, code, text, protocol);
 }
 
-/// That the response to a request carries this error, and that a station gets the text and then the
-/// code. What has nothing to echo is only run.
-void expectRefused(AbstractCmd& command, const Bytes& frame, unsigned int code, const std::string& text);
-void expectRefused(AbstractCmd& command, const Tokens& line, unsigned int code, const std::string& text);
+/// That a station gets the text and then the code.
+void expectErrorSent(FrontEnd& frontEnd, const Bytes& frame, unsigned int code, const std::string& text);
+void expectErrorSent(FrontEnd& frontEnd, const Tokens& line, unsigned int code, const std::string& text);
+
+/// That the response to a request carries this error, and that a station gets it. A frame with nothing
+/// to echo is reported and thrown instead; what names no command is only run.
+void expectRefused(AbstractCmd& command, FrontEnd& frontEnd, const Bytes& frame, unsigned int code,
+                   const std::string& text);
+void expectRefused(AbstractCmd& command, FrontEnd& frontEnd, const Tokens& line, unsigned int code,
+                   const std::string& text);
 
 /// A request that is refused, as a row of a table.
 template <typename Request>
@@ -41,11 +62,12 @@ struct Refusal {
 using RefusedFrames = std::vector<Refusal<Bytes>>;
 using RefusedLines = std::vector<Refusal<Words>>;
 
-/// The bench for one command, in a fixture with what the command needs.
-template <typename Command, typename Unit = ::testing::Test>
+/// The bench for one command, in a fixture with what the command needs. A case leaves no response over.
+template <typename Command, typename Unit = ::testing::Test, typename Station = FrontEnd>
 class CommandTest : public Unit {
 protected:
     CommandTest() { command(); }
+    ~CommandTest() override { EXPECT_EQ(ProcessResponse::m_counter, m_responses); }
 
     static Command& command() { return *Command::getInstance(); }
 
@@ -53,24 +75,42 @@ protected:
     static Response run(Tokens line) { return runRequest(command(), std::move(line)); }
     static Response run(const Words& words) { return run(tokens(words)); }
 
-    static void expectIdAndName(char id, const std::string& name) {
-        EXPECT_EQ(command().tavrin_getName(), id);
-        EXPECT_EQ(command().ascii_getName(), name);
-        EXPECT_EQ(Command::getInstance(), Command::getInstance());
+    Bytes send(Bytes frame) { return m_frontEnd.send(std::move(frame)); }
+    std::string send(Tokens line) { return m_frontEnd.send(std::move(line)); }
+    std::string send(const Words& words) { return send(tokens(words)); }
+
+    /// That a station gets this answer and nothing before it.
+    void expectAnswer(const Bytes& frame, const Bytes& answer) {
+        SCOPED_TRACE(::testing::PrintToString(frame));
+        EXPECT_EQ(send(frame), answer);
+        EXPECT_THAT(m_frontEnd.frames, ::testing::IsEmpty());
+    }
+    void expectAnswer(const Tokens& line, const std::string& answer) {
+        SCOPED_TRACE(::testing::PrintToString(line));
+        EXPECT_EQ(send(line), answer);
+        EXPECT_THAT(m_frontEnd.lines, ::testing::IsEmpty());
+    }
+    void expectAnswer(const Words& words, const std::string& answer) {
+        expectAnswer(tokens(words), answer);
     }
 
-    static void expectRefused(const Bytes& frame, unsigned int code, const std::string& text) {
-        ::expectRefused(command(), frame, code, text);
+    void expectRefused(const Bytes& frame, unsigned int code, const std::string& text) {
+        ::expectRefused(command(), m_frontEnd, frame, code, text);
     }
-    static void expectRefused(const Tokens& line, unsigned int code, const std::string& text) {
-        ::expectRefused(command(), line, code, text);
+    void expectRefused(const Tokens& line, unsigned int code, const std::string& text) {
+        ::expectRefused(command(), m_frontEnd, line, code, text);
     }
-    static void expectRefused(const Words& words, unsigned int code, const std::string& text) {
+    void expectRefused(const Words& words, unsigned int code, const std::string& text) {
         expectRefused(tokens(words), code, text);
     }
     template <typename Request>
-    static void expectRefused(const std::vector<Refusal<Request>>& rows) {
+    void expectRefused(const std::vector<Refusal<Request>>& rows) {
         for (const Refusal<Request>& row : rows)
             expectRefused(row.request, row.code, row.text);
     }
+
+    Station m_frontEnd;
+
+private:
+    const unsigned int m_responses = ProcessResponse::m_counter;
 };

@@ -93,18 +93,6 @@ std::string GraphicsUnit::unpackedPath(unsigned index) {
     return std::string("/tmp/") + kPictures[index];
 }
 
-void GraphicsUnit::expectSuccess(const ProcessResponse& response) {
-    EXPECT_EQ(response.code, 0u);
-    EXPECT_EQ(response.message, "");
-}
-
-void GraphicsUnit::expectError(const ProcessResponse& response, unsigned int code,
-                               const std::string& text) {
-    EXPECT_EQ(response.code, code);
-    EXPECT_EQ(response.message, text);
-    EXPECT_EQ(response.protocol, 0);
-}
-
 void GraphicsUnit::expectToolFailure(const ProcessResponse& response) {
     EXPECT_EQ(response.code, kGenericError);
     EXPECT_THAT(response.message,

@@ -37,8 +37,6 @@ protected:
     static std::string packedPath(unsigned index);
     static std::string unpackedPath(unsigned index);
 
-    static void expectSuccess(const ProcessResponse& response);
-    static void expectError(const ProcessResponse& response, unsigned int code, const std::string& text);
     /// That a tool has failed because of `failAt`.
     static void expectToolFailure(const ProcessResponse& response);
 

@@ -2,10 +2,7 @@
 
 #include "commands/IWriteCmd.h"
 #include "commands/iReadCmd.h"
-#include "core/StringFormat.h"
 #include "devices/I2CHandler.h"
-
-using ::testing::ElementsAre;
 
 namespace {
 
@@ -29,8 +26,6 @@ I2c& bus() {
 I2cUnit::I2cUnit() {
     iReadCmd::getInstance();
     IWriteCmd::getInstance();
-    if (!handler().isValid())
-        handler().start();
     // Cases may also share a process.
     remove(kBusNode);
     bus().close();
@@ -55,19 +50,6 @@ unsigned I2cUnit::busSpeed() {
     unsigned speed = 0;
     EXPECT_EQ(bus().getBusSpeed(speed).code, 0);
     return speed;
-}
-
-void I2cUnit::expectErrorFrame(const Bytes& request, unsigned code, const std::string& text) {
-    m_listener.frames.clear();
-    EXPECT_THAT(send(request), ElementsAre(8, request[1], request[2], request[3], code >> 24,
-                                           code >> 16 & 0xFF, code >> 8 & 0xFF, code & 0xFF));
-    EXPECT_THAT(m_listener.frames, ElementsAre(debugFrame(text)));
-}
-
-void I2cUnit::expectErrorLine(const Tokens& list, unsigned code, const std::string& text) {
-    m_listener.lines.clear();
-    EXPECT_EQ(send(list), string_format("i2c Error 0x%X", code));
-    EXPECT_THAT(m_listener.lines, ElementsAre("Info \"" + text + "\""));
 }
 
 Bytes writeRequest(std::uint32_t address, const Bytes& data, std::uint32_t stop) {

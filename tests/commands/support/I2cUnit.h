@@ -5,11 +5,15 @@
 #include <vector>
 
 #include "core/AbstractCmd.h"
-#include "core/Handler.h"
 #include "manager/ScriptedManager.h"
 #include "support/UnitFixture.h"
 
 constexpr char kBusNode[] = "/dev/i2c0";
+
+constexpr unsigned kBusError = 0x07000001;
+constexpr unsigned kNoSuchBus = 0x07000005;
+constexpr unsigned kUnknownAttribute = 0x0700000B;
+constexpr unsigned kSpeedError = 0x0700000D;
 
 /// A simulated unit with a scripted manager behind its I2C bus. A case finds the bus closed.
 class I2cUnit : public UnitFixture {
@@ -25,20 +29,7 @@ protected:
     static bool stopCondition();
     static unsigned busSpeed();
 
-    /// Through the Handler, as a front end would.
-    Bytes send(Bytes request) { return handler().handleCommand(&request, &m_listener); }
-    std::string send(const Tokens& list) { return handler().handleCommand(list, &m_listener); }
-
-    /// That the next attempt is refused on the wire: the debug frame, then the frame of the error.
-    void expectErrorFrame(const Bytes& request, unsigned code, const std::string& text);
-    /// The same as lines.
-    void expectErrorLine(const Tokens& list, unsigned code, const std::string& text);
-
     std::unique_ptr<ScriptedManager> m_manager;
-    RecordingListener m_listener;
-
-private:
-    static Handler& handler() { return *Handler::getInstance(); }
 };
 
 /// The manager's requests, with the stop condition on or off.

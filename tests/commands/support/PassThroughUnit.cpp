@@ -2,10 +2,8 @@
 
 #include <filesystem>
 
-#include "core/StringFormat.h"
 #include "wire/BigEndian.h"
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
@@ -49,30 +47,13 @@ Comm::Handle& PassThroughUnit::channel(unsigned number) {
 }
 
 void PassThroughUnit::expectRefused(const Bytes& frame, unsigned code, const std::string& text) {
-    SCOPED_TRACE(::testing::PrintToString(frame));
     command().setListener(&m_frontEnd); // a request that was carried out has taken it away
-    const Response response = run(frame);
-    EXPECT_EQ(response->code, code);
-    EXPECT_EQ(response->message, text);
-    EXPECT_EQ(response->protocol, 0);
-    if (frame.size() < 4)
-        return;
-    EXPECT_THAT(m_frontEnd.send(frame), ElementsAre(8, 'S', frame[2], frame[3], code >> 24,
-                                                    code >> 16 & 0xFF, code >> 8 & 0xFF, code & 0xFF));
-    EXPECT_THAT(m_frontEnd.frames, ElementsAre(debugFrame(text)));
+    ::expectRefused(command(), m_frontEnd, frame, code, text);
 }
 
 void PassThroughUnit::expectLineRefused(const Tokens& line, unsigned code, const std::string& text) {
-    SCOPED_TRACE(::testing::PrintToString(line));
     command().setListener(&m_frontEnd);
-    const Response response = runLine(line);
-    EXPECT_EQ(response->code, code);
-    EXPECT_EQ(response->message, text);
-    EXPECT_EQ(response->protocol, 0);
-    if (line.empty())
-        return;
-    EXPECT_EQ(m_frontEnd.send(line), string_format("serial Error 0x%X", code));
-    EXPECT_THAT(m_frontEnd.lines, ElementsAre(infoLine(text)));
+    ::expectRefused(command(), m_frontEnd, line, code, text);
 }
 
 void PassThroughUnit::expectAnswer(const Bytes& frame, const Bytes& answer) {
@@ -111,12 +92,6 @@ Bytes success(const Bytes& request, const Bytes& data) {
         static_cast<unsigned char>(8 + data.size()), request[1], request[2], request[3], 0, 0, 0, 0};
     frame.insert(frame.end(), data.begin(), data.end());
     return frame;
-}
-
-Tokens lineWithData(const std::vector<std::string>& words, const Bytes& data) {
-    Tokens line = tokens(words);
-    line.emplace_back(data.begin(), data.end());
-    return line;
 }
 
 Bytes bytesOf(const std::string& text) {

@@ -6,12 +6,17 @@
 #include "commands/SWriteCmd.h"
 #include "devices/CommHandler.h"
 #include "support/DeviceCalls.h"
-#include "support/FrontEnd.h"
 #include "support/Line.h"
 #include "support/UnitFixture.h"
 
 constexpr unsigned char kWlan = 240;
 constexpr unsigned char kBluetooth = 241;
+
+constexpr unsigned kReadSize = 0x10;
+constexpr unsigned kIoFailed = 0x0A000000;
+constexpr unsigned kNoSuchChannel = 0x0A000004;
+constexpr unsigned kNoSuchParity = 0x0A000008;
+constexpr unsigned kOpenFailed = 0x0A000040;
 
 /// A front end whose station is on the serial channel that a case says.
 class StationsFrontEnd : public FrontEnd {
@@ -58,8 +63,5 @@ Bytes sendRequest(unsigned char channel, const Bytes& data);
 Bytes success(const Bytes& request);
 /// With data.
 Bytes success(const Bytes& request, const Bytes& data);
-
-/// The words of a line, and bytes as its last argument.
-Tokens lineWithData(const std::vector<std::string>& words, const Bytes& data);
 
 Bytes bytesOf(const std::string& text);

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "support/FrontEnd.h"
 #include "support/UnitFixture.h"
 
 struct Port {
@@ -62,6 +61,4 @@ protected:
     static void relink(const Port& port, const char* target);
 
     static std::size_t openDescriptors();
-
-    FrontEnd m_frontEnd;
 };

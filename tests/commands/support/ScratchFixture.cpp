@@ -5,8 +5,6 @@
 
 #include "core/AbstractCmd.h"
 
-using ::testing::ElementsAre;
-
 namespace {
 
 std::atomic<bool> s_refused{false};
@@ -63,18 +61,4 @@ Bytes ScratchFixture::stored(unsigned int address, std::size_t count) {
 
 Bytes ScratchFixture::allStored() {
     return joined(stored(0, kPrepared), stored(kScratchBytes - kPrepared, kPrepared));
-}
-
-void ScratchFixture::expectErrorFrames(const Bytes& request, unsigned int code,
-                                       const std::string& text) {
-    m_listener.frames.clear();
-    EXPECT_EQ(send(request), joined({8, request[1], request[2], request[3]}, bigEndian(code)));
-    EXPECT_THAT(m_listener.frames, ElementsAre(debugFrame(text)));
-}
-
-void ScratchFixture::expectErrorLines(const Tokens& list, const std::string& line,
-                                      const std::string& text) {
-    m_listener.lines.clear();
-    EXPECT_EQ(send(list), line);
-    EXPECT_THAT(m_listener.lines, ElementsAre("Info \"" + text + "\""));
 }

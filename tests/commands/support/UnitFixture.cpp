@@ -7,9 +7,6 @@
 #include <fstream>
 #include <iterator>
 
-#include "core/ProcessResponseAscii.h"
-#include "core/ProcessResponseTavrin.h"
-
 UnitFixture::UnitFixture() {
     if (!std::filesystem::is_directory("/dev/nvsku")) {
         ADD_FAILURE() << "This is no unit. Run the program with 'headunit exec --'.";
@@ -39,16 +36,4 @@ std::string UnitFixture::read(const std::string& path) {
 
 bool UnitFixture::exists(const std::string& path) {
     return std::filesystem::exists(std::filesystem::symlink_status(path));
-}
-
-const Bytes& frameOf(const ProcessResponse& response) {
-    static const Bytes none;
-    EXPECT_EQ(response.protocol, 't');
-    return response.protocol == 't' ? static_cast<const ProcessResponseTavrin&>(response).data : none;
-}
-
-const std::string& answerOf(const ProcessResponse& response) {
-    static const std::string none;
-    EXPECT_EQ(response.protocol, 'a');
-    return response.protocol == 'a' ? static_cast<const ProcessResponseAscii&>(response).answer : none;
 }

@@ -19,8 +19,3 @@ protected:
     static std::string read(const std::string& path);
     static bool exists(const std::string& path);
 };
-
-/// The frame that a response of the binary protocol carries.
-const Bytes& frameOf(const ProcessResponse& response);
-/// The text that a response of the ASCII protocol carries.
-const std::string& answerOf(const ProcessResponse& response);
