@@ -67,16 +67,10 @@ TEST_F(BinaryRequestTest, ReadsLengthAndSubCommand) {
 }
 
 TEST_F(BinaryRequestTest, AnInvalidFrameNeverReachesTheCommand) {
-    struct Row {
-        const char* what;
-        Bytes request;
-        std::string text;
-        Bytes frame;
-    };
     const std::string wrongSize = "Internal Error: Invalid Request Buffer Size";
     const std::string wrongLength = "Command Length must be in Range [2, 255], but is ";
     const std::string wrongName = "Get a Process-Request with invalid Command-Name: ";
-    const Row rows[] = {
+    const Rows<const char*, Bytes, std::string, Bytes> rows = {
         {"empty", {}, "Command is empty", {8, 0, 0, 0, 1, 1, 0, 0}},
         {"one byte more than D0", {0x03, 'D', 0x09, 0x01}, wrongSize, {8, 'D', 9, 1, 1, 1, 0, 0}},
         {"one byte less than D0", {0x03, 'D'}, wrongSize, {8, 'D', 0, 0, 1, 1, 0, 0}},
@@ -89,15 +83,15 @@ TEST_F(BinaryRequestTest, AnInvalidFrameNeverReachesTheCommand) {
         {"a per-cent sign", {0x04, '%', 1, 2}, wrongName + "%", {8, '%', 1, 2, 1, 1, 0, 0}},
         {"an id of zero", {0x02, 0}, wrongName + std::string(1, '\0'), {8, 0, 0, 0, 1, 1, 0, 0}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        Bytes request = row.request;
+    for (const auto& [what, sent, text, frame] : rows) {
+        SCOPED_TRACE(what);
+        Bytes request = sent;
         const auto response = check(&request);
         EXPECT_EQ(response->code, 0x01010000u);
-        EXPECT_EQ(response->message, row.text);
+        EXPECT_EQ(response->message, text);
         ASSERT_EQ(response->protocol, 't');
-        EXPECT_THAT(static_cast<ProcessResponseTavrin&>(*response).data, ElementsAreArray(row.frame));
-        EXPECT_EQ(request, row.request);
+        EXPECT_THAT(static_cast<ProcessResponseTavrin&>(*response).data, ElementsAreArray(frame));
+        EXPECT_EQ(request, sent);
     }
     EXPECT_TRUE(m_processed.empty());
 }

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string>
 
+#include "support/Rows.h"
+
 using ::testing::MatchesRegex;
 
 TEST(BuildStampTest, TheProtocolVersionIsFour) {
@@ -12,12 +14,7 @@ TEST(BuildStampTest, TheProtocolVersionIsFour) {
 }
 
 TEST(BuildStampTest, PutsTheCompilersDateInOrder) {
-    struct Row {
-        const char* date;
-        const char* time;
-        const char* stamp;
-    };
-    const Row rows[] = {
+    const Rows<const char*, const char*, const char*> rows = {
         {"Jul  9 2019", "08:37:25", "2019/07/ 9 08:37:25"},
         {"Jan  1 2000", "00:00:00", "2000/01/ 1 00:00:00"},
         {"Feb 28 2021", "23:59:59", "2021/02/28 23:59:59"},
@@ -36,12 +33,12 @@ TEST(BuildStampTest, PutsTheCompilersDateInOrder) {
         {"Jul 9 2019", "12:00:00", ""},
         {"", "12:00:00", ""},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.date);
+    for (const auto& [date, time, expected] : rows) {
+        SCOPED_TRACE(date);
         char stamp[20];
         std::memset(stamp, '#', sizeof stamp);
-        formatBuildStamp(row.date, row.time, stamp, sizeof stamp);
-        EXPECT_STREQ(stamp, row.stamp);
+        formatBuildStamp(date, time, stamp, sizeof stamp);
+        EXPECT_STREQ(stamp, expected);
     }
 }
 

@@ -94,14 +94,6 @@ private:
 
 } // namespace
 
-TEST(CRCTest, GivesTheKnownValues) {
-    Bytes inOrder(256);
-    std::iota(inOrder.begin(), inOrder.end(), static_cast<unsigned char>(0));
-    EXPECT_EQ(checksum(bytesOf("123456789")), 0x74527081u);
-    EXPECT_EQ(checksum(Bytes(4096, 0)), 0x9120DC06u);
-    EXPECT_EQ(checksum(inOrder), 0xB756E3A8u);
-}
-
 TEST(CRCTest, FourBytesAreTheirOwnChecksum) {
     EXPECT_EQ(checksum(Bytes{0x12, 0x34, 0x56, 0x78}), 0x12345678u);
     EXPECT_EQ(checksum(Bytes{0, 0, 0, 0}), 0u);

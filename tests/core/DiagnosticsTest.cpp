@@ -7,15 +7,15 @@
 #include <thread>
 #include <vector>
 
+#include "support/ErrorOutput.h"
+
 using ::testing::AnyOf;
 using ::testing::MatchesRegex;
 
 namespace {
 
 std::string printed(const std::string& message) {
-    ::testing::internal::CaptureStderr();
-    printDiagnostic(message);
-    return ::testing::internal::GetCapturedStderr();
+    return errorOutputOf([&] { printDiagnostic(message); });
 }
 
 } // namespace

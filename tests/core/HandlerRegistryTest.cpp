@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/Handler.h"
+#include "support/ErrorOutput.h"
 #include "support/FreshProcess.h"
 #include "support/Rows.h"
 #include "support/ScriptedCommand.h"
@@ -9,14 +10,6 @@ namespace {
 
 Handler& handler() {
     return *Handler::getInstance();
-}
-
-/// What `action` writes to standard error.
-template <typename Action>
-std::string complaintOf(Action action) {
-    ::testing::internal::CaptureStderr();
-    action();
-    return ::testing::internal::GetCapturedStderr();
 }
 
 } // namespace
@@ -39,19 +32,20 @@ TEST(HandlerRegistryTest, NamesIdsByLetterOrInHexadecimal) {
 
 TEST(HandlerRegistryTest, NoCommandCannotBeRegistered) {
     const std::string complaint = "Prod.testserver: Listener::registerHandler: Handler is NULL\n";
-    EXPECT_EQ(complaintOf([] { EXPECT_FALSE(handler().registerHandler('n', nullptr)); }), complaint);
-    EXPECT_EQ(complaintOf([] { EXPECT_FALSE(handler().registerHandler("none", nullptr)); }), complaint);
+    EXPECT_EQ(errorOutputOf([] { EXPECT_FALSE(handler().registerHandler('n', nullptr)); }), complaint);
+    EXPECT_EQ(errorOutputOf([] { EXPECT_FALSE(handler().registerHandler("none", nullptr)); }),
+              complaint);
 }
 
 TEST(HandlerRegistryTest, TheFirstCommandKeepsAnId) {
     inFreshProcess([] {
         ScriptedCommand& first = ScriptedCommand::make('1', "first");
         ScriptedCommand& second = ScriptedCommand::make('2', "second");
-        EXPECT_EQ(complaintOf([&] { EXPECT_TRUE(handler().registerHandler('r', &first)); }), "");
-        EXPECT_EQ(complaintOf([&] { EXPECT_FALSE(handler().registerHandler('r', &second)); }),
+        EXPECT_EQ(errorOutputOf([&] { EXPECT_TRUE(handler().registerHandler('r', &first)); }), "");
+        EXPECT_EQ(errorOutputOf([&] { EXPECT_FALSE(handler().registerHandler('r', &second)); }),
                   "Prod.testserver: Listener::registerHandler: Unable to register Handler: 2. "
                   "Reason: Command r registered by 1\n\n");
-        EXPECT_EQ(complaintOf([&] { EXPECT_FALSE(handler().registerHandler('r', &first)); }),
+        EXPECT_EQ(errorOutputOf([&] { EXPECT_FALSE(handler().registerHandler('r', &first)); }),
                   "Prod.testserver: Listener::registerHandler: Unable to register Handler: 1. "
                   "Reason: Command r registered by 1\n\n");
     });
@@ -61,19 +55,19 @@ TEST(HandlerRegistryTest, TheFirstCommandKeepsAName) {
     inFreshProcess([] {
         ScriptedCommand& first = ScriptedCommand::make('1', "first");
         ScriptedCommand& second = ScriptedCommand::make('2', "second");
-        EXPECT_EQ(complaintOf([&] { EXPECT_TRUE(handler().registerHandler("taken", &first)); }), "");
-        EXPECT_EQ(complaintOf([&] { EXPECT_FALSE(handler().registerHandler("taken", &second)); }),
+        EXPECT_EQ(errorOutputOf([&] { EXPECT_TRUE(handler().registerHandler("taken", &first)); }), "");
+        EXPECT_EQ(errorOutputOf([&] { EXPECT_FALSE(handler().registerHandler("taken", &second)); }),
                   "Prod.testserver: Listener::registerHandler: Unable to register Handler: second. "
                   "Reason: Command taken registered by first\n");
-        EXPECT_EQ(complaintOf([&] { EXPECT_TRUE(handler().registerHandler("Taken", &second)); }), "")
+        EXPECT_EQ(errorOutputOf([&] { EXPECT_TRUE(handler().registerHandler("Taken", &second)); }), "")
             << "names differ in case";
     });
 }
 
 TEST(HandlerRegistryTest, ACommandRegistersItselfByNameFirst) {
     inFreshProcess([] {
-        EXPECT_EQ(complaintOf([] { ScriptedCommand::make('T', "twice", true); }), "");
-        EXPECT_EQ(complaintOf([] { ScriptedCommand::make('T', "twice", true); }),
+        EXPECT_EQ(errorOutputOf([] { ScriptedCommand::make('T', "twice", true); }), "");
+        EXPECT_EQ(errorOutputOf([] { ScriptedCommand::make('T', "twice", true); }),
                   "Prod.testserver: Listener::registerHandler: Unable to register Handler: twice. "
                   "Reason: Command twice registered by twice\n"
                   "Prod.testserver: Listener::registerHandler: Unable to register Handler: T. "
@@ -84,20 +78,20 @@ TEST(HandlerRegistryTest, ACommandRegistersItselfByNameFirst) {
 TEST(HandlerRegistryTest, WhatACommandLacksIsNotRegistered) {
     inFreshProcess([] {
         ScriptedCommand& other = ScriptedCommand::make('o', "other");
-        EXPECT_EQ(complaintOf([] {
+        EXPECT_EQ(errorOutputOf([] {
                       ScriptedCommand::make('U', "", true);
                       ScriptedCommand::make(0, "nameonly", true);
                       ScriptedCommand::make('V', "unregistered", false);
                   }),
                   "");
-        EXPECT_EQ(complaintOf([&] {
+        EXPECT_EQ(errorOutputOf([&] {
                       EXPECT_TRUE(handler().registerHandler("", &other));
                       EXPECT_TRUE(handler().registerHandler('\0', &other));
                       EXPECT_TRUE(handler().registerHandler('V', &other));
                       EXPECT_TRUE(handler().registerHandler("unregistered", &other));
                   }),
                   "");
-        EXPECT_NE(complaintOf([&] {
+        EXPECT_NE(errorOutputOf([&] {
                       EXPECT_FALSE(handler().registerHandler('U', &other));
                       EXPECT_FALSE(handler().registerHandler("nameonly", &other));
                   }),

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/RecordingListener.h"
+#include "support/Rows.h"
 
 namespace {
 
@@ -11,22 +12,18 @@ using Token = std::vector<char>;
 } // namespace
 
 TEST(TokenTextTest, TheTextEndsAtTheFirstZeroByteOrWithTheToken) {
-    struct Row {
-        Token token;
-        std::string text;
-    };
-    const Row rows[] = {
+    const Rows<Token, std::string> rows = {
         {token("memory"), "memory"},
         {token(""), ""},
-        {{}, ""},
+        {Token{}, ""},
         {{'r', 'e', 'a', 'd'}, "read"},
         {{'r', 'e', '\0', 'a', 'd', '\0'}, "re"},
         {{'\0', 'r'}, ""},
         {{'\xFF', '\n', ' ', '\0'}, "\xFF\n "},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.token));
-        EXPECT_EQ(tokenText(row.token), row.text);
+    for (const auto& [characters, text] : rows) {
+        SCOPED_TRACE(::testing::PrintToString(characters));
+        EXPECT_EQ(tokenText(characters), text);
     }
 }
 

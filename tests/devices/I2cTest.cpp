@@ -1,4 +1,5 @@
-// The bus in front of its manager: each request byte for byte, and what each result is called.
+// The bus in front of its manager: each request byte for byte, and what each result is called. It is
+// long as its tables are.
 #include "devices/I2c.h"
 
 #include <gmock/gmock.h>
@@ -255,18 +256,11 @@ TEST_F(I2cTest, ASuccessThatBringsTooFewBytesIsAFailure) {
 }
 
 TEST_F(I2cTest, EachResultHasItsText) {
-    struct Row {
-        int result;
-        const char* write;
-        const char* read;
-        const char* transfer;
-        const char* speed;
-    };
     constexpr char kLocked[] = ": The master is locked by another connection";
     constexpr char kSendFailed[] = ": The master send failed";
     constexpr char kBadBuffer[] = ": An error occurred while accessing the data buffer";
     constexpr char kBadFormat[] = ": Bad message format";
-    const Row rows[] = {
+    const Rows<int, const char*, const char*, const char*, const char*> rows = {
         {1, kLocked, ": Operation not permitted", kLocked, ": Operation not permitted"},
         {5, kSendFailed, ": bad slave address/ bad bus speed/ bus is busy", kSendFailed,
          ": Input/output error"},
@@ -282,15 +276,15 @@ TEST_F(I2cTest, EachResultHasItsText) {
         {-5, ": Unknown error -5", ": Unknown error -5", ": Unknown error -5", ": Unknown error -5"},
     };
     open();
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.result);
+    for (const auto& [result, written, readText, transferred, speedText] : rows) {
+        SCOPED_TRACE(result);
         for (int request = 0; request < 4; ++request)
-            m_manager->willAnswer(row.result, Bytes(100, 0xEE));
-        EXPECT_THAT(write(), isFailure(row.result, text("Write Error on Device ", row.write)));
-        EXPECT_THAT(read(), isFailure(row.result, text("Read Error on Device ", row.read)));
-        EXPECT_THAT(transfer(), isFailure(row.result, text("Transfer Error on Device ", row.transfer)));
+            m_manager->willAnswer(result, Bytes(100, 0xEE));
+        EXPECT_THAT(write(), isFailure(result, text("Write Error on Device ", written)));
+        EXPECT_THAT(read(), isFailure(result, text("Read Error on Device ", readText)));
+        EXPECT_THAT(transfer(), isFailure(result, text("Transfer Error on Device ", transferred)));
         EXPECT_THAT(m_bus.setBusSpeed(400000),
-                    isFailure(row.result, text("setBusSpeed Error on Device ", row.speed)));
+                    isFailure(result, text("setBusSpeed Error on Device ", speedText)));
         EXPECT_TRUE(m_buffer.isUntouchedBut(0));
         EXPECT_TRUE(m_bus.isOpen());
         EXPECT_TRUE(m_bus.isStopBitEnabled());

@@ -6,15 +6,14 @@
 #include <utility>
 
 #include "support/Clock.h"
+#include "support/ErrorOutput.h"
 
 namespace {
 
 class CommandClockTest : public ::testing::Test {
 protected:
     std::string warning(const char* command = "status") const {
-        ::testing::internal::CaptureStderr();
-        m_command.warnIfLong(command);
-        return ::testing::internal::GetCapturedStderr();
+        return errorOutputOf([&] { m_command.warnIfLong(command); });
     }
 
     Clock m_clock;

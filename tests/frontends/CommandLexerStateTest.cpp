@@ -4,6 +4,7 @@
 
 #include "core/StringFormat.h"
 #include "support/LexerFixture.h"
+#include "support/Rows.h"
 
 namespace {
 
@@ -12,14 +13,7 @@ class CommandLexerStateTest : public LexerFixture {};
 } // namespace
 
 TEST_F(CommandLexerStateTest, ALineWithoutEtxIsContinuedByTheNext) {
-    struct Row {
-        const char* what;
-        std::string first;
-        std::string second;
-        Tokens tokens;
-        std::string echo;
-    };
-    const Row rows[] = {
+    const Rows<const char*, std::string, std::string, Tokens, std::string> rows = {
         {"waiting for the word", "\x02", "s a\x03", tokens({"s", "a"}), ""},
         {"waiting for the word, restarted", "\x02", request("t"), tokens({"t"}), ""},
         {"opened by a frame header", "x#<frame>1:", "s a\x03", tokens({"s", "a"}), ""},
@@ -49,11 +43,11 @@ TEST_F(CommandLexerStateTest, ALineWithoutEtxIsContinuedByTheNext) {
         {"ended by ETX inside a string", "\x02s \"a\x03", "b\" c\x03", tokens({"s", "a"}), ""},
         {"without any command", "a b", "c d\x03", tokens({"old"}), ""},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, first, second, expected, echo] : rows) {
+        SCOPED_TRACE(what);
         startOver();
-        scan(row.first);
-        EXPECT_EQ(scan(row.second), (Scan{row.tokens, row.echo}));
+        scan(first);
+        EXPECT_EQ(scan(second), (Scan{expected, echo}));
     }
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/Allocations.h"
+#include "support/Rows.h"
 
 namespace {
 
@@ -51,12 +52,8 @@ TEST(LineAssemblerTest, PiecesOfAnySizeMakeALine) {
 }
 
 TEST(LineAssemblerTest, OnlyAReadThatEndsOnEtxAndNewlineCompletesALine) {
-    struct Row {
-        const char* what;
-        std::vector<std::string> reads;
-        bool complete; // by the last of them, and not before
-    };
-    const Row rows[] = {
+    // Whether the last of the reads completes it; none does before.
+    const Rows<const char*, std::vector<std::string>, bool> rows = {
         {"the end alone", {"\x03\n"}, true},
         {"nothing", {""}, false},
         {"a newline alone", {"\n"}, false},
@@ -73,14 +70,14 @@ TEST(LineAssemblerTest, OnlyAReadThatEndsOnEtxAndNewlineCompletesALine) {
         {"the same, completed later", {"\x02s\x03\n\x02t", "\x03\n"}, true},
         {"a zero byte", {std::string("\x02s\0\x03\n", 5)}, true},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, reads, complete] : rows) {
+        SCOPED_TRACE(what);
         LineAssembler assembler;
         std::string all;
-        for (std::size_t read = 0; read < row.reads.size(); ++read) {
-            const bool isLast = read + 1 == row.reads.size();
-            all += row.reads[read];
-            EXPECT_EQ(append(assembler, row.reads[read]), isLast && row.complete);
+        for (std::size_t read = 0; read < reads.size(); ++read) {
+            const bool isLast = read + 1 == reads.size();
+            all += reads[read];
+            EXPECT_EQ(append(assembler, reads[read]), isLast && complete);
             EXPECT_EQ(assembler.line(), all);
         }
     }

@@ -166,21 +166,17 @@ TEST_F(ShellTest, TellsItsProcessNumber) {
 TEST_F(ShellTest, CannotStartWithADescriptorThatIsNotOpen) {
     const Descriptor null(::open("/dev/null", O_RDWR | O_CLOEXEC));
     constexpr int kNotOpen = 1000;
-    struct Row {
-        const char* what;
-        int input, output, errorOutput;
-    };
-    const Row rows[] = {
+    const Rows<const char*, int, int, int> rows = {
         {"no input", -1, null.get(), null.get()},
         {"no output", null.get(), -1, null.get()},
         {"no error output", null.get(), null.get(), -1},
         {"input is closed", kNotOpen, null.get(), null.get()},
         {"error output is closed", null.get(), null.get(), kNotOpen},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, input, output, errorOutput] : rows) {
+        SCOPED_TRACE(what);
         System::Shell shell;
-        EXPECT_EQ(shell.start(row.input, row.output, row.errorOutput), EBADF);
+        EXPECT_EQ(shell.start(input, output, errorOutput), EBADF);
     }
 }
 

@@ -43,15 +43,6 @@ std::string nameOf(State from, State to, bool force) {
 
 } // namespace
 
-TEST(StatedThreadTest, ItsStatesHaveTheDocumentedNumbers) {
-    EXPECT_EQ(StatedThread::Created, 0);
-    EXPECT_EQ(StatedThread::Started, 1);
-    EXPECT_EQ(StatedThread::Running, 2);
-    EXPECT_EQ(StatedThread::Connected, 3);
-    EXPECT_EQ(StatedThread::Stopping, 4);
-    EXPECT_EQ(StatedThread::Dead, 5);
-}
-
 TEST(StatedThreadTest, IsCreatedFirst) {
     Inert thread;
     EXPECT_EQ(thread.getState(), StatedThread::Created);

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "support/Rows.h"
+
 using ::testing::ElementsAreArray;
 
 namespace {
@@ -53,23 +55,18 @@ TEST(Base64Test, DecodesIntoABufferThatJustFits) {
 }
 
 TEST(Base64Test, RefusesMalformedTextAndTextThatDoesNotFit) {
-    struct Row {
-        const char* what;
-        const char* text;
-        std::size_t room;
-        std::vector<unsigned char> decoded; // what the buffer holds afterwards
-    };
-    const Row rows[] = {
+    // The last column is what the buffer holds afterwards.
+    const Rows<const char*, const char*, std::size_t, std::vector<unsigned char>> rows = {
         {"foreign character", "QUJD-UJD", 6, {0x41, 0x42, 0x43, 0, 0, 0}},
         {"missing padding", "QUJDQQ", 6, {0x41, 0x42, 0x43, 0x41, 0, 0}},
         {"padding too early", "Q===", 3, {0x40, 0, 0}},
         {"text behind the padding", "QQ==QUJD", 6, {0x41, 0, 0, 0, 0, 0}},
         {"too long for the room", "QUJDREVG", 3, {0x41, 0x42, 0x43}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        std::vector<unsigned char> bytes(row.room, 0);
-        EXPECT_EQ(System::decodeBase64(row.text, bytes.data(), bytes.size()), -1);
-        EXPECT_THAT(bytes, ElementsAreArray(row.decoded));
+    for (const auto& [what, text, room, decoded] : rows) {
+        SCOPED_TRACE(what);
+        std::vector<unsigned char> bytes(room, 0);
+        EXPECT_EQ(System::decodeBase64(text, bytes.data(), bytes.size()), -1);
+        EXPECT_THAT(bytes, ElementsAreArray(decoded));
     }
 }

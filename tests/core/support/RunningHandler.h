@@ -6,7 +6,7 @@
 #include "support/ScriptedCommand.h"
 
 /// The Handler with its dispatcher running, and a command: 'Q' "scripted" does what a case
-/// tells it to. A case finds it answering plain success.
+/// tells it to. A case finds it answering plain success, and leaves no response over.
 class RunningHandler : public ::testing::Test {
 protected:
     RunningHandler() {
@@ -14,6 +14,7 @@ protected:
             handler().start();
         command().reset();
     }
+    ~RunningHandler() override { EXPECT_EQ(ProcessResponse::m_counter, m_responses); }
 
     static Handler& handler() { return *Handler::getInstance(); }
 
@@ -28,4 +29,7 @@ protected:
     }
 
     RecordingListener m_listener;
+
+private:
+    const unsigned int m_responses = ProcessResponse::m_counter;
 };

@@ -6,6 +6,7 @@
 
 #include "devices/CommHandler.h"
 #include "support/DeviceCalls.h"
+#include "support/ErrorOutput.h"
 #include "support/Line.h"
 #include "support/Results.h"
 
@@ -26,11 +27,3 @@ protected:
     Line m_lines[kChannels];
     Comm m_comm;
 };
-
-/// What `action` has written to standard error.
-template <typename Action>
-std::string errorOutputOf(Action action) {
-    ::testing::internal::CaptureStderr();
-    action();
-    return ::testing::internal::GetCapturedStderr();
-}

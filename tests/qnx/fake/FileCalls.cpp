@@ -10,12 +10,7 @@
 
 #include "fake/FakeSystem.h"
 
-using FakeSystem::deliver;
-using FakeSystem::hex;
-using FakeSystem::pointer;
-using FakeSystem::record;
-using FakeSystem::Result;
-using FakeSystem::text;
+using namespace FakeSystem;
 using std::to_string;
 
 namespace {
