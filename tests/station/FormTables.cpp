@@ -1,9 +1,8 @@
 #include "FormTables.h"
 
-#include <ostream>
-
 #include "FailureKind.h"
 #include "FakeLine.h"
+#include "Words.h"
 #include "client/BinaryRequest.h"
 #include "client/Hex.h"
 #include "client/Quoting.h"
@@ -12,8 +11,11 @@ namespace station {
 
 namespace {
 
-BinaryRequest encode(const FormCommand& command) {
-    return BinaryRequest::encode(command.name, command.arguments);
+BinaryRequest encode(const std::string& command) {
+    std::vector<std::string> arguments = words(command);
+    const std::string name = arguments.front();
+    arguments.erase(arguments.begin());
+    return BinaryRequest::encode(name, arguments);
 }
 
 /// The frame with which a unit answers the request.
@@ -23,27 +25,7 @@ UnitFrame answerTo(const BinaryRequest& request, const std::string& payload) {
     return UnitFrame(framed(request.bytes().substr(1, 3) + kOk + bytes));
 }
 
-void print(const FormCommand& command, std::ostream* out) {
-    *out << command.name;
-    for (const std::string& argument : command.arguments)
-        *out << ' ' << argument;
-}
-
 } // namespace
-
-void PrintTo(const SentForm& row, std::ostream* out) {
-    print(row.command, out);
-}
-void PrintTo(const RefusedForm& row, std::ostream* out) {
-    print(row.command, out);
-}
-void PrintTo(const ShownForm& row, std::ostream* out) {
-    print(row.command, out);
-}
-void PrintTo(const MalformedForm& row, std::ostream* out) {
-    print(row.command, out);
-    *out << " <- " << row.payload;
-}
 
 std::string repeated(const std::string& digits, std::size_t count) {
     std::string text;
@@ -52,12 +34,16 @@ std::string repeated(const std::string& digits, std::size_t count) {
     return text;
 }
 
+std::string bytes(const std::string& digits, std::size_t count) {
+    return "'hex(" + repeated(digits, count) + ")'";
+}
+
 TEST_P(FormIsSent, As) {
     const BinaryRequest request = encode(GetParam().command);
     EXPECT_EQ(hexArgument(request.bytes()), "hex(" + GetParam().frame + ")");
-    EXPECT_TRUE(request.isAnswered());
     EXPECT_FALSE(request.isRaw());
-    EXPECT_FALSE(request.asksForStatus());
+    EXPECT_EQ(request.isAnswered(), GetParam().command != "ack");
+    EXPECT_EQ(request.asksForStatus(), GetParam().command == "status");
 }
 
 TEST_P(FormIsRefused, AndSaidWhatToDo) {
