@@ -3,8 +3,7 @@
 #include <csignal>
 #include <filesystem>
 
-#include "support/Line.h"
-#include "support/Program.h"
+#include "support/HeadunitTest.h"
 #include "support/Waiting.h"
 
 namespace headunit_test {
@@ -17,24 +16,11 @@ using testing::IsEmpty;
 constexpr char kState[] = "headunit control state | tail -n 1";
 
 /// The finished programs in a unit; each case has a TMPDIR of its own.
-class AudioTest : public testing::Test {
+class AudioTest : public HeadunitTest {
 protected:
-    Program::Surroundings surroundings() const { return {"", {{"TMPDIR", m_temporary.path()}}}; }
-
     /// Waits in a script until the driver has this state.
     static std::string until(const std::string& state) {
         return "until " + std::string(kState) + " | grep -q ' " + state + "$'; do :; done; ";
-    }
-
-    /// The output of a shell script in a fresh unit with the options.
-    std::string outputOf(const std::string& script, const std::vector<std::string>& options = {}) {
-        std::vector<std::string> command = {HEADUNIT_PROGRAM, "exec"};
-        command.insert(command.end(), options.begin(), options.end());
-        command.insert(command.end(), {"--", "sh", "-c", script});
-        Program program(command, surroundings());
-        EXPECT_EQ(program.wait(), 0) << program.error();
-        m_error = program.error();
-        return program.output();
     }
 
     std::string outputWithDaemon(const std::string& script) {
@@ -42,9 +28,6 @@ protected:
     }
 
     void TearDown() override { EXPECT_THAT(m_temporary.names(), IsEmpty()); }
-
-    TestFolder m_temporary;
-    std::string m_error;
 };
 
 TEST_F(AudioTest, TheDriverRunsWithTheDaemon) {
@@ -100,14 +83,11 @@ TEST_F(AudioTest, SlayExplainsItself) {
 TEST_F(AudioTest, TheDriverRunsBesideARunningDaemon) {
     const TestFolder folder;
     const std::string unit = folder / "unit";
-    Program program({PRIVATE_HOST, HEADUNIT_PROGRAM, "run", "--daemon-path", STANDIN_DAEMON, "--unit",
-                     unit, "--insert", "sda0"},
+    Program program(run({}, {"--daemon-path", STANDIN_DAEMON, "--unit", unit, "--insert", "sda0"}),
                     surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
-    const auto control = [&](const std::vector<std::string>& words) {
-        std::vector<std::string> command = {HEADUNIT_PROGRAM, "control", "--unit", unit};
-        command.insert(command.end(), words.begin(), words.end());
-        Program asked(command);
+    const auto control = [&](const Words& words) {
+        Program asked(joined({HEADUNIT_PROGRAM, "control", "--unit", unit}, words));
         EXPECT_EQ(asked.wait(), 0) << asked.error();
         return asked.output();
     };
@@ -123,8 +103,8 @@ TEST_F(AudioTest, TheDriverRunsBesideARunningDaemon) {
 
 TEST_F(AudioTest, TheDriverRunsInPlace) {
     const TestFolder root;
-    Program program({PRIVATE_HOST, "--root", root.path(), HEADUNIT_PROGRAM, "run", "--in-place",
-                     "--yes-change-this-machine", "--daemon-path", STANDIN_DAEMON});
+    Program program(run({"--root", root.path()},
+                        {"--in-place", "--yes-change-this-machine", "--daemon-path", STANDIN_DAEMON}));
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     EXPECT_EQ(contentOf(root / "run/headunit/audio").substr(0, 9), "inactive ");
     EXPECT_TRUE(fs::is_socket(root / "dev/i2c0"));

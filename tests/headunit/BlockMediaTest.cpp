@@ -6,14 +6,13 @@
 
 #include "devices/BlockMedia.h"
 #include "support/Peers.h"
-#include "unit/UnitError.h"
+#include "support/UnitErrors.h"
 
 namespace headunit_test {
 namespace {
 
 namespace fs = std::filesystem;
 using headunit::bootSector;
-using headunit::UnitError;
 using testing::HasSubstr;
 
 constexpr std::uint64_t kSize = 64 * 1024 * 1024;
@@ -95,13 +94,8 @@ TEST_F(BlockMediaTest, NeverOverwriteAnything) {
 
 TEST_F(BlockMediaTest, ThatNobodyKnowsAreRefused) {
     m_peers.reset();
-    try {
-        m_peers.emplace(m_unit, std::vector<std::string>{"floppy"});
-        FAIL() << "no error";
-    } catch (const UnitError& error) {
-        EXPECT_STREQ(error.what(),
-                     "block media: 'floppy' is not one of sda0, sdb0, cd0, umass0, mnand0, fs0");
-    }
+    EXPECT_EQ(unitErrorOf([&] { m_peers.emplace(m_unit, std::vector<std::string>{"floppy"}); }),
+              "block media: 'floppy' is not one of sda0, sdb0, cd0, umass0, mnand0, fs0");
 }
 
 } // namespace

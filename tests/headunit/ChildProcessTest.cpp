@@ -6,13 +6,13 @@
 #include <csignal>
 #include <fstream>
 
-#include "support/Program.h"
-#include "unit/UnitError.h"
+#include "support/TestFolder.h"
+#include "support/UnitErrors.h"
 
 namespace headunit {
 namespace {
 
-using headunit_test::TestFolder;
+using namespace headunit_test;
 using testing::HasSubstr;
 
 bool exists(pid_t process) {
@@ -31,12 +31,8 @@ TEST(ChildProcess, GivesTheSignalThatEndedItsCommand) {
 }
 
 TEST(ChildProcess, SaysThatACommandCannotBeStarted) {
-    try {
-        ChildProcess child({"no-such-program"});
-        FAIL() << "no error";
-    } catch (const UnitError& error) {
-        EXPECT_THAT(error.what(), HasSubstr("no-such-program: No such file or directory"));
-    }
+    EXPECT_THAT(unitErrorOf([&] { ChildProcess child({"no-such-program"}); }),
+                HasSubstr("no-such-program: No such file or directory"));
 }
 
 TEST(ChildProcess, RunsUntilItIsKilled) {

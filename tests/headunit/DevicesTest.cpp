@@ -10,7 +10,8 @@
 #include "devices/StoredPictures.h"
 #include "devices/UnitTools.h"
 #include "pictures/TestPictures.h"
-#include "support/Program.h"
+#include "support/TestFolder.h"
+#include "support/UnitErrors.h"
 #include "unit/HostSystem.h"
 #include "unit/UnitError.h"
 #include "unit/UnitFolder.h"
@@ -18,9 +19,7 @@
 namespace headunit {
 namespace {
 
-using headunit_test::contentOf;
-using headunit_test::TestFolder;
-using headunit_test::writeFile;
+using namespace headunit_test;
 using testing::HasSubstr;
 
 class DevicesTest : public testing::Test {
@@ -140,12 +139,8 @@ TEST_F(DevicesTest, TheListHasEveryDeviceOnce) {
 
 TEST_F(DevicesTest, TheListSaysWhichDeviceCannotBeInstalled) {
     writeFile(m_unit.hostPath("/dev/nvsku"), "in the way");
-    try {
-        install(allDevices(), m_unit);
-        FAIL() << "no error";
-    } catch (const UnitError& error) {
-        EXPECT_THAT(error.what(), HasSubstr("board identity: cannot make the folder"));
-    }
+    EXPECT_THAT(unitErrorOf([&] { install(allDevices(), m_unit); }),
+                HasSubstr("board identity: cannot make the folder"));
 }
 
 } // namespace

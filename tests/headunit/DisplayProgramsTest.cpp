@@ -5,8 +5,8 @@
 
 #include "pictures/BitmapFile.h"
 #include "pictures/TestPictures.h"
+#include "support/HeadunitTest.h"
 #include "support/PngPicture.h"
-#include "support/Program.h"
 
 namespace headunit_test {
 namespace {
@@ -17,26 +17,17 @@ using testing::HasSubstr;
 constexpr char kStoredPictures[] = "/mnt/app/vrk/production/";
 
 /// The finished programs in a unit whose folder stays.
-class DisplayProgramsTest : public testing::Test {
+class DisplayProgramsTest : public HeadunitTest {
 protected:
-    /// The output of a shell script in the unit.
-    std::string outputOf(const std::string& script, const std::vector<std::string>& options = {}) {
-        std::vector<std::string> command = {HEADUNIT_PROGRAM, "exec", "--unit", m_unit};
-        command.insert(command.end(), options.begin(), options.end());
-        command.insert(command.end(), {"--", "sh", "-c", script});
-        Program program(command);
-        EXPECT_EQ(program.wait(), 0) << program.error();
-        m_error = program.error();
-        return program.output();
+    std::string outputOf(const std::string& script, const Words& options = {}) {
+        return HeadunitTest::outputOf(script, joined({"--unit", m_unit}, options));
     }
 
     headunit::Picture screen(int display) const {
         return decodePng(contentOf(m_unit + "/display-" + std::to_string(display) + ".png"));
     }
 
-    TestFolder m_parent;
-    std::string m_unit = m_parent / "unit";
-    std::string m_error;
+    std::string m_unit = m_temporary / "unit";
 };
 
 TEST_F(DisplayProgramsTest, UnpackAndShowEachStoredPicture) {
@@ -113,8 +104,7 @@ TEST_F(DisplayProgramsTest, ChooseTheVariant) {
 }
 
 TEST_F(DisplayProgramsTest, RunInAUnitWithTheDaemon) {
-    Program program({PRIVATE_HOST, HEADUNIT_PROGRAM, "run", "--daemon-path", STANDIN_DAEMON, "--unit",
-                     m_unit, "--variant", "G22"});
+    Program program(run({}, {"--daemon-path", STANDIN_DAEMON, "--unit", m_unit, "--variant", "G22"}));
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     EXPECT_EQ(contentOf(m_unit + "/mnt/app/img_ver.txt"), "HU-ECE-HIGH G22 11.02.03\n");
     program.signal(SIGTERM);

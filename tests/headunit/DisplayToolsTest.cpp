@@ -10,17 +10,13 @@
 #include "pictures/BitmapFile.h"
 #include "pictures/TestPictures.h"
 #include "support/PngPicture.h"
-#include "support/Program.h"
+#include "support/TestFolder.h"
 
 namespace headunit {
 namespace {
 
 namespace fs = std::filesystem;
-using headunit_test::areEqual;
-using headunit_test::contentOf;
-using headunit_test::decodePng;
-using headunit_test::TestFolder;
-using headunit_test::writeFile;
+using namespace headunit_test;
 
 using Words = std::vector<std::string>;
 

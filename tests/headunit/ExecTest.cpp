@@ -4,7 +4,7 @@
 #include <csignal>
 #include <filesystem>
 
-#include "support/Program.h"
+#include "support/HeadunitTest.h"
 
 namespace headunit_test {
 namespace {
@@ -15,27 +15,11 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 /// Each case has a TMPDIR of its own, in which nothing may be left.
-class ExecTest : public testing::Test {
+class ExecTest : public HeadunitTest {
 protected:
-    static std::vector<std::string> exec(const std::vector<std::string>& rest) {
-        std::vector<std::string> command = {HEADUNIT_PROGRAM, "exec"};
-        command.insert(command.end(), rest.begin(), rest.end());
-        return command;
-    }
-
-    Program::Surroundings surroundings() const { return {"", {{"TMPDIR", m_temporary.path()}}}; }
-
-    /// The output of a shell script in a fresh unit.
-    std::string outputOf(const std::string& script) {
-        Program program(exec({"--", "sh", "-c", script}), surroundings());
-        EXPECT_EQ(program.wait(), 0) << program.error();
-        EXPECT_EQ(program.error(), "");
-        return program.output();
-    }
+    std::string outputOf(const std::string& script) { return quietOutputOf(script); }
 
     void TearDown() override { EXPECT_THAT(m_temporary.names(), IsEmpty()); }
-
-    TestFolder m_temporary;
 };
 
 struct StatusCase {
@@ -52,9 +36,7 @@ void PrintTo(const StatusCase& row, std::ostream* out) {
 class ExecStatus : public ExecTest, public testing::WithParamInterface<StatusCase> {};
 
 TEST_P(ExecStatus, IsTheCommands) {
-    std::vector<std::string> rest = {"--"};
-    rest.insert(rest.end(), GetParam().command.begin(), GetParam().command.end());
-    Program program(exec(rest), surroundings());
+    Program program(exec(joined({"--"}, GetParam().command)), surroundings());
     EXPECT_EQ(program.wait(), GetParam().status);
     EXPECT_EQ(program.error(), GetParam().error);
 }
@@ -309,12 +291,10 @@ void PrintTo(const UsageCase& row, std::ostream* out) {
     *out << row.title;
 }
 
-class Usage : public testing::TestWithParam<UsageCase> {};
+class Usage : public HeadunitTest, public testing::WithParamInterface<UsageCase> {};
 
 TEST_P(Usage, IsAnErrorWithStatusTwo) {
-    std::vector<std::string> command = {HEADUNIT_PROGRAM};
-    command.insert(command.end(), GetParam().arguments.begin(), GetParam().arguments.end());
-    Program program(command);
+    Program program(joined({HEADUNIT_PROGRAM}, GetParam().arguments));
     EXPECT_EQ(program.wait(), 2);
     EXPECT_EQ(program.output(), "");
     EXPECT_THAT(program.error(), HasSubstr(GetParam().error));

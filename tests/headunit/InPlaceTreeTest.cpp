@@ -5,16 +5,15 @@
 #include <filesystem>
 #include <optional>
 
-#include "support/Program.h"
+#include "support/TestFolder.h"
+#include "support/UnitErrors.h"
 #include "unit/UnitError.h"
 
 namespace headunit {
 namespace {
 
 namespace fs = std::filesystem;
-using headunit_test::contentOf;
-using headunit_test::TestFolder;
-using headunit_test::writeFile;
+using namespace headunit_test;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -48,12 +47,8 @@ TEST_F(InPlaceTreeTest, RefusesANameThatExistsAndTakesBackWhatItMadeBefore) {
     {
         InPlaceTree tree(m_record);
         tree.createFile(m_machine / "ifs/version", "1");
-        try {
-            tree.createFile(m_machine / "dev/taken", "ours");
-            ADD_FAILURE() << "no error";
-        } catch (const UnitError& error) {
-            EXPECT_THAT(error.what(), HasSubstr(m_machine / "dev/taken exists on this machine"));
-        }
+        EXPECT_THAT(unitErrorOf([&] { tree.createFile(m_machine / "dev/taken", "ours"); }),
+                    HasSubstr(m_machine / "dev/taken exists on this machine"));
     }
     EXPECT_EQ(contentOf(m_machine / "dev/taken"), "theirs");
     EXPECT_THAT(m_machine.names(), ElementsAre("dev"));

@@ -4,16 +4,15 @@
 
 #include <filesystem>
 
-#include "support/Program.h"
+#include "support/TestFolder.h"
+#include "support/UnitErrors.h"
 #include "unit/UnitError.h"
 
 namespace headunit {
 namespace {
 
 namespace fs = std::filesystem;
-using headunit_test::contentOf;
-using headunit_test::TestFolder;
-using headunit_test::writeFile;
+using namespace headunit_test;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -57,23 +56,14 @@ TEST_F(NodeLinkTest, LeavesEverythingElseAlone) {
         EXPECT_THROW(NodeLink(m_folder / "link", "/dev/pts/7"), UnitError) << target;
         EXPECT_EQ(fs::read_symlink(m_folder / "link"), target);
     }
-    try {
-        const NodeLink link(m_path, "/dev/pts/7");
-        FAIL() << "no error";
-    } catch (const UnitError& error) {
-        EXPECT_THAT(error.what(),
-                    HasSubstr(m_path + " exists and is no link to a terminal; it is left as it is"));
-    }
+    EXPECT_THAT(unitErrorOf([&] { const NodeLink link(m_path, "/dev/pts/7"); }),
+                HasSubstr(m_path + " exists and is no link to a terminal; it is left as it is"));
     EXPECT_EQ(contentOf(m_path), "theirs");
 }
 
 TEST_F(NodeLinkTest, SaysWhyItCannotBeMade) {
-    try {
-        const NodeLink link(m_folder / "none/node", "/dev/pts/7");
-        FAIL() << "no error";
-    } catch (const UnitError& error) {
-        EXPECT_THAT(error.what(), HasSubstr("none/node: No such file or directory"));
-    }
+    EXPECT_THAT(unitErrorOf([&] { const NodeLink link(m_folder / "none/node", "/dev/pts/7"); }),
+                HasSubstr("none/node: No such file or directory"));
 }
 
 TEST_F(NodeLinkTest, DoesNotRemoveWhatSomebodyPutInItsPlace) {

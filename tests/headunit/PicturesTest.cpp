@@ -13,8 +13,7 @@
 namespace headunit {
 namespace {
 
-using headunit_test::areEqual;
-using headunit_test::decodePng;
+using namespace headunit_test;
 
 constexpr std::size_t kBitmapSize = 1152054;
 

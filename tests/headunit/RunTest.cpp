@@ -6,7 +6,7 @@
 #include <sstream>
 #include <string>
 
-#include "support/Program.h"
+#include "support/HeadunitTest.h"
 
 namespace headunit_test {
 namespace {
@@ -26,23 +26,7 @@ std::vector<std::string> namesIn(const std::string& folder) {
     return names;
 }
 
-/// Each case has a machine of its own, so that the daemon's port is free in it, and a TMPDIR in which
-/// nothing may be left.
-class RunTest : public testing::Test {
-protected:
-    static std::vector<std::string> run(const std::vector<std::string>& host,
-                                        const std::vector<std::string>& rest) {
-        std::vector<std::string> command = {PRIVATE_HOST};
-        command.insert(command.end(), host.begin(), host.end());
-        command.insert(command.end(), {HEADUNIT_PROGRAM, "run"});
-        command.insert(command.end(), rest.begin(), rest.end());
-        return command;
-    }
-
-    Program::Surroundings surroundings() const { return {"", {{"TMPDIR", m_temporary.path()}}}; }
-
-    TestFolder m_temporary;
-};
+using RunTest = HeadunitTest;
 
 TEST_F(RunTest, SaysWhereToReachTheUnitAndStopsOnASignal) {
     for (const int stop : {SIGINT, SIGTERM}) {

@@ -2,9 +2,10 @@
 
 #include <csignal>
 #include <filesystem>
+#include <utility>
 
+#include "support/HeadunitTest.h"
 #include "support/Line.h"
-#include "support/Program.h"
 
 namespace headunit_test {
 namespace {
@@ -16,65 +17,52 @@ using testing::IsEmpty;
 constexpr char kReadSupplier[] = "echo supplier [$FIRST_TIER_SUPPLIER]";
 
 /// The finished program with its serial lines; each case has a TMPDIR of its own.
-class SerialProgramTest : public testing::Test {
+class SerialProgramTest : public HeadunitTest {
 protected:
     Program::Surroundings surroundings() const {
         return {"", {{"TMPDIR", m_temporary.path()}, {"FIRST_TIER_SUPPLIER", "outer"}}};
     }
 
-    static std::vector<std::string> exec(const std::vector<std::string>& rest) {
-        std::vector<std::string> command = {HEADUNIT_PROGRAM, "exec"};
-        command.insert(command.end(), rest.begin(), rest.end());
-        return command;
-    }
-
-    static std::vector<std::string> run(const std::vector<std::string>& host,
-                                        const std::vector<std::string>& rest) {
-        std::vector<std::string> command = {PRIVATE_HOST};
-        command.insert(command.end(), host.begin(), host.end());
-        command.insert(command.end(), {HEADUNIT_PROGRAM, "run", "--daemon-path", STANDIN_DAEMON});
-        command.insert(command.end(), rest.begin(), rest.end());
-        return command;
+    static Words run(const Words& host, const Words& rest) {
+        return HeadunitTest::run(host, joined({"--daemon-path", STANDIN_DAEMON}, rest));
     }
 
     /// What 'control' prints, and its exit status.
-    std::pair<int, std::string> control(const std::vector<std::string>& words) const {
-        std::vector<std::string> command = {HEADUNIT_PROGRAM, "control"};
-        command.insert(command.end(), words.begin(), words.end());
-        Program program(command, surroundings());
+    std::pair<int, std::string> control(const Words& words) const {
+        Program program(joined({HEADUNIT_PROGRAM, "control"}, words), surroundings());
         const int status = program.wait();
         return {status, program.output() + program.error()};
     }
 
-    /// Runs a shell script in a fresh unit.
-    std::string outputOf(const std::string& script) const {
-        Program program(exec({"--", "sh", "-c", script}), surroundings());
-        EXPECT_EQ(program.wait(), 0) << program.error();
-        EXPECT_EQ(program.error(), "");
-        return program.output();
+    /// A program in the place of the daemon that says what supplier it is told of, and then stands in.
+    std::string tellingDaemon() const {
+        const std::string daemon = m_temporary / "daemon";
+        writeFile(daemon,
+                  std::string("#!/bin/sh\n") + kReadSupplier + " >&2\nexec " + STANDIN_DAEMON + "\n");
+        fs::permissions(daemon, fs::perms::owner_all);
+        return daemon;
     }
-
-    TestFolder m_temporary;
 };
 
 TEST_F(SerialProgramTest, AUnitHasItsLinesAndTheStationsEnd) {
-    EXPECT_EQ(outputOf("for node in /dev/usbserialadapter1 /dev/ser1 /dev/NAD/AT_port /dev/ser3 "
-                       "/run/headunit/station-line; do test -c $node && echo $node; done"),
+    EXPECT_EQ(quietOutputOf("for node in /dev/usbserialadapter1 /dev/ser1 /dev/NAD/AT_port /dev/ser3 "
+                            "/run/headunit/station-line; do test -c $node && echo $node; done"),
               "/dev/usbserialadapter1\n/dev/ser1\n/dev/NAD/AT_port\n/dev/ser3\n"
               "/run/headunit/station-line\n");
-    EXPECT_EQ(outputOf("exec 3<>/dev/usbserialadapter1 4<>/run/headunit/station-line; "
-                       "echo there >&4; head -c 6 <&3; echo back >&3; head -c 5 <&4"),
+    EXPECT_EQ(quietOutputOf("exec 3<>/dev/usbserialadapter1 4<>/run/headunit/station-line; "
+                            "echo there >&4; head -c 6 <&3; echo back >&3; head -c 5 <&4"),
               "there\nback\n");
-    EXPECT_EQ(outputOf("exec 3<>/dev/ser1; echo round >&3; head -c 6 <&3"), "round\n");
+    EXPECT_EQ(quietOutputOf("exec 3<>/dev/ser1; echo round >&3; head -c 6 <&3"), "round\n");
     EXPECT_THAT(m_temporary.names(), IsEmpty());
 }
 
 TEST_F(SerialProgramTest, AUnitIsControlledFromInside) {
-    EXPECT_EQ(outputOf("headunit control unplug station; test -e /dev/usbserialadapter1 || echo gone; "
-                       "headunit control plug station; test -c /dev/usbserialadapter1 && echo back; "
-                       "headunit control state | head -n 1"),
-              "ok\ngone\nok\nback\nstation /dev/usbserialadapter1 plugged from-unit 0 to-unit 0\n");
-    EXPECT_EQ(outputOf("headunit control position -12.5 8; headunit control plug it 2>&1; echo $?"),
+    EXPECT_EQ(
+        quietOutputOf("headunit control unplug station; test -e /dev/usbserialadapter1 || echo gone; "
+                      "headunit control plug station; test -c /dev/usbserialadapter1 && echo back; "
+                      "headunit control state | head -n 1"),
+        "ok\ngone\nok\nback\nstation /dev/usbserialadapter1 plugged from-unit 0 to-unit 0\n");
+    EXPECT_EQ(quietOutputOf("headunit control position -12.5 8; headunit control plug it 2>&1; echo $?"),
               "ok\nheadunit: 'it' is not one of station, loopback, modem, receiver\n1\n");
 }
 
@@ -161,18 +149,13 @@ TEST_F(SerialProgramTest, ControlWantsWords) {
 }
 
 TEST_F(SerialProgramTest, TheSupplierIsTheDaemonsAlone) {
-    const std::string daemon = m_temporary / "daemon";
-    writeFile(daemon,
-              std::string("#!/bin/sh\n") + kReadSupplier + " >&2\nexec " + STANDIN_DAEMON + "\n");
-    fs::permissions(daemon, fs::perms::owner_all);
-    const std::vector<std::string> rest = {"--daemon-path", daemon, "--", "sh", "-c", kReadSupplier};
-    for (const auto& [options, expected] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+    const std::string daemon = tellingDaemon();
+    const Words rest = {"--daemon-path", daemon, "--", "sh", "-c", kReadSupplier};
+    for (const auto& [options, expected] : std::vector<std::pair<Words, std::string>>{
              {{"--daemon", "--supplier", "inner one"}, "inner one"},
              {{"--daemon", "--supplier", ""}, ""},
              {{"--daemon"}, "outer"}}) {
-        std::vector<std::string> arguments = options;
-        arguments.insert(arguments.end(), rest.begin(), rest.end());
-        Program program(exec(arguments), surroundings());
+        Program program(exec(joined(options, rest)), surroundings());
         EXPECT_EQ(program.wait(), 0) << program.error();
         EXPECT_EQ(program.output(), "supplier [outer]\n");
         EXPECT_EQ(program.error(), "supplier [" + expected + "]\nstand-in: started\n");
@@ -183,16 +166,10 @@ TEST_F(SerialProgramTest, TheSupplierIsTheDaemonsAlone) {
 }
 
 TEST_F(SerialProgramTest, TheSupplierOfARunningUnit) {
-    const std::string daemon = m_temporary / "daemon";
-    writeFile(daemon,
-              std::string("#!/bin/sh\n") + kReadSupplier + " >&2\nexec " + STANDIN_DAEMON + "\n");
-    fs::permissions(daemon, fs::perms::owner_all);
+    const std::string daemon = tellingDaemon();
     for (const bool given : {true, false}) {
-        std::vector<std::string> arguments = {"--daemon-path", daemon};
-        if (given)
-            arguments.insert(arguments.end(), {"--supplier", "inner"});
-        std::vector<std::string> command = {PRIVATE_HOST, HEADUNIT_PROGRAM, "run"};
-        command.insert(command.end(), arguments.begin(), arguments.end());
+        const Words supplier = given ? Words{"--supplier", "inner"} : Words{};
+        const Words command = HeadunitTest::run({}, joined({"--daemon-path", daemon}, supplier));
         Program::Surroundings around = surroundings();
         around.environment["PATH"] = fs::path(STANDIN_DAEMON).parent_path().string() + ":/usr/bin:/bin";
         Program program(command, around);

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "support/Peers.h"
+#include "support/Program.h"
 #include "support/Waiting.h"
 
 namespace headunit_test {

@@ -7,18 +7,15 @@
 #include <filesystem>
 #include <optional>
 
-#include "support/Program.h"
+#include "support/TestFolder.h"
+#include "support/UnitErrors.h"
 #include "unit/UnitError.h"
 
 namespace headunit {
 namespace {
 
 namespace fs = std::filesystem;
-using headunit_test::contentOf;
-using headunit_test::TestFolder;
-using headunit_test::writeFile;
-using testing::ElementsAre;
-using testing::HasSubstr;
+using namespace headunit_test;
 using testing::IsEmpty;
 
 class UnitFolderTest : public testing::Test {
@@ -74,7 +71,7 @@ TEST_F(UnitFolderTest, RemovalFollowsNoLink) {
         const UnitFolder folder = UnitFolder::temporary();
         fs::create_directory_symlink(m_parent.path(), folder.hostPath("/tmp/outside"));
     }
-    EXPECT_THAT(m_parent.names(), ElementsAre("precious"));
+    EXPECT_THAT(m_parent.names(), testing::ElementsAre("precious"));
 }
 
 TEST_F(UnitFolderTest, CreatesFilesWithExactBytesAndTheFoldersAboveThem) {
@@ -101,12 +98,8 @@ TEST_F(UnitFolderTest, AKeptOneIsKnownByItsAbsolutePath) {
 
 TEST_F(UnitFolderTest, SaysWhichFolderCannotBeMade) {
     writeFile(m_parent / "file", "");
-    try {
-        UnitFolder::kept(m_parent / "file/unit");
-        FAIL() << "no error";
-    } catch (const UnitError& error) {
-        EXPECT_THAT(error.what(), HasSubstr(m_parent / "file/unit"));
-    }
+    EXPECT_THAT(unitErrorOf([&] { UnitFolder::kept(m_parent / "file/unit"); }),
+                testing::HasSubstr(m_parent / "file/unit"));
 }
 
 TEST(HostFile, IsOverwrittenFromItsStartWithoutBeingCut) {

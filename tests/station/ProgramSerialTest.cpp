@@ -5,7 +5,7 @@
 
 #include "FakeLine.h"
 #include "FakeUnit.h"
-#include "StationProcess.h"
+#include "ProgramRuns.h"
 #include "client/SerialLink.h"
 
 namespace station {
@@ -15,17 +15,17 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::StartsWith;
 
+constexpr char kExec[] = "exec command 5 ls";
 const std::string kExecRequest = std::string("\x07\x63\x01\0\x05ls", 7);
 const std::string kExecOpening = std::string("\x63\x01\0\0\0\0\0", 7);
 const std::string kRefusal = framed(std::string("\x63\x01\0\x01\x01\0\0", 7));
 
-Outcome runOn(const FakeLine& line, const std::vector<std::string>& arguments) {
-    return runStationAt(line.target().text(), arguments);
+Outcome runOn(const FakeLine& line, const std::string& arguments) {
+    return runStationAt(line.target().text(), words(arguments));
 }
 
 /// Runs the program against a unit that takes one request, sends `reply` and takes one acknowledgement.
-Outcome exchange(const std::string& request, const std::string& reply,
-                 const std::vector<std::string>& arguments) {
+Outcome exchange(const std::string& request, const std::string& reply, const std::string& arguments) {
     const FakeLine line;
     Outcome outcome;
     {
@@ -40,62 +40,54 @@ Outcome exchange(const std::string& request, const std::string& reply,
     return outcome;
 }
 
-TEST(ProgramSerial, PrintsAStatus) {
-    const Outcome outcome = exchange("\x02s", statusFrame(), {"status"});
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.output, std::string(kStatusText) + "\n");
-    EXPECT_EQ(outcome.errors, "");
+class ProgramOverBinaryLine : public testing::TestWithParam<ProgramRun> {};
+
+TEST_P(ProgramOverBinaryLine, IsAnswered) {
+    const ProgramRun& run = GetParam();
+    expectOutcome(exchange(run.request, run.reply, run.arguments), run);
 }
 
-TEST(ProgramSerial, PrintsTextAsItIs) {
-    EXPECT_EQ(exchange("\x03s\x02", framed(std::string("s\x02\0\0\0\0\0", 7) + "0323"), {"status", "02"})
-                  .output,
-              "0323\n");
-    EXPECT_EQ(
-        exchange(kExecRequest, framed(kExecOpening + "a\nb\n"), {"exec", "command", "5", "ls"}).output,
-        "a\nb\n");
-    EXPECT_EQ(exchange(kExecRequest, framed(kExecOpening), {"exec", "command", "5", "ls"}).output, "");
-}
+const std::string kReadRequest = std::string("\x08t\0\x02\0\0\x01\0", 8);
+const std::string kReadOpening = std::string("t\0\x02\0\0\0\0", 7);
 
-TEST(ProgramSerial, PrintsOtherBytesAsHex) {
-    EXPECT_EQ(
-        exchange(kExecRequest, framed(kExecOpening + "\xFF\n"), {"exec", "command", "5", "ls"}).output,
-        "hex(FF 0A)\n");
-}
+const ProgramRun kRuns[] = {
+    {"PrintsAStatus", "status", "\x02s", statusFrame(), 0, std::string(kStatusText) + "\n", ""},
+    {"PrintsAFile", "status 02", "\x03s\x02", framed(std::string("s\x02\0\0\0\0\0", 7) + "0323"), 0,
+     "0323\n", ""},
+    {"PrintsTextAsItIs", kExec, kExecRequest, framed(kExecOpening + "a\nb\n"), 0, "a\nb\n", ""},
+    {"PrintsNothingForNoText", kExec, kExecRequest, framed(kExecOpening), 0, "", ""},
+    {"PrintsOtherBytesAsHex", kExec, kExecRequest, framed(kExecOpening + "\xFF\n"), 0, "hex(FF 0A)\n",
+     ""},
+    {"TellsARefusalAndTheDebugTexts", "--protocol binary exec command 5 ls", kExecRequest,
+     debugFrame("two\nlines") + debugFrame("b") + kRefusal, 5, "",
+     "Info \"two\nlines\"\nInfo \"b\"\nstation: refused: Error 0x1010000\n"},
+    {"TellsAPayloadThatCannotBe", "memory read 8bit 2 0x100", kReadRequest,
+     framed(kReadOpening + "\x01"), 6, "",
+     "station: malformed answer: expected a payload of 2 bytes, and not 1: hex(01)\n"},
+    {"TellsAnAnswerToAnotherCommand", "status", "\x02s", kRefusal, 6, "",
+     StartsWith("station: malformed answer: expected one to hex(02 73)")},
+    {"PrintsEachFrameThatComesForRawBytes", "raw 'hex(05 78 01)'", "\x05x\x01",
+     debugFrame("no") + kRefusal, 5, "hex(04 64 6E 6F)\nhex(08 63 01 00 01 01 00 00)\n",
+     "Info \"no\"\nstation: refused: Error 0x1010000\n"},
+    {"PrintsTheFrameThatAnswersRawBytes", "raw hex(037301)", "\x03s\x01", framed(kExecOpening + "a"), 0,
+     "hex(09 63 01 00 00 00 00 00 61)\n", ""},
+};
 
-TEST(ProgramSerial, TellsARefusalAndTheDebugTexts) {
-    const Outcome outcome = exchange(kExecRequest, debugFrame("two\nlines") + debugFrame("b") + kRefusal,
-                                     {"--protocol", "binary", "exec", "command", "5", "ls"});
-    EXPECT_EQ(outcome.exitCode, 5);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors, "Info \"two\nlines\"\nInfo \"b\"\nstation: refused: Error 0x1010000\n");
-}
+INSTANTIATE_TEST_SUITE_P(Runs, ProgramOverBinaryLine, testing::ValuesIn(kRuns), titleOf);
 
-TEST(ProgramSerial, PrintsTheBytesOfAReadAsTheAsciiFormDoes) {
-    const Outcome outcome = exchange(std::string("\x08t\0\x02\0\0\x01\0", 8),
-                                     framed(std::string("t\0\x02\0\0\0\0", 7) + "\x01\xFF"),
-                                     {"--json", "memory", "read", "8bit", "2", "0x100"});
+TEST(ProgramSerialJson, PrintsTheBytesOfAReadAsTheAsciiFormDoes) {
+    const Outcome outcome =
+        exchange(kReadRequest, framed(kReadOpening + "\x01\xFF"), "--json memory read 8bit 2 0x100");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     const json object = json::parse(outcome.output);
     EXPECT_EQ(object["answer"], "hex(01FF)");
     EXPECT_EQ(object["payload"], "01FF");
 }
 
-TEST(ProgramSerial, TellsAPayloadThatCannotBe) {
-    const Outcome outcome = exchange(std::string("\x08t\0\x02\0\0\x01\0", 8),
-                                     framed(std::string("t\0\x02\0\0\0\0", 7) + "\x01"),
-                                     {"memory", "read", "8bit", "2", "0x100"});
-    EXPECT_EQ(outcome.exitCode, 6);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors,
-              "station: malformed answer: expected a payload of 2 bytes, and not 1: hex(01)\n");
-}
-
-TEST(ProgramSerial, TellsAWrongChecksum) {
-    const Outcome outcome =
-        exchange(std::string("\x0Dt\x07\x02\0\0\x01\0\0\0\x09\x01\x02", 13),
-                 framed(std::string("t\x07\x02\x08\0\x04\0\0\0\x03", 10)),
-                 {"--json", "memory", "write", "8bitcrc", "2", "0x100", "hex(01 02)", "9"});
+TEST(ProgramSerialJson, TellsAWrongChecksum) {
+    const Outcome outcome = exchange(std::string("\x0Dt\x07\x02\0\0\x01\0\0\0\x09\x01\x02", 13),
+                                     framed(std::string("t\x07\x02\x08\0\x04\0\0\0\x03", 10)),
+                                     "--json memory write 8bitcrc 2 0x100 'hex(01 02)' 9");
     EXPECT_EQ(outcome.exitCode, 5);
     const json object = json::parse(outcome.output);
     EXPECT_EQ(object["answer"], "Error 0x8000400");
@@ -105,7 +97,7 @@ TEST(ProgramSerial, TellsAWrongChecksum) {
 
 TEST(ProgramSerial, SendsAckWithoutAnAnswer) {
     const FakeLine line;
-    const Outcome outcome = runOn(line, {"ack"});
+    const Outcome outcome = runOn(line, "ack");
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors, "");
@@ -123,7 +115,7 @@ TEST(ProgramSerial, TakesAnAnnouncementThatCameBefore) {
             line.send(statusFrame());
             EXPECT_EQ(line.receive(kAcknowledgement.size()), kAcknowledgement);
         });
-        outcome = runOn(line, {"status"});
+        outcome = runOn(line, "status");
     }
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.output, std::string(kStatusText) + "\n");
@@ -142,7 +134,7 @@ TEST(ProgramSerial, WaitsForTheAnnouncementWhenTold) {
             line.send(framed(kExecOpening + "text"));
             EXPECT_EQ(line.receive(kAcknowledgement.size()), kAcknowledgement);
         });
-        outcome = runOn(line, {"--wait-startup", "exec", "command", "5", "ls"});
+        outcome = runOn(line, "--wait-startup exec command 5 ls");
     }
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_EQ(outcome.output, "text\n");
@@ -150,7 +142,7 @@ TEST(ProgramSerial, WaitsForTheAnnouncementWhenTold) {
 
 TEST(ProgramSerial, TellsThatNoAnnouncementCame) {
     const FakeLine line;
-    const Outcome outcome = runOn(line, {"--timeout", "0.2", "--wait-startup", "status"});
+    const Outcome outcome = runOn(line, "--timeout 0.2 --wait-startup status");
     EXPECT_EQ(outcome.exitCode, 4);
     EXPECT_EQ(outcome.errors, "station: time-out while waiting for the startup status\n");
     EXPECT_EQ(line.receiveRest(), "");
@@ -158,7 +150,7 @@ TEST(ProgramSerial, TellsThatNoAnnouncementCame) {
 
 TEST(ProgramSerial, TellsATimeout) {
     const FakeLine line;
-    const Outcome outcome = runOn(line, {"--timeout", "0.2", "status"});
+    const Outcome outcome = runOn(line, "--timeout 0.2 status");
     EXPECT_EQ(outcome.exitCode, 4);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors, "station: time-out while waiting for the answer\n");
@@ -172,17 +164,10 @@ TEST(ProgramSerial, TellsALineThatHangsUp) {
         line.send(debugFrame("text").substr(0, 3));
         line.hangUp();
     });
-    const Outcome outcome = runOn(line, {"status"});
+    const Outcome outcome = runOn(line, "status");
     EXPECT_EQ(outcome.exitCode, 6);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors, "station: the unit hung up the line before the answer was complete\n");
-}
-
-TEST(ProgramSerial, TellsAnAnswerToAnotherCommand) {
-    const Outcome outcome = exchange("\x02s", kRefusal, {"status"});
-    EXPECT_EQ(outcome.exitCode, 6);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_THAT(outcome.errors, StartsWith("station: malformed answer: expected one to hex(02 73)"));
 }
 
 TEST(ProgramSerial, TellsAMalformedFrame) {
@@ -191,7 +176,7 @@ TEST(ProgramSerial, TellsAMalformedFrame) {
         EXPECT_EQ(line.receive(2), "\x02s");
         line.send("\x01");
     });
-    const Outcome outcome = runOn(line, {"status"});
+    const Outcome outcome = runOn(line, "status");
     EXPECT_EQ(outcome.exitCode, 6);
     EXPECT_THAT(outcome.errors, HasSubstr("a frame of 1 bytes"));
 }
@@ -199,7 +184,7 @@ TEST(ProgramSerial, TellsAMalformedFrame) {
 TEST(ProgramSerial, TellsThatAnotherStationIsThere) {
     const FakeLine line;
     const SerialLink other = SerialLink::open(line.target());
-    const Outcome outcome = runOn(line, {"status"});
+    const Outcome outcome = runOn(line, "status");
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.errors,
               "station: cannot connect to " + line.target().text() + ": in use by another station\n");
@@ -212,21 +197,9 @@ TEST(ProgramSerial, TellsThatThePathIsNoTerminal) {
     EXPECT_EQ(runStation({{"--target", "serial:/no/such/line", "status"}}).exitCode, 3);
 }
 
-TEST(ProgramSerial, PrintsEachFrameThatComesForRawBytes) {
-    const Outcome outcome = exchange("\x05x\x01", debugFrame("no") + kRefusal, {"raw", "hex(05 78 01)"});
-    EXPECT_EQ(outcome.exitCode, 5);
-    EXPECT_EQ(outcome.output, "hex(04 64 6E 6F)\nhex(08 63 01 00 01 01 00 00)\n");
-    EXPECT_EQ(outcome.errors, "Info \"no\"\nstation: refused: Error 0x1010000\n");
-
-    const Outcome success = exchange("\x03s\x01", framed(kExecOpening + "a"), {"raw", "hex(037301)"});
-    EXPECT_EQ(success.exitCode, 0);
-    EXPECT_EQ(success.output, "hex(09 63 01 00 00 00 00 00 61)\n");
-    EXPECT_EQ(success.errors, "");
-}
-
 TEST(ProgramSerialJson, PrintsOneObject) {
     const Outcome outcome = exchange(kExecRequest, debugFrame("text") + framed(kExecOpening + "\xFFz"),
-                                     {"--json", "exec", "command", "5", "ls"});
+                                     "--json exec command 5 ls");
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
     json object = json::parse(outcome.output);
@@ -240,8 +213,7 @@ TEST(ProgramSerialJson, PrintsOneObject) {
 }
 
 TEST(ProgramSerialJson, ShowsARefusal) {
-    const json object =
-        json::parse(exchange(kExecRequest, kRefusal, {"--json", "exec", "command", "5", "ls"}).output);
+    const json object = json::parse(exchange(kExecRequest, kRefusal, "--json exec command 5 ls").output);
     EXPECT_EQ(object["answer"], "Error 0x1010000");
     EXPECT_EQ(object["code"], 0x1010000);
     EXPECT_EQ(object["payload"], "");
@@ -250,7 +222,7 @@ TEST(ProgramSerialJson, ShowsARefusal) {
 
 TEST(ProgramSerialJson, ShowsEachFrameThatComesForRawBytes) {
     const json object = json::parse(exchange("\x03s\x01", debugFrame("no") + framed(kExecOpening + "a"),
-                                             {"--json", "raw", "hex(03 73 01)"})
+                                             "--json raw 'hex(03 73 01)'")
                                         .output);
     EXPECT_EQ(object["name"], "raw");
     EXPECT_EQ(object["answer"], "hex(04 64 6E 6F)\nhex(09 63 01 00 00 00 00 00 61)");
@@ -260,7 +232,7 @@ TEST(ProgramSerialJson, ShowsEachFrameThatComesForRawBytes) {
 
 TEST(ProgramSerialJson, ShowsWhyThereIsNoAnswer) {
     const FakeLine line;
-    const Outcome outcome = runOn(line, {"--json", "--timeout", "0.2", "status"});
+    const Outcome outcome = runOn(line, "--json --timeout 0.2 status");
     EXPECT_EQ(outcome.exitCode, 4);
     const json object = json::parse(outcome.output);
     EXPECT_THAT(object["error"].get<std::string>(), HasSubstr("time-out"));
@@ -276,92 +248,42 @@ TEST(ProgramSerial, TakesDefaultsFromTheEnvironment) {
             line.send(answer("status ok"));
         });
         outcome = runStation(
-            {{"status"}, {"STATION_TARGET=" + line.target().text(), "STATION_PROTOCOL=ascii"}});
+            {{"status"}, {{"STATION_TARGET", line.target().text()}, {"STATION_PROTOCOL", "ascii"}}});
     }
     EXPECT_EQ(outcome.output, "ok\n") << outcome.errors;
 
     const Outcome preferred =
         runStation({{"--target", line.target().text(), "--protocol", "binary", "ack"},
-                    {"STATION_TARGET=nowhere", "STATION_PROTOCOL=ascii"}});
+                    {{"STATION_TARGET", "nowhere"}, {"STATION_PROTOCOL", "ascii"}}});
     EXPECT_EQ(preferred.exitCode, 0) << preferred.errors;
     EXPECT_EQ(line.receiveRest(), kAcknowledgement);
 }
-
-struct Misuse {
-    std::vector<std::string> arguments;
-    std::string message;
-
-    friend void PrintTo(const Misuse& row, std::ostream* out) {
-        *out << testing::PrintToString(row.arguments);
-    }
-};
 
 class ProgramSerialMisuse : public testing::TestWithParam<Misuse> {};
 
 TEST_P(ProgramSerialMisuse, IsToldBeforeAnythingIsSent) {
     const FakeLine line;
-    const Outcome outcome = runOn(line, GetParam().arguments);
-    EXPECT_EQ(outcome.exitCode, 2);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_THAT(outcome.errors, StartsWith("station: "));
-    EXPECT_THAT(outcome.errors, HasSubstr(GetParam().message));
+    expectMisuse(runOn(line, GetParam().arguments), GetParam().message);
     EXPECT_EQ(line.receiveRest(), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Arguments, ProgramSerialMisuse,
-    testing::Values(Misuse{{"--protocol", "morse", "status"}, "invalid protocol 'morse'"},
-                    Misuse{{"--timeout", "0", "status"}, "invalid time-out '0'"},
-                    Misuse{{"status", "03"}, "status 03 has no binary form"},
-                    Misuse{{"exec", "command", "5", std::string(251, 'a')}, "the text has 251 bytes"},
-                    Misuse{{"exec", "command", "-1", "ls"}, "0 to 65535 seconds"},
-                    Misuse{{"foo", "read"}, "'foo' has no binary form here"},
-                    Misuse{{"i2c", "write", "0", "0x50", "hex(00)"}, "DATA has to begin with 50"},
-                    Misuse{{"memory", "read", "8bit", "256", "0"}, "COUNT has to be a number"},
-                    Misuse{{"raw"}, "raw takes the bytes of one frame"},
-                    Misuse{{"raw", "0273"}, "raw takes the bytes of one frame"},
-                    Misuse{{"--protocol", "ascii", "raw", "hex(02 73)"},
-                           "raw needs the binary protocol"},
-                    Misuse{{"--protocol", "ascii", "--wait-startup", "status"},
-                           "--wait-startup needs the binary protocol"},
-                    Misuse{{"--protocol", "ascii", "exec", "a\"b"}, "double quotation mark"}));
+const Misuse kMisuses[] = {
+    {"--protocol morse status", "invalid protocol 'morse'"},
+    {"--timeout 0 status", "invalid time-out '0'"},
+    {"status 03", "status 03 has no binary form"},
+    {"exec command 5 " + std::string(251, 'a'), "the text has 251 bytes"},
+    {"exec command -1 ls", "0 to 65535 seconds"},
+    {"foo read", "'foo' has no binary form here"},
+    {"i2c write 0 0x50 hex(00)", "DATA has to begin with 50"},
+    {"memory read 8bit 256 0", "COUNT has to be a number"},
+    {"raw", "raw takes the bytes of one frame"},
+    {"raw 0273", "raw takes the bytes of one frame"},
+    {"--protocol ascii raw 'hex(02 73)'", "raw needs the binary protocol"},
+    {"--protocol ascii --wait-startup status", "--wait-startup needs the binary protocol"},
+    {"--protocol ascii exec a\"b", "double quotation mark"},
+};
 
-class ProgramTcpMisuse : public testing::TestWithParam<Misuse> {};
-
-TEST_P(ProgramTcpMisuse, IsTold) {
-    const Outcome outcome = runStation({GetParam().arguments});
-    EXPECT_EQ(outcome.exitCode, 2);
-    EXPECT_THAT(outcome.errors, HasSubstr(GetParam().message));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Arguments, ProgramTcpMisuse,
-    testing::Values(Misuse{{"--protocol", "binary", "status"},
-                           "the binary protocol needs a serial line"},
-                    Misuse{{"--protocol", "Ascii", "status"}, "invalid protocol 'Ascii'"},
-                    Misuse{{"raw", "hex(02 73)"}, "raw needs the binary protocol"},
-                    Misuse{{"--wait-startup", "status"}, "--wait-startup needs the binary protocol"}));
-
-TEST(ProgramSerial, ChecksTheEnvironmentLikeOptions) {
-    const Outcome outcome = runStation({{"status"}, {"STATION_PROTOCOL=binary"}});
-    EXPECT_EQ(outcome.exitCode, 2);
-    EXPECT_THAT(outcome.errors, HasSubstr("the binary protocol needs a serial line"));
-}
-
-TEST(ProgramSerial, HelpsWithAnExampleForEachForm) {
-    const Outcome outcome = runStation({{"--help"}});
-    EXPECT_EQ(outcome.exitCode, 0);
-    for (const char* part :
-         {"station --target serial:/dev/ttyUSB0 status",
-          "station --target serial:/dev/ttyUSB0 exec command 5 \"ls /dev\"",
-          "station --target serial:/dev/ttyUSB0 ack",
-          "station --target serial:/dev/ttyUSB0 --wait-startup status",
-          "station --target serial:/dev/ttyUSB0 raw \"hex(03 73 01)\"",
-          "station --target serial:/dev/ttyUSB0 --protocol ascii status 03",
-          "STATION_TARGET=serial:/dev/ttyUSB0 STATION_PROTOCOL=ascii station status", "200 ms",
-          "Every command has a binary form. status 03 and status 04 have none"})
-        EXPECT_THAT(outcome.output, HasSubstr(part));
-}
+INSTANTIATE_TEST_SUITE_P(Arguments, ProgramSerialMisuse, testing::ValuesIn(kMisuses));
 
 } // namespace
 } // namespace station

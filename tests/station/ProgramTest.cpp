@@ -1,13 +1,12 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <array>
 #include <nlohmann/json.hpp>
 
 #include "FakeUnit.h"
-#include "StationProcess.h"
+#include "ProgramRuns.h"
+#include "support/Pipe.h"
 #include "wire/Descriptor.h"
 
 namespace station {
@@ -15,68 +14,55 @@ namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
-using testing::StartsWith;
 
 constexpr char kUnused[] = "tcp:127.0.0.1:9";
 
-/// Reads one request and answers it with the given texts.
-FakeUnit::Script answering(std::vector<std::string> texts, std::string* request = nullptr) {
-    return [texts = std::move(texts), request](UnitConnection& connection) {
+/// Answers one request with the bytes.
+FakeUnit::Script replying(std::string bytes, std::string* request = nullptr) {
+    return [bytes = std::move(bytes), request](UnitConnection& connection) {
         const std::string received = connection.readRequest();
         if (request != nullptr)
             *request = received;
-        for (const std::string& text : texts)
-            connection.sendText(text);
+        connection.send(bytes);
     };
 }
 
-Outcome runAgainst(const FakeUnit& unit, const std::vector<std::string>& arguments) {
-    return runStationAt(unit.target().text(), arguments);
+void stayMute(const UnitConnection& connection) {
+    connection.waitUntilStationCloses();
 }
 
-/// The bytes that arrive at the unit when the program is run with these arguments.
-std::string requestOf(const std::vector<std::string>& arguments) {
+Outcome runAgainst(const FakeUnit& unit, const std::string& arguments) {
+    return runStationAt(unit.target().text(), words(arguments));
+}
+
+class ProgramOverTcp : public testing::TestWithParam<ProgramRun> {};
+
+TEST_P(ProgramOverTcp, IsAnswered) {
     std::string request;
     {
-        FakeUnit unit(answering({""}, &request));
-        const Outcome outcome = runAgainst(unit, arguments);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        FakeUnit unit(replying(GetParam().reply, &request));
+        expectOutcome(runAgainst(unit, GetParam().arguments), GetParam());
     }
-    return request;
+    EXPECT_EQ(request, GetParam().request);
 }
 
-TEST(Program, PrintsTheAnswerWithoutTheName) {
-    FakeUnit unit(answering({"status \"2026/11/21 08:37:25\" A024 \"1A\" 4"}));
-    const Outcome outcome = runAgainst(unit, {"status"});
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.output, "\"2026/11/21 08:37:25\" A024 \"1A\" 4\n");
-    EXPECT_EQ(outcome.errors, "");
-}
+const ProgramRun kRuns[] = {
+    {"PrintsTheAnswerWithoutTheName", "status", request("status"),
+     answer("status \"2026/11/21 08:37:25\" A024 \"1A\" 4"), 0,
+     "\"2026/11/21 08:37:25\" A024 \"1A\" 4\n", ""},
+    {"PrintsNothingForAnEmptyAnswer", "ack", request("ack"), answer(""), 0, "", ""},
+    {"KeepsInfoLinesApartFromTheAnswer", "exec", request("exec"),
+     answer("Info \"two\nlines\"") + answer("Info \"a \"quoted\" word\"") + answer("exec text"), 0,
+     "text\n", "Info \"two\nlines\"\nInfo \"a \"quoted\" word\"\n"},
+    {"TellsARefusal", "nosuch", request("nosuch"), unknown("nosuch"), 5, "",
+     "Info \"No Handler for the Command nosuch\"\nstation: refused: Error 0x10\n"},
+    {"TellsAnAnswerThatEndsHalfWay", "status", request("status"), "\x02#status o", 6, "",
+     HasSubstr("closed the connection before the answer was complete")},
+    {"TellsAMalformedAnswer", "status", request("status"), answer("audio ok"), 6, "",
+     "station: malformed answer: expected one to 'status': audio ok\n"},
+};
 
-TEST(Program, PrintsNothingForAnEmptyAnswer) {
-    FakeUnit unit(answering({""}));
-    const Outcome outcome = runAgainst(unit, {"ack"});
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors, "");
-}
-
-TEST(Program, KeepsInfoLinesApartFromTheAnswer) {
-    FakeUnit unit(answering({"Info \"two\nlines\"", "Info \"a \"quoted\" word\"", "exec text"}));
-    const Outcome outcome = runAgainst(unit, {"exec"});
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.output, "text\n");
-    EXPECT_EQ(outcome.errors, "Info \"two\nlines\"\nInfo \"a \"quoted\" word\"\n");
-}
-
-TEST(Program, TellsARefusal) {
-    FakeUnit unit(answering({"Info \"No Handler for the Command nosuch\"", "Error Error 0x10"}));
-    const Outcome outcome = runAgainst(unit, {"nosuch"});
-    EXPECT_EQ(outcome.exitCode, 5);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors,
-              "Info \"No Handler for the Command nosuch\"\nstation: refused: Error 0x10\n");
-}
+INSTANTIATE_TEST_SUITE_P(Runs, ProgramOverTcp, testing::ValuesIn(kRuns), titleOf);
 
 TEST(Program, TellsThatItCannotConnect) {
     const BoundSocket silent;
@@ -88,169 +74,121 @@ TEST(Program, TellsThatItCannotConnect) {
 }
 
 TEST(Program, TellsATimeout) {
-    FakeUnit unit([](UnitConnection& connection) { connection.waitUntilStationCloses(); });
-    const Outcome outcome = runAgainst(unit, {"--timeout", "0.2", "status"});
+    FakeUnit unit(stayMute);
+    const Outcome outcome = runAgainst(unit, "--timeout 0.2 status");
     EXPECT_EQ(outcome.exitCode, 4);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors, "station: time-out while waiting for the answer\n");
 }
 
-TEST(Program, TellsAnAnswerThatEndsHalfWay) {
-    FakeUnit unit([](UnitConnection& connection) {
-        connection.readRequest();
-        connection.send("\x02#status o");
-    });
-    const Outcome outcome = runAgainst(unit, {"status"});
-    EXPECT_EQ(outcome.exitCode, 6);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_THAT(outcome.errors, HasSubstr("closed the connection before the answer was complete"));
-}
-
-TEST(Program, TellsAMalformedAnswer) {
-    FakeUnit unit(answering({"audio ok"}));
-    const Outcome outcome = runAgainst(unit, {"status"});
-    EXPECT_EQ(outcome.exitCode, 6);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors, "station: malformed answer: expected one to 'status': audio ok\n");
-}
-
-struct Misuse {
-    std::vector<std::string> arguments;
-    std::string message;
-
-    friend void PrintTo(const Misuse& row, std::ostream* out) {
-        *out << testing::PrintToString(row.arguments);
-    }
-};
-
 class ProgramMisuse : public testing::TestWithParam<Misuse> {};
 
 TEST_P(ProgramMisuse, IsTold) {
-    const Outcome outcome = runStation({GetParam().arguments});
-    EXPECT_EQ(outcome.exitCode, 2);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_THAT(outcome.errors, StartsWith("station: "));
-    EXPECT_THAT(outcome.errors, HasSubstr(GetParam().message));
+    expectMisuse(runStation({words(GetParam().arguments)}), GetParam().message);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Arguments, ProgramMisuse,
-    testing::Values(
-        Misuse{{}, "the NAME of a command is missing"},
-        Misuse{{"--json"}, "the NAME of a command is missing"},
-        Misuse{{"--"}, "the NAME of a command is missing"},
-        Misuse{{"-x", "status"}, "unknown option -x"},
-        Misuse{{"--jsn", "status"}, "unknown option --jsn"}, Misuse{{"--target"}, "--target"},
-        Misuse{{"--target", "unit:1", "status"}, "invalid target 'unit:1'"},
-        Misuse{{"--timeout", "soon", "status"}, "invalid time-out 'soon'"},
-        Misuse{{"--timeout", "0", "status"}, "invalid time-out '0'"},
-        Misuse{{"--timeout=-1", "status"}, "invalid time-out '-1'"},
-        Misuse{{"--timeout", "inf", "status"}, "invalid time-out 'inf'"},
-        Misuse{{""}, "invalid command name ''"}, Misuse{{"/bin/ls"}, "invalid command name '/bin/ls'"},
-        Misuse{{"exec", ""}, "an empty argument cannot be sent"},
-        Misuse{{"exec", "a\"b"}, "send its bytes as base64(...)"},
-        Misuse{{"exec", "a\nb"}, "send its bytes as base64(...)"},
-        Misuse{{"exec", "hex(zz)"}, "only hex digits"}, Misuse{{"serial", "terminal"}, "CHANNEL"},
-        Misuse{{"serial", "terminal", "240"}, "invalid channel '240'"},
-        Misuse{{"--json", "serial", "terminal", "1"}, "no JSON"},
-        Misuse{{"--timeout", "soon", "serial", "terminal", "1"}, "invalid time-out"}));
+const Misuse kMisuses[] = {
+    {"", "the NAME of a command is missing"},
+    {"--json", "the NAME of a command is missing"},
+    {"--", "the NAME of a command is missing"},
+    {"-x status", "unknown option -x"},
+    {"--jsn status", "unknown option --jsn"},
+    {"--target", "--target"},
+    {"--target unit:1 status", "invalid target 'unit:1'"},
+    {"--timeout soon status", "invalid time-out 'soon'"},
+    {"--timeout 0 status", "invalid time-out '0'"},
+    {"--timeout=-1 status", "invalid time-out '-1'"},
+    {"--timeout inf status", "invalid time-out 'inf'"},
+    {"''", "invalid command name ''"},
+    {"/bin/ls", "invalid command name '/bin/ls'"},
+    {"exec ''", "an empty argument cannot be sent"},
+    {"exec a\"b", "send its bytes as base64(...)"},
+    {"exec a\nb", "send its bytes as base64(...)"},
+    {"exec hex(zz)", "only hex digits"},
+    {"serial terminal", "CHANNEL"},
+    {"serial terminal 240", "invalid channel '240'"},
+    {"--json serial terminal 1", "no JSON"},
+    {"--timeout soon serial terminal 1", "invalid time-out"},
+    {"--protocol binary status", "the binary protocol needs a serial line"},
+    {"--protocol Ascii status", "invalid protocol 'Ascii'"},
+    {"raw 'hex(02 73)'", "raw needs the binary protocol"},
+    {"--wait-startup status", "--wait-startup needs the binary protocol"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Arguments, ProgramMisuse, testing::ValuesIn(kMisuses));
 
 struct Sent {
-    std::vector<std::string> arguments;
-    std::string request;
+    std::string arguments;
+    std::string text;
 
-    friend void PrintTo(const Sent& row, std::ostream* out) {
-        *out << testing::PrintToString(row.arguments);
-    }
+    friend void PrintTo(const Sent& row, std::ostream* out) { *out << row.arguments; }
 };
 
 class ProgramSends : public testing::TestWithParam<Sent> {};
 
 TEST_P(ProgramSends, Request) {
-    EXPECT_EQ(requestOf(GetParam().arguments), GetParam().request);
+    std::string request;
+    {
+        FakeUnit unit(replying(answer(""), &request));
+        const Outcome outcome = runAgainst(unit, GetParam().arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    }
+    EXPECT_EQ(request, "\x02" + GetParam().text + "\x03\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(Arguments, ProgramSends,
-                         testing::Values(Sent{{"ack"},
-                                              "\x02"
-                                              "ack\x03\n"},
-                                         Sent{{"--", "ack"},
-                                              "\x02"
-                                              "ack\x03\n"},
-                                         Sent{{"--json", "ack", "x"},
-                                              "\x02"
-                                              "ack x\x03\n"},
-                                         Sent{{"ack", "command", "-1", "ls"},
-                                              "\x02"
-                                              "ack command \"-1\" ls\x03\n"},
-                                         Sent{{"ack", "hex(01 02)", "base64(QQ==)"},
-                                              "\x02"
-                                              "ack hex(01 02) base64(QQ==)\x03\n"},
-                                         // Options of the program end at the name.
-                                         Sent{{"ack", "--json"},
-                                              "\x02"
-                                              "ack \"--json\"\x03\n"},
-                                         Sent{{"ack", "-x", "--target", kUnused},
-                                              "\x02"
-                                              "ack \"-x\" \"--target\" \"tcp:127.0.0.1:9\"\x03\n"},
-                                         Sent{{"ack", "--help"},
-                                              "\x02"
-                                              "ack \"--help\"\x03\n"},
-                                         Sent{{"serial", "open", "1", "115200", "0x0F"},
-                                              "\x02"
-                                              "serial open 1 115200 0x0F\x03\n"},
-                                         Sent{{"serial", "send", "1", "hex(41 54 0D)"},
-                                              "\x02"
-                                              "serial send 1 hex(41 54 0D)\x03\n"},
-                                         Sent{{"serial", "getall", "1"},
-                                              "\x02"
-                                              "serial getall 1\x03\n"},
-                                         Sent{{"graphic", "display", "0", "1"},
-                                              "\x02"
-                                              "graphic display 0 1\x03\n"},
-                                         Sent{{"graphic", "capture", "3", "0"},
-                                              "\x02"
-                                              "graphic capture 3 0\x03\n"},
-                                         Sent{{"ack", "a", "--", "b"},
-                                              "\x02"
-                                              "ack a \"--\" b\x03\n"},
-                                         Sent{{"ack", "[1,2]", "a b"},
-                                              "\x02"
-                                              "ack \"[1,2]\" \"a b\"\x03\n"}));
+const Sent kSent[] = {
+    {"ack", "ack"},
+    {"-- ack", "ack"},
+    {"--json ack x", "ack x"},
+    {"ack command -1 ls", "ack command \"-1\" ls"},
+    {"ack 'hex(01 02)' base64(QQ==)", "ack hex(01 02) base64(QQ==)"},
+    // Options of the program end at the name.
+    {"ack --json", "ack \"--json\""},
+    {"ack -x --target tcp:127.0.0.1:9", "ack \"-x\" \"--target\" \"tcp:127.0.0.1:9\""},
+    {"ack --help", "ack \"--help\""},
+    {"serial open 1 115200 0x0F", "serial open 1 115200 0x0F"},
+    {"serial send 1 'hex(41 54 0D)'", "serial send 1 hex(41 54 0D)"},
+    {"serial getall 1", "serial getall 1"},
+    {"graphic display 0 1", "graphic display 0 1"},
+    {"graphic capture 3 0", "graphic capture 3 0"},
+    {"ack a -- b", "ack a \"--\" b"},
+    {"ack [1,2] 'a b'", "ack \"[1,2]\" \"a b\""},
+};
+
+INSTANTIATE_TEST_SUITE_P(Arguments, ProgramSends, testing::ValuesIn(kSent));
 
 TEST(Program, TakesDefaultsFromTheEnvironment) {
-    FakeUnit unit([](UnitConnection& connection) { connection.waitUntilStationCloses(); });
+    FakeUnit unit(stayMute);
     const Outcome outcome =
-        runStation({{"status"}, {"STATION_TARGET=" + unit.target().text(), "STATION_TIMEOUT=0.2"}});
+        runStation({{"status"}, {{"STATION_TARGET", unit.target().text()}, {"STATION_TIMEOUT", "0.2"}}});
     EXPECT_EQ(outcome.exitCode, 4) << outcome.errors;
 }
 
 TEST(Program, PrefersOptionsToTheEnvironment) {
-    FakeUnit unit(answering({"audio ok"}));
+    FakeUnit unit(replying(answer("audio ok")));
     const Outcome outcome = runStation({{"--target", unit.target().text(), "--timeout", "30", "audio"},
-                                        {"STATION_TARGET=nowhere", "STATION_TIMEOUT=never"}});
+                                        {{"STATION_TARGET", "nowhere"}, {"STATION_TIMEOUT", "never"}}});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
 }
 
 TEST(Program, ChecksTheEnvironmentLikeOptions) {
-    const Outcome target = runStation({{"status"}, {"STATION_TARGET=nowhere"}});
-    EXPECT_EQ(target.exitCode, 2);
-    EXPECT_THAT(target.errors, HasSubstr("invalid target 'nowhere'"));
-    const Outcome timeout = runStation({{"status"}, {"STATION_TIMEOUT=never"}});
-    EXPECT_EQ(timeout.exitCode, 2);
-    EXPECT_THAT(timeout.errors, HasSubstr("invalid time-out 'never'"));
+    expectMisuse(runStation({{"status"}, {{"STATION_TARGET", "nowhere"}}}), "invalid target 'nowhere'");
+    expectMisuse(runStation({{"status"}, {{"STATION_TIMEOUT", "never"}}}), "invalid time-out 'never'");
+    expectMisuse(runStation({{"status"}, {{"STATION_PROTOCOL", "binary"}}}),
+                 "the binary protocol needs a serial line");
 }
 
 TEST(Program, TakesAnEmptyVariableAsNone) {
-    const Outcome outcome =
-        runStation({{"--target", kUnused, "exec", "a\"b"}, {"STATION_TARGET=", "STATION_TIMEOUT="}});
+    const Outcome outcome = runStation(
+        {{"--target", kUnused, "exec", "a\"b"}, {{"STATION_TARGET", ""}, {"STATION_TIMEOUT", ""}}});
     EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_THAT(outcome.errors, HasSubstr("double quotation mark"));
 }
 
 TEST(ProgramJson, PrintsOneObject) {
-    FakeUnit unit(answering({"Info \"two\nlines\"", "Info \"a \"quoted\" word\"", "status \"x\" 4"}));
-    const Outcome outcome = runAgainst(unit, {"--json", "status"});
+    FakeUnit unit(replying(answer("Info \"two\nlines\"") + answer("Info \"a \"quoted\" word\"") +
+                           answer("status \"x\" 4")));
+    const Outcome outcome = runAgainst(unit, "--json status");
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.output.find('\n'), outcome.output.size() - 1);
@@ -264,8 +202,8 @@ TEST(ProgramJson, PrintsOneObject) {
 }
 
 TEST(ProgramJson, ShowsARefusal) {
-    FakeUnit unit(answering({"Info \"Invalid subcommand\"", "diag Error 0x1010000"}));
-    const Outcome outcome = runAgainst(unit, {"--json", "diag"});
+    FakeUnit unit(replying(answer("Info \"Invalid subcommand\"") + answer("diag Error 0x1010000")));
+    const Outcome outcome = runAgainst(unit, "--json diag");
     EXPECT_EQ(outcome.exitCode, 5);
     EXPECT_EQ(outcome.errors, "");
     const json object = json::parse(outcome.output);
@@ -276,8 +214,8 @@ TEST(ProgramJson, ShowsARefusal) {
 }
 
 TEST(ProgramJson, ReplacesBytesThatAreNotUtf8) {
-    FakeUnit unit(answering({"Info \"\xFF\"", "exec \xC3(\xE2\x82\xAC"}));
-    const Outcome outcome = runAgainst(unit, {"--json", "exec"});
+    FakeUnit unit(replying(answer("Info \"\xFF\"") + answer("exec \xC3(\xE2\x82\xAC")));
+    const Outcome outcome = runAgainst(unit, "--json exec");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     const json object = json::parse(outcome.output);
     EXPECT_EQ(object["answer"], "\xEF\xBF\xBD(\xE2\x82\xAC");
@@ -302,13 +240,13 @@ TEST(ProgramJson, ShowsWhyThereIsNoAnswer) {
     expectErrorObject(runStation({{"--json", "--target", silent.target().text(), "status"}}), 3,
                       "Connection refused");
 
-    FakeUnit mute([](UnitConnection& connection) { connection.waitUntilStationCloses(); });
-    expectErrorObject(runAgainst(mute, {"--json", "--timeout", "0.2", "status"}), 4, "time-out");
+    FakeUnit mute(stayMute);
+    expectErrorObject(runAgainst(mute, "--json --timeout 0.2 status"), 4, "time-out");
 }
 
 TEST(ProgramJson, ShowsTheInfoLinesOfAnIncompleteAnswer) {
-    FakeUnit unit(answering({"Info \"almost\""}));
-    const Outcome outcome = runAgainst(unit, {"--json", "status"});
+    FakeUnit unit(replying(answer("Info \"almost\"")));
+    const Outcome outcome = runAgainst(unit, "--json status");
     expectErrorObject(outcome, 6, "before the answer was complete");
     EXPECT_EQ(json::parse(outcome.output)["info"], json({"almost"}));
 }
@@ -347,13 +285,22 @@ TEST(Program, HelpsWithAnExampleForEachForm) {
                              "station serial terminal 1",
                              "station graphic display OUTPUT PICTURE\n",
                              "station graphic capture INPUT OUTPUT\n",
-                             "STATION_TARGET=tcp:127.0.0.1:15052 STATION_TIMEOUT=5 station status"})
+                             "STATION_TARGET=tcp:127.0.0.1:15052 STATION_TIMEOUT=5 station status",
+                             "station --target serial:/dev/ttyUSB0 status",
+                             "station --target serial:/dev/ttyUSB0 exec command 5 \"ls /dev\"",
+                             "station --target serial:/dev/ttyUSB0 ack",
+                             "station --target serial:/dev/ttyUSB0 --wait-startup status",
+                             "station --target serial:/dev/ttyUSB0 raw \"hex(03 73 01)\"",
+                             "station --target serial:/dev/ttyUSB0 --protocol ascii status 03",
+                             "STATION_TARGET=serial:/dev/ttyUSB0 STATION_PROTOCOL=ascii station status",
+                             "200 ms",
+                             "Every command has a binary form. status 03 and status 04 have none"})
         EXPECT_THAT(outcome.output, HasSubstr(part));
 }
 
 TEST(Program, TellsThatItCannotWriteTheAnswer) {
     const System::Descriptor full(::open("/dev/full", O_WRONLY | O_CLOEXEC));
-    FakeUnit unit(answering({"audio ok"}));
+    FakeUnit unit(replying(answer("audio ok")));
     const Outcome outcome = runStation({{"--target", unit.target().text(), "audio"}, {}, full.get()});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.errors, "station: cannot write to standard output\n");
@@ -365,14 +312,11 @@ TEST(Program, TellsThatItCannotWriteTheHelp) {
 }
 
 TEST(Program, SurvivesAReaderThatHasGone) {
-    std::array<int, 2> ends = {};
-    ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
-    System::Descriptor readEnd(ends[0]);
-    const System::Descriptor writeEnd(ends[1]);
-    readEnd.reset();
-    FakeUnit unit(answering({"audio ok"}));
+    Pipe pipe;
+    pipe.readEnd.reset();
+    FakeUnit unit(replying(answer("audio ok")));
     const Outcome outcome =
-        runStation({{"--target", unit.target().text(), "audio"}, {}, writeEnd.get()});
+        runStation({{"--target", unit.target().text(), "audio"}, {}, pipe.writeEnd.get()});
     EXPECT_EQ(outcome.exitCode, 1);
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,9 +20,9 @@ struct Outcome {
 /// One run of the program as a process of its own, with no STATION_ variables but the given ones.
 struct Invocation {
     std::vector<std::string> arguments;
-    std::vector<std::string> environment = {}; ///< NAME=VALUE
-    int standardOutput = -1;                   ///< a descriptor to use instead of collecting the output
-    int standardInput = -1;                    ///< a descriptor to use instead of the test's own
+    std::map<std::string, std::string> environment = {};
+    int standardOutput = -1;          ///< a descriptor to use instead of collecting the output
+    int standardInput = STDIN_FILENO; ///< the test's own unless told otherwise
     /// Called when the process runs.
     std::function<void(pid_t process)> onStart = [](pid_t) {};
 };

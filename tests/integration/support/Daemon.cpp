@@ -4,7 +4,6 @@
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,8 +21,7 @@
 
 namespace {
 
-constexpr int kCannotStart = 127;
-constexpr int kSignalBase = 128;
+constexpr char kSupplier[] = "FIRST_TIER_SUPPLIER";
 constexpr char kBannerStart[] = "Production Test Server (Build ";
 constexpr std::size_t kStampLength = 19;
 
@@ -33,15 +31,6 @@ std::string makeStreamFile() {
     if (!file)
         throw std::runtime_error(std::string("mkostemp: ") + std::strerror(errno));
     return path.data();
-}
-
-bool streamTo(const std::string& path, int stream) {
-    const int file = ::open(path.c_str(), O_WRONLY | O_APPEND);
-    return file >= 0 && ::dup2(file, stream) == stream;
-}
-
-bool streamTo(std::optional<int> descriptor, const std::string& path, int stream) {
-    return descriptor ? ::dup2(*descriptor, stream) == stream : streamTo(path, stream);
 }
 
 /// Neither the test's own descriptors nor those of whatever started the tests belong to the unit.
@@ -58,13 +47,6 @@ void closeAllBut(std::optional<int> leftOpen) {
     ::fcntl(*leftOpen, F_SETFD, 0);
 }
 
-void chooseSupplier(const std::optional<std::string>& supplier) {
-    if (supplier)
-        ::setenv("FIRST_TIER_SUPPLIER", supplier->c_str(), 1);
-    else
-        ::unsetenv("FIRST_TIER_SUPPLIER");
-}
-
 bool applyLimits(const std::vector<DaemonStart::Limit>& limits) {
     return std::all_of(limits.begin(), limits.end(), [](const DaemonStart::Limit& limit) {
         rlimit both{};
@@ -74,27 +56,18 @@ bool applyLimits(const std::vector<DaemonStart::Limit>& limits) {
     });
 }
 
-void become(std::string program, std::vector<std::string> arguments) {
-    std::vector<char*> words = {program.data()};
-    for (std::string& argument : arguments)
-        words.push_back(argument.data());
-    words.push_back(nullptr);
-    ::execvp(program.c_str(), words.data());
-}
-
-[[noreturn]] void becomeDaemon(const DaemonStart& start, const std::string& outputFile,
-                               const std::string& errorFile) {
+/// In the child.
+bool prepareDaemon(const DaemonStart& start) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const bool streams = streamTo("/dev/null", STDIN_FILENO) &&
-                         streamTo(start.standardError, errorFile, STDERR_FILENO) &&
-                         streamTo(start.standardOutput, outputFile, STDOUT_FILENO);
     closeAllBut(start.leftOpen);
     for (const int stream : start.closed)
         System::Descriptor(stream).reset();
-    chooseSupplier(start.supplier);
-    if (streams && applyLimits(start.limits) && enforce(start.refusals))
-        become("production", start.arguments);
-    ::_exit(kCannotStart);
+    return applyLimits(start.limits) && enforce(start.refusals);
+}
+
+/// A descriptor for what goes into the file.
+System::Descriptor streamTo(const std::string& path, int flags = O_WRONLY | O_APPEND) {
+    return System::Descriptor(::open(path.c_str(), flags | O_CLOEXEC));
 }
 
 } // namespace
@@ -103,38 +76,24 @@ Daemon::Daemon(const DaemonStart& start)
     : m_outputFile(makeStreamFile()), m_errorFile(makeStreamFile()) {
     if (!start.stationLine)
         ::unlink(kStationLine);
-    m_pid = ::fork();
-    if (m_pid < 0)
-        throw std::runtime_error(std::string("fork: ") + std::strerror(errno));
-    if (m_pid == 0)
-        becomeDaemon(start, m_outputFile, m_errorFile);
+    const System::Descriptor input = streamTo("/dev/null", O_RDONLY);
+    const System::Descriptor output = streamTo(m_outputFile);
+    const System::Descriptor error = streamTo(m_errorFile);
+    Program::Surroundings surroundings;
+    surroundings.hidden = kSupplier;
+    if (start.supplier)
+        surroundings.environment[kSupplier] = *start.supplier;
+    surroundings.input = input.get();
+    surroundings.output = start.standardOutput.value_or(output.get());
+    surroundings.error = start.standardError.value_or(error.get());
+    surroundings.prepare = [&start] { return prepareDaemon(start); };
+    std::vector<std::string> command = {"production"};
+    command.insert(command.end(), start.arguments.begin(), start.arguments.end());
+    m_program.emplace(command, surroundings);
     if (start.waitForPort && !eventually([this] { return isListening() || !isAlive(); }))
         throw std::runtime_error("the daemon does not listen");
     if (start.waitForPort && !isAlive())
-        throw std::runtime_error("the daemon has ended; its last words: " + error());
-}
-
-Daemon::~Daemon() {
-    if (m_collected)
-        return;
-    ::kill(m_pid, SIGKILL);
-    ::waitpid(m_pid, nullptr, 0);
-}
-
-bool Daemon::isAlive() const {
-    siginfo_t information{};
-    return !m_collected &&
-           ::waitid(P_PID, static_cast<id_t>(m_pid), &information, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-           information.si_pid == 0;
-}
-
-int Daemon::waitForEnd() {
-    if (!eventually([this] { return !isAlive(); }))
-        return -1;
-    int status = 0;
-    ::waitpid(m_pid, &status, 0);
-    m_collected = true;
-    return WIFSIGNALED(status) ? kSignalBase + WTERMSIG(status) : WEXITSTATUS(status);
+        throw std::runtime_error("the daemon has ended; its last words: " + this->error());
 }
 
 std::string Daemon::output() const {
@@ -156,9 +115,9 @@ bool Daemon::waitForError(const std::string& text) const {
 void Daemon::limit(int resource, rlim_t value) const {
     const auto which = static_cast<__rlimit_resource>(resource);
     rlimit both{};
-    ::prlimit(m_pid, which, nullptr, &both);
+    ::prlimit(pid(), which, nullptr, &both);
     both.rlim_cur = std::min(value, both.rlim_max);
-    if (::prlimit(m_pid, which, &both, nullptr) != 0)
+    if (::prlimit(pid(), which, &both, nullptr) != 0)
         throw std::runtime_error(std::string("prlimit: ") + std::strerror(errno));
 }
 

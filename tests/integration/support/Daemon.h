@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/KernelRefusal.h"
+#include "support/Program.h"
 
 /// Circumstances that a daemon is started under; as a unit starts it when left alone.
 struct DaemonStart {
@@ -28,8 +29,8 @@ struct DaemonStart {
     bool waitForPort = true;
 };
 
-/// The daemon itself, as a child of the test, with its
-/// standard streams in files. Killed with this object.
+/// The daemon itself, as a child of the test, with its standard streams in files. Killed with this
+/// object.
 class Daemon {
 public:
     /// Returns when the daemon listens, unless told
@@ -37,13 +38,12 @@ public:
     explicit Daemon(const DaemonStart& start = {});
     Daemon(const Daemon&) = delete;
     Daemon& operator=(const Daemon&) = delete;
-    ~Daemon();
 
-    pid_t pid() const { return m_pid; }
-    bool isAlive() const;
+    pid_t pid() const { return m_program->pid(); }
+    bool isAlive() const { return m_program->isAlive(); }
 
     /// The exit status, 128 plus the signal that ended it, or -1 when it does not end.
-    int waitForEnd();
+    int waitForEnd() { return m_program->wait(); }
 
     /// What it has written so far.
     std::string output() const;
@@ -63,8 +63,7 @@ public:
 private:
     std::string m_outputFile;
     std::string m_errorFile;
-    pid_t m_pid = -1;
-    bool m_collected = false;
+    std::optional<Program> m_program;
 };
 
 /// Descriptors of a daemon without stations: the standard streams, the watch for the serial adapter, and

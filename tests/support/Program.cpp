@@ -11,20 +11,18 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <cstring>
 #include <stdexcept>
 
 #include "support/Pipe.h"
 #include "support/Waiting.h"
 
-namespace headunit_test {
 namespace {
 
-namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
+
+constexpr int kCannotStart = 127;
+constexpr int kSignalBase = 128;
 
 int remaining(Clock::time_point deadline) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
@@ -33,7 +31,7 @@ int remaining(Clock::time_point deadline) {
 
 /// Takes what is there; closes the pipe at its end.
 void drain(System::Descriptor& pipe, std::string& text) {
-    std::array<char, 4096> block;
+    std::array<char, 65536> block;
     const ssize_t count = ::read(pipe.get(), block.data(), block.size());
     if (count > 0)
         text.append(block.data(), static_cast<std::size_t>(count));
@@ -41,32 +39,61 @@ void drain(System::Descriptor& pipe, std::string& text) {
         pipe.reset();
 }
 
+std::vector<std::string> environmentIn(const Program::Surroundings& surroundings) {
+    std::vector<std::string> entries;
+    for (const auto& [name, value] : surroundings.environment)
+        entries.push_back(name + "=" + value);
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string name(*entry, std::strcspn(*entry, "="));
+        const bool isHidden = !surroundings.hidden.empty() && name.rfind(surroundings.hidden, 0) == 0;
+        if (!isHidden && surroundings.environment.count(name) == 0)
+            entries.emplace_back(*entry);
+    }
+    return entries;
+}
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    for (std::string& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+bool streamTo(int given, const System::Descriptor& pipe, int stream) {
+    return ::dup2(given >= 0 ? given : pipe.get(), stream) == stream;
+}
+
 } // namespace
 
 Program::Program(std::vector<std::string> command, const Surroundings& surroundings) {
-    std::vector<char*> arguments;
-    for (std::string& argument : command)
-        arguments.push_back(argument.data());
-    arguments.push_back(nullptr);
+    // All memory is allocated before the fork: other threads of the test may be at work.
+    std::vector<std::string> environment = environmentIn(surroundings);
+    const std::vector<char*> arguments = pointersTo(command);
+    const std::vector<char*> variables = pointersTo(environment);
     Pipe input;
     Pipe output;
     Pipe error;
 
     m_pid = ::fork();
+    if (m_pid < 0)
+        throw std::runtime_error(std::string("fork: ") + std::strerror(errno));
     if (m_pid == 0) {
-        ::dup2(input.readEnd.get(), STDIN_FILENO);
-        ::dup2(output.writeEnd.get(), STDOUT_FILENO);
-        ::dup2(error.writeEnd.get(), STDERR_FILENO);
-        for (const auto& [name, value] : surroundings.environment)
-            ::setenv(name.c_str(), value.c_str(), 1);
-        if (surroundings.folder.empty() || ::chdir(surroundings.folder.c_str()) == 0)
-            ::execvp(arguments[0], arguments.data());
-        ::_exit(99);
+        if (streamTo(surroundings.input, input.readEnd, STDIN_FILENO) &&
+            streamTo(surroundings.error, error.writeEnd, STDERR_FILENO) &&
+            streamTo(surroundings.output, output.writeEnd, STDOUT_FILENO) &&
+            (surroundings.folder.empty() || ::chdir(surroundings.folder.c_str()) == 0) &&
+            surroundings.prepare())
+            ::execvpe(arguments[0], arguments.data(), variables.data());
+        ::_exit(kCannotStart);
     }
     m_ended = System::Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, m_pid, 0)));
-    m_input = std::move(input.writeEnd);
-    m_outputPipe = std::move(output.readEnd);
-    m_errorPipe = std::move(error.readEnd);
+    if (surroundings.input < 0)
+        m_input = std::move(input.writeEnd);
+    if (surroundings.output < 0)
+        m_outputPipe = std::move(output.readEnd);
+    if (surroundings.error < 0)
+        m_errorPipe = std::move(error.readEnd);
 }
 
 Program::~Program() {
@@ -82,6 +109,11 @@ void Program::signal(int number) const {
 
 void Program::write(const std::string& text) const {
     ASSERT_EQ(::write(m_input.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+}
+
+bool Program::isAlive() const {
+    pollfd ended = {m_ended.get(), POLLIN, 0};
+    return m_ended && ::poll(&ended, 1, 0) == 0;
 }
 
 bool Program::waitForOutput(const std::string& text) {
@@ -113,42 +145,9 @@ bool Program::pump(int remainingMilliseconds) {
     if (sources[2].revents != 0) {
         int status = 0;
         ::waitpid(m_pid, &status, 0);
-        m_status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+        m_killer = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+        m_status = m_killer != 0 ? kSignalBase + m_killer : WEXITSTATUS(status);
         m_ended.reset();
     }
     return true;
 }
-
-TestFolder::TestFolder() {
-    std::string path = ::testing::TempDir() + "headunit-test-XXXXXX";
-    if (::mkdtemp(path.data()) == nullptr)
-        throw std::runtime_error("no folder " + path);
-    m_path = fs::canonical(path).string();
-}
-
-TestFolder::~TestFolder() {
-    std::error_code ignored;
-    fs::remove_all(m_path, ignored);
-}
-
-std::vector<std::string> TestFolder::names() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(m_path))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file.is_open()) << path;
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void writeFile(const std::string& path, const std::string& content) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << content;
-    ASSERT_TRUE(file.flush()) << path;
-}
-
-} // namespace headunit_test

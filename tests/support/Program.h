@@ -2,22 +2,31 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "wire/Descriptor.h"
 
-namespace headunit_test {
+/// What a program finds; by default what the test does, and pipes at its standard streams.
+struct ProgramSurroundings {
+    std::string folder;                             ///< working directory, the test's when empty
+    std::map<std::string, std::string> environment; ///< added to the test's
+    std::string hidden = {}; ///< the test's variables whose names begin like this are left out
+    // Descriptors in place of the pipes.
+    int input = -1;
+    int output = -1;
+    int error = -1;
+    /// Called in the child, when its streams are set up; false: it cannot be started.
+    std::function<bool()> prepare = [] { return true; };
+};
 
-/// A program under test with pipes at its standard streams. Every wait has a deadline, after which it
-/// gives up; the program is killed with this object.
+/// A program as a child of the test. Every wait has a deadline, after which it gives up; the program is
+/// killed with this object.
 class Program {
 public:
-    struct Surroundings {
-        std::string folder;                             ///< working directory, the test's when empty
-        std::map<std::string, std::string> environment; ///< added to the test's
-    };
+    using Surroundings = ProgramSurroundings;
 
     explicit Program(std::vector<std::string> command, const Surroundings& surroundings = {});
     Program(const Program&) = delete;
@@ -36,6 +45,12 @@ public:
     /// Returns the exit status, 128 plus the signal that killed it, or -1 when the deadline passed.
     int wait();
 
+    /// False from the moment at which the program has ended.
+    bool isAlive() const;
+
+    /// The signal that killed it, or 0. For a program that has been waited for.
+    int killer() const { return m_killer; }
+
     const std::string& output() const { return m_output; }
     const std::string& error() const { return m_error; }
 
@@ -50,27 +65,5 @@ private:
     std::string m_output;
     std::string m_error;
     int m_status = -1;
+    int m_killer = 0;
 };
-
-/// A folder of the test's own, removed with this object.
-class TestFolder {
-public:
-    TestFolder();
-    TestFolder(const TestFolder&) = delete;
-    TestFolder& operator=(const TestFolder&) = delete;
-    ~TestFolder();
-
-    const std::string& path() const { return m_path; }
-    std::string operator/(const std::string& name) const { return m_path + "/" + name; }
-
-    /// The names in it, sorted.
-    std::vector<std::string> names() const;
-
-private:
-    std::string m_path;
-};
-
-std::string contentOf(const std::string& path);
-void writeFile(const std::string& path, const std::string& content);
-
-} // namespace headunit_test

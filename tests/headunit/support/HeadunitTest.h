@@ -1,0 +1,51 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/Program.h"
+#include "support/TestFolder.h"
+
+namespace headunit_test {
+
+/// Runs the finished program, whose units lie in a TMPDIR of the case's own.
+class HeadunitTest : public testing::Test {
+protected:
+    using Words = std::vector<std::string>;
+
+    static Words joined(Words words, const Words& more) {
+        words.insert(words.end(), more.begin(), more.end());
+        return words;
+    }
+
+    static Words exec(const Words& rest) { return joined({HEADUNIT_PROGRAM, "exec"}, rest); }
+
+    /// On a machine of its own, so that the daemon's port is free in it.
+    static Words run(const Words& host, const Words& rest) {
+        return joined(joined({PRIVATE_HOST}, host), joined({HEADUNIT_PROGRAM, "run"}, rest));
+    }
+
+    Program::Surroundings surroundings() const { return {"", {{"TMPDIR", m_temporary.path()}}}; }
+
+    /// The output of a shell script in a fresh unit; what it says beside that is in `m_error`.
+    std::string outputOf(const std::string& script, const Words& options = {}) {
+        Program program(exec(joined(options, {"--", "sh", "-c", script})), surroundings());
+        EXPECT_EQ(program.wait(), 0) << program.error();
+        m_error = program.error();
+        return program.output();
+    }
+
+    /// The same of one that says nothing else.
+    std::string quietOutputOf(const std::string& script) {
+        const std::string output = outputOf(script);
+        EXPECT_EQ(m_error, "");
+        return output;
+    }
+
+    TestFolder m_temporary;
+    std::string m_error;
+};
+
+} // namespace headunit_test
