@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <cstdlib>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -97,10 +99,27 @@ protected:
 
     static bool isBinary() { return GetParam().name == std::string("Binary"); }
 
-    const Daemon& daemon() const { return m_daemon; }
+    /// Does something to the unit as its `headunit control` is told to.
+    static void control(const std::string& words) {
+        EXPECT_EQ(std::system(("headunit control " + words + " >/dev/null").c_str()), 0);
+    }
+
+    /// The link goes and, with `restore`, comes back.
+    void cut() const {
+        if (GetParam().isSerial)
+            control("unplug station");
+        else
+            ::kill(m_daemon->pid(), SIGKILL);
+    }
+    void restore() {
+        if (GetParam().isSerial)
+            control("plug station");
+        else
+            m_daemon.emplace(GetParam().start);
+    }
 
 private:
-    Daemon m_daemon{GetParam().start};
+    std::optional<Daemon> m_daemon{std::in_place, GetParam().start};
 };
 
 } // namespace station

@@ -1,11 +1,8 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
 
-#include <array>
-#include <cstdlib>
 #include <future>
 #include <string>
 #include <thread>
@@ -14,8 +11,7 @@
 
 #include "Keyboard.h"
 #include "Links.h"
-#include "StationProcess.h"
-#include "wire/Descriptor.h"
+#include "support/Pipe.h"
 
 namespace station {
 namespace {
@@ -38,16 +34,13 @@ protected:
 
     /// With this input, which comes through a pipe.
     static Outcome runWith(const std::string& input, Invocation invocation) {
-        std::array<int, 2> ends = {};
-        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
-        const System::Descriptor readEnd(ends[0]);
-        System::Descriptor writeEnd(ends[1]);
+        Pipe pipe;
         std::thread writer([&] {
-            EXPECT_EQ(::write(writeEnd.get(), input.data(), input.size()),
+            EXPECT_EQ(::write(pipe.writeEnd.get(), input.data(), input.size()),
                       static_cast<ssize_t>(input.size()));
-            writeEnd.reset();
+            pipe.writeEnd.reset();
         });
-        invocation.standardInput = readEnd.get();
+        invocation.standardInput = pipe.readEnd.get();
         Outcome outcome = runStation(invocation);
         writer.join();
         return outcome;
@@ -66,12 +59,6 @@ protected:
         const Outcome outcome = run({"serial", "getall", channel});
         EXPECT_EQ(outcome.exitCode, 5);
         EXPECT_THAT(outcome.errors, HasSubstr("Serial port not open."));
-    }
-
-    static void control(const std::string& words) {
-        EXPECT_EQ(
-            std::system((std::string(HEADUNIT_PROGRAM) + " control " + words + " >/dev/null").c_str()),
-            0);
     }
 };
 
@@ -148,10 +135,7 @@ TEST_P(TerminalInUnit, TellsALineThatFails) {
 TEST_P(TerminalInUnit, TellsALinkThatIsLost) {
     Keyboard keyboard;
     auto ending = startAt(keyboard, terminal("1", {"--timeout", "3"}));
-    if (GetParam().isSerial)
-        control("unplug station");
-    else
-        ::kill(daemon().pid(), SIGKILL);
+    cut();
     const Outcome outcome = ending.get();
     // A terminal does not tell its other end that it was unplugged.
     EXPECT_EQ(outcome.exitCode, GetParam().isSerial ? 4 : 6);

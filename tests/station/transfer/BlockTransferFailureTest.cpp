@@ -3,11 +3,6 @@
 namespace station {
 namespace {
 
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-
 class BlockTransferFailure : public BlockTransferTest {
 protected:
     /// The number that such a request would have in a transfer that succeeds.

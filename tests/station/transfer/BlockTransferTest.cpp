@@ -5,11 +5,6 @@
 namespace station {
 namespace {
 
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-
 using BlockTransfer = BlockTransferTest;
 
 TEST_F(BlockTransfer, DumpsSomeBlocks) {

@@ -4,6 +4,11 @@
 
 namespace station {
 
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
 /// A device of 40 blocks of 512 bytes, of which the last cannot be transferred.
 class BlockTransferTest : public TransferTest {
 protected:

@@ -1,18 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <future>
-#include <optional>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "StationProcess.h"
-#include "support/Daemon.h"
+#include "Links.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
 
@@ -35,48 +29,12 @@ std::string variedBytes(std::size_t count) {
     return bytes;
 }
 
-struct Way {
-    const char* name;
-    std::vector<std::string> options;
-    bool isSerial;
-    std::optional<std::string> supplier;
-};
-
-void PrintTo(const Way& way, std::ostream* out) {
-    *out << way.name;
-}
-
-const char kSerialTarget[] = "serial:/run/headunit/station-line";
-
-const Way kWays[] = {
-    {"Tcp", {"--target", "tcp:127.0.0.1:15051"}, false, std::nullopt},
-    {"SerialAscii", {"--target", kSerialTarget, "--protocol", "ascii"}, true, "SOLMED"},
-    {"SerialBinary", {"--target", kSerialTarget}, true, std::nullopt},
-};
-
-class TransferInUnit : public testing::TestWithParam<Way> {
+class TransferInUnit : public Links {
 protected:
-    TransferInUnit() {
-        startDaemon();
-        // For half a second after its announcement a unit may take a request for the acknowledgement.
-        EXPECT_TRUE(eventually([] { return run({"status"}, "3").exitCode == 0; }));
-    }
-
-    void startDaemon() {
-        m_daemon.reset();
-        DaemonStart start;
-        start.stationLine = GetParam().isSerial;
-        start.supplier = GetParam().supplier;
-        m_daemon.emplace(start);
-    }
-
-    static Outcome run(std::vector<std::string> words, const std::string& timeout = "30") {
-        Invocation invocation;
-        invocation.arguments = GetParam().options;
-        invocation.arguments.insert(invocation.arguments.end(),
-                                    {"--progress", "none", "--timeout", timeout});
-        invocation.arguments.insert(invocation.arguments.end(), words.begin(), words.end());
-        return runStation(invocation);
+    static Outcome run(const std::vector<std::string>& words, const std::string& timeout = "30") {
+        std::vector<std::string> all = {"--progress", "none", "--timeout", timeout};
+        all.insert(all.end(), words.begin(), words.end());
+        return Links::run(all);
     }
 
     static void expectSuccess(const std::vector<std::string>& words) {
@@ -84,32 +42,9 @@ protected:
         EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     }
 
-    /// The link goes and, with `restore`, comes back.
-    void cut() {
-        if (GetParam().isSerial)
-            control("unplug station");
-        else
-            ::kill(m_daemon->pid(), SIGKILL);
-    }
-    void restore() {
-        if (GetParam().isSerial)
-            control("plug station");
-        else
-            startDaemon();
-    }
-
-    static void control(const std::string& words) {
-        EXPECT_EQ(
-            std::system((std::string(HEADUNIT_PROGRAM) + " control " + words + " >/dev/null").c_str()),
-            0);
-    }
-
     static std::string deviceBytes(std::size_t block, std::size_t size) {
         return contentOf(kDevice).substr(block * kBlock, size);
     }
-
-private:
-    std::optional<Daemon> m_daemon;
 };
 
 TEST_P(TransferInUnit, UploadsAndDownloads) {
@@ -172,8 +107,7 @@ TEST_P(TransferInUnit, GoesThroughWhenItIsRepeatedAfterACut) {
     EXPECT_FALSE(exists(kPart));
 }
 
-INSTANTIATE_TEST_SUITE_P(Links, TransferInUnit, testing::ValuesIn(kWays),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Station, TransferInUnit, testing::ValuesIn(allLinks()), nameOfLink);
 
 } // namespace
 } // namespace station
