@@ -24,12 +24,15 @@ public:
     Exchange unknown();
 
 private:
+    using Request = Exchange (UnitRequests::*)();
+
     Exchange i2cRead();
     Exchange i2cWrite();
     Exchange i2cAttribute();
     Exchange i2cRefused();
     Exchange portRead();
     Exchange portWrite();
+    Exchange portAttributes();
     Exchange portRefused();
     Exchange serialRefused();
 
