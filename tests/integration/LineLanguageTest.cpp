@@ -59,70 +59,22 @@ struct Line {
 };
 
 const Line kArguments[] = {
-    {"no argument",
-     "\x02"s
-     "exec\x03\n",
-     1},
-    {"a word of each kind",
-     "\x02"s
-     "exec a_1 \"b c\" hex(01 02) base64(QUJD)\x03\n",
-     5},
-    {"blanks",
-     "\x02"s
-     "exec  a   b\x03\n",
-     3},
-    {"a tab splits words",
-     "\x02"s
-     "exec a\tb\x03\n",
-     3},
-    {"punctuation splits words",
-     "\x02"s
-     "exec 1.5\x03\n",
-     3},
-    {"an empty string",
-     "\x02"s
-     "exec \"\"\x03\n",
-     1},
-    {"a line feed in a string splits it",
-     "\x02"s
-     "exec \"a\nb\"\x03\n",
-     3},
-    {"an unterminated string",
-     "\x02"s
-     "exec \"a b\x03\n",
-     2},
-    {"empty hex",
-     "\x02"s
-     "exec hex()\x03\n",
-     1},
-    {"hex of a blank",
-     "\x02"s
-     "exec hex( )\x03\n",
-     2},
-    {"hex of one digit",
-     "\x02"s
-     "exec hex(1)\x03\n",
-     2},
-    {"hex in two runs",
-     "\x02"s
-     "exec hex(01-02)\x03\n",
-     3},
-    {"base64 in two runs",
-     "\x02"s
-     "exec base64(QUJD QUJD)\x03\n",
-     3},
-    {"base64 too short to hold a byte",
-     "\x02"s
-     "exec base64(Q)\x03\n",
-     2},
-    {"hex alone is a word",
-     "\x02"s
-     "exec hex base64\x03\n",
-     3},
-    {"words joined to a string",
-     "\x02"s
-     "exec a\"b\"c\x03\n",
-     4},
+    {"no argument", "\2exec\x03\n"s, 1},
+    {"a word of each kind", "\2exec a_1 \"b c\" hex(01 02) base64(QUJD)\x03\n"s, 5},
+    {"blanks", "\2exec  a   b\x03\n"s, 3},
+    {"a tab splits words", "\2exec a\tb\x03\n"s, 3},
+    {"punctuation splits words", "\2exec 1.5\x03\n"s, 3},
+    {"an empty string", "\2exec \"\"\x03\n"s, 1},
+    {"a line feed in a string splits it", "\2exec \"a\nb\"\x03\n"s, 3},
+    {"an unterminated string", "\2exec \"a b\x03\n"s, 2},
+    {"empty hex", "\2exec hex()\x03\n"s, 1},
+    {"hex of a blank", "\2exec hex( )\x03\n"s, 2},
+    {"hex of one digit", "\2exec hex(1)\x03\n"s, 2},
+    {"hex in two runs", "\2exec hex(01-02)\x03\n"s, 3},
+    {"base64 in two runs", "\2exec base64(QUJD QUJD)\x03\n"s, 3},
+    {"base64 too short to hold a byte", "\2exec base64(Q)\x03\n"s, 2},
+    {"hex alone is a word", "\2exec hex base64\x03\n"s, 3},
+    {"words joined to a string", "\2exec a\"b\"c\x03\n"s, 4},
 };
 
 TEST_F(LineLanguageTest, SplitsArguments) {
@@ -140,36 +92,18 @@ TEST_F(LineLanguageTest, SplitsArguments) {
 
 // Each line goes on where the one before left the scanner; a NUL hides its ETX.
 const Line kContinued[] = {
-    {"among arguments",
-     "\x02"s
-     "exec a\0\x03\n"s,
-     2},
+    {"among arguments", "\2exec a\0\x03\n"s, 2},
     {"goes on among arguments", " b\x03\n", 3},
     {"ETX has ended the command", " c\x03\n", 3},
     {"STX without a name", "\x02\x03\n", 3},
-    {"inside a string",
-     "\x02"s
-     "exec \"a\0\x03\n"s,
-     2},
+    {"inside a string", "\2exec \"a\0\x03\n"s, 2},
     {"goes on inside the string", "b\" c d\x03\n", 5},
-    {"inside hex",
-     "\x02"s
-     "exec hex(01\0\x03\n"s,
-     2},
+    {"inside hex", "\2exec hex(01\0\x03\n"s, 2},
     {"goes on inside hex", "02) x y\x03\n", 5},
-    {"inside base64",
-     "\x02"s
-     "exec base64(QUJD\0\x03\n"s,
-     2},
+    {"inside base64", "\2exec base64(QUJD\0\x03\n"s, 2},
     {"goes on inside base64", "QUJD)\x03\n", 3},
-    {"STX ends a string of the line before",
-     "\x02"s
-     "exec \"a\0\x03\n"s,
-     2},
-    {"begins anew",
-     "\x02"s
-     "exec a\x03\n",
-     2},
+    {"STX ends a string of the line before", "\2exec \"a\0\x03\n"s, 2},
+    {"begins anew", "\2exec a\x03\n"s, 2},
     {"waits for a name", "\x02\0\x03\n"s, 2},
     {"the name comes", "exec a b\x03\n", 3},
     {"a frame header waits for a name", "#<frame>05:\0\x03\n"s, 3},

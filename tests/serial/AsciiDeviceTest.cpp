@@ -69,13 +69,7 @@ void PrintTo(const NoTerminal& device, std::ostream* out) {
 }
 
 const NoTerminal kNoTerminals[] = {
-    {"file",
-     [] {
-         writeFile(Adapter::kNode,
-                   "\x02"
-                   "foo\x03\n");
-     },
-     "19",
+    {"file", [] { writeFile(Adapter::kNode, "\2foo\x03\n"); }, "19",
      "Failed get original Device Attributes of /dev/usbserialadapter1: Inappropriate ioctl for device"},
     {"null", [] { makeLink(Adapter::kNode, "/dev/null"); }, "19",
      "Failed get original Device Attributes of /dev/usbserialadapter1: Inappropriate ioctl for device"},

@@ -87,11 +87,8 @@ TEST_P(AnswerDecoderRefuses, WhatDoesNotBeginALine) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Bytes, AnswerDecoderRefuses,
-                         testing::Values("x", "\n", "\x03", "#", "\x02\x02",
-                                         "\x02"
-                                         "a\x03\n",
-                                         "\x02\x03\n", "HTTP/1.1 400 Bad Request\r\n",
-                                         std::string(1, '\0')));
+                         testing::Values("x", "\n", "\x03", "#", "\x02\x02", "\2a\x03\n", "\x02\x03\n",
+                                         "HTTP/1.1 400 Bad Request\r\n", std::string(1, '\0')));
 
 TEST(AnswerDecoder, TakesATextOfTheLimit) {
     AnswerDecoder decoder(4);

@@ -30,15 +30,8 @@ TEST_P(RequestEncodes, To) {
 INSTANTIATE_TEST_SUITE_P(
     Line, RequestEncodes,
     Values(Encoded{"status", {}, "\x02status\x03\n"}, Encoded{"S", {}, "\x02S\x03\n"},
-           Encoded{"0",
-                   {},
-                   "\x02"
-                   "0\x03\n"},
-           Encoded{"status", {"03"}, "\x02status 03\x03\n"},
-           Encoded{"exec",
-                   {"command", "-1", "ls -l"},
-                   "\x02"
-                   "exec command \"-1\" \"ls -l\"\x03\n"},
+           Encoded{"0", {}, "\0020\x03\n"}, Encoded{"status", {"03"}, "\x02status 03\x03\n"},
+           Encoded{"exec", {"command", "-1", "ls -l"}, "\2exec command \"-1\" \"ls -l\"\x03\n"},
            Encoded{"i2c", {"write", "0", "0x50", "hex(00 1F)"}, "\x02i2c write 0 0x50 hex(00 1F)\x03\n"},
            Encoded{"memory", {"base64(QUJD)"}, "\x02memory base64(QUJD)\x03\n"}));
 
