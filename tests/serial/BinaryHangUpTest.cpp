@@ -35,6 +35,17 @@ protected:
     }
 
     void openGate() { writeFile(kGate, "\n"); }
+
+    /// The line is away while the answer leaves.
+    void expectSendingToFail() {
+        startCommand();
+        adapter.pull();
+        openGate();
+        EXPECT_TRUE(daemon.waitForError(kSendFailed));
+        adapter.plug();
+        expectReturn();
+        expectErrors({"File /tmp/resp.txt is empty", kSendFailed});
+    }
 };
 
 TEST_F(BinaryHangUpTest, BeforeARequest) {
@@ -60,13 +71,7 @@ TEST_F(BinaryHangUpTest, InTheBody) {
 }
 
 TEST_F(BinaryHangUpTest, WhileTheCommandRuns) {
-    startCommand();
-    adapter.pull();
-    openGate();
-    EXPECT_TRUE(daemon.waitForError(kSendFailed));
-    adapter.plug();
-    expectReturn();
-    expectErrors({"File /tmp/resp.txt is empty", kSendFailed});
+    expectSendingToFail();
 }
 
 TEST_F(BinaryHangUpTest, OnANewLineWhileTheCommandRuns) {
@@ -94,13 +99,7 @@ TEST_F(BinaryHangUpTest, InTheAcknowledgement) {
 }
 
 TEST_F(BinaryHangUpTest, FailedSendingIsReportedOnceForGood) {
-    startCommand();
-    adapter.pull();
-    openGate();
-    EXPECT_TRUE(daemon.waitForError(kSendFailed));
-    adapter.plug();
-    expectReturn();
-    expectErrors({"File /tmp/resp.txt is empty", kSendFailed});
+    expectSendingToFail();
     for (unsigned round = 0; round < 3; ++round) {
         startCommand();
         adapter.pull();
