@@ -1,3 +1,4 @@
+// As long as the tables of what the control refuses and of what it does.
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/un.h>

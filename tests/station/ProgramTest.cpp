@@ -1,3 +1,4 @@
+// As long as the tables of requests, of wrong arguments and of what the help shows.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
