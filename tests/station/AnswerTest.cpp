@@ -11,54 +11,46 @@ namespace {
 
 using testing::Values;
 
-struct InfoLine {
-    std::string line;
-    std::optional<std::string> message;
-
-    friend void PrintTo(const InfoLine& row, std::ostream* out) {
-        *out << testing::PrintToString(row.line);
-    }
-};
-
-class AnswerInfo : public testing::TestWithParam<InfoLine> {};
-
-TEST_P(AnswerInfo, Message) {
-    EXPECT_EQ(infoMessage(GetParam().line), GetParam().message);
-}
-
-INSTANTIATE_TEST_SUITE_P(Line, AnswerInfo,
-                         Values(InfoLine{"Info \"text\"", "text"}, InfoLine{"Info \"\"", ""},
-                                InfoLine{"Info \"two\nlines\n\"", "two\nlines\n"},
-                                InfoLine{"Info \"a \"quoted\" word\"", "a \"quoted\" word"},
-                                InfoLine{"Info \"\"\"", "\""}, InfoLine{"Info \"", std::nullopt},
-                                InfoLine{"Info \"open", std::nullopt},
-                                InfoLine{"Info text\"", std::nullopt},
-                                InfoLine{"info \"text\"", std::nullopt}, InfoLine{"", std::nullopt},
-                                InfoLine{"status \"text\"", std::nullopt}));
-
-struct GreetingLine {
+/// A line, and the text in it when it is one of its kind.
+struct SaidLine {
+    std::optional<std::string> (*read)(std::string_view line);
     std::string line;
     std::optional<std::string> text;
 
-    friend void PrintTo(const GreetingLine& row, std::ostream* out) {
+    friend void PrintTo(const SaidLine& row, std::ostream* out) {
         *out << testing::PrintToString(row.line);
     }
 };
 
-class AnswerGreeting : public testing::TestWithParam<GreetingLine> {};
+class AnswerSays : public testing::TestWithParam<SaidLine> {};
 
-TEST_P(AnswerGreeting, Text) {
-    EXPECT_EQ(greeting(GetParam().line), GetParam().text);
+TEST_P(AnswerSays, Text) {
+    EXPECT_EQ(GetParam().read(GetParam().line), GetParam().text);
 }
 
-INSTANTIATE_TEST_SUITE_P(Line, AnswerGreeting,
-                         Values(GreetingLine{"Info Production Test Server (Build 2026/11/21 09:03:24)",
-                                             "Production Test Server (Build 2026/11/21 09:03:24)"},
-                                GreetingLine{"Info ", ""}, GreetingLine{"Info", std::nullopt},
-                                GreetingLine{"Info \"text\"", std::nullopt},
-                                GreetingLine{"Info text\"", std::nullopt},
-                                GreetingLine{"status ok", std::nullopt},
-                                GreetingLine{"", std::nullopt}));
+const SaidLine kSaid[] = {
+    {infoMessage, "Info \"text\"", "text"},
+    {infoMessage, "Info \"\"", ""},
+    {infoMessage, "Info \"two\nlines\n\"", "two\nlines\n"},
+    {infoMessage, "Info \"a \"quoted\" word\"", "a \"quoted\" word"},
+    {infoMessage, "Info \"\"\"", "\""},
+    {infoMessage, "Info \"", std::nullopt},
+    {infoMessage, "Info \"open", std::nullopt},
+    {infoMessage, "Info text\"", std::nullopt},
+    {infoMessage, "info \"text\"", std::nullopt},
+    {infoMessage, "", std::nullopt},
+    {infoMessage, "status \"text\"", std::nullopt},
+    {greeting, "Info Production Test Server (Build 2026/11/21 09:03:24)",
+     "Production Test Server (Build 2026/11/21 09:03:24)"},
+    {greeting, "Info ", ""},
+    {greeting, "Info", std::nullopt},
+    {greeting, "Info \"text\"", std::nullopt},
+    {greeting, "Info text\"", std::nullopt},
+    {greeting, "status ok", std::nullopt},
+    {greeting, "", std::nullopt},
+};
+
+INSTANTIATE_TEST_SUITE_P(Line, AnswerSays, testing::ValuesIn(kSaid));
 
 struct FinalLine {
     std::string name;
