@@ -46,33 +46,33 @@ std::string AbstractPCmd::nodeOf(unsigned char port) const {
     return std::string(kFolder) + "/" + m_ports[port].name;
 }
 
-ProcessResponse* AbstractPCmd::checkRange(unsigned char port) const {
+Answer AbstractPCmd::checkRange(unsigned char port) const {
     if (port < m_ports.size())
         return nullptr;
-    return new ProcessResponse(kOutOfRange, kInvalidPort, port, static_cast<int>(m_ports.size()) - 1);
+    return failure(kOutOfRange, kInvalidPort, port, static_cast<int>(m_ports.size()) - 1);
 }
 
-ProcessResponse* AbstractPCmd::checkOutput(unsigned char port) const {
-    if (ProcessResponse* refusal = checkRange(port))
+Answer AbstractPCmd::checkOutput(unsigned char port) const {
+    if (Answer refusal = checkRange(port))
         return refusal;
     if (m_ports[port].type != PortInfo::Output)
-        return new ProcessResponse(kNotAnOutput, kNoOutput, port);
+        return failure(kNotAnOutput, kNoOutput, port);
     if (m_ports[port].name.empty())
-        return new ProcessResponse(kNotAvailable, kNotSupported, port);
+        return failure(kNotAvailable, kNotSupported, port);
     return nullptr;
 }
 
-ProcessResponse* AbstractPCmd::writeLevel(unsigned char port, char level) const {
+Answer AbstractPCmd::writeLevel(unsigned char port, char level) const {
     const System::Descriptor node = System::openNode(nodeOf(port).c_str(), O_WRONLY);
     if (!node) {
         const int error = errno;
         if (error == ENOENT)
-            return new ProcessResponse(kNotAvailable, kAbsent, port);
-        return new ProcessResponse(kAccessFailed, kCannotOpen, port, error, std::strerror(error));
+            return failure(kNotAvailable, kAbsent, port);
+        return failure(kAccessFailed, kCannotOpen, port, error, std::strerror(error));
     }
     if (level != '0' && level != '1')
-        return new ProcessResponse(kWriteFailed, kUnknownValue, level);
+        return failure(kWriteFailed, kUnknownValue, level);
     if (const int error = writeOne(node.get(), level); error != 0)
-        return new ProcessResponse(kWriteFailed, kCannotWrite, port, error, std::strerror(error));
-    return new ProcessResponse(ProcessResponse::kSuccess);
+        return failure(kWriteFailed, kCannotWrite, port, error, std::strerror(error));
+    return success();
 }

@@ -36,12 +36,12 @@ protected:
     std::string nodeOf(unsigned char port) const;
 
     /// Null when there is such a port.
-    ProcessResponse* checkRange(unsigned char port) const;
+    Answer checkRange(unsigned char port) const;
     /// Null when the port can be written to.
-    ProcessResponse* checkOutput(unsigned char port) const;
+    Answer checkOutput(unsigned char port) const;
 
     /// Opens the port and writes '0' or '1' to it; any other level is refused once the port is open.
-    ProcessResponse* writeLevel(unsigned char port, char level) const;
+    Answer writeLevel(unsigned char port, char level) const;
 
 private:
     std::vector<PortInfo> m_ports;

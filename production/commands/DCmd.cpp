@@ -1,10 +1,8 @@
 #include "commands/DCmd.h"
 
 #include <cstdint>
-#include <memory>
 
 #include "core/CRC.h"
-#include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
 #include "wire/BigEndian.h"
 
@@ -34,10 +32,6 @@ constexpr char kSumTooLarge[] = "offset + size exceed allocated memory size";
 constexpr char kSizeTooSmall[] = "length paramater too small";
 constexpr char kNoTable[] = "Memory allocation failure";
 
-ProcessResponse* genericError(const char* text) {
-    return new ProcessResponse(ProcessResponse::kGenericError, "%s", text);
-}
-
 } // namespace
 
 System::Mutex DCmd::s_singleton_mutex(System::Mutex::Normal);
@@ -50,52 +44,58 @@ DCmd* DCmd::getInstance() {
 
 DCmd::DCmd() : AbstractCmd('D', "diag", true) {}
 
-ProcessResponse* DCmd::process(std::vector<unsigned char>* request) {
+Answer DCmd::run(const std::vector<unsigned char>* request) {
     if (tavrin_getCommand(request) != kChecksum)
         return genericError(kUnexpectedSubCommand);
     if (tavrin_getRequestLen(request) != kRequestLength)
         return genericError(kInvalidLength);
     std::vector<unsigned char> result(kResultBytes);
-    ProcessResponse* response =
-        processData((*request)[3], bigEndian32(*request, 4), bigEndian32(*request, 8), result);
-    return tavrin_answer(request, response, result);
+    return tavrin_answer(
+        request, checksum((*request)[3], bigEndian32(*request, 4), bigEndian32(*request, 8), result),
+        result);
 }
 
-ProcessResponse* DCmd::process(std::vector<std::vector<char>>& tokens) {
+Answer DCmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kTokens)
         return genericError(kInvalidLength);
     if (!beginsWith(tokens[1], kChecksumWord))
         return genericError(kInvalidSubCommand);
     std::vector<unsigned char> result(kResultBytes);
-    ProcessResponse* response = processData(static_cast<unsigned char>(ascii_getInt(tokens[2])),
-                                            static_cast<unsigned int>(ascii_getInt(tokens[3])),
-                                            static_cast<unsigned int>(ascii_getInt(tokens[4])), result);
-    return ascii_answer(response, std::string(kChecksumWord) + " " + ascii_buildBase64String(result));
+    return ascii_answer(
+        checksum(static_cast<unsigned char>(ascii_getInt(tokens[2])),
+                 static_cast<unsigned int>(ascii_getInt(tokens[3])),
+                 static_cast<unsigned int>(ascii_getInt(tokens[4])), result),
+        [&] { return std::string(kChecksumWord) + " " + ascii_buildBase64String(result); });
 }
 
 ProcessResponse* DCmd::processData(unsigned char memType, unsigned int offset, unsigned int length,
                                    std::vector<unsigned char>& result) {
+    return checksum(memType, offset, length, result).release();
+}
+
+Answer DCmd::checksum(unsigned char memType, unsigned int offset, unsigned int length,
+                      std::vector<unsigned char>& result) {
     const unsigned char* buffer = getGlobalBuffer();
     const unsigned int size = getGlobalBufferSize();
     if (buffer == nullptr)
-        return new ProcessResponse(kAddressError, "%s", kNoMemory);
+        return failure(kAddressError, kNoMemory);
     if (memType == kSegmented)
         return genericError(kNotImplemented);
     if (memType != kLinear)
-        return new ProcessResponse(ProcessResponse::kGenericError, kUnknownType, memType);
+        return genericError(kUnknownType, memType);
     if (offset >= size)
-        return new ProcessResponse(kAddressError, "%s", kAddressTooLarge);
+        return failure(kAddressError, kAddressTooLarge);
     if (length >= size)
-        return new ProcessResponse(kSizeError, "%s", kSizeTooLarge);
+        return failure(kSizeError, kSizeTooLarge);
     // Both are below the buffer's size, so their sum does not wrap.
     if (offset + length >= size)
-        return new ProcessResponse(kSizeError, "%s", kSumTooLarge);
-    unsigned int checksum = 0;
-    const unsigned int error = System::CRC::calc(buffer + offset, length, &checksum);
+        return failure(kSizeError, kSumTooLarge);
+    unsigned int sum = 0;
+    const unsigned int error = System::CRC::calc(buffer + offset, length, &sum);
     if (error == System::CRC::kTooShort)
-        return new ProcessResponse(kSizeError, "%s", kSizeTooSmall);
+        return failure(kSizeError, kSizeTooSmall);
     if (error != 0)
-        return new ProcessResponse(kSizeError, "%s", kNoTable);
-    putBigEndian32(result, 0, checksum);
-    return new ProcessResponse(ProcessResponse::kSuccess);
+        return failure(kSizeError, kNoTable);
+    putBigEndian32(result, 0, sum);
+    return success();
 }

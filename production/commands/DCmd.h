@@ -11,8 +11,12 @@ class DCmd : public AbstractCmd {
 public:
     static DCmd* getInstance();
 
-    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
-    ProcessResponse* process(std::vector<unsigned char>* request) override;
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
+        return run(tokens).release();
+    }
+    ProcessResponse* process(std::vector<unsigned char>* request) override {
+        return run(request).release();
+    }
 
     /// Puts the checksum into the four bytes of `result`, most significant first. `memType` 0 is the
     /// scratch buffer; `offset` and `length` in bytes.
@@ -21,6 +25,11 @@ public:
 
 private:
     DCmd();
+
+    Answer run(const std::vector<std::vector<char>>& tokens);
+    Answer run(const std::vector<unsigned char>* request);
+    Answer checksum(unsigned char memType, unsigned int offset, unsigned int length,
+                    std::vector<unsigned char>& result);
 
     static System::Mutex s_singleton_mutex;
 };

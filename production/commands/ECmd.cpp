@@ -42,35 +42,38 @@ ECmd* ECmd::getInstance() {
 
 ECmd::ECmd() : AbstractCmd('E', "audio", true) {}
 
-ProcessResponse* ECmd::process(std::vector<unsigned char>* request) {
+Answer ECmd::run(const std::vector<unsigned char>* request) {
     if (tavrin_getRequestLen(request) != kRequestLength)
-        return new ProcessResponse(kAudioError, kInvalidLength);
+        return failure(kAudioError, kInvalidLength);
     const int subCommand = tavrin_getCommand(request);
     if (subCommand != kSwitch)
-        return new ProcessResponse(kAudioError, kUnknownSubCommand, static_cast<unsigned>(subCommand));
-    return setState((*request)[3]);
+        return failure(kAudioError, kUnknownSubCommand, static_cast<unsigned>(subCommand));
+    return switchTo((*request)[3]);
 }
 
-ProcessResponse* ECmd::process(std::vector<std::vector<char>>& tokens) {
+Answer ECmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kTokens)
-        return new ProcessResponse(kAudioError, kInvalidLength);
+        return failure(kAudioError, kInvalidLength);
     if (beginsWith(tokens[1], kActivateWord))
-        return setState(kActive);
+        return switchTo(kActive);
     if (beginsWith(tokens[1], kDeactivateWord))
-        return setState(kInactive);
-    return new ProcessResponse(ProcessResponse::kGenericError, kUnknownWord,
-                               tokenText(tokens[1]).c_str());
+        return switchTo(kInactive);
+    return genericError(kUnknownWord, tokenText(tokens[1]).c_str());
 }
 
 ProcessResponse* ECmd::setState(unsigned char state) {
+    return switchTo(state).release();
+}
+
+Answer ECmd::switchTo(unsigned char state) {
     if (state != kActive && state != kInactive)
-        return new ProcessResponse(kInvalidState, kNoSuchState);
+        return failure(kInvalidState, kNoSuchState);
     const char* command = state == kActive ? kActivate : kDeactivate;
     // The tool answers how many processes it has signalled.
     const int result = System::runCommandLine(command);
     if (result == -1)
-        return new ProcessResponse(kAudioError, kCallFailed, command, result);
+        return failure(kAudioError, kCallFailed, command, result);
     if (result == 0)
-        return new ProcessResponse(kAudioError, kNotRunning, result);
-    return new ProcessResponse(ProcessResponse::kSuccess);
+        return failure(kAudioError, kNotRunning, result);
+    return success();
 }

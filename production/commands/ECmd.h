@@ -10,14 +10,22 @@ class ECmd : public AbstractCmd {
 public:
     static ECmd* getInstance();
 
-    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
-    ProcessResponse* process(std::vector<unsigned char>* request) override;
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
+        return run(tokens).release();
+    }
+    ProcessResponse* process(std::vector<unsigned char>* request) override {
+        return run(request).release();
+    }
 
     /// 1 activates, 0 deactivates. Blocks the dispatcher while the signalling tool runs.
     ProcessResponse* setState(unsigned char state);
 
 private:
     ECmd();
+
+    Answer run(const std::vector<std::vector<char>>& tokens);
+    Answer run(const std::vector<unsigned char>* request);
+    Answer switchTo(unsigned char state);
 
     static System::Mutex s_singleton_mutex;
 };

@@ -11,14 +11,14 @@ ErrorCmd* ErrorCmd::getInstance() {
 ErrorCmd::ErrorCmd() : AbstractCmd(0, "Error", false) {}
 
 ProcessResponse* ErrorCmd::process(std::vector<std::vector<char>>&) {
-    return new ProcessResponse(ProcessResponse::kSuccess, "asdf");
+    return std::make_unique<ProcessResponse>(ProcessResponse::kSuccess, "asdf").release();
 }
 
 ProcessResponse* ErrorCmd::process(std::vector<unsigned char>*) {
-    return new ProcessResponse(ProcessResponse::kSuccess, "asdf");
+    return std::make_unique<ProcessResponse>(ProcessResponse::kSuccess, "asdf").release();
 }
 
-ProcessResponse* ErrorCmd::generateGenericTavrinError(const std::vector<unsigned char>* request,
-                                                      const std::string& text) {
+std::unique_ptr<ProcessResponseTavrin> ErrorCmd::generateGenericTavrinError(
+    const std::vector<unsigned char>* request, const std::string& text) {
     return tavrin_generateGenericError(request, text);
 }

@@ -12,9 +12,9 @@ public:
     ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
     ProcessResponse* process(std::vector<unsigned char>* request) override;
 
-    /// The generic error for a request, as a new response.
-    ProcessResponse* generateGenericTavrinError(const std::vector<unsigned char>* request,
-                                                const std::string& text);
+    /// The generic error for a request.
+    std::unique_ptr<ProcessResponseTavrin> generateGenericTavrinError(
+        const std::vector<unsigned char>* request, const std::string& text);
 
 private:
     ErrorCmd();

@@ -4,7 +4,6 @@
 
 #include "commands/cReadCmd.h"
 #include "core/Diagnostics.h"
-#include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
 
 namespace {
@@ -27,10 +26,6 @@ constexpr char kUnknownWord[] = "Unknown 'graphic' subcommand: %s";
 constexpr char kNoPicture[] = "Expected an output channel and a picture index!";
 constexpr char kNoChannels[] = "Expected an input channel and an output channel!";
 constexpr char kNoVariant[] = "  \u00BB The variant could not be detected using the default variant %s";
-
-ProcessResponse* genericError(const char* text) {
-    return new ProcessResponse(ProcessResponse::kGenericError, "%s", text);
-}
 
 /// A text that does not fit into memory names no variant: the daemon has to start all the same.
 std::string imageVersion() {
@@ -67,35 +62,28 @@ GCmd::variant_type GCmd::getVariant() const {
     return PAG;
 }
 
-ProcessResponse* GCmd::process(std::vector<unsigned char>* request) {
+Answer GCmd::run(const std::vector<unsigned char>* request) {
     const int subCommand = tavrin_getCommand(request);
     if (subCommand != kDisplay && subCommand != kCapture)
-        return new ProcessResponse(ProcessResponse::kGenericError, kUnknownSubCommand,
-                                   static_cast<unsigned>(subCommand));
+        return genericError(kUnknownSubCommand, static_cast<unsigned>(subCommand));
     const bool isDisplay = subCommand == kDisplay;
     if (tavrin_getRequestLen(request) != (isDisplay ? kDisplayLength : kCaptureLength))
         return genericError(kInvalidLength);
-    const ProcessResponse result = isDisplay ? displayTestImage((*request)[3], (*request)[4])
-                                             : captureFrame((*request)[4], (*request)[5]);
-    if (result.code != ProcessResponse::kSuccess)
-        return new ProcessResponse(result);
-    return new ProcessResponseTavrin(ProcessResponse::kSuccess, "");
+    return successIn<ProcessResponseTavrin>(
+        std::make_unique<ProcessResponse>(isDisplay ? displayTestImage((*request)[3], (*request)[4])
+                                                    : captureFrame((*request)[4], (*request)[5])));
 }
 
-ProcessResponse* GCmd::process(std::vector<std::vector<char>>& tokens) {
+Answer GCmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() < kFewestTokens)
         return genericError(kNoSubCommand);
     const bool isDisplay = beginsWith(tokens[1], kDisplayWord);
     if (!isDisplay && !beginsWith(tokens[1], kCaptureWord))
-        return new ProcessResponse(ProcessResponse::kGenericError, kUnknownWord,
-                                   tokenText(tokens[1]).c_str());
+        return genericError(kUnknownWord, tokenText(tokens[1]).c_str());
     if (tokens.size() < kTokens)
         return genericError(isDisplay ? kNoPicture : kNoChannels);
     const auto first = static_cast<unsigned char>(ascii_getInt(tokens[2]));
     const auto second = static_cast<unsigned char>(ascii_getInt(tokens[3]));
-    const ProcessResponse result =
-        isDisplay ? displayTestImage(first, second) : captureFrame(first, second);
-    if (result.code != ProcessResponse::kSuccess)
-        return new ProcessResponse(result);
-    return new ProcessResponseAscii(ProcessResponse::kSuccess, "");
+    return successIn<ProcessResponseAscii>(std::make_unique<ProcessResponse>(
+        isDisplay ? displayTestImage(first, second) : captureFrame(first, second)));
 }

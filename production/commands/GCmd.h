@@ -24,8 +24,12 @@ public:
 
     static GCmd* getInstance();
 
-    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
-    ProcessResponse* process(std::vector<unsigned char>* request) override;
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
+        return run(tokens).release();
+    }
+    ProcessResponse* process(std::vector<unsigned char>* request) override {
+        return run(request).release();
+    }
 
     /// The outputs for pictures and for video, and the video inputs, that this unit has.
     bool isOutChannelValid(unsigned char channel) const;
@@ -69,6 +73,9 @@ private:
     };
 
     GCmd();
+
+    Answer run(const std::vector<std::vector<char>>& tokens);
+    Answer run(const std::vector<unsigned char>* request);
 
     static const Route* findRoute(unsigned char input);
 

@@ -1,7 +1,6 @@
 // What reaches the two tools: which command lines, in which order, and what becomes of a failing one.
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 
 #include "commands/GCmd.h"
 #include "commands/cReadCmd.h"
@@ -48,15 +47,11 @@ constexpr char kNoConfiguration[] =
 constexpr char kOddChannel[] = "GCmd: Failure in callig %s function, invalid output channel: %u";
 constexpr char kTakesLvds0[] = "GCmd: Choosing LVDS0 as default output channel";
 
-ProcessResponse success() {
+ProcessResponse done() {
     return ProcessResponse(ProcessResponse::kSuccess);
 }
 
-bool failed(const ProcessResponse& response) {
-    return response.code != ProcessResponse::kSuccess;
-}
-
-ProcessResponse run(const char* tool, const std::string& arguments) {
+ProcessResponse runTool(const char* tool, const std::string& arguments) {
     std::string commandLine = tool + arguments;
     return GCmd::executeStringStream(&commandLine);
 }
@@ -74,9 +69,7 @@ unsigned char displayOf(unsigned char channel, const char* function) {
 } // namespace
 
 ProcessResponse GCmd::executeStringStream(std::string* commandLine) {
-    const std::unique_ptr<ProcessResponse> result(
-        cReadCmd::getInstance()->executeCommand(kToolSeconds, commandLine->c_str()));
-    return *result;
+    return *cReadCmd::getInstance()->executeCommand(kToolSeconds, commandLine->c_str());
 }
 
 ProcessResponse GCmd::setEnvVar() {
@@ -85,7 +78,7 @@ ProcessResponse GCmd::setEnvVar() {
         return ProcessResponse(ProcessResponse::kGenericError, kNoLibraryPath);
     if (::setenv(kConfigurationVariable, kConfigurationPath, kOverwrite) != 0)
         return ProcessResponse(ProcessResponse::kGenericError, kNoConfiguration);
-    return success();
+    return done();
 }
 
 bool GCmd::isOutChannelValid(unsigned char channel) const {
@@ -133,19 +126,19 @@ ProcessResponse GCmd::displayTestImage(unsigned char channel, unsigned char inde
 
 ProcessResponse GCmd::switchToBlack(unsigned char display) {
     if (!isOutChannelForVideoValid(display))
-        return success();
+        return done();
     if (ProcessResponse result = setEnvVar(); failed(result))
         return result;
     if (ProcessResponse result = makeLayer(m_isBlackPrepared, kMakeBlackLayer, false); failed(result))
         return result;
-    return run(kDisplayManager, string_format(kShowLayer, display, kBlackLayer));
+    return runTool(kDisplayManager, string_format(kShowLayer, display, kBlackLayer));
 }
 
 ProcessResponse GCmd::makeLayer(bool& isPrepared, const char* arguments, bool isRetried) {
     if (isPrepared)
-        return success();
+        return done();
     isPrepared = !isRetried;
-    ProcessResponse result = run(kDisplayManager, arguments);
+    ProcessResponse result = runTool(kDisplayManager, arguments);
     if (!failed(result))
         isPrepared = true;
     return result;
@@ -153,10 +146,10 @@ ProcessResponse GCmd::makeLayer(bool& isPrepared, const char* arguments, bool is
 
 ProcessResponse GCmd::startViewer() {
     if (m_isViewerRunning)
-        return success();
+        return done();
     if (ProcessResponse result = setEnvVar(); failed(result))
         return result;
-    ProcessResponse result = run(kViewer, "");
+    ProcessResponse result = runTool(kViewer, "");
     // Whatever came of it: a start that failed may have left a viewer behind, which has to be ended.
     m_isViewerRunning = true;
     return result;
@@ -164,20 +157,20 @@ ProcessResponse GCmd::startViewer() {
 
 ProcessResponse GCmd::showPicture(unsigned char index, unsigned char display) {
     for (const char* hide : {kHideFirst, kHideSecond}) {
-        if (ProcessResponse result = run(kViewer, hide); failed(result))
+        if (ProcessResponse result = runTool(kViewer, hide); failed(result))
             return result;
     }
     std::string path;
     if (ProcessResponse result = unzipTestScreen(index, path); failed(result))
         return result;
-    if (ProcessResponse result = run(kViewer, kSelect + path); failed(result))
+    if (ProcessResponse result = runTool(kViewer, kSelect + path); failed(result))
         return result;
-    return run(kViewer, string_format(kShow, display));
+    return runTool(kViewer, string_format(kShow, display));
 }
 
 ProcessResponse GCmd::quitShowimage() {
     m_isViewerRunning = false;
-    return run(kViewer, kQuit);
+    return runTool(kViewer, kQuit);
 }
 
 ProcessResponse GCmd::captureFrame(unsigned char input, unsigned char output) {
@@ -194,5 +187,5 @@ ProcessResponse GCmd::captureFrame(unsigned char input, unsigned char output) {
     if (ProcessResponse result = makeLayer(this->*route->isPrepared, route->makeLayer, route->isRetried);
         failed(result))
         return result;
-    return run(kDisplayManager, string_format(kShowLayer, display, route->layer));
+    return runTool(kDisplayManager, string_format(kShowLayer, display, route->layer));
 }

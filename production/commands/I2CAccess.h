@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
-#include "core/ProcessResponse.h"
+#include "core/Answer.h"
 #include "devices/I2c.h"
 
 /// What the two I2C commands share: their codes and texts, and the way to a bus.
@@ -19,22 +18,25 @@ enum Attribute : unsigned char { StopCondition = 0, BusSpeed = 1 };
 /// How a bus that cannot be opened is reported.
 enum class OpenFailure { CodeOnly, MessageAndCode };
 
-/// The opened bus; null, with `refusal` set, when there is none. Any number may be asked for.
-I2c* openBus(int bus, OpenFailure report, std::unique_ptr<ProcessResponse>& refusal);
+/// A bus, or why there is none.
+struct OpenedBus {
+    I2c* i2c;
+    Answer refusal;
+};
 
-/// "message, errorcode: code" under the given status code.
-ProcessResponse* failure(std::uint32_t code, const DeviceResult& result);
+/// Any number may be asked for.
+OpenedBus openBus(int bus, OpenFailure report);
 
-/// The answer to a transaction: a failure as above, or a plain success.
-ProcessResponse* outcome(const DeviceResult& result);
+/// The answer to a transaction.
+Answer outcome(const DeviceResult& result);
 
 /// The refusal of an attribute that there is not.
-ProcessResponse* unknownAttribute(int attribute);
+Answer unknownAttribute(int attribute);
 
-/// 0 switches the stop condition off, 1 on; anything else is refused. Null on success.
-ProcessResponse* setStopCondition(I2c& bus, unsigned char value);
+/// 0 switches the stop condition off, 1 on; anything else is refused.
+Answer setStopCondition(I2c& bus, unsigned char value);
 
-/// 100 or 400 kHz; `errorCode` is for a bus that does not take it. Null on success.
-ProcessResponse* setBusSpeed(I2c& bus, unsigned kiloHertz, std::uint32_t errorCode);
+/// 100 or 400 kHz; `errorCode` is for a bus that does not take it.
+Answer setBusSpeed(I2c& bus, unsigned kiloHertz, std::uint32_t errorCode);
 
 } // namespace I2CAccess

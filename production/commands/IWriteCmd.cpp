@@ -1,6 +1,6 @@
 #include "commands/IWriteCmd.h"
 
-#include <memory>
+#include <utility>
 
 #include "commands/I2CAccess.h"
 #include "wire/BigEndian.h"
@@ -24,14 +24,6 @@ constexpr char kWrongStopLength[] = "Expect at 6 Bytes, received: %d";
 constexpr char kCountOutOfRange[] = "Number of to by written Bytes must be in Range [1,%d] but is %d";
 constexpr char kTooFewBytes[] = "Bytes to Write is out of Range of received Bytes";
 
-ProcessResponse* genericError(const char* format, int number) {
-    return new ProcessResponse(ProcessResponse::kGenericError, format, number);
-}
-
-ProcessResponse* done() {
-    return new ProcessResponseTavrin(ProcessResponse::kSuccess, "");
-}
-
 } // namespace
 
 System::Mutex IWriteCmd::s_singleton_mutex(System::Mutex::Normal);
@@ -45,55 +37,47 @@ IWriteCmd* IWriteCmd::getInstance() {
 IWriteCmd::IWriteCmd() : AbstractCmd('I', "", true) {}
 
 ProcessResponse* IWriteCmd::process(std::vector<std::vector<char>>&) {
-    return new ProcessResponse(ProcessResponse::kGenericError, kElsewhere);
+    return genericError(kElsewhere).release();
 }
 
-ProcessResponse* IWriteCmd::process(std::vector<unsigned char>* request) {
-    return tavrin_getCommand(request) == kAttributes ? setAttribute(request) : writeBus(request);
-}
-
-ProcessResponse* IWriteCmd::setAttribute(std::vector<unsigned char>* request) {
+Answer IWriteCmd::run(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     if (length < kShortest)
         return genericError(kTooShort, length);
-    std::unique_ptr<ProcessResponse> refusal;
-    I2c* i2c = I2CAccess::openBus((*request)[3], OpenFailure::MessageAndCode, refusal);
-    if (i2c == nullptr)
-        return refusal.release();
-    const unsigned char attribute = (*request)[4];
+    return successIn<ProcessResponseTavrin>(tavrin_getCommand(request) == kAttributes
+                                                ? setAttribute(*request, length)
+                                                : writeBus(*request, length));
+}
+
+Answer IWriteCmd::setAttribute(const std::vector<unsigned char>& request, int length) {
+    auto [i2c, refusal] = I2CAccess::openBus(request[3], OpenFailure::MessageAndCode);
+    if (refusal)
+        return std::move(refusal);
+    const unsigned char attribute = request[4];
     switch (attribute) {
         case I2CAccess::BusSpeed:
             if (length != kSpeedLength)
                 return genericError(kWrongSpeedLength, length);
-            refusal.reset(
-                I2CAccess::setBusSpeed(*i2c, bigEndian16(*request, 5), I2CAccess::kSpeedError));
-            break;
+            return I2CAccess::setBusSpeed(*i2c, bigEndian16(request, 5), I2CAccess::kSpeedError);
         case I2CAccess::StopCondition:
             if (length != kStopLength)
                 return genericError(kWrongStopLength, length);
-            refusal.reset(I2CAccess::setStopCondition(*i2c, (*request)[5]));
-            break;
+            return I2CAccess::setStopCondition(*i2c, request[5]);
         default:
             return I2CAccess::unknownAttribute(attribute);
     }
-    return refusal ? refusal.release() : done();
 }
 
-ProcessResponse* IWriteCmd::writeBus(std::vector<unsigned char>* request) {
-    const int length = tavrin_getRequestLen(request);
-    if (length < kShortest)
-        return genericError(kTooShort, length);
-    const unsigned char count = (*request)[3];
+Answer IWriteCmd::writeBus(const std::vector<unsigned char>& request, int length) {
+    const unsigned char count = request[3];
     if (static_cast<unsigned char>(count - 1) > kMostBytes)
-        return new ProcessResponse(ProcessResponse::kGenericError, kCountOutOfRange, kMostBytes, count);
+        return genericError(kCountOutOfRange, kMostBytes, count);
     if (count + kHeader >= length)
-        return new ProcessResponse(ProcessResponse::kGenericError, kTooFewBytes);
-    std::unique_ptr<ProcessResponse> refusal;
-    I2c* i2c = I2CAccess::openBus((*request)[2], OpenFailure::MessageAndCode, refusal);
-    if (i2c == nullptr)
-        return refusal.release();
+        return genericError(kTooFewBytes);
+    auto [i2c, refusal] = I2CAccess::openBus(request[2], OpenFailure::MessageAndCode);
+    if (refusal)
+        return std::move(refusal);
     // The slave's address is sent as the first of the bytes, too.
-    const unsigned char* bytes = request->data() + 4;
-    const DeviceResult result = i2c->write(bytes[0], bytes, count);
-    return result.failed() ? I2CAccess::outcome(result) : done();
+    const unsigned char* bytes = request.data() + 4;
+    return I2CAccess::outcome(i2c->write(bytes[0], bytes, count));
 }

@@ -12,13 +12,17 @@ public:
 
     /// The ASCII protocol writes through the reading command's name.
     ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
-    ProcessResponse* process(std::vector<unsigned char>* request) override;
+    ProcessResponse* process(std::vector<unsigned char>* request) override {
+        return run(request).release();
+    }
 
 private:
     IWriteCmd();
 
-    ProcessResponse* setAttribute(std::vector<unsigned char>* request);
-    ProcessResponse* writeBus(std::vector<unsigned char>* request);
+    Answer run(const std::vector<unsigned char>* request);
+
+    Answer setAttribute(const std::vector<unsigned char>& request, int length);
+    Answer writeBus(const std::vector<unsigned char>& request, int length);
 
     static System::Mutex s_singleton_mutex;
 };

@@ -1,7 +1,5 @@
 #include "commands/PWriteCmd.h"
 
-#include <memory>
-
 namespace {
 
 constexpr int kPortCommand = 0xE3;
@@ -27,25 +25,22 @@ PWriteCmd* PWriteCmd::getInstance() {
 PWriteCmd::PWriteCmd() : AbstractPCmd('P', "") {}
 
 ProcessResponse* PWriteCmd::process(std::vector<std::vector<char>>&) {
-    return new ProcessResponse(ProcessResponse::kGenericError, kElsewhere);
+    return genericError(kElsewhere).release();
 }
 
-ProcessResponse* PWriteCmd::process(std::vector<unsigned char>* request) {
+Answer PWriteCmd::run(const std::vector<unsigned char>* request) {
     if (tavrin_getCommand(request) != kPortCommand || tavrin_getRequestLen(request) <= kHeaderLength ||
         (*request)[3] != kWritePort)
-        return new ProcessResponse(ProcessResponse::kGenericError, kNotSupported);
+        return genericError(kNotSupported);
     return writePort(request);
 }
 
-ProcessResponse* PWriteCmd::writePort(std::vector<unsigned char>* request) {
+Answer PWriteCmd::writePort(const std::vector<unsigned char>* request) {
     if (const int length = tavrin_getRequestLen(request); length != kWriteLength)
-        return new ProcessResponse(ProcessResponse::kGenericError, kInvalidLength, length);
+        return genericError(kInvalidLength, length);
     const unsigned char port = (*request)[4];
-    if (ProcessResponse* refusal = checkOutput(port))
+    if (Answer refusal = checkOutput(port))
         return refusal;
-    std::unique_ptr<ProcessResponse> result(
+    return successIn<ProcessResponseTavrin>(
         writeLevel(port, ((*request)[5] & kHighBit) != 0 ? '1' : '0'));
-    if (result->code != ProcessResponse::kSuccess)
-        return result.release();
-    return new ProcessResponseTavrin(ProcessResponse::kSuccess, "");
 }

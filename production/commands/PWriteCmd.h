@@ -12,12 +12,16 @@ public:
 
     /// The ASCII protocol writes through the reading command's name.
     ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
-    ProcessResponse* process(std::vector<unsigned char>* request) override;
+    ProcessResponse* process(std::vector<unsigned char>* request) override {
+        return run(request).release();
+    }
 
-    ProcessResponse* writePort(std::vector<unsigned char>* request);
+    Answer writePort(const std::vector<unsigned char>* request);
 
 private:
     PWriteCmd();
+
+    Answer run(const std::vector<unsigned char>* request);
 
     static System::Mutex s_singleton_mutex;
 };

@@ -37,12 +37,8 @@ constexpr std::size_t kResultAt = 6;
 constexpr std::size_t kCommandAt = 4;
 constexpr std::size_t kIoctlBuffer = 259;
 
-ProcessResponse* success() {
-    return new ProcessResponse(ProcessResponse::kSuccess);
-}
-
-ProcessResponse* notOpen() {
-    return new ProcessResponse(ProcessResponse::kGenericError, kNotOpen);
+Answer notOpen() {
+    return genericError(kNotOpen);
 }
 
 /// False when there is no memory for it.
@@ -54,16 +50,16 @@ bool allocate(std::unique_ptr<unsigned char[]>& block, std::size_t size) {
 
 } // namespace
 
-ProcessResponse* SWriteCmd::sdioOpen() {
+Answer SWriteCmd::sdioOpen() {
     if (m_sdioState != kSdioClosed)
-        delete sdioClose();
+        sdioClose();
     m_sdioState = ::access(kDriverNode, F_OK);
     if (m_sdioState != 0)
-        return new ProcessResponse(ProcessResponse::kGenericError, kCannotOpen, kDriverNode);
+        return genericError(kCannotOpen, kDriverNode);
     return success();
 }
 
-ProcessResponse* SWriteCmd::sdioClose() {
+Answer SWriteCmd::sdioClose() {
     m_sdioState = kSdioClosed;
     sdioForget();
     m_inputPosition = 0;
@@ -75,17 +71,16 @@ void SWriteCmd::sdioForget() {
     m_expected = 0;
 }
 
-ProcessResponse* SWriteCmd::sdioSend(const unsigned char* data, std::size_t length) {
+Answer SWriteCmd::sdioSend(const unsigned char* data, std::size_t length) {
     if (m_sdioState != 0)
         return notOpen();
     m_inputPosition = 0;
-    auto collected = std::make_unique<ProcessResponse>(ProcessResponse::kSuccess);
+    Answer collected = success();
     while (sdioAddToSendBuf(data, length, collected.get()) != kMoreNeeded) {
-        std::unique_ptr<ProcessResponse> sent(sdioDoSend());
-        if (sent->code != ProcessResponse::kSuccess)
-            return sent.release();
+        if (Answer sent = sdioDoSend(); failed(*sent))
+            return sent;
     }
-    return collected.release();
+    return collected;
 }
 
 int SWriteCmd::sdioAddToSendBuf(const unsigned char* data, std::size_t length,
@@ -119,7 +114,7 @@ void SWriteCmd::sdioCollect(const unsigned char* data, std::size_t length, std::
     m_inputPosition += count;
 }
 
-ProcessResponse* SWriteCmd::sdioDoSend() {
+Answer SWriteCmd::sdioDoSend() {
     std::array<unsigned char, kIoctlBuffer> buffer{};
     unsigned char* const command = buffer.data() + kCommandAt;
     std::copy_n(m_sendBuffer.get(), m_filled, command);
@@ -128,22 +123,21 @@ ProcessResponse* SWriteCmd::sdioDoSend() {
     sdioForget();
     const int result = uap_ioctl(buffer.data(), &length, static_cast<int>(buffer.size()));
     if (result != kReplied)
-        return new ProcessResponse(ProcessResponse::kGenericError, kFailed, std::strerror(-result));
+        return genericError(kFailed, std::strerror(-result));
     if (const int refusal = littleEndian16(command + kResultAt); refusal != 0)
-        return new ProcessResponse(ProcessResponse::kGenericError, kRefused, refusal);
+        return genericError(kRefused, refusal);
     if (!allocate(m_responseStore, kResponseStore))
-        return new ProcessResponse(kNoMemory, kNoResponseStore, static_cast<int>(kResponseStore));
+        return failure(kNoMemory, kNoResponseStore, static_cast<int>(kResponseStore));
     const auto size = static_cast<std::size_t>(length);
     if (size > kResponseStore)
-        return new ProcessResponse(ProcessResponse::kGenericError, kReplyTooLong, length,
-                                   static_cast<int>(kResponseStore));
+        return genericError(kReplyTooLong, length, static_cast<int>(kResponseStore));
     std::fill_n(m_responseStore.get(), kResponseStore, 0);
     std::copy_n(command, size, m_responseStore.get());
     m_responseLength = size;
     return success();
 }
 
-ProcessResponse* SWriteCmd::sdioGet(unsigned char size, std::vector<unsigned char>& data) {
+Answer SWriteCmd::sdioGet(unsigned char size, std::vector<unsigned char>& data) {
     if (m_sdioState != 0)
         return notOpen();
     if (m_responseLength == 0)

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "core/ProcessResponseAscii.h"
+#include "commands/DeviceOutcome.h"
 #include "core/StringFormat.h"
 #include "core/TokenText.h"
 #include "devices/CommHandler.h"
@@ -59,7 +59,6 @@ constexpr char kInUse[] = "Channel is a already in use by Bios";
 constexpr char kUnknownParity[] = "Could not detect Parity";
 constexpr char kUnknownChannel[] = "Interface id %d unknown";
 constexpr char kStopBitsFailed[] = "%s, stopbits: %d, errorcode: %d";
-constexpr char kWithErrorCode[] = "%s, errorcode: %d";
 constexpr char kOverflow[] = "Overflow of Requesting Bytes to Read, allowed: [1,%d], requested: %d";
 
 constexpr char kOpenTooShort[] = "Expected 4 Bytes min., received %d";
@@ -76,28 +75,10 @@ constexpr char kAtLeastThree[] = "Expected at least 3 Parameters, received %d";
 constexpr char kAtLeastTwo[] = "Expected at least 2 Parameters, received %d";
 constexpr char kNoPacketType[] = "Expected Data to send";
 
-ProcessResponse* genericError(const char* format, int number) {
-    return new ProcessResponse(ProcessResponse::kGenericError, format, number);
-}
-
-ProcessResponse* wrongTokenCount(const char* format, const std::vector<std::vector<char>>& tokens) {
-    return genericError(format, static_cast<int>(tokens.size()) - 1);
-}
-
-ProcessResponse* success() {
-    return new ProcessResponse(ProcessResponse::kSuccess);
-}
-
-ProcessResponse* ioOutcome(const DeviceResult& result) {
-    if (!result.failed())
-        return success();
-    return new ProcessResponse(kIoFailed, kWithErrorCode, result.message.c_str(), result.code);
-}
-
-ProcessResponse* checkWanted(unsigned char count, int requested) {
+Answer checkWanted(unsigned char count, int requested) {
     if (static_cast<unsigned char>(count - 1) < kMostWanted)
         return nullptr;
-    return new ProcessResponse(kReadSize, kOverflow, kStatedMost, requested);
+    return failure(kReadSize, kOverflow, kStatedMost, requested);
 }
 
 /// False for the one value that means nothing.
@@ -117,13 +98,13 @@ bool decodeParity(unsigned char flags, CommInterface::Parity& parity) {
     }
 }
 
-ProcessResponse* openFailure(const DeviceResult& result, unsigned char channel, unsigned stopBits) {
+Answer openFailure(const DeviceResult& result, unsigned char channel, unsigned stopBits) {
     if (result.code == DeviceError::kStopBits)
-        return new ProcessResponse(kOpenFailed, kStopBitsFailed, result.message.c_str(),
-                                   static_cast<int>(stopBits), result.code);
+        return failure(kOpenFailed, kStopBitsFailed, result.message.c_str(), static_cast<int>(stopBits),
+                       result.code);
     if (result.code == DeviceError::kNoSuchChannel)
-        return new ProcessResponse(kNoSuchChannel, kUnknownChannel, channel);
-    return new ProcessResponse(kOpenFailed, kWithErrorCode, result.message.c_str(), result.code);
+        return failure(kNoSuchChannel, kUnknownChannel, channel);
+    return deviceFailure(kOpenFailed, result);
 }
 
 std::string received(const char* word, unsigned char channel, const std::string& bytes) {
@@ -142,7 +123,7 @@ SWriteCmd* SWriteCmd::getInstance() {
 
 SWriteCmd::SWriteCmd() : AbstractCmd('S', "serial", true) {}
 
-ProcessResponse* SWriteCmd::process(std::vector<unsigned char>* request) {
+Answer SWriteCmd::run(const std::vector<unsigned char>* request) {
     const int command = tavrin_getCommand(request);
     std::vector<unsigned char> nothing;
     switch (command) {
@@ -161,9 +142,9 @@ ProcessResponse* SWriteCmd::process(std::vector<unsigned char>* request) {
     }
 }
 
-ProcessResponse* SWriteCmd::process(std::vector<std::vector<char>>& tokens) {
+Answer SWriteCmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() < 2)
-        return new ProcessResponse(ProcessResponse::kGenericError, kNoSubCommand);
+        return genericError(kNoSubCommand);
     const std::vector<char>& word = tokens[1];
     if (beginsWith(word, "open"))
         return openAscii(tokens);
@@ -179,13 +160,13 @@ ProcessResponse* SWriteCmd::process(std::vector<std::vector<char>>& tokens) {
     return genericError(kNotSupported, word.empty() ? 0 : static_cast<unsigned char>(word.front()));
 }
 
-ProcessResponse* SWriteCmd::open(unsigned char channel, unsigned int baud, unsigned char flags) {
+Answer SWriteCmd::open(unsigned char channel, unsigned int baud, unsigned char flags) {
     const bool isStationsOwn = listener() != nullptr && channel == listener()->getDeviceListNumber();
     if (isStationsOwn && !m_mayTakeStationsChannel)
-        return new ProcessResponse(kOpenFailed, kInUse);
+        return failure(kOpenFailed, kInUse);
     CommInterface::Parity parity = CommInterface::None;
     if (!decodeParity(flags, parity))
-        return new ProcessResponse(kNoSuchParity, kUnknownParity);
+        return failure(kNoSuchParity, kUnknownParity);
     const unsigned stopBits = (flags & kTwoStopBits) != 0 ? 2 : 1;
     const unsigned dataBits = (flags & kSevenDataBits) != 0 ? 7 : 8;
     Comm::Handle* handle = nullptr;
@@ -195,67 +176,67 @@ ProcessResponse* SWriteCmd::open(unsigned char channel, unsigned int baud, unsig
     return result.failed() ? openFailure(result, channel, stopBits) : success();
 }
 
-ProcessResponse* SWriteCmd::openWireless(unsigned char channel) {
+Answer SWriteCmd::openWireless(unsigned char channel) {
     if (channel == kWlanChannel)
         return sdioOpen();
-    return m_bluetooth.open() == 0 ? success() : new ProcessResponse(kOpenFailed);
+    return m_bluetooth.open() == 0 ? success() : failure(kOpenFailed);
 }
 
-ProcessResponse* SWriteCmd::close(unsigned char channel) {
+Answer SWriteCmd::close(unsigned char channel) {
     if (channel == kWlanChannel)
         return sdioClose();
     if (channel == kBluetoothChannel)
-        return m_bluetooth.close() == 0 ? success() : new ProcessResponse(kCloseFailed);
+        return m_bluetooth.close() == 0 ? success() : failure(kCloseFailed);
     Comm::Handle* handle = nullptr;
     const DeviceResult found = comm()->device(&handle, channel);
-    return ioOutcome(found.failed() ? found : handle->close());
+    return deviceOutcome(kIoFailed, found.failed() ? found : handle->close());
 }
 
-ProcessResponse* SWriteCmd::send(unsigned char channel, const unsigned char* data, std::size_t length) {
+Answer SWriteCmd::send(unsigned char channel, const unsigned char* data, std::size_t length) {
     if (channel == kWlanChannel)
         return sdioSend(data, length);
     if (channel == kBluetoothChannel) {
         if (length == 0)
-            return new ProcessResponse(ProcessResponse::kGenericError, kNoPacketType);
+            return genericError(kNoPacketType);
         m_bluetooth.write(data[0], data + 1, static_cast<int>(length - 1));
         return success();
     }
     Comm::Handle* handle = nullptr;
     const DeviceResult found = comm()->device(&handle, channel);
-    return ioOutcome(found.failed() ? found : handle->write(data, static_cast<int>(length)));
+    return deviceOutcome(kIoFailed,
+                         found.failed() ? found : handle->write(data, static_cast<int>(length)));
 }
 
-ProcessResponse* SWriteCmd::get(unsigned char channel, unsigned char count,
-                                std::vector<unsigned char>& data) {
+Answer SWriteCmd::get(unsigned char channel, unsigned char count, std::vector<unsigned char>& data) {
     data.assign(count, 0);
     if (channel == kWlanChannel)
         return sdioGet(count, data);
     if (channel == kBluetoothChannel)
-        return m_bluetooth.readnbytes(data, kReadMs, count) != 0 ? success()
-                                                                 : new ProcessResponse(kIoFailed);
+        return m_bluetooth.readnbytes(data, kReadMs, count) != 0 ? success() : failure(kIoFailed);
     Comm::Handle* handle = nullptr;
     const DeviceResult found = comm()->device(&handle, channel);
     unsigned arrived = 0;
     // What has not arrived stays zero: the station gets as many bytes as it asks for.
-    return ioOutcome(found.failed() ? found : handle->read(arrived, data.data(), count, kReadMs));
+    return deviceOutcome(kIoFailed,
+                         found.failed() ? found : handle->read(arrived, data.data(), count, kReadMs));
 }
 
-ProcessResponse* SWriteCmd::getAll(unsigned char channel, std::vector<unsigned char>& data) {
+Answer SWriteCmd::getAll(unsigned char channel, std::vector<unsigned char>& data) {
     data.assign(kGetAllBytes, 0);
     if (channel == kWlanChannel)
         return sdioGet(kGetAllBytes, data);
     if (channel == kBluetoothChannel)
-        return m_bluetooth.read(data, kReadMs) != 0 ? success() : new ProcessResponse(kIoFailed);
+        return m_bluetooth.read(data, kReadMs) != 0 ? success() : failure(kIoFailed);
     Comm::Handle* handle = nullptr;
     DeviceResult result = comm()->device(&handle, channel);
     unsigned arrived = 0;
     if (!result.failed())
         result = handle->read(arrived, data.data(), static_cast<int>(data.size()), kReadMs);
     data.resize(std::min<std::size_t>(static_cast<unsigned char>(arrived), kGetAllBytes));
-    return ioOutcome(result);
+    return deviceOutcome(kIoFailed, result);
 }
 
-ProcessResponse* SWriteCmd::openTavrin(std::vector<unsigned char>* request) {
+Answer SWriteCmd::openTavrin(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     if (length < kShortestOpen)
         return genericError(kOpenTooShort, length);
@@ -267,46 +248,44 @@ ProcessResponse* SWriteCmd::openTavrin(std::vector<unsigned char>* request) {
     return open(channel, bigEndian32(*request, kBaudAt), (*request)[kFlagsAt]);
 }
 
-ProcessResponse* SWriteCmd::closeTavrin(std::vector<unsigned char>* request) {
+Answer SWriteCmd::closeTavrin(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     return length == kCloseLength ? close((*request)[kChannelAt])
                                   : genericError(kWrongCloseLength, length);
 }
 
-ProcessResponse* SWriteCmd::sendTavrin(std::vector<unsigned char>* request) {
+Answer SWriteCmd::sendTavrin(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     if (length < kShortestSend)
         return genericError(kSendTooShort, length);
     return send((*request)[kChannelAt], request->data() + kDataAt, request->size() - kDataAt);
 }
 
-ProcessResponse* SWriteCmd::getTavrin(std::vector<unsigned char>* request) {
+Answer SWriteCmd::getTavrin(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     if (length != kGetLength)
         return genericError(kWrongGetLength, length);
     const unsigned char count = (*request)[kCountAt];
     // The refusal names the request's length in place of the count.
-    if (ProcessResponse* refusal = checkWanted(count, length))
+    if (Answer refusal = checkWanted(count, length))
         return refusal;
     std::vector<unsigned char> data;
-    ProcessResponse* result = get((*request)[kChannelAt], count, data);
-    return tavrin_answer(request, result, data);
+    return tavrin_answer(request, get((*request)[kChannelAt], count, data), data);
 }
 
-ProcessResponse* SWriteCmd::getAllTavrin(std::vector<unsigned char>* request) {
+Answer SWriteCmd::getAllTavrin(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     if (length < kShortestGetAll)
         return genericError(kGetAllTooShort, length);
     std::vector<unsigned char> data;
-    ProcessResponse* result = getAll((*request)[kChannelAt], data);
-    return tavrin_answer(request, result, data);
+    return tavrin_answer(request, getAll((*request)[kChannelAt], data), data);
 }
 
 unsigned char SWriteCmd::byteToken(const std::vector<char>& token) const {
     return static_cast<unsigned char>(ascii_getInt(token));
 }
 
-ProcessResponse* SWriteCmd::openAscii(const std::vector<std::vector<char>>& tokens) {
+Answer SWriteCmd::openAscii(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() < kFewestOpenTokens)
         return wrongTokenCount(kTooFewOpenTokens, tokens);
     const unsigned char channel = byteToken(tokens[2]);
@@ -317,35 +296,35 @@ ProcessResponse* SWriteCmd::openAscii(const std::vector<std::vector<char>>& toke
     return open(channel, static_cast<unsigned int>(ascii_getInt(tokens[3])), byteToken(tokens[4]));
 }
 
-ProcessResponse* SWriteCmd::closeAscii(const std::vector<std::vector<char>>& tokens) {
+Answer SWriteCmd::closeAscii(const std::vector<std::vector<char>>& tokens) {
     return tokens.size() == kCloseTokens ? close(byteToken(tokens[2]))
                                          : wrongTokenCount(kWrongCloseTokens, tokens);
 }
 
-ProcessResponse* SWriteCmd::sendAscii(const std::vector<std::vector<char>>& tokens) {
+Answer SWriteCmd::sendAscii(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kSendTokens)
         return wrongTokenCount(kAtLeastThree, tokens);
     const std::vector<unsigned char> data(tokens[3].begin(), tokens[3].end());
     return send(byteToken(tokens[2]), data.data(), data.size());
 }
 
-ProcessResponse* SWriteCmd::getAscii(const std::vector<std::vector<char>>& tokens) {
+Answer SWriteCmd::getAscii(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kGetTokens)
         return wrongTokenCount(kAtLeastThree, tokens);
     const unsigned char channel = byteToken(tokens[2]);
     const unsigned char count = byteToken(tokens[3]);
-    if (ProcessResponse* refusal = checkWanted(count, count))
+    if (Answer refusal = checkWanted(count, count))
         return refusal;
     std::vector<unsigned char> data;
-    ProcessResponse* result = get(channel, count, data);
-    return ascii_answer(result, received("get", channel, ascii_buildBase64String(data)));
+    return ascii_answer(get(channel, count, data),
+                        [&] { return received("get", channel, ascii_buildBase64String(data)); });
 }
 
-ProcessResponse* SWriteCmd::getAllAscii(const std::vector<std::vector<char>>& tokens) {
+Answer SWriteCmd::getAllAscii(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kGetAllTokens)
         return wrongTokenCount(kAtLeastTwo, tokens);
     const unsigned char channel = byteToken(tokens[2]);
     std::vector<unsigned char> data;
-    ProcessResponse* result = getAll(channel, data);
-    return ascii_answer(result, received("getall", channel, ascii_buildBase64String(data)));
+    return ascii_answer(getAll(channel, data),
+                        [&] { return received("getall", channel, ascii_buildBase64String(data)); });
 }

@@ -16,53 +16,60 @@ class SWriteCmd : public AbstractCmd {
 public:
     static SWriteCmd* getInstance();
 
-    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
-    ProcessResponse* process(std::vector<unsigned char>* request) override;
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
+        return run(tokens).release();
+    }
+    ProcessResponse* process(std::vector<unsigned char>* request) override {
+        return run(request).release();
+    }
 
     /// Opens a serial channel. `baud` in bits a second. Of `flags`, bit 0 asks for two stop bits, bits 1
     /// and 2 are 0 for no parity, 4 for even and 6 for odd, bit 3 asks for 7 data bits.
-    ProcessResponse* open(unsigned char channel, unsigned int baud, unsigned char flags);
+    Answer open(unsigned char channel, unsigned int baud, unsigned char flags);
     /// Closes any channel.
-    ProcessResponse* close(unsigned char channel);
+    Answer close(unsigned char channel);
 
     // --- The WLAN side. A host command: code, size, sequence number and result, 16 bits each, least
     // significant byte first, then data; the size counts all of it. ---
 
     /// Whether the chip's driver is there. An open link is closed first.
-    ProcessResponse* sdioOpen();
+    Answer sdioOpen();
     /// Forgets what has been collected. A reply that has not been fetched stays.
-    ProcessResponse* sdioClose();
+    Answer sdioClose();
     /// Sends the commands that the data complete, as a stream: what is incomplete waits for the next
     /// call. The first one that fails drops the rest. Blocks until the chip has answered each of them.
-    ProcessResponse* sdioSend(const unsigned char* data, std::size_t length);
+    Answer sdioSend(const unsigned char* data, std::size_t length);
     /// Collects from the data, from the input position on, up to the end
     /// of one command. Returns how many bytes are left over behind it; -1
     /// when more are needed or, with `response` telling, it is refused.
     int sdioAddToSendBuf(const unsigned char* data, std::size_t length, ProcessResponse* response);
     /// Sends the collected command, and stores the chip's reply in place of the one before.
-    ProcessResponse* sdioDoSend();
+    Answer sdioDoSend();
     /// Puts at most `size` bytes of the reply at the front of `data`, and forgets it.
-    ProcessResponse* sdioGet(unsigned char size, std::vector<unsigned char>& data);
+    Answer sdioGet(unsigned char size, std::vector<unsigned char>& data);
 
 private:
     SWriteCmd();
 
-    ProcessResponse* openTavrin(std::vector<unsigned char>* request);
-    ProcessResponse* closeTavrin(std::vector<unsigned char>* request);
-    ProcessResponse* sendTavrin(std::vector<unsigned char>* request);
-    ProcessResponse* getTavrin(std::vector<unsigned char>* request);
-    ProcessResponse* getAllTavrin(std::vector<unsigned char>* request);
+    Answer run(const std::vector<std::vector<char>>& tokens);
+    Answer run(const std::vector<unsigned char>* request);
 
-    ProcessResponse* openAscii(const std::vector<std::vector<char>>& tokens);
-    ProcessResponse* closeAscii(const std::vector<std::vector<char>>& tokens);
-    ProcessResponse* sendAscii(const std::vector<std::vector<char>>& tokens);
-    ProcessResponse* getAscii(const std::vector<std::vector<char>>& tokens);
-    ProcessResponse* getAllAscii(const std::vector<std::vector<char>>& tokens);
+    Answer openTavrin(const std::vector<unsigned char>* request);
+    Answer closeTavrin(const std::vector<unsigned char>* request);
+    Answer sendTavrin(const std::vector<unsigned char>* request);
+    Answer getTavrin(const std::vector<unsigned char>* request);
+    Answer getAllTavrin(const std::vector<unsigned char>* request);
 
-    ProcessResponse* openWireless(unsigned char channel);
-    ProcessResponse* send(unsigned char channel, const unsigned char* data, std::size_t length);
-    ProcessResponse* get(unsigned char channel, unsigned char count, std::vector<unsigned char>& data);
-    ProcessResponse* getAll(unsigned char channel, std::vector<unsigned char>& data);
+    Answer openAscii(const std::vector<std::vector<char>>& tokens);
+    Answer closeAscii(const std::vector<std::vector<char>>& tokens);
+    Answer sendAscii(const std::vector<std::vector<char>>& tokens);
+    Answer getAscii(const std::vector<std::vector<char>>& tokens);
+    Answer getAllAscii(const std::vector<std::vector<char>>& tokens);
+
+    Answer openWireless(unsigned char channel);
+    Answer send(unsigned char channel, const unsigned char* data, std::size_t length);
+    Answer get(unsigned char channel, unsigned char count, std::vector<unsigned char>& data);
+    Answer getAll(unsigned char channel, std::vector<unsigned char>& data);
 
     unsigned char byteToken(const std::vector<char>& token) const;
 

@@ -17,9 +17,9 @@ ackCmd* ackCmd::getInstance() {
 ackCmd::ackCmd() : AbstractCmd(kAcknowledge, "ack", true) {}
 
 ProcessResponse* ackCmd::process(std::vector<std::vector<char>>&) {
-    return new ProcessResponse(ProcessResponse::kNoAnswer);
+    return std::make_unique<ProcessResponse>(ProcessResponse::kNoAnswer).release();
 }
 
 ProcessResponse* ackCmd::process(std::vector<unsigned char>*) {
-    return new ProcessResponse(ProcessResponse::kNoAnswer);
+    return std::make_unique<ProcessResponse>(ProcessResponse::kNoAnswer).release();
 }

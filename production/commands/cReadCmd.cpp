@@ -9,12 +9,11 @@
 #include <chrono>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <new>
+#include <utility>
 
 #include "commands/FileContent.h"
 #include "core/Diagnostics.h"
-#include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
 #include "platform/Descriptors.h"
 #include "platform/Node.h"
@@ -61,21 +60,6 @@ constexpr char kFileEmpty[] = "File %s is empty";
 
 constexpr int kTimeoutStatus = 260;
 
-template <typename... Arguments>
-ProcessResponse* error(const char* format, Arguments... arguments) {
-    return new ProcessResponse(ProcessResponse::kGenericError, format, arguments...);
-}
-
-template <typename... Arguments>
-ProcessResponse* tavrinError(const char* format, Arguments... arguments) {
-    return new ProcessResponseTavrin(ProcessResponse::kGenericError, format, arguments...);
-}
-
-template <typename... Arguments>
-ProcessResponse* asciiError(const char* format, Arguments... arguments) {
-    return new ProcessResponseAscii(ProcessResponse::kGenericError, format, arguments...);
-}
-
 /// What stands there and cannot be removed: another user's file in a folder that protects it. Empty when
 /// it is no file.
 System::Descriptor truncateCaptureFile() {
@@ -101,32 +85,57 @@ System::Descriptor createCaptureFile() {
     return System::Descriptor(::open(kCaptureFile, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kCaptureMode));
 }
 
-ProcessResponse* judgeStatus(int status, int pid) {
+Answer judgeStatus(int status, int pid) {
     if ((status & 0xFF) == 0)
-        return new ProcessResponse(ProcessResponse::kSuccess);
+        return success();
     if ((status & 0xFF00) == 0)
-        return error(kSignalled, pid, status & 0x7F);
+        return genericError(kSignalled, pid, status & 0x7F);
     if (status == kTimeoutStatus)
-        return error(kExitedWithTimeout, pid);
-    return error(kExitedOtherwise, pid, status);
+        return genericError(kExitedWithTimeout, pid);
+    return genericError(kExitedOtherwise, pid, status);
 }
 
 /// "Process %s was killed after timeout\nstdout+err:\n%s\n", put together in the place where the output,
 /// which may be huge, is read to.
-ProcessResponse* killedAfterTimeout(const char* commandText) {
-    auto response = std::make_unique<ProcessResponse>(ProcessResponse::kGenericError);
+Answer killedAfterTimeout(const char* commandText) {
+    Answer response = failure(ProcessResponse::kGenericError);
     std::string& text = response->message;
     text = std::string("Process ") + commandText + " was killed after timeout\nstdout+err:\n";
     const std::size_t outputAt = text.size();
     if (const System::Descriptor file = System::openNode(kCaptureFile, O_RDONLY)) {
-        const int failure = FileContent::append(file, text);
+        const int error = FileContent::append(file, text);
         if (const std::size_t zero = text.find('\0', outputAt); zero != std::string::npos)
             text.resize(zero);
-        if (failure != 0)
-            text += string_format(kCannotRead, kCaptureFile, std::strerror(failure));
+        if (error != 0)
+            text += string_format(kCannotRead, kCaptureFile, std::strerror(error));
     }
     text += '\n';
-    return response.release();
+    return response;
+}
+
+/// Null when a file is open and tells what it is.
+Answer checkReadable(const System::Descriptor& file, const char* path, struct stat& information) {
+    if (!file)
+        return genericError(kCannotOpen, path);
+    if (!System::nodeStatus(file.get(), information))
+        return genericError(kCannotStat, path);
+    return nullptr;
+}
+
+/// As many bytes as one frame holds, or all.
+Answer readFirstBytes(const char* path, std::vector<unsigned char>& bytes) {
+    const System::Descriptor file = System::openNode(path, O_RDONLY);
+    struct stat information {};
+    if (Answer refusal = checkReadable(file, path, information))
+        return refusal;
+    bytes.resize(static_cast<std::size_t>(std::min(information.st_size, kMaxPayload)));
+    const ssize_t count = System::readNodeAt(file.get(), bytes.data(), bytes.size(), 0);
+    if (count < 0)
+        return genericError(kCannotRead, path, std::strerror(errno));
+    if (count == 0)
+        printDiagnostic(string_format(kFileEmpty, path));
+    bytes.resize(static_cast<std::size_t>(count));
+    return success();
 }
 
 std::chrono::nanoseconds limitFrom(unsigned long long seconds) {
@@ -157,50 +166,48 @@ cReadCmd* cReadCmd::getInstance() {
 
 cReadCmd::cReadCmd() : AbstractCmd('c', "exec", true) {}
 
-ProcessResponse* cReadCmd::process(std::vector<unsigned char>* request) {
+Answer cReadCmd::run(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     if (length > kLongestRequest)
-        return error("%s", kTooLong);
+        return genericError(kTooLong);
     if (length < kShortestRequest)
-        return error("%s", kTooShort);
+        return genericError(kTooShort);
     if (tavrin_getCommand(request) != kExecute)
-        return error("%s", kUnsupported);
+        return genericError(kUnsupported);
     const unsigned long long limit = (*request)[3] * 256ULL + (*request)[4];
     const std::string text(request->begin() + kTextAt, request->end());
     for (const char character : text) {
         if (character < 0x20 || character > 0x7E)
-            return error("%s%02X", kInvalidCharacter, static_cast<unsigned char>(character));
+            return genericError("%s%02X", kInvalidCharacter, static_cast<unsigned char>(character));
     }
-    std::unique_ptr<ProcessResponse> result(executeCommand(limit, text.c_str()));
-    if (result->code != ProcessResponse::kSuccess)
-        return result.release();
+    if (Answer result = executeCommand(limit, text.c_str()); failed(*result))
+        return result;
     return ReadFromFileBinary(request, kCaptureFile);
 }
 
-ProcessResponse* cReadCmd::process(std::vector<std::vector<char>>& tokens) {
+Answer cReadCmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kTokens)
-        return error(kWrongTokenCount, static_cast<int>(tokens.size()));
+        return genericError(kWrongTokenCount, static_cast<int>(tokens.size()));
     if (!beginsWith(tokens[1], kCommandWord))
-        return error("%s", kUnsupportedAscii);
+        return genericError(kUnsupportedAscii);
     const auto limit = static_cast<unsigned long long>(static_cast<long long>(ascii_getInt(tokens[2])));
     const std::string text(tokens[3].begin(), tokens[3].end());
-    std::unique_ptr<ProcessResponse> result(executeCommand(limit, text.c_str()));
-    if (result->code != ProcessResponse::kSuccess)
-        return result.release();
+    if (Answer result = executeCommand(limit, text.c_str()); failed(*result))
+        return result;
     return ReadFromFileBase64(kCaptureFile);
 }
 
-ProcessResponse* cReadCmd::executeCommand(unsigned long long timeoutSeconds, const char* commandText) {
+Answer cReadCmd::executeCommand(unsigned long long timeoutSeconds, const char* commandText) {
     System::Descriptor readEnd;
     System::Descriptor writeEnd;
     if (!System::openPipe(readEnd, writeEnd))
-        return error("%s", kNoPipe);
+        return genericError(kNoPipe);
     System::Descriptor output = createCaptureFile();
     if (!output)
-        return error("%s", kNoCaptureFile);
+        return genericError(kNoCaptureFile);
     System::Shell shell;
     if (shell.start(readEnd.get(), output.get(), output.get()) != 0)
-        return error("%s", kSpawnFailed);
+        return genericError(kSpawnFailed);
     readEnd.reset();
     output.reset();
     const System::ShellResult result =
@@ -211,46 +218,30 @@ ProcessResponse* cReadCmd::executeCommand(unsigned long long timeoutSeconds, con
         case System::ShellOutcome::Killed:
             return killedAfterTimeout(commandText);
         case System::ShellOutcome::KillFailed:
-            return error(kNotKilled, commandText);
+            return genericError(kNotKilled, commandText);
         case System::ShellOutcome::FeedFailed:
-            return error(kNotFed, std::strerror(result.error));
+            return genericError(kNotFed, std::strerror(result.error));
         case System::ShellOutcome::WaitFailed:
             break;
     }
-    return error(kWaitFailed, result.error);
+    return genericError(kWaitFailed, result.error);
 }
 
-ProcessResponse* cReadCmd::ReadFromFileBinary(std::vector<unsigned char>* request, const char* path) {
-    const System::Descriptor file = System::openNode(path, O_RDONLY);
-    if (!file)
-        return tavrinError(kCannotOpen, path);
-    struct stat information {};
-    if (!System::nodeStatus(file.get(), information))
-        return tavrinError(kCannotStat, path);
-    std::vector<unsigned char> payload(
-        static_cast<std::size_t>(std::min(information.st_size, kMaxPayload)));
-    const ssize_t count = System::readNodeAt(file.get(), payload.data(), payload.size(), 0);
-    if (count < 0)
-        return tavrinError(kCannotRead, path, std::strerror(errno));
-    if (count == 0)
-        printDiagnostic(string_format(kFileEmpty, path));
-    payload.resize(static_cast<std::size_t>(count));
-    auto response = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kSuccess, "");
-    tavrin_fillDefaultResponse(request, response.get(), payload);
-    return response.release();
+Answer cReadCmd::ReadFromFileBinary(const std::vector<unsigned char>* request, const char* path) {
+    std::vector<unsigned char> payload;
+    Answer result = readFirstBytes(path, payload);
+    return failed(*result) ? failureIn<ProcessResponseTavrin>(result)
+                           : tavrin_answer(request, std::move(result), payload);
 }
 
-ProcessResponse* cReadCmd::ReadFromFileBase64(const char* path) {
+Answer cReadCmd::ReadFromFileBase64(const char* path) {
     const System::Descriptor file = System::openNode(path, O_RDONLY);
-    if (!file)
-        return asciiError(kCannotOpen, path);
     struct stat information {};
-    if (!System::nodeStatus(file.get(), information))
-        return asciiError(kCannotStat, path);
-    auto response = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
-    response->answer = "base64(";
-    if (const int failure = FileContent::appendBase64(file, response->answer); failure != 0)
-        return asciiError(kCannotRead, path, std::strerror(failure));
-    response->answer += ')';
-    return response.release();
+    if (Answer refusal = checkReadable(file, path, information))
+        return failureIn<ProcessResponseAscii>(refusal);
+    std::string text = "base64(";
+    if (const int error = FileContent::appendBase64(file, text); error != 0)
+        return failureIn<ProcessResponseAscii>(genericError(kCannotRead, path, std::strerror(error)));
+    text += ')';
+    return asciiSuccess(std::move(text));
 }

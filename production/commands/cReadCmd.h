@@ -15,22 +15,29 @@ class cReadCmd : public AbstractCmd {
 public:
     static cReadCmd* getInstance();
 
-    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
-    ProcessResponse* process(std::vector<unsigned char>* request) override;
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
+        return run(tokens).release();
+    }
+    ProcessResponse* process(std::vector<unsigned char>* request) override {
+        return run(request).release();
+    }
 
     /// Runs `commandText` in a shell and waits for it, for at most `timeoutSeconds` (0 means 5 s). The
     /// output is left in "/tmp/resp.txt". Code 0 when the shell ended by itself, whatever its exit code.
     /// What becomes of a shell that outlives its limit is the system's way, see `platform/Shell.h`.
-    /// Blocks the dispatcher. The caller owns the response.
-    ProcessResponse* executeCommand(unsigned long long timeoutSeconds, const char* commandText);
+    /// Blocks the dispatcher.
+    Answer executeCommand(unsigned long long timeoutSeconds, const char* commandText);
 
     /// Answers the first bytes of a file, as many as one frame holds.
-    ProcessResponse* ReadFromFileBinary(std::vector<unsigned char>* request, const char* path);
+    Answer ReadFromFileBinary(const std::vector<unsigned char>* request, const char* path);
     /// Answers a whole file as "base64(...)", or that it cannot be read, for want of memory too.
-    ProcessResponse* ReadFromFileBase64(const char* path);
+    Answer ReadFromFileBase64(const char* path);
 
 private:
     cReadCmd();
+
+    Answer run(const std::vector<std::vector<char>>& tokens);
+    Answer run(const std::vector<unsigned char>* request);
 
     static System::Mutex s_singleton_mutex;
 };

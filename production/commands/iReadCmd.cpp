@@ -1,11 +1,11 @@
 #include "commands/iReadCmd.h"
 
-#include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "commands/I2CAccess.h"
-#include "core/ProcessResponseAscii.h"
+#include "commands/RequestSize.h"
 #include "core/TokenNumber.h"
 #include "core/TokenText.h"
 #include "wire/BigEndian.h"
@@ -20,12 +20,8 @@ constexpr int kReadHeader = 5;
 constexpr int kAttributeLength = 5;
 constexpr unsigned kHighestByte = 0xFF;
 
-constexpr std::size_t kFewestReadTokens = 5;
 constexpr std::size_t kReadTokensWithData = 6;
 constexpr std::size_t kMostFirst = 255;
-constexpr std::size_t kGetTokens = 4;
-constexpr std::size_t kSetTokens = 5;
-constexpr std::size_t kWriteTokens = 5;
 
 constexpr char kNoSubCommand[] = "Expected a subcommand!";
 constexpr char kUnknownSubCommand[] = "unknown subcommand '%s'";
@@ -39,19 +35,14 @@ constexpr char kTooMuchData[] = "Number of Bytes to write first must be in Range
 constexpr char kInvalidSlave[] = "Slave address %d is invalid";
 constexpr char kNoValue[] = "Attribute Value for AttributeId %d is missing";
 
-ProcessResponse* checkCount(int count) {
+Answer checkCount(int count) {
     if (count >= 1 && count <= kMostBytes)
         return nullptr;
-    return new ProcessResponse(ProcessResponse::kGenericError, kOverflow, kMostBytes, count);
+    return genericError(kOverflow, kMostBytes, count);
 }
 
-ProcessResponse* wrongTokenCount(const char* format, const std::vector<std::vector<char>>& tokens) {
-    return new ProcessResponse(ProcessResponse::kGenericError, format,
-                               static_cast<int>(tokens.size()) - 1);
-}
-
-ProcessResponse* invalidSlave(int address) {
-    return new ProcessResponse(ProcessResponse::kGenericError, kInvalidSlave, address);
+Answer invalidSlave(int address) {
+    return genericError(kInvalidSlave, address);
 }
 
 } // namespace
@@ -66,48 +57,55 @@ iReadCmd* iReadCmd::getInstance() {
 
 iReadCmd::iReadCmd() : AbstractCmd('i', "i2c", true) {}
 
-ProcessResponse* iReadCmd::process(std::vector<unsigned char>* request) {
+Answer iReadCmd::run(const std::vector<unsigned char>* request) {
     return tavrin_getCommand(request) == kAttributes ? getAttributeClassic(request)
                                                      : readBusClassic(request);
 }
 
-ProcessResponse* iReadCmd::process(std::vector<std::vector<char>>& tokens) {
+Answer iReadCmd::run(const std::vector<std::vector<char>>& tokens) {
+    struct SubCommand {
+        const char* word;
+        RequestSize tokens;
+        Answer (iReadCmd::*run)(const std::vector<std::vector<char>>& tokens);
+    };
+    static constexpr SubCommand kSubCommands[] = {
+        {"read", {5, kNoLimit, kAtLeastFour}, &iReadCmd::readBus},
+        {"getattributes", {4, 4, kExactlyThree}, &iReadCmd::getAttribute},
+        {"setattributes", {5, 5, kAtLeastFour}, &iReadCmd::setAttribute},
+        {"write", {5, 5, kAtLeastFour}, &iReadCmd::writeBus},
+    };
     if (tokens.size() < 2)
-        return new ProcessResponse(ProcessResponse::kGenericError, kNoSubCommand);
-    const std::string subCommand = tokenText(tokens[1]);
-    if (subCommand == "read")
-        return readBus(tokens);
-    if (subCommand == "getattributes")
-        return getAttribute(tokens);
-    if (subCommand == "setattributes")
-        return setAttribute(tokens);
-    if (subCommand == "write")
-        return writeBus(tokens);
-    return new ProcessResponse(ProcessResponse::kGenericError, kUnknownSubCommand, subCommand.c_str());
+        return genericError(kNoSubCommand);
+    const std::string word = tokenText(tokens[1]);
+    for (const SubCommand& subCommand : kSubCommands) {
+        if (word != subCommand.word)
+            continue;
+        if (Answer refusal = checkTokens(subCommand.tokens, tokens))
+            return refusal;
+        return (this->*subCommand.run)(tokens);
+    }
+    return genericError(kUnknownSubCommand, word.c_str());
 }
 
-ProcessResponse* iReadCmd::readBus(unsigned char bus, unsigned char count, unsigned char address,
-                                   bool writeFirst, const void* data, unsigned char dataLength,
-                                   std::vector<unsigned char>* out) {
-    if (ProcessResponse* refusal = checkCount(count))
+Answer iReadCmd::readBus(unsigned char bus, unsigned char count, unsigned char address, bool writeFirst,
+                         const void* data, unsigned char dataLength, std::vector<unsigned char>* out) {
+    if (Answer refusal = checkCount(count))
         return refusal;
-    std::unique_ptr<ProcessResponse> refusal;
-    I2c* i2c = I2CAccess::openBus(bus, OpenFailure::CodeOnly, refusal);
-    if (i2c == nullptr)
-        return refusal.release();
+    auto [i2c, refusal] = I2CAccess::openBus(bus, OpenFailure::CodeOnly);
+    if (refusal)
+        return std::move(refusal);
     return I2CAccess::outcome(writeFirst ? i2c->transfer(address, data, dataLength, out->data(), count)
                                          : i2c->read(address, out->data(), count));
 }
 
-ProcessResponse* iReadCmd::getAttribute(unsigned char bus, unsigned char attribute,
-                                        std::vector<unsigned char>* out) {
-    std::unique_ptr<ProcessResponse> refusal;
-    I2c* i2c = I2CAccess::openBus(bus, OpenFailure::CodeOnly, refusal);
-    if (i2c == nullptr)
-        return refusal.release();
+Answer iReadCmd::getAttribute(unsigned char bus, unsigned char attribute,
+                              std::vector<unsigned char>* out) {
+    auto [i2c, refusal] = I2CAccess::openBus(bus, OpenFailure::CodeOnly);
+    if (refusal)
+        return std::move(refusal);
     if (attribute == I2CAccess::StopCondition) {
         out->assign(1, i2c->isStopBitEnabled() ? 1 : 0);
-        return new ProcessResponse(ProcessResponse::kSuccess);
+        return success();
     }
     if (attribute != I2CAccess::BusSpeed)
         return I2CAccess::unknownAttribute(attribute);
@@ -117,42 +115,39 @@ ProcessResponse* iReadCmd::getAttribute(unsigned char bus, unsigned char attribu
         return I2CAccess::outcome(result);
     out->resize(sizeof(std::uint16_t));
     putBigEndian16(*out, 0, static_cast<std::uint16_t>(speed / kHertzPerKiloHertz));
-    return new ProcessResponse(ProcessResponse::kSuccess);
+    return success();
 }
 
-ProcessResponse* iReadCmd::readBusClassic(std::vector<unsigned char>* request) {
+Answer iReadCmd::readBusClassic(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     if (length < kReadHeader)
-        return new ProcessResponse(ProcessResponse::kGenericError, kTooShort, length);
+        return genericError(kTooShort, length);
     const unsigned char count = (*request)[3];
-    if (ProcessResponse* refusal = checkCount(count))
+    if (Answer refusal = checkCount(count))
         return refusal;
     std::vector<unsigned char> bytes(count);
-    ProcessResponse* result =
+    return tavrin_answer(
+        request,
         readBus((*request)[2], count, (*request)[4], length > kReadHeader, request->data() + kReadHeader,
-                static_cast<unsigned char>(length - kReadHeader), &bytes);
-    return tavrin_answer(request, result, bytes);
+                static_cast<unsigned char>(length - kReadHeader), &bytes),
+        bytes);
 }
 
-ProcessResponse* iReadCmd::getAttributeClassic(std::vector<unsigned char>* request) {
+Answer iReadCmd::getAttributeClassic(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     if (length != kAttributeLength)
-        return new ProcessResponse(ProcessResponse::kGenericError, kWrongLength, length);
+        return genericError(kWrongLength, length);
     std::vector<unsigned char> value;
-    ProcessResponse* result = getAttribute((*request)[3], (*request)[4], &value);
-    return tavrin_answer(request, result, value);
+    return tavrin_answer(request, getAttribute((*request)[3], (*request)[4], &value), value);
 }
 
-ProcessResponse* iReadCmd::readBus(std::vector<std::vector<char>>& tokens) {
-    if (tokens.size() < kFewestReadTokens)
-        return wrongTokenCount(kAtLeastFour, tokens);
+Answer iReadCmd::readBus(const std::vector<std::vector<char>>& tokens) {
     const int count = ascii_getInt(tokens[3]);
-    if (ProcessResponse* refusal = checkCount(count))
+    if (Answer refusal = checkCount(count))
         return refusal;
     const int bus = ascii_getInt(tokens[2]);
-    std::unique_ptr<ProcessResponse> unopened;
-    if (I2CAccess::openBus(bus, OpenFailure::CodeOnly, unopened) == nullptr)
-        return unopened.release();
+    if (Answer refusal = I2CAccess::openBus(bus, OpenFailure::CodeOnly).refusal)
+        return refusal;
     const auto address = tokenNumberUpTo(tokens[4], kHighestByte);
     if (!address)
         return invalidSlave(ascii_getInt(tokens[4]));
@@ -160,64 +155,52 @@ ProcessResponse* iReadCmd::readBus(std::vector<std::vector<char>>& tokens) {
     const std::vector<char> none;
     const std::vector<char>& data = writeFirst ? tokens[5] : none;
     if (data.size() > kMostFirst)
-        return new ProcessResponse(ProcessResponse::kGenericError, kTooMuchData,
-                                   static_cast<int>(kMostFirst), static_cast<int>(data.size()));
+        return genericError(kTooMuchData, static_cast<int>(kMostFirst), static_cast<int>(data.size()));
     std::vector<unsigned char> bytes(static_cast<std::size_t>(count));
-    ProcessResponse* result = readBus(static_cast<unsigned char>(bus), static_cast<unsigned char>(count),
-                                      static_cast<unsigned char>(*address), writeFirst, data.data(),
-                                      static_cast<unsigned char>(data.size()), &bytes);
-    return ascii_answer(result, ascii_buildHexString(bytes, true));
+    return ascii_answer(readBus(static_cast<unsigned char>(bus), static_cast<unsigned char>(count),
+                                static_cast<unsigned char>(*address), writeFirst, data.data(),
+                                static_cast<unsigned char>(data.size()), &bytes),
+                        [&] { return ascii_buildHexString(bytes, true); });
 }
 
-ProcessResponse* iReadCmd::getAttribute(std::vector<std::vector<char>>& tokens) {
-    if (tokens.size() != kGetTokens)
-        return wrongTokenCount(kExactlyThree, tokens);
+Answer iReadCmd::getAttribute(const std::vector<std::vector<char>>& tokens) {
     const int bus = ascii_getInt(tokens[2]);
-    std::unique_ptr<ProcessResponse> unopened;
-    if (I2CAccess::openBus(bus, OpenFailure::CodeOnly, unopened) == nullptr)
-        return unopened.release();
+    if (Answer refusal = I2CAccess::openBus(bus, OpenFailure::CodeOnly).refusal)
+        return refusal;
     const auto attribute = tokenNumberUpTo(tokens[3], kHighestByte);
     if (!attribute)
         return I2CAccess::unknownAttribute(ascii_getInt(tokens[3]));
     std::vector<unsigned char> value;
-    ProcessResponse* result =
-        getAttribute(static_cast<unsigned char>(bus), static_cast<unsigned char>(*attribute), &value);
-    return ascii_answer(result, ascii_buildHexString(value, true));
+    return ascii_answer(
+        getAttribute(static_cast<unsigned char>(bus), static_cast<unsigned char>(*attribute), &value),
+        [&] { return ascii_buildHexString(value, true); });
 }
 
-ProcessResponse* iReadCmd::setAttribute(std::vector<std::vector<char>>& tokens) {
-    if (tokens.size() != kSetTokens)
-        return wrongTokenCount(kAtLeastFour, tokens);
-    std::unique_ptr<ProcessResponse> refusal;
-    I2c* i2c = I2CAccess::openBus(ascii_getInt(tokens[2]), OpenFailure::MessageAndCode, refusal);
-    if (i2c == nullptr)
-        return refusal.release();
+Answer iReadCmd::setAttribute(const std::vector<std::vector<char>>& tokens) {
+    auto [i2c, refusal] = I2CAccess::openBus(ascii_getInt(tokens[2]), OpenFailure::MessageAndCode);
+    if (refusal)
+        return std::move(refusal);
     std::vector<unsigned char> value = ascii_buildHexVector(tokenText(tokens[4]));
     const int attribute = ascii_getInt(tokens[3]);
     switch (attribute) {
         case I2CAccess::StopCondition:
             if (value.empty())
-                return new ProcessResponse(ProcessResponse::kGenericError, kNoValue, attribute);
-            refusal.reset(I2CAccess::setStopCondition(*i2c, value[0]));
-            break;
+                return genericError(kNoValue, attribute);
+            return successIn<ProcessResponseAscii>(I2CAccess::setStopCondition(*i2c, value[0]));
         case I2CAccess::BusSpeed:
             // With zeros for what it lacks it is no speed that there is.
             value.resize(sizeof(std::uint16_t));
-            refusal.reset(I2CAccess::setBusSpeed(*i2c, bigEndian16(value, 0), I2CAccess::kBusError));
-            break;
+            return successIn<ProcessResponseAscii>(
+                I2CAccess::setBusSpeed(*i2c, bigEndian16(value, 0), I2CAccess::kBusError));
         default:
             return I2CAccess::unknownAttribute(attribute);
     }
-    return refusal ? refusal.release() : new ProcessResponseAscii(ProcessResponse::kSuccess, "");
 }
 
-ProcessResponse* iReadCmd::writeBus(std::vector<std::vector<char>>& tokens) {
-    if (tokens.size() != kWriteTokens)
-        return wrongTokenCount(kAtLeastFour, tokens);
-    std::unique_ptr<ProcessResponse> refusal;
-    I2c* i2c = I2CAccess::openBus(ascii_getInt(tokens[2]), OpenFailure::MessageAndCode, refusal);
-    if (i2c == nullptr)
-        return refusal.release();
+Answer iReadCmd::writeBus(const std::vector<std::vector<char>>& tokens) {
+    auto [i2c, refusal] = I2CAccess::openBus(ascii_getInt(tokens[2]), OpenFailure::MessageAndCode);
+    if (refusal)
+        return std::move(refusal);
     const auto address = tokenNumberUpTo(tokens[3], kHighestByte);
     if (!address)
         return invalidSlave(ascii_getInt(tokens[3]));
@@ -225,8 +208,6 @@ ProcessResponse* iReadCmd::writeBus(std::vector<std::vector<char>>& tokens) {
     // The one refusal that is given as an exception; the Handler makes it the generic error.
     if (data.empty())
         throw std::out_of_range(kNoData);
-    const DeviceResult result = i2c->write(*address, data.data(), static_cast<unsigned>(data.size()));
-    if (result.failed())
-        return I2CAccess::outcome(result);
-    return new ProcessResponseAscii(ProcessResponse::kSuccess, "");
+    return successIn<ProcessResponseAscii>(
+        I2CAccess::outcome(i2c->write(*address, data.data(), static_cast<unsigned>(data.size()))));
 }

@@ -11,27 +11,32 @@ class iReadCmd : public AbstractCmd {
 public:
     static iReadCmd* getInstance();
 
-    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
-    ProcessResponse* process(std::vector<unsigned char>* request) override;
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
+        return run(tokens).release();
+    }
+    ProcessResponse* process(std::vector<unsigned char>* request) override {
+        return run(request).release();
+    }
 
     /// Reads `count` bytes (1 to 247) into `out`, which has that size. `address` is the slave's, 7 bits.
-    ProcessResponse* readBus(unsigned char bus, unsigned char count, unsigned char address,
-                             bool writeFirst, const void* data, unsigned char dataLength,
-                             std::vector<unsigned char>* out);
+    Answer readBus(unsigned char bus, unsigned char count, unsigned char address, bool writeFirst,
+                   const void* data, unsigned char dataLength, std::vector<unsigned char>* out);
     /// Makes `out` the attribute's value: one byte, or two for the speed in kHz.
-    ProcessResponse* getAttribute(unsigned char bus, unsigned char attribute,
-                                  std::vector<unsigned char>* out);
+    Answer getAttribute(unsigned char bus, unsigned char attribute, std::vector<unsigned char>* out);
 
 private:
     iReadCmd();
 
-    ProcessResponse* readBusClassic(std::vector<unsigned char>* request);
-    ProcessResponse* getAttributeClassic(std::vector<unsigned char>* request);
-    ProcessResponse* readBus(std::vector<std::vector<char>>& tokens);
-    ProcessResponse* getAttribute(std::vector<std::vector<char>>& tokens);
-    ProcessResponse* setAttribute(std::vector<std::vector<char>>& tokens);
+    Answer run(const std::vector<std::vector<char>>& tokens);
+    Answer run(const std::vector<unsigned char>* request);
+
+    Answer readBusClassic(const std::vector<unsigned char>* request);
+    Answer getAttributeClassic(const std::vector<unsigned char>* request);
+    Answer readBus(const std::vector<std::vector<char>>& tokens);
+    Answer getAttribute(const std::vector<std::vector<char>>& tokens);
+    Answer setAttribute(const std::vector<std::vector<char>>& tokens);
     /// Throws std::out_of_range when the token for the data is empty.
-    ProcessResponse* writeBus(std::vector<std::vector<char>>& tokens);
+    Answer writeBus(const std::vector<std::vector<char>>& tokens);
 
     static System::Mutex s_singleton_mutex;
 };

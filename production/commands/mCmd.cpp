@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "core/Diagnostics.h"
-#include "core/ProcessResponseAscii.h"
 #include "core/TokenNumber.h"
 #include "core/TokenText.h"
 #include "wire/BigEndian.h"
@@ -46,19 +45,14 @@ constexpr char kUnknownType[] = "Device Type is unknown";
 constexpr char kNoSuchId[] = "Device ID does not exist";
 constexpr char kIdNotRegistered[] = "Device Id is not registered";
 
-DeviceResult failure(const char* text) {
+DeviceResult deviceFailure(const char* text) {
     return mCmd::create_deverror(text, kError);
 }
 
-ProcessResponse* genericError(const char* text) {
-    return new ProcessResponse(ProcessResponse::kGenericError, "%s", text);
-}
-
-ProcessResponse* responseTo(const DeviceResult& result) {
+Answer responseTo(const DeviceResult& result) {
     if (!result.failed())
-        return new ProcessResponse(ProcessResponse::kSuccess);
-    return new ProcessResponse(ProcessResponse::kGenericError, kWithErrorCode, result.message.c_str(),
-                               result.code);
+        return success();
+    return genericError(kWithErrorCode, result.message.c_str(), result.code);
 }
 
 /// A device type or id; what no byte holds is the highest one, which none has.
@@ -137,8 +131,8 @@ DeviceResult mCmd::device(Handle** handle, unsigned char type, unsigned char id)
     const auto devices = m_devices.find(type);
     if (devices == m_devices.end()) {
         if (isRemovable)
-            return failure(kNoDevice);
-        return failure(isFixed ? kNotRegistered : kUnknownType);
+            return deviceFailure(kNoDevice);
+        return deviceFailure(isFixed ? kNotRegistered : kUnknownType);
     }
     const auto found = devices->second.find(id);
     if (found != devices->second.end()) {
@@ -146,20 +140,20 @@ DeviceResult mCmd::device(Handle** handle, unsigned char type, unsigned char id)
         return {};
     }
     if ((type == kSdCard && id > kLastSdCard) || (type == kOpticalDevice && id != 0) || isFixed)
-        return failure(kNoSuchId);
-    return failure(isRemovable ? kNoDevice : kIdNotRegistered);
+        return deviceFailure(kNoSuchId);
+    return deviceFailure(isRemovable ? kNoDevice : kIdNotRegistered);
 }
 
-ProcessResponse* mCmd::open(Handle* handle) {
+Answer mCmd::open(Handle* handle) {
     return responseTo(handle->open());
 }
 
-ProcessResponse* mCmd::close(Handle* handle) {
+Answer mCmd::close(Handle* handle) {
     return responseTo(handle->close());
 }
 
-ProcessResponse* mCmd::read(Handle* handle, unsigned firstBlock, unsigned blockCount, unsigned offset,
-                            std::vector<unsigned char>& count) {
+Answer mCmd::read(Handle* handle, unsigned firstBlock, unsigned blockCount, unsigned offset,
+                  std::vector<unsigned char>& count) {
     const unsigned size = getGlobalBufferSize();
     if (offset >= size)
         return genericError(kOffsetOutOfRange);
@@ -172,8 +166,8 @@ ProcessResponse* mCmd::read(Handle* handle, unsigned firstBlock, unsigned blockC
     return responseTo(result);
 }
 
-ProcessResponse* mCmd::write(Handle* handle, unsigned firstBlock, unsigned blockCount, unsigned offset,
-                             std::vector<unsigned char>& count) {
+Answer mCmd::write(Handle* handle, unsigned firstBlock, unsigned blockCount, unsigned offset,
+                   std::vector<unsigned char>& count) {
     constexpr int kNoSpaceAtAll = -1;
     const unsigned size = getGlobalBufferSize();
     const bool isInside = offset <= size && size != 0;
@@ -186,14 +180,14 @@ ProcessResponse* mCmd::write(Handle* handle, unsigned firstBlock, unsigned block
     return responseTo(result);
 }
 
-ProcessResponse* mCmd::process(std::vector<unsigned char>* request) {
+Answer mCmd::run(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     if (length < kShortestRequest)
         return genericError(kInvalidLength);
     Handle* handle = nullptr;
     if (const DeviceResult result = device(&handle, (*request)[2], (*request)[3]);
         result.failed() || handle == nullptr)
-        return new ProcessResponse(static_cast<unsigned>(result.code), "%s", result.message.c_str());
+        return failure(static_cast<unsigned>(result.code), "%s", result.message.c_str());
     const unsigned char operation = (*request)[4];
     if (operation < Open || operation > Write)
         return genericError(kInvalidSubCommand);
@@ -201,25 +195,23 @@ ProcessResponse* mCmd::process(std::vector<unsigned char>* request) {
     if (length != (isTransfer ? kTransferLength : kShortestRequest))
         return genericError(kInvalidLength);
     std::vector<unsigned char> count;
-    ProcessResponse* result = nullptr;
-    if (isTransfer) {
-        const auto transfer = operation == Read ? &mCmd::read : &mCmd::write;
-        result = (this->*transfer)(handle, bigEndian32(*request, kFirstBlockAt),
-                                   bigEndian32(*request, kBlockCountAt),
-                                   bigEndian32(*request, kOffsetAt), count);
-    } else {
-        result = operation == Open ? open(handle) : close(handle);
-    }
-    return tavrin_answer(request, result, count);
+    if (!isTransfer)
+        return tavrin_answer(request, operation == Open ? open(handle) : close(handle), count);
+    const auto transfer = operation == Read ? &mCmd::read : &mCmd::write;
+    return tavrin_answer(
+        request,
+        (this->*transfer)(handle, bigEndian32(*request, kFirstBlockAt),
+                          bigEndian32(*request, kBlockCountAt), bigEndian32(*request, kOffsetAt), count),
+        count);
 }
 
-ProcessResponse* mCmd::process(std::vector<std::vector<char>>& tokens) {
+Answer mCmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() < kTokens)
         return genericError(kInvalidLength);
     Handle* handle = nullptr;
     const DeviceResult found = device(&handle, byteIn(tokens[2]), byteIn(tokens[3]));
     if (found.failed() || handle == nullptr)
-        return new ProcessResponse(static_cast<unsigned>(found.code), "%s", found.message.c_str());
+        return failure(static_cast<unsigned>(found.code), "%s", found.message.c_str());
     const bool isOpen = beginsWith(tokens[1], "open");
     const bool isRead = beginsWith(tokens[1], "read");
     if (isOpen || beginsWith(tokens[1], "close")) {
@@ -233,7 +225,7 @@ ProcessResponse* mCmd::process(std::vector<std::vector<char>>& tokens) {
         return genericError(kInvalidLength);
     std::vector<unsigned char> count;
     const auto transfer = isRead ? &mCmd::read : &mCmd::write;
-    ProcessResponse* result =
-        (this->*transfer)(handle, numberIn(tokens[4]), numberIn(tokens[5]), numberIn(tokens[6]), count);
-    return ascii_answer(result, ascii_buildBase64String(count));
+    return ascii_answer(
+        (this->*transfer)(handle, numberIn(tokens[4]), numberIn(tokens[5]), numberIn(tokens[6]), count),
+        [&] { return ascii_buildBase64String(count); });
 }

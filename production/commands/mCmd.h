@@ -53,25 +53,32 @@ public:
 
     static mCmd* getInstance();
 
-    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
-    ProcessResponse* process(std::vector<unsigned char>* request) override;
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
+        return run(tokens).release();
+    }
+    ProcessResponse* process(std::vector<unsigned char>* request) override {
+        return run(request).release();
+    }
 
     static std::string getTypeName(int type);
     static DeviceResult create_deverror(std::string message, int code);
 
     /// Sets `*handle` on success only.
     DeviceResult device(Handle** handle, unsigned char type, unsigned char id);
-    ProcessResponse* open(Handle* handle);
-    ProcessResponse* close(Handle* handle);
+    Answer open(Handle* handle);
+    Answer close(Handle* handle);
     /// `offset` is in bytes, into the scratch buffer. `count` becomes the number of bytes moved, in four
     /// bytes, most significant first.
-    ProcessResponse* read(Handle* handle, unsigned firstBlock, unsigned blockCount, unsigned offset,
-                          std::vector<unsigned char>& count);
-    ProcessResponse* write(Handle* handle, unsigned firstBlock, unsigned blockCount, unsigned offset,
-                           std::vector<unsigned char>& count);
+    Answer read(Handle* handle, unsigned firstBlock, unsigned blockCount, unsigned offset,
+                std::vector<unsigned char>& count);
+    Answer write(Handle* handle, unsigned firstBlock, unsigned blockCount, unsigned offset,
+                 std::vector<unsigned char>& count);
 
 private:
     mCmd();
+
+    Answer run(const std::vector<std::vector<char>>& tokens);
+    Answer run(const std::vector<unsigned char>* request);
 
     void addHardDisk(unsigned id, const char* path);
     void addDevice(int type, unsigned id, const char* path, bool writable);

@@ -4,9 +4,7 @@
 
 #include <cerrno>
 #include <cstring>
-#include <memory>
 
-#include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
 #include "platform/Node.h"
 #include "wire/BigEndian.h"
@@ -43,10 +41,6 @@ constexpr char kNoSubCommand[] = "Expected a subcommand!";
 constexpr char kNoPortNumber[] = "Expected a Port Number!";
 constexpr char kUnknownSubCommand[] = "unknown subcommand '%s'";
 
-ProcessResponse* genericError(const char* text) {
-    return new ProcessResponse(ProcessResponse::kGenericError, "%s", text);
-}
-
 } // namespace
 
 System::Mutex pReadCmd::s_singleton_mutex(System::Mutex::Normal);
@@ -59,28 +53,26 @@ pReadCmd* pReadCmd::getInstance() {
 
 pReadCmd::pReadCmd() : AbstractPCmd('p', "port") {}
 
-ProcessResponse* pReadCmd::process(std::vector<unsigned char>* request) {
+Answer pReadCmd::run(const std::vector<unsigned char>* request) {
     std::vector<unsigned char> data;
-    ProcessResponse* result = runBinary(request, &data);
-    return tavrin_answer(request, result, data);
+    return tavrin_answer(request, runBinary(request, &data), data);
 }
 
-ProcessResponse* pReadCmd::runBinary(std::vector<unsigned char>* request,
-                                     std::vector<unsigned char>* data) {
+Answer pReadCmd::runBinary(const std::vector<unsigned char>* request, std::vector<unsigned char>* data) {
     const int length = tavrin_getRequestLen(request);
     if (length <= kHeaderLength || tavrin_getCommand(request) != kPortCommand)
         return genericError(kNotSupported);
     switch ((*request)[3]) {
         case kReadConfig:
             if (length != kReadConfigLength)
-                return new ProcessResponse(ProcessResponse::kGenericError, kConfigLength, length);
+                return genericError(kConfigLength, length);
             if (ports().size() > kMostPorts)
                 return genericError(kTooManyPorts);
             return getConfig(data);
         case kReadPort:
             if (length != kReadPortLength)
-                return new ProcessResponse(ProcessResponse::kGenericError, kPortLength, length);
-            if (ProcessResponse* refusal = checkRange((*request)[4]))
+                return genericError(kPortLength, length);
+            if (Answer refusal = checkRange((*request)[4]))
                 return refusal;
             return readPort((*request)[4], data);
         default:
@@ -97,23 +89,23 @@ unsigned int pReadCmd::readPortValue(unsigned char port, char& value) {
     return isRead ? 0 : static_cast<unsigned int>(errno);
 }
 
-ProcessResponse* pReadCmd::readPort(unsigned char port, std::vector<unsigned char>* data) {
+Answer pReadCmd::readPort(unsigned char port, std::vector<unsigned char>* data) {
     char value = '0';
     const unsigned int error = readPortValue(port, value);
     if (error == kNotImplemented)
-        return new ProcessResponse(kNotAvailable, kReadNotImplemented, port);
+        return failure(kNotAvailable, kReadNotImplemented, port);
     if (error == kNotOnThisUnit)
-        return new ProcessResponse(kNotAvailable, kReadAbsent, port);
+        return failure(kNotAvailable, kReadAbsent, port);
     if (error != 0)
-        return new ProcessResponse(kAccessFailed, kReadFailed, port, static_cast<int>(error));
+        return failure(kAccessFailed, kReadFailed, port, static_cast<int>(error));
     unsigned char attributes = 0;
     setAttributes(attributes, ports()[port].type, value, true);
     data->push_back(port);
     data->push_back(attributes);
-    return new ProcessResponse(ProcessResponse::kSuccess);
+    return success();
 }
 
-ProcessResponse* pReadCmd::getConfig(std::vector<unsigned char>* data) {
+Answer pReadCmd::getConfig(std::vector<unsigned char>* data) {
     if (data->size() < sizeof(std::uint16_t))
         data->resize(sizeof(std::uint16_t));
     putBigEndian16(*data, 0, static_cast<std::uint16_t>(ports().size()));
@@ -122,14 +114,14 @@ ProcessResponse* pReadCmd::getConfig(std::vector<unsigned char>* data) {
         char value = '0';
         const unsigned int error = readPortValue(static_cast<unsigned char>(at), value);
         if (error != 0 && error != kNotImplemented)
-            return new ProcessResponse(kAccessFailed, kConfigFailed, static_cast<int>(at),
-                                       std::strerror(static_cast<int>(error)), static_cast<int>(error));
+            return failure(kAccessFailed, kConfigFailed, static_cast<int>(at),
+                           std::strerror(static_cast<int>(error)), static_cast<int>(error));
         const bool isLow = at % 2 == 0;
         setAttributes(pair, error == 0 ? ports()[at].type : PortInfo::None, value, isLow);
         if (!isLow || at + 1 == ports().size())
             data->push_back(pair);
     }
-    return new ProcessResponse(ProcessResponse::kSuccess);
+    return success();
 }
 
 void pReadCmd::setAttributes(unsigned char& byte, PortInfo::Type type, char value, bool low) {
@@ -137,35 +129,31 @@ void pReadCmd::setAttributes(unsigned char& byte, PortInfo::Type type, char valu
     byte = static_cast<unsigned char>(low ? nibble : byte | nibble << 4);
 }
 
-ProcessResponse* pReadCmd::process(std::vector<std::vector<char>>& tokens) {
+Answer pReadCmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() < 2)
         return genericError(kNoSubCommand);
     std::vector<unsigned char> data;
+    const auto dataInHex = [this, &data] { return ascii_buildHexString(data, true); };
     if (beginsWith(tokens[1], kReadWord)) {
         if (tokens.size() != kReadTokens)
             return genericError(kNoPortNumber);
         const auto port = static_cast<unsigned char>(ascii_getInt(tokens[2]));
-        if (ProcessResponse* refusal = checkRange(port))
+        if (Answer refusal = checkRange(port))
             return refusal;
-        ProcessResponse* result = readPort(port, &data);
-        return ascii_answer(result, ascii_buildHexString(data, true));
+        return ascii_answer(readPort(port, &data), dataInHex);
     }
-    if (beginsWith(tokens[1], kAttributesWord)) {
-        ProcessResponse* result = getConfig(&data);
-        return ascii_answer(result, ascii_buildHexString(data, true));
-    }
+    if (beginsWith(tokens[1], kAttributesWord))
+        return ascii_answer(getConfig(&data), dataInHex);
     if (beginsWith(tokens[1], kWriteWord))
         return writePort(tokens);
-    return new ProcessResponse(ProcessResponse::kGenericError, kUnknownSubCommand,
-                               tokenText(tokens[1]).c_str());
+    return genericError(kUnknownSubCommand, tokenText(tokens[1]).c_str());
 }
 
-ProcessResponse* pReadCmd::writePort(std::vector<std::vector<char>>& tokens) {
+Answer pReadCmd::writePort(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kWriteTokens)
-        return new ProcessResponse(ProcessResponse::kGenericError, kConfigLength,
-                                   static_cast<int>(tokens.size()));
+        return genericError(kConfigLength, static_cast<int>(tokens.size()));
     const auto port = static_cast<unsigned char>(ascii_getInt(tokens[2]));
-    if (ProcessResponse* refusal = checkOutput(port))
+    if (Answer refusal = checkOutput(port))
         return refusal;
     return writeLevel(port, tokens[3].empty() ? '\0' : tokens[3].front());
 }

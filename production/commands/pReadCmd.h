@@ -12,20 +12,24 @@ class pReadCmd : public AbstractPCmd {
 public:
     static pReadCmd* getInstance();
 
-    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
-    ProcessResponse* process(std::vector<unsigned char>* request) override;
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
+        return run(tokens).release();
+    }
+    ProcessResponse* process(std::vector<unsigned char>* request) override {
+        return run(request).release();
+    }
 
     /// Stores '0' or '1' in `value` and returns 0, or returns an error number: an errno, or 1026 for a
     /// port that is not implemented. The port must be in the table.
     unsigned int readPortValue(unsigned char port, char& value);
 
     /// Appends the port's number and its nibble.
-    ProcessResponse* readPort(unsigned char port, std::vector<unsigned char>* data);
+    Answer readPort(unsigned char port, std::vector<unsigned char>* data);
 
     /// The number of ports in two bytes, then two nibbles a byte, the lower one first.
-    ProcessResponse* getConfig(std::vector<unsigned char>* data);
+    Answer getConfig(std::vector<unsigned char>* data);
 
-    ProcessResponse* writePort(std::vector<std::vector<char>>& tokens);
+    Answer writePort(const std::vector<std::vector<char>>& tokens);
 
     /// Puts the nibble into `byte`: as its lower half,
     /// with the upper one cleared, or into its upper half.
@@ -34,7 +38,10 @@ public:
 private:
     pReadCmd();
 
-    ProcessResponse* runBinary(std::vector<unsigned char>* request, std::vector<unsigned char>* data);
+    Answer run(const std::vector<std::vector<char>>& tokens);
+    Answer run(const std::vector<unsigned char>* request);
+
+    Answer runBinary(const std::vector<unsigned char>* request, std::vector<unsigned char>* data);
 
     static System::Mutex s_singleton_mutex;
 };

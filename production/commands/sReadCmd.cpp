@@ -8,18 +8,16 @@
 #include <chrono>
 #include <cstdlib>
 #include <limits>
-#include <memory>
 #include <utility>
 
 #include "commands/cReadCmd.h"
 #include "core/BuildStamp.h"
-#include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
 #include "platform/Node.h"
 
 namespace {
 
-constexpr std::size_t kStatusLength = 2;
+constexpr int kStatusLength = 2;
 constexpr int kFileLength = 3;
 constexpr unsigned char kStatusEcho = 0x2C;
 constexpr std::size_t kEchoedBytes = 4;
@@ -95,18 +93,6 @@ void appendBuildTime(std::vector<unsigned char>& payload) {
         payload.push_back(packedDecimal(stamp + position));
 }
 
-ProcessResponse* genericError(const char* text) {
-    return new ProcessResponse(ProcessResponse::kGenericError, "%s", text);
-}
-
-ProcessResponse* tavrinError(const char* text) {
-    return new ProcessResponseTavrin(ProcessResponse::kGenericError, "%s", text);
-}
-
-ProcessResponse* asciiError(const char* text) {
-    return new ProcessResponseAscii(ProcessResponse::kGenericError, "%s", text);
-}
-
 } // namespace
 
 std::uint16_t sReadCmd::kruversion = 0;
@@ -123,9 +109,12 @@ sReadCmd* sReadCmd::getInstance() {
 sReadCmd::sReadCmd() : AbstractCmd('s', "status", true) {}
 
 ProcessResponse* sReadCmd::process(std::vector<unsigned char>* request) {
+    return tavrin_getRequestLen(request) == kStatusLength ? sendStatusTavrin(request, Requested)
+                                                          : sendFile(request).release();
+}
+
+Answer sReadCmd::sendFile(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
-    if (length == static_cast<int>(kStatusLength))
-        return sendStatusTavrin(request, Requested);
     if (length > kFileLength)
         return genericError(kTooLong);
     const int subCommand = tavrin_getCommand(request);
@@ -138,7 +127,7 @@ ProcessResponse* sReadCmd::process(std::vector<unsigned char>* request) {
         &echoed, subCommand == kReadImageVersion ? kImageVersion : kSerialNumber);
 }
 
-ProcessResponse* sReadCmd::process(std::vector<std::vector<char>>& tokens) {
+Answer sReadCmd::run(const std::vector<std::vector<char>>& tokens) {
     struct Selection {
         const char* prefix;
         const char* path;
@@ -148,7 +137,7 @@ ProcessResponse* sReadCmd::process(std::vector<std::vector<char>>& tokens) {
                                          {"03", kApplicationVersion},
                                          {"04", kSystemVersion}};
     if (tokens.size() == 1)
-        return sendStatusAscii();
+        return statusText();
     for (const Selection& selection : kSelections) {
         if (tokens.size() > 1 && beginsWith(tokens[1], selection.prefix))
             return cReadCmd::getInstance()->ReadFromFileBase64(selection.path);
@@ -184,36 +173,45 @@ bool sReadCmd::noteStatusSent(Status status) {
 }
 
 ProcessResponse* sReadCmd::sendStatusTavrin(std::vector<unsigned char>* request, Status status) {
-    if (tavrin_getRequestLen(request) != static_cast<int>(kStatusLength))
-        return tavrinError(kInvalidLength);
+    if (tavrin_getRequestLen(request) != kStatusLength)
+        return failureIn<ProcessResponseTavrin>(genericError(kInvalidLength)).release();
     const bool sentBefore = noteStatusSent(status);
     request->resize(kEchoedBytes);
     (*request)[2] = kStatusEcho;
     (*request)[3] = sentBefore ? 1 : 0;
+    return statusFrame(*request).release();
+}
+
+Answer sReadCmd::statusFrame(const std::vector<unsigned char>& echoed) {
+    if (Answer refusal = findRevision())
+        return failureIn<ProcessResponseTavrin>(refusal);
     std::vector<unsigned char> payload;
     payload.reserve(kPayloadBytes);
     appendBuildTime(payload);
     payload.push_back(kProductHigh);
     payload.push_back(kProductLow);
-    if (!kruversion_checked) {
-        const auto ahead = std::exchange(m_revisionAhead, std::nullopt);
-        const Revision revision = ahead ? *ahead : readRevision();
-        if (revision.result == RevisionRead::CannotOpen)
-            return tavrinError(kCannotOpen);
-        if (revision.result == RevisionRead::CannotRead)
-            return tavrinError(kCannotRead);
-        if (revision.value >= 0x10000)
-            return tavrinError(kTooLarge);
-        kruversion = static_cast<std::uint16_t>(revision.value);
-        kruversion_checked = true;
-    }
     payload.push_back(static_cast<unsigned char>(kruversion >> 8));
     payload.push_back(static_cast<unsigned char>(kruversion));
     payload.push_back(static_cast<unsigned char>(getProductionVersion()));
     payload.resize(kPayloadBytes);
-    auto response = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kSuccess, "");
-    tavrin_fillDefaultResponse(request, response.get(), payload);
-    return response.release();
+    return tavrin_answer(&echoed, success(), payload);
+}
+
+/// Null when the revision is known, or could be read now.
+Answer sReadCmd::findRevision() {
+    if (kruversion_checked)
+        return nullptr;
+    const auto ahead = std::exchange(m_revisionAhead, std::nullopt);
+    const Revision revision = ahead ? *ahead : readRevision();
+    if (revision.result == RevisionRead::CannotOpen)
+        return genericError(kCannotOpen);
+    if (revision.result == RevisionRead::CannotRead)
+        return genericError(kCannotRead);
+    if (revision.value >= 0x10000)
+        return genericError(kTooLarge);
+    kruversion = static_cast<std::uint16_t>(revision.value);
+    kruversion_checked = true;
+    return nullptr;
 }
 
 ProcessResponse* sReadCmd::tavrin_getStartupStatus() {
@@ -222,13 +220,15 @@ ProcessResponse* sReadCmd::tavrin_getStartupStatus() {
 }
 
 ProcessResponse* sReadCmd::sendStatusAscii() {
+    return statusText().release();
+}
+
+Answer sReadCmd::statusText() {
     const Revision revision = readRevision();
     if (revision.result == RevisionRead::CannotOpen)
-        return asciiError(kCannotOpen);
+        return failureIn<ProcessResponseAscii>(genericError(kCannotOpen));
     if (revision.result == RevisionRead::CannotRead)
-        return asciiError(kCannotReadAscii);
-    auto response = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
-    response->answer = string_format("\"%s\" %02X%02X \"%X\" %u", getDateTimeString(), kProductHigh,
-                                     kProductLow, revision.value, getProductionVersion());
-    return response.release();
+        return failureIn<ProcessResponseAscii>(genericError(kCannotReadAscii));
+    return asciiSuccess(string_format("\"%s\" %02X%02X \"%X\" %u", getDateTimeString(), kProductHigh,
+                                      kProductLow, revision.value, getProductionVersion()));
 }

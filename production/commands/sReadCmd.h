@@ -19,7 +19,9 @@ public:
 
     static sReadCmd* getInstance();
 
-    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override;
+    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
+        return run(tokens).release();
+    }
     ProcessResponse* process(std::vector<unsigned char>* request) override;
 
     /// The binary status, with its frame filled in. The request is changed: it becomes what is echoed.
@@ -35,6 +37,11 @@ public:
 private:
     sReadCmd();
 
+    Answer run(const std::vector<std::vector<char>>& tokens);
+    Answer sendFile(const std::vector<unsigned char>* request);
+    Answer statusFrame(const std::vector<unsigned char>& echoed);
+    Answer statusText();
+
     enum class RevisionRead { Ok, CannotOpen, CannotRead };
     struct Revision {
         RevisionRead result;
@@ -42,6 +49,7 @@ private:
     };
 
     static Revision readRevision();
+    Answer findRevision();
     bool noteStatusSent(Status status);
 
     std::optional<Revision> m_revisionAhead;

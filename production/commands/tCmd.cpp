@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <numeric>
+#include <utility>
 
-#include "core/ProcessResponseAscii.h"
 #include "core/TokenText.h"
 #include "wire/BigEndian.h"
 
@@ -57,10 +56,6 @@ constexpr char kUnknownCombination[] = "unknown command combination param1:'%s',
 constexpr char kBadData[] = "Number of Data Bytes must be in Range [%d,255], received: %d";
 constexpr char kChecksumDiffers[] = "Invalid checksum in write request: 0x%02X ";
 
-ProcessResponse* success() {
-    return new ProcessResponse(ProcessResponse::kSuccess);
-}
-
 unsigned char sumOf(const unsigned char* bytes, std::size_t count) {
     return static_cast<unsigned char>(std::accumulate(bytes, bytes + count, 0U));
 }
@@ -110,47 +105,46 @@ tCmd* tCmd::getInstance() {
 
 tCmd::tCmd() : AbstractCmd('t', "memory", true) {}
 
-ProcessResponse* tCmd::process(std::vector<unsigned char>* request) {
+Answer tCmd::run(const std::vector<unsigned char>* request) {
     if (getGlobalBuffer() == nullptr)
-        return new ProcessResponse(kOutOfBounds, kNoBuffer);
+        return failure(kOutOfBounds, kNoBuffer);
     std::vector<unsigned char> data;
-    std::unique_ptr<ProcessResponse> result(runBinary(request, &data));
-    if (result->code != ProcessResponse::kSuccess && result->code != kWrongChecksum)
-        return result.release();
+    Answer result = runBinary(request, &data);
+    if (failed(*result) && result->code != kWrongChecksum)
+        return result;
     auto answer = std::make_unique<ProcessResponseTavrin>(result->code, "");
     tavrin_fillDefaultResponse(request, answer.get(), data);
-    return answer.release();
+    return answer;
 }
 
-ProcessResponse* tCmd::runBinary(std::vector<unsigned char>* request, std::vector<unsigned char>* data) {
+Answer tCmd::runBinary(const std::vector<unsigned char>* request, std::vector<unsigned char>* data) {
     const Access* access = findAccess(tavrin_getCommand(request));
     if (access == nullptr)
-        return new ProcessResponse(kMalformed, kNotSupported);
+        return failure(kMalformed, kNotSupported);
     if (!isRead(*access))
         return write(request, data, access->width, access->withChecksum, 0);
     if (tavrin_getRequestLen(request) != (access->withChecksum ? kTaggedReadLength : kReadLength))
-        return new ProcessResponse(kMalformed, kInvalidLength);
+        return failure(kMalformed, kInvalidLength);
     const unsigned short tag = access->withChecksum ? bigEndian16(*request, kTagAt) : 0;
     return read(data, access->width, (*request)[kCountAt], bigEndian32(*request, kAddressAt),
                 access->withChecksum, tag);
 }
 
 /// Null when so many bytes may be moved there.
-ProcessResponse* tCmd::checkPlace(unsigned int total, unsigned char width, unsigned int address) const {
+Answer tCmd::checkPlace(unsigned int total, unsigned char width, unsigned int address) const {
     if (address % width != 0)
-        return new ProcessResponse(kMalformed, kMisaligned);
+        return failure(kMalformed, kMisaligned);
     if (std::uint64_t{total} + address >= getGlobalBufferSize())
-        return new ProcessResponse(kOutOfBounds, kOutOfLimits);
+        return failure(kOutOfBounds, kOutOfLimits);
     return nullptr;
 }
 
-ProcessResponse* tCmd::readBehind(std::size_t header, std::vector<unsigned char>* data,
-                                  unsigned char width, unsigned char count, unsigned int address,
-                                  unsigned char& checksum) {
+Answer tCmd::readBehind(std::size_t header, std::vector<unsigned char>* data, unsigned char width,
+                        unsigned char count, unsigned int address, unsigned char& checksum) {
     const unsigned int total = static_cast<unsigned int>(width) * count;
     if (total > kMostBytes)
-        return new ProcessResponse(kOutOfBounds, kTooManyRead, count, width, static_cast<int>(total));
-    if (ProcessResponse* refusal = checkPlace(total, width, address))
+        return failure(kOutOfBounds, kTooManyRead, count, width, static_cast<int>(total));
+    if (Answer refusal = checkPlace(total, width, address))
         return refusal;
     const unsigned char* source = getGlobalBuffer() + address;
     data->assign(header + total, 0);
@@ -159,33 +153,32 @@ ProcessResponse* tCmd::readBehind(std::size_t header, std::vector<unsigned char>
     return success();
 }
 
-ProcessResponse* tCmd::read(std::vector<unsigned char>* data, unsigned char width, unsigned char count,
-                            unsigned int address, bool withChecksum, unsigned short tag) {
+Answer tCmd::read(std::vector<unsigned char>* data, unsigned char width, unsigned char count,
+                  unsigned int address, bool withChecksum, unsigned short tag) {
     unsigned char checksum = 0;
-    ProcessResponse* result =
-        readBehind(withChecksum ? kTagHeader : 0, data, width, count, address, checksum);
-    if (withChecksum && result->code == ProcessResponse::kSuccess) {
+    Answer result = readBehind(withChecksum ? kTagHeader : 0, data, width, count, address, checksum);
+    if (withChecksum && !failed(*result)) {
         putBigEndian16(*data, 0, tag);
         (*data)[2] = checksum;
     }
     return result;
 }
 
-ProcessResponse* tCmd::write(std::vector<unsigned char>* request, std::vector<unsigned char>* data,
-                             unsigned char width, bool withChecksum, unsigned short) {
+Answer tCmd::write(const std::vector<unsigned char>* request, std::vector<unsigned char>* data,
+                   unsigned char width, bool withChecksum, unsigned short) {
     const int header = withChecksum ? kCheckedWriteHeader : kWriteHeader;
     const int length = tavrin_getRequestLen(request);
     if (length < header)
-        return new ProcessResponse(kMalformed, kInvalidLength);
+        return failure(kMalformed, kInvalidLength);
     const unsigned char count = (*request)[kCountAt];
     const int total = width * count;
     if (static_cast<unsigned int>(total) > kMostBytes)
-        return new ProcessResponse(kOutOfBounds, kTooManyWritten, count, width, total);
+        return failure(kOutOfBounds, kTooManyWritten, count, width, total);
     const std::uint32_t address = bigEndian32(*request, kAddressAt);
-    if (ProcessResponse* refusal = checkPlace(static_cast<unsigned int>(total), width, address))
+    if (Answer refusal = checkPlace(static_cast<unsigned int>(total), width, address))
         return refusal;
     if (header + total > length)
-        return new ProcessResponse(kMalformed, kTooFewBytes, total, header, length);
+        return failure(kMalformed, kTooFewBytes, total, header, length);
     const unsigned char* source = request->data() + header;
     std::memcpy(getGlobalBuffer() + address, source, static_cast<std::size_t>(total));
     if (!withChecksum)
@@ -193,26 +186,24 @@ ProcessResponse* tCmd::write(std::vector<unsigned char>* request, std::vector<un
     const unsigned char checksum = sumOf(source, static_cast<std::size_t>(total));
     *data = {0, 0, checksum};
     const bool matches = (*request)[kChecksumAt] == checksum;
-    return new ProcessResponse(matches ? ProcessResponse::kSuccess : kWrongChecksum);
+    return matches ? success() : failure(kWrongChecksum);
 }
 
-ProcessResponse* tCmd::process(std::vector<std::vector<char>>& tokens) {
-    const auto genericError = [&tokens](const char* format) {
-        return new ProcessResponse(ProcessResponse::kGenericError, format,
-                                   static_cast<int>(tokens.size()));
+Answer tCmd::run(const std::vector<std::vector<char>>& tokens) {
+    const auto tooFew = [&tokens](const char* format) {
+        return genericError(format, static_cast<int>(tokens.size()));
     };
     if (tokens.size() < kFewestTokens)
-        return genericError(kTooFewFields);
+        return tooFew(kTooFewFields);
     const std::string operation = tokenText(tokens[1]);
     const std::string keyword = tokenText(tokens[2]);
     if (operation == kWrite && tokens.size() < kFewestWriteTokens)
-        return genericError(kTooFewWriteFields);
+        return tooFew(kTooFewWriteFields);
     if (operation == kWrite && keyword == kChecked && tokens.size() < kFewestCheckedWriteTokens)
-        return genericError(kTooFewCheckedFields);
+        return tooFew(kTooFewCheckedFields);
     const Access* access = findAccess(operation, keyword);
     if (access == nullptr)
-        return new ProcessResponse(ProcessResponse::kGenericError, kUnknownCombination,
-                                   operation.c_str(), keyword.c_str());
+        return genericError(kUnknownCombination, operation.c_str(), keyword.c_str());
     // Without a buffer nothing lies within its limits, and that is the answer.
     std::vector<unsigned char> data;
     if (!isRead(*access))
@@ -221,32 +212,28 @@ ProcessResponse* tCmd::process(std::vector<std::vector<char>>& tokens) {
                      static_cast<unsigned int>(ascii_getInt(tokens[4])), access->withChecksum);
 }
 
-ProcessResponse* tCmd::readAscii(std::vector<unsigned char>* data, unsigned char width,
-                                 unsigned char count, unsigned int address, bool withChecksum) {
+Answer tCmd::readAscii(std::vector<unsigned char>* data, unsigned char width, unsigned char count,
+                       unsigned int address, bool withChecksum) {
     unsigned char checksum = 0;
-    std::unique_ptr<ProcessResponse> result(
-        readBehind(withChecksum ? kChecksumHeader : 0, data, width, count, address, checksum));
-    if (result->code != ProcessResponse::kSuccess)
-        return result.release();
-    if (withChecksum)
+    Answer result =
+        readBehind(withChecksum ? kChecksumHeader : 0, data, width, count, address, checksum);
+    if (withChecksum && !failed(*result))
         data->front() = checksum;
-    return ascii_answer(result.release(), "hex(" + ascii_buildHexString(*data, false) + ")");
+    return ascii_answer(std::move(result), [this, data] { return ascii_buildHexString(*data, true); });
 }
 
-ProcessResponse* tCmd::writeAscii(std::vector<std::vector<char>>& tokens,
-                                  std::vector<unsigned char>* data, unsigned char width,
-                                  bool withChecksum) {
+Answer tCmd::writeAscii(const std::vector<std::vector<char>>& tokens, std::vector<unsigned char>* data,
+                        unsigned char width, bool withChecksum) {
     const auto count = static_cast<unsigned char>(ascii_getInt(tokens[3]));
     const auto address = static_cast<unsigned int>(ascii_getInt(tokens[4]));
     const int total = width * count;
     if (static_cast<unsigned int>(total) > kMostBytes)
-        return new ProcessResponse(kOutOfBounds, kTooManyWrittenAscii, count, width, total);
-    if (ProcessResponse* refusal = checkPlace(static_cast<unsigned int>(total), width, address))
+        return failure(kOutOfBounds, kTooManyWrittenAscii, count, width, total);
+    if (Answer refusal = checkPlace(static_cast<unsigned int>(total), width, address))
         return refusal;
     const std::vector<char>& bytes = tokens[5];
     if (bytes.size() < static_cast<std::size_t>(total) || bytes.size() > kLongestDataToken)
-        return new ProcessResponse(ProcessResponse::kGenericError, kBadData, total,
-                                   static_cast<int>(bytes.size()));
+        return genericError(kBadData, total, static_cast<int>(bytes.size()));
     const auto* const first = reinterpret_cast<const unsigned char*>(bytes.data());
     data->assign(first, first + total);
     std::copy(data->begin(), data->end(), getGlobalBuffer() + address);
@@ -254,7 +241,6 @@ ProcessResponse* tCmd::writeAscii(std::vector<std::vector<char>>& tokens,
         return success();
     const int expected = ascii_getInt(tokens[6]);
     if (expected != sumOf(data->data(), data->size()))
-        return new ProcessResponse(ProcessResponse::kGenericError, kChecksumDiffers,
-                                   static_cast<unsigned>(expected));
+        return genericError(kChecksumDiffers, static_cast<unsigned>(expected));
     return success();
 }

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "core/Handler.h"
-#include "core/ProcessResponseAscii.h"
 #include "core/TokenNumber.h"
 #include "wire/Base64.h"
 #include "wire/BigEndian.h"
@@ -96,16 +95,19 @@ int AbstractCmd::tavrin_getCommand(const std::vector<unsigned char>* request) co
 }
 
 ProcessResponse* AbstractCmd::tavrin_preCheck(std::vector<unsigned char>* request) {
+    const auto refuse = [this, request](const std::string& text) {
+        return tavrin_generateGenericError(request, text).release();
+    };
     if (request == nullptr || request->empty())
-        return tavrin_generateGenericError(request, kCommandIsEmpty);
+        return refuse(kCommandIsEmpty);
     const unsigned char length = request->front();
     if (length != request->size())
-        return tavrin_generateGenericError(request, kWrongBufferSize);
+        return refuse(kWrongBufferSize);
     if (length < 2)
-        return tavrin_generateGenericError(request, string_format(kLengthOutOfRange, length));
+        return refuse(string_format(kLengthOutOfRange, length));
     const int name = (*request)[1];
     if (name != static_cast<unsigned char>(m_id))
-        return tavrin_generateGenericError(request, string_format(kWrongCommandName, name));
+        return refuse(string_format(kWrongCommandName, name));
     return process(request);
 }
 
@@ -113,14 +115,14 @@ std::vector<unsigned char> AbstractCmd::tavrin_exec(std::vector<unsigned char>* 
                                                     ProcessResponse* response) {
     if (response->code == ProcessResponse::kNoAnswer)
         return {};
-    const std::unique_ptr<ProcessResponse> owned(response);
-    if (response->code == ProcessResponse::kSuccess && response->protocol == 't') {
+    const Answer owned(response);
+    if (!failed(*response) && response->protocol == 't') {
         auto* answer = static_cast<ProcessResponseTavrin*>(response);
         if (answer->data.empty())
             tavrin_fillDefaultResponse(request, answer, 0, nullptr);
         return std::move(answer->data);
     }
-    if (response->code != ProcessResponse::kSuccess)
+    if (failed(*response))
         tavrin_sendAsyncDebug(response->message);
     ProcessResponseTavrin answer(response->code, "");
     tavrin_fillDefaultResponse(request, &answer, 0, nullptr);
@@ -130,11 +132,8 @@ std::vector<unsigned char> AbstractCmd::tavrin_exec(std::vector<unsigned char>* 
 void AbstractCmd::tavrin_fillDefaultResponse(const std::vector<unsigned char>* request,
                                              ProcessResponseTavrin* response, unsigned char payloadLen,
                                              const unsigned char* payload) {
-    if (request == nullptr || request->size() < 4) {
-        const std::unique_ptr<ProcessResponse> error(
-            tavrin_generateGenericError(request, kRequestTooShort));
-        tavrin_sendAsyncDebug(error->message);
-    }
+    if (request == nullptr || request->size() < 4)
+        tavrin_sendAsyncDebug(kRequestTooShort);
     if (payloadLen > wire::kLongestPayload) {
         response->message = kPayloadTruncated;
         payloadLen = wire::kLongestPayload;
@@ -160,27 +159,16 @@ void AbstractCmd::tavrin_fillDefaultResponse(const std::vector<unsigned char>* r
                                    payload.data());
 }
 
-ProcessResponse* AbstractCmd::tavrin_answer(const std::vector<unsigned char>* request,
-                                            ProcessResponse* result,
-                                            std::vector<unsigned char>& payload) {
-    std::unique_ptr<ProcessResponse> owned(result);
-    if (owned->code != ProcessResponse::kSuccess)
-        return owned.release();
-    auto answer = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kSuccess, "");
+Answer AbstractCmd::tavrin_answer(const std::vector<unsigned char>* request, Answer result,
+                                  std::vector<unsigned char>& payload) {
+    if (failed(*result))
+        return result;
+    auto answer = std::make_unique<ProcessResponseTavrin>(result->code, "");
     tavrin_fillDefaultResponse(request, answer.get(), payload);
-    return answer.release();
+    return answer;
 }
 
-ProcessResponse* AbstractCmd::ascii_answer(ProcessResponse* result, std::string text) const {
-    std::unique_ptr<ProcessResponse> owned(result);
-    if (owned->code != ProcessResponse::kSuccess)
-        return owned.release();
-    auto answer = std::make_unique<ProcessResponseAscii>(ProcessResponse::kSuccess, "");
-    answer->answer = std::move(text);
-    return answer.release();
-}
-
-ProcessResponseTavrin* AbstractCmd::tavrin_generateGenericError(
+std::unique_ptr<ProcessResponseTavrin> AbstractCmd::tavrin_generateGenericError(
     const std::vector<unsigned char>* request, const std::string& text) {
     auto response = std::make_unique<ProcessResponseTavrin>(ProcessResponse::kGenericError, "");
     response->message = text;
@@ -189,10 +177,10 @@ ProcessResponseTavrin* AbstractCmd::tavrin_generateGenericError(
     for (std::size_t at = 1; at < 4; ++at)
         response->data[at] = byteOrZero(request, at);
     putBigEndian32(response->data, 4, ProcessResponse::kGenericError);
-    return response.release();
+    return response;
 }
 
-ProcessResponseTavrin* AbstractCmd::tavrin_generateGenericError(
+std::unique_ptr<ProcessResponseTavrin> AbstractCmd::tavrin_generateGenericError(
     const std::vector<unsigned char>* request, const char* text) {
     return tavrin_generateGenericError(request, string_format("%s", text));
 }
@@ -232,8 +220,8 @@ std::string AbstractCmd::ascii_exec(ProcessResponse* response) {
 std::string AbstractCmd::ascii_exec(ProcessResponse* response, AbstractListener* listener) const {
     if (response->code == ProcessResponse::kNoAnswer)
         return {};
-    const std::unique_ptr<ProcessResponse> owned(response);
-    if (response->code != ProcessResponse::kSuccess)
+    const Answer owned(response);
+    if (failed(*response))
         return errorLine(*response, listener);
     if (response->protocol != 'a')
         return m_name + " ok";

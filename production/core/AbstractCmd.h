@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/AbstractListener.h"
-#include "core/ProcessResponse.h"
-#include "core/ProcessResponseTavrin.h"
+#include "core/Answer.h"
 #include "core/StringFormat.h"
 
 /// The base of every test command: what a request looks like, what is checked before a command runs, and
@@ -66,10 +67,10 @@ public:
                                     ProcessResponseTavrin* response,
                                     std::vector<unsigned char>& payload);
     /// The generic error as a response with its frame filled in; bytes that the request lacks are 0.
-    ProcessResponseTavrin* tavrin_generateGenericError(const std::vector<unsigned char>* request,
-                                                       const std::string& text);
-    ProcessResponseTavrin* tavrin_generateGenericError(const std::vector<unsigned char>* request,
-                                                       const char* text);
+    std::unique_ptr<ProcessResponseTavrin> tavrin_generateGenericError(
+        const std::vector<unsigned char>* request, const std::string& text);
+    std::unique_ptr<ProcessResponseTavrin> tavrin_generateGenericError(
+        const std::vector<unsigned char>* request, const char* text);
     /// Sends at most 253 characters to the listener as a debug frame.
     void tavrin_sendAsyncDebug(const std::string& text);
     void tavrin_sendAsyncDebug(const char* text);
@@ -96,11 +97,15 @@ public:
 protected:
     AbstractListener* listener() const { return m_listener; }
 
-    /// The answers to a request that was carried out: a successful `result` becomes one with these bytes
-    /// or this text, any other stays what it is. They take `result` over.
-    ProcessResponse* tavrin_answer(const std::vector<unsigned char>* request, ProcessResponse* result,
-                                   std::vector<unsigned char>& payload);
-    ProcessResponse* ascii_answer(ProcessResponse* result, std::string text) const;
+    /// The answers to a request that was carried out: a successful `result` becomes one with these
+    /// bytes, or with the text that `text` makes, which is called for it only; any other stays what it
+    /// is.
+    Answer tavrin_answer(const std::vector<unsigned char>* request, Answer result,
+                         std::vector<unsigned char>& payload);
+    template <typename Text>
+    static Answer ascii_answer(Answer result, Text text) {
+        return failed(*result) ? std::move(result) : asciiSuccess(text());
+    }
 
 private:
     std::string errorLine(ProcessResponse& response, AbstractListener* listener) const;

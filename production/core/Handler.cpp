@@ -10,7 +10,6 @@
 
 #include "commands/ErrorCmd.h"
 #include "core/Diagnostics.h"
-#include "core/ProcessResponseAscii.h"
 #include "core/StandardStream.h"
 #include "core/TokenText.h"
 
@@ -30,28 +29,22 @@ constexpr char kNameTaken[] =
 constexpr char kNoHandler[] = "No Handler for the Command ";
 constexpr char kEmptyRequest[] = "command fehler\n";
 
-/// Frees a response that asks for no answer, which the exec functions leave to its owner.
-std::unique_ptr<ProcessResponse> ownIfUnanswered(ProcessResponse* response) {
-    return std::unique_ptr<ProcessResponse>(response->code == ProcessResponse::kNoAnswer ? response
-                                                                                         : nullptr);
-}
-
 /// Calls a command's `process`, whatever it does: what it throws, and no response at all, become the
 /// generic error.
 template <typename Process>
-ProcessResponse* guarded(Process process) {
+Answer guarded(Process process) {
     constexpr char kNoResponse[] = "The command gave no response";
     constexpr char kUnknownException[] = "The command failed with an unknown exception";
     std::string reason = kNoResponse;
     try {
-        if (ProcessResponse* response = process())
+        if (Answer response{process()})
             return response;
     } catch (const std::exception& exception) {
         reason = exception.what();
     } catch (...) {
         reason = kUnknownException;
     }
-    return new ProcessResponse(ProcessResponse::kGenericError, "%s", reason.c_str());
+    return genericError("%s", reason.c_str());
 }
 
 } // namespace
@@ -69,8 +62,8 @@ struct Handler::Request {
     std::string unknownCommand; // what to complain of; empty when the command is known
 
     std::vector<unsigned char> answerFrame;
-    std::unique_ptr<ProcessResponse> response; // of an ASCII request
-    std::exception_ptr failure;                // for the caller
+    Answer response;            // of an ASCII request
+    std::exception_ptr failure; // for the caller
     std::atomic<bool> done{false};
     System::Condition requestDone;
 };
@@ -227,23 +220,24 @@ void Handler::runCommand(Request& request) {
 }
 
 void Handler::runBinary(Request& request) {
-    ProcessResponse* response = guarded([&request]() -> ProcessResponse* {
+    Answer response = guarded([&request]() -> Answer {
         if (request.unknownCommand.empty())
-            return request.command->tavrin_preCheck(request.frame);
+            return Answer(request.command->tavrin_preCheck(request.frame));
         return ErrorCmd::getInstance()->generateGenericTavrinError(request.frame,
                                                                    request.unknownCommand);
     });
-    const auto unanswered = ownIfUnanswered(response);
-    request.answerFrame = request.command->tavrin_exec(request.frame, response);
+    if (response->code != ProcessResponse::kNoAnswer)
+        request.answerFrame = request.command->tavrin_exec(request.frame, response.release());
 }
 
 void Handler::runAscii(Request& request) {
-    request.response.reset(guarded([&request]() -> ProcessResponse* {
+    request.response = guarded([&request]() -> Answer {
         if (request.unknownCommand.empty())
-            return request.command->process(*request.tokens);
+            return Answer(request.command->process(*request.tokens));
         // The name came from outside: it is text, never a format.
-        return new ProcessResponseAscii(kUnknownName, "%s", request.unknownCommand.c_str());
-    }));
+        return std::make_unique<ProcessResponseAscii>(kUnknownName, "%s",
+                                                      request.unknownCommand.c_str());
+    });
 }
 
 std::string Handler::answerLine(Request& request) {

@@ -151,7 +151,7 @@ Listener::Wait Listener::waitOnce(unsigned char& length) {
 /// True when the port was open for it; somebody else may have closed it by now.
 bool Listener::announce(Comm::Handle& port) {
     const System::Lock lock(l_mutex);
-    std::unique_ptr<ProcessResponse> response;
+    Answer response;
     // A silent node costs its time here, where nobody else waits for it.
     sReadCmd::getInstance()->readRevisionAhead();
     // The status command may just be answering somebody else: its turn has to be waited for.
@@ -215,10 +215,10 @@ std::vector<unsigned char> Listener::refuseLength(unsigned char length) {
     Handler::getInstance()->runExclusively([&] {
         ErrorCmd* error = ErrorCmd::getInstance();
         error->setListener(this);
-        ProcessResponse* response = error->generateGenericTavrinError(&frame, text);
-        answer = static_cast<ProcessResponseTavrin*>(response)->data;
+        auto response = error->generateGenericTavrinError(&frame, text);
+        answer = response->data;
         try {
-            answer = error->tavrin_exec(&frame, response);
+            answer = error->tavrin_exec(&frame, response.release());
         } catch (const std::out_of_range&) {
             // A frame without its three echoed bytes cannot be answered as usual; the station gets what
             // the error command made of it.

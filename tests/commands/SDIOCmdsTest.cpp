@@ -322,19 +322,19 @@ TEST_F(SDIOCmdsTest, AManagerThatGoesIsToldAndMayComeBack) {
 
 TEST_F(SDIOCmdsTest, WithoutMemoryNothingIsCollectedOrStored) {
     inFreshProcess([this] {
-        delete command().sdioOpen();
+        command().sdioOpen();
         refuseTableMemory(true);
         Response response(command().sdioSend(hostMessage(1, 1, 0).data(), 8));
         EXPECT_EQ(response->code, kNoMemory);
         EXPECT_EQ(response->message, "failed to alloc255 bytes");
         refuseTableMemory(false);
         const Bytes half = {1, 0};
-        response.reset(command().sdioSend(half.data(), half.size()));
+        response = command().sdioSend(half.data(), half.size());
         EXPECT_EQ(response->code, 0u);
         refuseTableMemory(true);
         m_manager->willAnswer(0, wlanReply(hostMessage(0x8001, 1, 0)));
         const Bytes rest = {8, 0, 1, 0, 0, 0};
-        response.reset(command().sdioSend(rest.data(), rest.size()));
+        response = command().sdioSend(rest.data(), rest.size());
         EXPECT_EQ(response->code, kNoMemory);
         EXPECT_EQ(response->message, "couldn't alloc 247");
         refuseTableMemory(false);

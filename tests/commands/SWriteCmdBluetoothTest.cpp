@@ -17,7 +17,7 @@ class SWriteCmdBluetoothTest : public PassThroughUnit {
 protected:
     ~SWriteCmdBluetoothTest() override {
         // Before the driver goes.
-        delete command().close(kBluetooth);
+        command().close(kBluetooth);
     }
 
     void openLink() { expectAnswer(kOpen, success(kOpen)); }

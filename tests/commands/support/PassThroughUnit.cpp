@@ -36,7 +36,7 @@ PassThroughUnit::~PassThroughUnit() {
     for (const char* function : {"poll", "write"})
         EXPECT_FALSE(m_calls.isScripted(function)) << "scripted calls of " << function << " never came";
     for (const unsigned char number : Bytes{0, 1, 2, 3, kWlan, kBluetooth})
-        delete command().close(number);
+        command().close(number);
     command().setListener(nullptr);
 }
 

@@ -25,8 +25,8 @@ WlanUnit::WlanUnit() {
     // A reply that another case did not fetch.
     open();
     Bytes rest;
-    delete command().sdioGet(1, rest);
-    delete command().sdioClose();
+    command().sdioGet(1, rest);
+    command().sdioClose();
 }
 
 void WlanUnit::open() {
