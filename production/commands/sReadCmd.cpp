@@ -175,11 +175,13 @@ bool sReadCmd::noteStatusSent(Status status) {
 ProcessResponse* sReadCmd::sendStatusTavrin(std::vector<unsigned char>* request, Status status) {
     if (tavrin_getRequestLen(request) != kStatusLength)
         return failureIn<ProcessResponseTavrin>(genericError(kInvalidLength)).release();
-    const bool sentBefore = noteStatusSent(status);
-    request->resize(kEchoedBytes);
-    (*request)[2] = kStatusEcho;
-    (*request)[3] = sentBefore ? 1 : 0;
-    return statusFrame(*request).release();
+    std::vector<unsigned char> echoed = *request;
+    echoed.resize(kEchoedBytes);
+    echoed[2] = kStatusEcho;
+    echoed[3] = noteStatusSent(status) ? 1 : 0;
+    // Whoever answers a status that fails echoes the request: that becomes the same.
+    *request = echoed;
+    return statusFrame(echoed).release();
 }
 
 Answer sReadCmd::statusFrame(const std::vector<unsigned char>& echoed) {
