@@ -54,11 +54,15 @@ private:
     Answer run(const std::vector<std::vector<char>>& tokens);
     Answer run(const std::vector<unsigned char>* request);
 
-    Answer openTavrin(const std::vector<unsigned char>* request);
-    Answer closeTavrin(const std::vector<unsigned char>* request);
-    Answer sendTavrin(const std::vector<unsigned char>* request);
-    Answer getTavrin(const std::vector<unsigned char>* request);
-    Answer getAllTavrin(const std::vector<unsigned char>* request);
+    struct SubCommand;
+    static const SubCommand kSubCommands[];
+
+    Answer openTavrin(const std::vector<unsigned char>& request);
+    Answer closeTavrin(const std::vector<unsigned char>& request);
+    Answer sendTavrin(const std::vector<unsigned char>& request);
+    Answer getTavrin(const std::vector<unsigned char>& request);
+    Answer getAllTavrin(const std::vector<unsigned char>& request);
+    Answer answerEmpty(const std::vector<unsigned char>& request, Answer result);
 
     Answer openAscii(const std::vector<std::vector<char>>& tokens);
     Answer closeAscii(const std::vector<std::vector<char>>& tokens);
@@ -66,6 +70,7 @@ private:
     Answer getAscii(const std::vector<std::vector<char>>& tokens);
     Answer getAllAscii(const std::vector<std::vector<char>>& tokens);
 
+    static bool isWireless(unsigned char channel);
     Answer openWireless(unsigned char channel);
     Answer send(unsigned char channel, const unsigned char* data, std::size_t length);
     Answer get(unsigned char channel, unsigned char count, std::vector<unsigned char>& data);
