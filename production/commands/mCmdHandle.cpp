@@ -9,6 +9,7 @@
 #include "commands/mCmd.h"
 #include "platform/BlockDevice.h"
 #include "platform/Node.h"
+#include "platform/Uninterrupted.h"
 
 namespace {
 
@@ -33,16 +34,6 @@ constexpr std::int64_t kCheckedBlocks = std::int64_t{1} << 32;
 
 DeviceResult failure(const char* text) {
     return mCmd::create_deverror(text, ProcessResponse::kGenericError);
-}
-
-/// Calls a transfer until no signal interrupts it.
-template <typename Transfer>
-ssize_t uninterrupted(Transfer transfer) {
-    ssize_t moved = 0;
-    do {
-        moved = transfer();
-    } while (moved < 0 && errno == EINTR);
-    return moved;
 }
 
 } // namespace
@@ -129,7 +120,8 @@ DeviceResult mCmd::Handle::read(unsigned& bytes, unsigned firstBlock, int blockC
         return result;
     if (DeviceResult result = seek(extent); result.failed())
         return result;
-    const ssize_t moved = uninterrupted([&] { return ::read(m_device.get(), buffer, extent.length); });
+    const ssize_t moved =
+        System::uninterrupted([&] { return ::read(m_device.get(), buffer, extent.length); });
     if (moved < 0)
         return failure((kCannotRead + std::string(std::strerror(errno))).c_str());
     bytes = static_cast<unsigned>(moved);
@@ -143,7 +135,8 @@ DeviceResult mCmd::Handle::write(unsigned& bytes, unsigned firstBlock, int block
         return result;
     if (DeviceResult result = seek(extent); result.failed())
         return result;
-    const ssize_t moved = uninterrupted([&] { return ::write(m_device.get(), buffer, extent.length); });
+    const ssize_t moved =
+        System::uninterrupted([&] { return ::write(m_device.get(), buffer, extent.length); });
     if (moved < 0)
         return failure((kCannotWrite + std::string(std::strerror(errno))).c_str());
     bytes = static_cast<unsigned>(moved);

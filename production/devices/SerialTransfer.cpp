@@ -10,6 +10,7 @@
 
 #include "devices/Deadline.h"
 #include "devices/SerialLine.h"
+#include "platform/Uninterrupted.h"
 
 namespace {
 
@@ -186,12 +187,10 @@ DeviceResult SerialLine::drainUpTo(std::uint64_t end, System::Mutex* mutex) {
 }
 
 ssize_t SerialLine::writeOnce(std::string_view bytes) {
-    ssize_t written = 0;
-    do {
+    return System::uninterrupted([this, bytes] {
         errno = 0;
-        written = ::write(descriptor(), bytes.data(), bytes.size());
-    } while (written < 0 && errno == EINTR);
-    return written;
+        return ::write(descriptor(), bytes.data(), bytes.size());
+    });
 }
 
 /// Hands the device some of what waits for it, if it takes any now. False, with errno, when the line has

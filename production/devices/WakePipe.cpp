@@ -2,20 +2,15 @@
 
 #include <unistd.h>
 
-#include <cerrno>
-
 #include "platform/Descriptors.h"
+#include "platform/Uninterrupted.h"
 
 namespace {
 
-/// Repeats an interrupted transfer; false when it did not move its one byte.
+/// False when the transfer did not move its one byte.
 template <typename Transfer>
-bool moveByte(Transfer transfer) {
-    ssize_t count = 0;
-    do {
-        count = transfer();
-    } while (count < 0 && errno == EINTR);
-    return count == 1;
+bool moveByte(const Transfer& transfer) {
+    return System::uninterrupted(transfer) == 1;
 }
 
 } // namespace

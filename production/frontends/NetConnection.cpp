@@ -5,7 +5,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <string>
 #include <utility>
 
@@ -13,18 +12,11 @@
 #include "frontends/CommandLexer.h"
 #include "frontends/CommandSender.h"
 #include "platform/Memory.h"
+#include "platform/Uninterrupted.h"
 
 namespace {
 
 constexpr std::size_t kReadBytes = 4096;
-
-ssize_t readSome(int socket, char* bytes, std::size_t size) {
-    ssize_t count = 0;
-    do {
-        count = ::read(socket, bytes, size);
-    } while (count < 0 && errno == EINTR);
-    return count;
-}
 
 } // namespace
 
@@ -45,7 +37,8 @@ bool NetConnection::readLine() {
     // On the stack, where an idle connection's buffer costs no memory until something arrives.
     char bytes[kReadBytes];
     for (;;) {
-        const ssize_t count = readSome(m_socket.get(), bytes, sizeof bytes);
+        const ssize_t count =
+            System::uninterrupted([&] { return ::read(m_socket.get(), bytes, sizeof bytes); });
         if (count <= 0)
             return false;
         const auto size = static_cast<std::size_t>(count);

@@ -8,19 +8,12 @@
 #include <functional>
 
 #include "platform/BlockDevice.h"
+#include "platform/Uninterrupted.h"
 #include "platform/posix/NodeCalls.h"
 #include "platform/posix/Readiness.h"
 
 namespace System {
 namespace {
-
-ssize_t uninterrupted(const std::function<ssize_t()>& transfer) {
-    ssize_t moved = 0;
-    do {
-        moved = transfer();
-    } while (moved < 0 && errno == EINTR);
-    return moved;
-}
 
 /// The kind and permissions; 0 when it does not tell.
 mode_t modeOf(int node) {
