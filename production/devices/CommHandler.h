@@ -61,34 +61,33 @@ public:
     /// Refuses: a channel's device is fixed.
     DeviceResult open(const std::string& path, unsigned baud, unsigned dataBits, unsigned stopBits,
                       Parity parity) override;
+    /// Opens the channel's device. A failure is reported on standard error too.
+    virtual DeviceResult open(unsigned baud, unsigned dataBits, unsigned stopBits, Parity parity);
+    /// The same; the last argument is ignored.
+    virtual DeviceResult open(unsigned baud, unsigned dataBits, unsigned stopBits, Parity parity, int);
     DeviceResult close() override;
+
     /// A failure is reported on standard error too.
     DeviceResult read(unsigned& count, void* buffer, int length, unsigned timeoutMs) override;
     /// The same; `mutex` is ignored, the channel has its own.
     DeviceResult read_locked(unsigned& count, void* buffer, int length, unsigned timeoutMs,
                              System::Mutex* mutex) override;
-    /// Never waits.
-    DeviceResult write(const void* buffer, int length) override;
-    /// Neither checked nor locked: only for a channel that is known to have a driver.
-    DeviceResult flush() override;
-    /// Opens the channel's device. A failure is reported on standard error too.
-    virtual DeviceResult open(unsigned baud, unsigned dataBits, unsigned stopBits, Parity parity);
-    /// The same; the last argument is ignored.
-    virtual DeviceResult open(unsigned baud, unsigned dataBits, unsigned stopBits, Parity parity, int);
-
     /// Like `read`, but reports nothing, for a caller to whom not every end of a read is news; with
     /// time-out 0 it waits without limit for what the next arrival brings.
     DeviceResult receive(unsigned& count, void* buffer, int length, unsigned timeoutMs);
     /// What `read` reports, for such a caller.
     static void reportReadFailure();
 
+    /// Never waits.
+    DeviceResult write(const void* buffer, int length) override;
     /// Writes all of it in its turn without waiting: what the device does not take yet goes out while
     /// somebody reads or transmits. Refused (EAGAIN) while very much waits already.
     DeviceResult post(std::string bytes);
-
     /// The same, never refused; waits until the device has taken it, has failed or is closed:
     /// for a caller that may wait for the far end, which the dispatcher may not.
     DeviceResult transmit(std::string bytes);
+    /// Neither checked nor locked: only for a channel that is known to have a driver.
+    DeviceResult flush() override;
 
     const std::string& devicePath() const { return m_path; }
 
