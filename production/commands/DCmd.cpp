@@ -4,6 +4,7 @@
 
 #include "core/CRC.h"
 #include "core/TokenText.h"
+#include "runtime/OnlyObject.h"
 #include "wire/BigEndian.h"
 
 namespace {
@@ -37,9 +38,7 @@ constexpr char kNoTable[] = "Memory allocation failure";
 System::Mutex DCmd::s_singleton_mutex(System::Mutex::Normal);
 
 DCmd* DCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static DCmd* const instance = new DCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new DCmd; });
 }
 
 DCmd::DCmd() : AbstractCmd('D', "diag", true) {}

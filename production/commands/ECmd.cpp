@@ -4,6 +4,7 @@
 
 #include "core/TokenText.h"
 #include "platform/CommandLine.h"
+#include "runtime/OnlyObject.h"
 
 namespace {
 
@@ -35,9 +36,7 @@ constexpr char kNotRunning[] =
 System::Mutex ECmd::s_singleton_mutex(System::Mutex::Normal);
 
 ECmd* ECmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static ECmd* const instance = new ECmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new ECmd; });
 }
 
 ECmd::ECmd() : AbstractCmd('E', "audio", true) {}

@@ -1,11 +1,11 @@
 #include "commands/ErrorCmd.h"
 
+#include "runtime/OnlyObject.h"
+
 System::Mutex ErrorCmd::s_singleton_mutex(System::Mutex::Normal);
 
 ErrorCmd* ErrorCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static ErrorCmd* const instance = new ErrorCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new ErrorCmd; });
 }
 
 ErrorCmd::ErrorCmd() : AbstractCmd(0, "Error", false) {}

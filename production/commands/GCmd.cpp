@@ -5,6 +5,7 @@
 #include "commands/cReadCmd.h"
 #include "core/Diagnostics.h"
 #include "core/TokenText.h"
+#include "runtime/OnlyObject.h"
 
 namespace {
 
@@ -41,9 +42,7 @@ std::string imageVersion() {
 System::Mutex GCmd::s_singleton_mutex(System::Mutex::Normal);
 
 GCmd* GCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static GCmd* const instance = new GCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new GCmd; });
 }
 
 GCmd::GCmd()

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "commands/I2CAccess.h"
+#include "runtime/OnlyObject.h"
 #include "wire/BigEndian.h"
 
 namespace {
@@ -29,9 +30,7 @@ constexpr char kTooFewBytes[] = "Bytes to Write is out of Range of received Byte
 System::Mutex IWriteCmd::s_singleton_mutex(System::Mutex::Normal);
 
 IWriteCmd* IWriteCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static IWriteCmd* const instance = new IWriteCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new IWriteCmd; });
 }
 
 IWriteCmd::IWriteCmd() : AbstractCmd('I', "", true) {}

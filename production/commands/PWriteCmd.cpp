@@ -1,5 +1,7 @@
 #include "commands/PWriteCmd.h"
 
+#include "runtime/OnlyObject.h"
+
 namespace {
 
 constexpr int kPortCommand = 0xE3;
@@ -17,9 +19,7 @@ constexpr char kInvalidLength[] = "Invalid Command Length: Expected a Length of 
 System::Mutex PWriteCmd::s_singleton_mutex(System::Mutex::Normal);
 
 PWriteCmd* PWriteCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static PWriteCmd* const instance = new PWriteCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new PWriteCmd; });
 }
 
 PWriteCmd::PWriteCmd() : AbstractPCmd('P', "") {}

@@ -6,6 +6,7 @@
 #include "commands/RequestSize.h"
 #include "core/StringFormat.h"
 #include "core/TokenText.h"
+#include "runtime/OnlyObject.h"
 #include "wire/BigEndian.h"
 
 namespace {
@@ -88,9 +89,7 @@ constexpr SWriteCmd::SubCommand SWriteCmd::kSubCommands[] = {
 System::Mutex SWriteCmd::s_singleton_mutex(System::Mutex::Normal);
 
 SWriteCmd* SWriteCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static SWriteCmd* const instance = new SWriteCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new SWriteCmd; });
 }
 
 SWriteCmd::SWriteCmd() : AbstractCmd('S', "serial", true) {}

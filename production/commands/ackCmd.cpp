@@ -1,5 +1,7 @@
 #include "commands/ackCmd.h"
 
+#include "runtime/OnlyObject.h"
+
 namespace {
 
 constexpr char kAcknowledge = 0x06;
@@ -9,9 +11,7 @@ constexpr char kAcknowledge = 0x06;
 System::Mutex ackCmd::s_singleton_mutex(System::Mutex::Normal);
 
 ackCmd* ackCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static ackCmd* const instance = new ackCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new ackCmd; });
 }
 
 ackCmd::ackCmd() : AbstractCmd(kAcknowledge, "ack", true) {}

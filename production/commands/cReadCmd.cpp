@@ -18,6 +18,7 @@
 #include "platform/Descriptors.h"
 #include "platform/Node.h"
 #include "platform/Shell.h"
+#include "runtime/OnlyObject.h"
 
 namespace {
 
@@ -159,9 +160,7 @@ std::string readFileToString(const char* path) {
 System::Mutex cReadCmd::s_singleton_mutex(System::Mutex::Normal);
 
 cReadCmd* cReadCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static cReadCmd* const instance = new cReadCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new cReadCmd; });
 }
 
 cReadCmd::cReadCmd() : AbstractCmd('c', "exec", true) {}

@@ -8,6 +8,7 @@
 #include "commands/RequestSize.h"
 #include "core/TokenNumber.h"
 #include "core/TokenText.h"
+#include "runtime/OnlyObject.h"
 #include "wire/BigEndian.h"
 
 namespace {
@@ -50,9 +51,7 @@ Answer invalidSlave(int address) {
 System::Mutex iReadCmd::s_singleton_mutex(System::Mutex::Normal);
 
 iReadCmd* iReadCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static iReadCmd* const instance = new iReadCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new iReadCmd; });
 }
 
 iReadCmd::iReadCmd() : AbstractCmd('i', "i2c", true) {}

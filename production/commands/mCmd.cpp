@@ -9,6 +9,7 @@
 #include "core/Diagnostics.h"
 #include "core/TokenNumber.h"
 #include "core/TokenText.h"
+#include "runtime/OnlyObject.h"
 #include "wire/BigEndian.h"
 
 namespace {
@@ -78,9 +79,7 @@ std::vector<unsigned char> asFourBytes(unsigned number) {
 System::Mutex mCmd::s_singleton_mutex(System::Mutex::Normal);
 
 mCmd* mCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static mCmd* const instance = new mCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new mCmd; });
 }
 
 mCmd::mCmd() : AbstractCmd('m', "blockdev", true) {

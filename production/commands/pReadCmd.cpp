@@ -7,6 +7,7 @@
 
 #include "core/TokenText.h"
 #include "platform/Node.h"
+#include "runtime/OnlyObject.h"
 #include "wire/BigEndian.h"
 
 namespace {
@@ -46,9 +47,7 @@ constexpr char kUnknownSubCommand[] = "unknown subcommand '%s'";
 System::Mutex pReadCmd::s_singleton_mutex(System::Mutex::Normal);
 
 pReadCmd* pReadCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static pReadCmd* const instance = new pReadCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new pReadCmd; });
 }
 
 pReadCmd::pReadCmd() : AbstractPCmd('p', "port") {}

@@ -14,6 +14,7 @@
 #include "core/BuildStamp.h"
 #include "core/TokenText.h"
 #include "platform/Node.h"
+#include "runtime/OnlyObject.h"
 
 namespace {
 
@@ -101,9 +102,7 @@ bool sReadCmd::startupSend = false;
 System::Mutex sReadCmd::s_singleton_mutex(System::Mutex::Normal);
 
 sReadCmd* sReadCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static sReadCmd* const instance = new sReadCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new sReadCmd; });
 }
 
 sReadCmd::sReadCmd() : AbstractCmd('s', "status", true) {}

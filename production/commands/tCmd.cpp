@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "core/TokenText.h"
+#include "runtime/OnlyObject.h"
 #include "wire/BigEndian.h"
 
 namespace {
@@ -98,9 +99,7 @@ const Access* findAccess(const std::string& operation, const std::string& keywor
 System::Mutex tCmd::s_singleton_mutex(System::Mutex::Normal);
 
 tCmd* tCmd::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static tCmd* const instance = new tCmd;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new tCmd; });
 }
 
 tCmd::tCmd() : AbstractCmd('t', "memory", true) {}

@@ -12,6 +12,7 @@
 #include "core/Diagnostics.h"
 #include "core/StandardStream.h"
 #include "core/TokenText.h"
+#include "runtime/OnlyObject.h"
 
 namespace {
 
@@ -71,9 +72,7 @@ struct Handler::Request {
 System::Mutex Handler::s_singleton_mutex(System::Mutex::Normal);
 
 Handler* Handler::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    static Handler* const instance = new Handler;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new Handler; });
 }
 
 Handler::Handler()

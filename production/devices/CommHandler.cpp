@@ -6,6 +6,7 @@
 #include "core/StringFormat.h"
 #include "devices/CommFSerial.h"
 #include "devices/CommSerial.h"
+#include "runtime/OnlyObject.h"
 
 namespace {
 
@@ -26,10 +27,7 @@ DeviceResult notInitialized() {
 System::Mutex Comm::s_singleton_mutex(System::Mutex::Normal);
 
 Comm* Comm::getInstance() {
-    const System::Lock lock(s_singleton_mutex);
-    // Never destroyed, since threads may use it until the process is gone.
-    static Comm* const instance = new Comm;
-    return instance;
+    return System::onlyObject(s_singleton_mutex, [] { return new Comm; });
 }
 
 Comm* comm() {
