@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "commands/SharedTexts.h"
 #include "core/CRC.h"
 #include "core/TokenText.h"
 #include "runtime/OnlyObject.h"
@@ -18,11 +19,12 @@ constexpr std::size_t kResultBytes = 4;
 constexpr unsigned char kLinear = 0;
 constexpr unsigned char kSegmented = 1;
 
-constexpr std::uint32_t kAddressError = 0x0B000001;
-constexpr std::uint32_t kSizeError = 0x0B000002;
+enum Code : std::uint32_t {
+    kAddressError = 0x0B000001,
+    kSizeError = 0x0B000002,
+};
 
 constexpr char kUnexpectedSubCommand[] = "Unexpected byte at position D2 of 'D' command, '9' expected";
-constexpr char kInvalidLength[] = "Invalid Command Length";
 constexpr char kInvalidSubCommand[] = "Invalid subcommand";
 constexpr char kNoMemory[] = "no memory available to calculate CRC over";
 constexpr char kNotImplemented[] = "segmented memory type (1) not implemented";
@@ -47,7 +49,7 @@ Answer DCmd::run(const std::vector<unsigned char>* request) {
     if (tavrin_getCommand(request) != kChecksum)
         return genericError(kUnexpectedSubCommand);
     if (tavrin_getRequestLen(request) != kRequestLength)
-        return genericError(kInvalidLength);
+        return genericError(SharedTexts::kInvalidLength);
     std::vector<unsigned char> result(kResultBytes);
     return tavrin_answer(
         request, checksum((*request)[3], bigEndian32(*request, 4), bigEndian32(*request, 8), result),
@@ -56,7 +58,7 @@ Answer DCmd::run(const std::vector<unsigned char>* request) {
 
 Answer DCmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kTokens)
-        return genericError(kInvalidLength);
+        return genericError(SharedTexts::kInvalidLength);
     if (!beginsWith(tokens[1], kChecksumWord))
         return genericError(kInvalidSubCommand);
     std::vector<unsigned char> result(kResultBytes);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "commands/SharedTexts.h"
 #include "core/TokenText.h"
 #include "platform/CommandLine.h"
 #include "runtime/OnlyObject.h"
@@ -16,15 +17,15 @@ constexpr char kDeactivateWord[] = "deactivate";
 constexpr unsigned char kActive = 1;
 constexpr unsigned char kInactive = 0;
 
-constexpr std::uint32_t kAudioError = 0x50010000;
-constexpr std::uint32_t kInvalidState = 0x50000001;
+enum Code : std::uint32_t {
+    kAudioError = 0x50010000,
+    kInvalidState = 0x50000001,
+};
 
 constexpr char kActivate[] = "slay -s SIGUSR1 deva-nvaudio";
 constexpr char kDeactivate[] = "slay -s SIGUSR2 deva-nvaudio";
 
-constexpr char kInvalidLength[] = "Invalid Command Length";
 constexpr char kUnknownSubCommand[] = "Unknown 'E' subcommand: %x";
-constexpr char kUnknownWord[] = "unknown subcommand '%s'";
 constexpr char kNoSuchState[] = "invalid state requested";
 constexpr char kCallFailed[] = "system call error: %s returned with rc: %d";
 // Names the activating signal for both states.
@@ -43,7 +44,7 @@ ECmd::ECmd() : AbstractCmd('E', "audio", true) {}
 
 Answer ECmd::run(const std::vector<unsigned char>* request) {
     if (tavrin_getRequestLen(request) != kRequestLength)
-        return failure(kAudioError, kInvalidLength);
+        return failure(kAudioError, SharedTexts::kInvalidLength);
     const int subCommand = tavrin_getCommand(request);
     if (subCommand != kSwitch)
         return failure(kAudioError, kUnknownSubCommand, static_cast<unsigned>(subCommand));
@@ -52,12 +53,12 @@ Answer ECmd::run(const std::vector<unsigned char>* request) {
 
 Answer ECmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() != kTokens)
-        return failure(kAudioError, kInvalidLength);
+        return failure(kAudioError, SharedTexts::kInvalidLength);
     if (beginsWith(tokens[1], kActivateWord))
         return switchTo(kActive);
     if (beginsWith(tokens[1], kDeactivateWord))
         return switchTo(kInactive);
-    return genericError(kUnknownWord, tokenText(tokens[1]).c_str());
+    return genericError(SharedTexts::kUnknownSubCommand, tokenText(tokens[1]).c_str());
 }
 
 ProcessResponse* ECmd::setState(unsigned char state) {

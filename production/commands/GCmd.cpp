@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "commands/SharedTexts.h"
 #include "commands/cReadCmd.h"
 #include "core/Diagnostics.h"
 #include "core/TokenText.h"
@@ -9,23 +10,23 @@
 
 namespace {
 
-constexpr int kDisplay = 0xA0;
-constexpr int kDisplayLength = 5;
-constexpr int kCapture = 0xA1;
-constexpr int kCaptureLength = 6;
+/// What a sub-command is called in both protocols, and what it takes.
+struct Form {
+    int code;
+    const char* word;
+    int frameLength;
+    const char* tooFewTokens;
+};
+constexpr Form kDisplay = {0xA0, "display", 5, "Expected an output channel and a picture index!"};
+constexpr Form kCapture = {0xA1, "capture", 6, "Expected an input channel and an output channel!"};
+
 constexpr std::size_t kFewestTokens = 2;
 constexpr std::size_t kTokens = 4;
-constexpr char kDisplayWord[] = "display";
-constexpr char kCaptureWord[] = "capture";
 
 constexpr char kImageVersion[] = "/mnt/app/img_ver.txt";
 
-constexpr char kInvalidLength[] = "Invalid Command Length";
 constexpr char kUnknownSubCommand[] = "Unknown 'G' subcommand: %02x";
-constexpr char kNoSubCommand[] = "Expected a subcommand!";
 constexpr char kUnknownWord[] = "Unknown 'graphic' subcommand: %s";
-constexpr char kNoPicture[] = "Expected an output channel and a picture index!";
-constexpr char kNoChannels[] = "Expected an input channel and an output channel!";
 constexpr char kNoVariant[] = "  \u00BB The variant could not be detected using the default variant %s";
 
 /// A text that does not fit into memory names no variant: the daemon has to start all the same.
@@ -63,11 +64,11 @@ GCmd::variant_type GCmd::getVariant() const {
 
 Answer GCmd::run(const std::vector<unsigned char>* request) {
     const int subCommand = tavrin_getCommand(request);
-    if (subCommand != kDisplay && subCommand != kCapture)
+    const bool isDisplay = subCommand == kDisplay.code;
+    if (!isDisplay && subCommand != kCapture.code)
         return genericError(kUnknownSubCommand, static_cast<unsigned>(subCommand));
-    const bool isDisplay = subCommand == kDisplay;
-    if (tavrin_getRequestLen(request) != (isDisplay ? kDisplayLength : kCaptureLength))
-        return genericError(kInvalidLength);
+    if (tavrin_getRequestLen(request) != (isDisplay ? kDisplay : kCapture).frameLength)
+        return genericError(SharedTexts::kInvalidLength);
     return successIn<ProcessResponseTavrin>(
         std::make_unique<ProcessResponse>(isDisplay ? displayTestImage((*request)[3], (*request)[4])
                                                     : captureFrame((*request)[4], (*request)[5])));
@@ -75,12 +76,12 @@ Answer GCmd::run(const std::vector<unsigned char>* request) {
 
 Answer GCmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() < kFewestTokens)
-        return genericError(kNoSubCommand);
-    const bool isDisplay = beginsWith(tokens[1], kDisplayWord);
-    if (!isDisplay && !beginsWith(tokens[1], kCaptureWord))
+        return genericError(SharedTexts::kNoSubCommand);
+    const bool isDisplay = beginsWith(tokens[1], kDisplay.word);
+    if (!isDisplay && !beginsWith(tokens[1], kCapture.word))
         return genericError(kUnknownWord, tokenText(tokens[1]).c_str());
     if (tokens.size() < kTokens)
-        return genericError(isDisplay ? kNoPicture : kNoChannels);
+        return genericError("%s", (isDisplay ? kDisplay : kCapture).tooFewTokens);
     const auto first = static_cast<unsigned char>(ascii_getInt(tokens[2]));
     const auto second = static_cast<unsigned char>(ascii_getInt(tokens[3]));
     return successIn<ProcessResponseAscii>(std::make_unique<ProcessResponse>(

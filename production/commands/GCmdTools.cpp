@@ -8,9 +8,11 @@
 
 namespace {
 
-constexpr std::uint32_t kInvalidOutput = 0x49000002;
-constexpr std::uint32_t kInvalidIndex = 0x49000004;
-constexpr std::uint32_t kInvalidInput = 0x49000008;
+enum Code : std::uint32_t {
+    kInvalidOutput = 0x49000002,
+    kInvalidIndex = 0x49000004,
+    kInvalidInput = 0x49000008,
+};
 
 constexpr unsigned char kLvds0 = 0;
 constexpr unsigned char kSecondVideoOutput = 1;

@@ -6,10 +6,6 @@
 namespace I2CAccess {
 namespace {
 
-constexpr unsigned kSlow = 100;
-constexpr unsigned kFast = 400;
-constexpr unsigned kHertzPerKiloHertz = 1000;
-
 constexpr char kInvalidBus[] = "Bus number %d is invalid";
 constexpr char kOpenFailed[] = "Failed to open Bus with Error-Code %d";
 constexpr char kUnknownAttributeText[] = "Attribute ID %d is unknown";
@@ -48,6 +44,8 @@ Answer setStopCondition(I2c& bus, unsigned char value) {
 }
 
 Answer setBusSpeed(I2c& bus, unsigned kiloHertz, std::uint32_t errorCode) {
+    constexpr unsigned kSlow = 100;
+    constexpr unsigned kFast = 400;
     if (kiloHertz != kSlow && kiloHertz != kFast)
         return failure(kSpeedError, kUnsupportedSpeedText, static_cast<int>(kiloHertz));
     return deviceOutcome(errorCode, bus.setBusSpeed(kiloHertz * kHertzPerKiloHertz));

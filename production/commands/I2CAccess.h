@@ -13,6 +13,8 @@ constexpr std::uint32_t kNoSuchBus = 0x07000005;
 constexpr std::uint32_t kUnknownAttribute = 0x0700000B;
 constexpr std::uint32_t kSpeedError = 0x0700000D;
 
+constexpr unsigned kHertzPerKiloHertz = 1000;
+
 enum Attribute : unsigned char { StopCondition = 0, BusSpeed = 1 };
 
 /// How a bus that cannot be opened is reported.

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "commands/I2CAccess.h"
+#include "commands/RequestSize.h"
 #include "runtime/OnlyObject.h"
 #include "wire/BigEndian.h"
 
@@ -11,17 +12,15 @@ namespace {
 using I2CAccess::OpenFailure;
 
 constexpr int kAttributes = 255;
-constexpr int kShortest = 5;
-constexpr int kSpeedLength = 7;
-constexpr int kStopLength = 6;
 constexpr int kHeader = 3;
 // Named in the refusal; one more is accepted, since the first of the bytes is the slave's address.
 constexpr int kMostBytes = 250;
 
+constexpr RequestSize kAnyRequest = {5, kNoLimit, "Expect at least 5 Bytes, received: %d"};
+constexpr RequestSize kSpeedRequest = {7, 7, "Expect 7 Bytes, received: %d"};
+constexpr RequestSize kStopRequest = {6, 6, "Expect at 6 Bytes, received: %d"};
+
 constexpr char kElsewhere[] = "IWrite is implemented in i2c";
-constexpr char kTooShort[] = "Expect at least 5 Bytes, received: %d";
-constexpr char kWrongSpeedLength[] = "Expect 7 Bytes, received: %d";
-constexpr char kWrongStopLength[] = "Expect at 6 Bytes, received: %d";
 constexpr char kCountOutOfRange[] = "Number of to by written Bytes must be in Range [1,%d] but is %d";
 constexpr char kTooFewBytes[] = "Bytes to Write is out of Range of received Bytes";
 
@@ -41,8 +40,8 @@ ProcessResponse* IWriteCmd::process(std::vector<std::vector<char>>&) {
 
 Answer IWriteCmd::run(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
-    if (length < kShortest)
-        return genericError(kTooShort, length);
+    if (Answer refusal = checkLength(kAnyRequest, length))
+        return refusal;
     return successIn<ProcessResponseTavrin>(tavrin_getCommand(request) == kAttributes
                                                 ? setAttribute(*request, length)
                                                 : writeBus(*request, length));
@@ -55,12 +54,12 @@ Answer IWriteCmd::setAttribute(const std::vector<unsigned char>& request, int le
     const unsigned char attribute = request[4];
     switch (attribute) {
         case I2CAccess::BusSpeed:
-            if (length != kSpeedLength)
-                return genericError(kWrongSpeedLength, length);
+            if (Answer wrong = checkLength(kSpeedRequest, length))
+                return wrong;
             return I2CAccess::setBusSpeed(*i2c, bigEndian16(request, 5), I2CAccess::kSpeedError);
         case I2CAccess::StopCondition:
-            if (length != kStopLength)
-                return genericError(kWrongStopLength, length);
+            if (Answer wrong = checkLength(kStopRequest, length))
+                return wrong;
             return I2CAccess::setStopCondition(*i2c, request[5]);
         default:
             return I2CAccess::unknownAttribute(attribute);

@@ -1,18 +1,19 @@
 #include "commands/PWriteCmd.h"
 
+#include "commands/RequestSize.h"
 #include "runtime/OnlyObject.h"
 
 namespace {
 
 constexpr int kPortCommand = 0xE3;
 constexpr int kHeaderLength = 3;
-constexpr int kWriteLength = 6;
 constexpr unsigned char kWritePort = 1;
 constexpr unsigned char kHighBit = 0x04;
 
+constexpr RequestSize kWriteRequest = {6, 6, "Invalid Command Length: Expected a Length of 6, get %d"};
+
 constexpr char kElsewhere[] = "Implemented in port command";
 constexpr char kNotSupported[] = "Command not supported";
-constexpr char kInvalidLength[] = "Invalid Command Length: Expected a Length of 6, get %d";
 
 } // namespace
 
@@ -36,8 +37,8 @@ Answer PWriteCmd::run(const std::vector<unsigned char>* request) {
 }
 
 Answer PWriteCmd::writePort(const std::vector<unsigned char>* request) {
-    if (const int length = tavrin_getRequestLen(request); length != kWriteLength)
-        return genericError(kInvalidLength, length);
+    if (Answer refusal = checkLength(kWriteRequest, tavrin_getRequestLen(request)))
+        return refusal;
     const unsigned char port = (*request)[4];
     if (Answer refusal = checkOutput(port))
         return refusal;

@@ -18,7 +18,8 @@ struct RequestSize {
 /// The most of what has no end.
 constexpr int kNoLimit = std::numeric_limits<int>::max();
 
-/// Null when a frame of this length is as it should be.
+/// Null when a frame of this length is as it should be; also for a line whose refusal counts all its
+/// tokens.
 inline Answer checkLength(const RequestSize& size, int length) {
     return size.isMetBy(length) ? nullptr : genericError(size.refusal, length);
 }

@@ -18,11 +18,13 @@ constexpr unsigned char kSevenDataBits = 0x08;
 constexpr std::size_t kGetAllBytes = 247;
 constexpr unsigned int kReadMs = 20;
 
-constexpr unsigned int kIoFailed = 0x0A000000;
-constexpr unsigned int kNoSuchChannel = 0x0A000004;
-constexpr unsigned int kNoSuchParity = 0x0A000008;
-constexpr unsigned int kOpenFailed = 0x0A000040;
-constexpr unsigned int kCloseFailed = 0x0A000080;
+enum Code : std::uint32_t {
+    kIoFailed = 0x0A000000,
+    kNoSuchChannel = 0x0A000004,
+    kNoSuchParity = 0x0A000008,
+    kOpenFailed = 0x0A000040,
+    kCloseFailed = 0x0A000080,
+};
 
 constexpr char kInUse[] = "Channel is a already in use by Bios";
 constexpr char kUnknownParity[] = "Could not detect Parity";

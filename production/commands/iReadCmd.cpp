@@ -6,6 +6,7 @@
 
 #include "commands/I2CAccess.h"
 #include "commands/RequestSize.h"
+#include "commands/SharedTexts.h"
 #include "core/TokenNumber.h"
 #include "core/TokenText.h"
 #include "runtime/OnlyObject.h"
@@ -18,19 +19,13 @@ using I2CAccess::OpenFailure;
 constexpr int kAttributes = 255;
 constexpr int kMostBytes = 247;
 constexpr int kReadHeader = 5;
-constexpr int kAttributeLength = 5;
 constexpr unsigned kHighestByte = 0xFF;
 
-constexpr std::size_t kReadTokensWithData = 6;
-constexpr std::size_t kMostFirst = 255;
+constexpr RequestSize kReadRequest = {kReadHeader, kNoLimit, "Expected at Least 5 Bytes, received: %d"};
+constexpr RequestSize kAttributeRequest = {5, 5, "Expect a Command Length of 5 but get %d"};
 
-constexpr char kNoSubCommand[] = "Expected a subcommand!";
-constexpr char kUnknownSubCommand[] = "unknown subcommand '%s'";
 constexpr char kOverflow[] = "Overflow of allowed Range of Bytes to Read [1,%d], should Read: %d";
-constexpr char kTooShort[] = "Expected at Least 5 Bytes, received: %d";
-constexpr char kWrongLength[] = "Expect a Command Length of 5 but get %d";
 constexpr char kAtLeastFour[] = "Expected at Least 4 Parameter, received: %d";
-constexpr char kExactlyThree[] = "Expected 3 Parameter, received: %d";
 constexpr char kNoData[] = "Expected Data to write";
 constexpr char kTooMuchData[] = "Number of Bytes to write first must be in Range [0,%d], received: %d";
 constexpr char kInvalidSlave[] = "Slave address %d is invalid";
@@ -69,12 +64,12 @@ Answer iReadCmd::run(const std::vector<std::vector<char>>& tokens) {
     };
     static constexpr SubCommand kSubCommands[] = {
         {"read", {5, kNoLimit, kAtLeastFour}, &iReadCmd::readBus},
-        {"getattributes", {4, 4, kExactlyThree}, &iReadCmd::getAttribute},
+        {"getattributes", {4, 4, "Expected 3 Parameter, received: %d"}, &iReadCmd::getAttribute},
         {"setattributes", {5, 5, kAtLeastFour}, &iReadCmd::setAttribute},
         {"write", {5, 5, kAtLeastFour}, &iReadCmd::writeBus},
     };
     if (tokens.size() < 2)
-        return genericError(kNoSubCommand);
+        return genericError(SharedTexts::kNoSubCommand);
     const std::string word = tokenText(tokens[1]);
     for (const SubCommand& subCommand : kSubCommands) {
         if (word != subCommand.word)
@@ -83,7 +78,7 @@ Answer iReadCmd::run(const std::vector<std::vector<char>>& tokens) {
             return refusal;
         return (this->*subCommand.run)(tokens);
     }
-    return genericError(kUnknownSubCommand, word.c_str());
+    return genericError(SharedTexts::kUnknownSubCommand, word.c_str());
 }
 
 Answer iReadCmd::readBus(unsigned char bus, unsigned char count, unsigned char address, bool writeFirst,
@@ -108,19 +103,18 @@ Answer iReadCmd::getAttribute(unsigned char bus, unsigned char attribute,
     }
     if (attribute != I2CAccess::BusSpeed)
         return I2CAccess::unknownAttribute(attribute);
-    constexpr unsigned kHertzPerKiloHertz = 1000;
     unsigned speed = 0;
     if (const DeviceResult result = i2c->getBusSpeed(speed); result.failed())
         return I2CAccess::outcome(result);
     out->resize(sizeof(std::uint16_t));
-    putBigEndian16(*out, 0, static_cast<std::uint16_t>(speed / kHertzPerKiloHertz));
+    putBigEndian16(*out, 0, static_cast<std::uint16_t>(speed / I2CAccess::kHertzPerKiloHertz));
     return success();
 }
 
 Answer iReadCmd::readBusClassic(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
-    if (length < kReadHeader)
-        return genericError(kTooShort, length);
+    if (Answer refusal = checkLength(kReadRequest, length))
+        return refusal;
     const unsigned char count = (*request)[3];
     if (Answer refusal = checkCount(count))
         return refusal;
@@ -133,14 +127,15 @@ Answer iReadCmd::readBusClassic(const std::vector<unsigned char>* request) {
 }
 
 Answer iReadCmd::getAttributeClassic(const std::vector<unsigned char>* request) {
-    const int length = tavrin_getRequestLen(request);
-    if (length != kAttributeLength)
-        return genericError(kWrongLength, length);
+    if (Answer refusal = checkLength(kAttributeRequest, tavrin_getRequestLen(request)))
+        return refusal;
     std::vector<unsigned char> value;
     return tavrin_answer(request, getAttribute((*request)[3], (*request)[4], &value), value);
 }
 
 Answer iReadCmd::readBus(const std::vector<std::vector<char>>& tokens) {
+    constexpr std::size_t kTokensWithData = 6;
+    constexpr std::size_t kMostFirst = 255;
     const int count = ascii_getInt(tokens[3]);
     if (Answer refusal = checkCount(count))
         return refusal;
@@ -150,7 +145,7 @@ Answer iReadCmd::readBus(const std::vector<std::vector<char>>& tokens) {
     const auto address = tokenNumberUpTo(tokens[4], kHighestByte);
     if (!address)
         return invalidSlave(ascii_getInt(tokens[4]));
-    const bool writeFirst = tokens.size() == kReadTokensWithData;
+    const bool writeFirst = tokens.size() == kTokensWithData;
     const std::vector<char> none;
     const std::vector<char>& data = writeFirst ? tokens[5] : none;
     if (data.size() > kMostFirst)

@@ -2,10 +2,13 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <utility>
 
+#include "commands/SharedTexts.h"
 #include "core/Diagnostics.h"
 #include "core/TokenNumber.h"
 #include "core/TokenText.h"
@@ -21,21 +24,32 @@ constexpr int kMassStorage = 179;
 constexpr int kSdCard = 180;
 constexpr unsigned char kLastSdCard = 1;
 
-enum Operation : unsigned char { Open = 1, Close = 2, Read = 3, Write = 4 };
+/// An operation in both protocols, and what runs it: one of the two functions.
+struct Operation {
+    int code;
+    int frameLength;
+    const char* word;
+    std::size_t tokens;
+    Answer (mCmd::*onDevice)(mCmd::Handle* handle);
+    Answer (mCmd::*transfer)(mCmd::Handle* handle, unsigned firstBlock, unsigned blockCount,
+                             unsigned offset, std::vector<unsigned char>& count);
+};
+constexpr Operation kOperations[] = {
+    {1, 5, "open", 4, &mCmd::open, nullptr},
+    {2, 5, "close", 4, &mCmd::close, nullptr},
+    {3, 17, "read", 7, nullptr, &mCmd::read},
+    {4, 17, "write", 7, nullptr, &mCmd::write},
+};
 
 constexpr int kShortestRequest = 5;
-constexpr int kTransferLength = 17;
+constexpr std::size_t kFewestTokens = 4;
 constexpr std::size_t kFirstBlockAt = 5;
 constexpr std::size_t kBlockCountAt = 9;
 constexpr std::size_t kOffsetAt = 13;
-constexpr std::size_t kTokens = 4;
-constexpr std::size_t kTransferTokens = 7;
-constexpr std::size_t kCountBytes = 4;
 
 constexpr int kError = ProcessResponse::kGenericError;
 
 constexpr char kNotAvailable[] = "BlockDevice %s is not available";
-constexpr char kInvalidLength[] = "Invalid Command Length";
 constexpr char kInvalidSubCommand[] = "Invalid Subcommand";
 constexpr char kWithErrorCode[] = "%s, errorCode: %d";
 constexpr char kOffsetOutOfRange[] = "Memoryoffset out of Range";
@@ -56,6 +70,13 @@ Answer responseTo(const DeviceResult& result) {
     return genericError(kWithErrorCode, result.message.c_str(), result.code);
 }
 
+/// Null when there is none that fits.
+template <typename Fits>
+const Operation* findOperation(Fits fits) {
+    const auto* const found = std::find_if(std::begin(kOperations), std::end(kOperations), fits);
+    return found == std::end(kOperations) ? nullptr : found;
+}
+
 /// A device type or id; what no byte holds is the highest one, which none has.
 unsigned char byteIn(const std::vector<char>& token) {
     constexpr unsigned char kNone = std::numeric_limits<unsigned char>::max();
@@ -69,7 +90,7 @@ unsigned numberIn(const std::vector<char>& token) {
 }
 
 std::vector<unsigned char> asFourBytes(unsigned number) {
-    std::vector<unsigned char> bytes(kCountBytes);
+    std::vector<unsigned char> bytes(sizeof(std::uint32_t));
     putBigEndian32(bytes, 0, number);
     return bytes;
 }
@@ -182,49 +203,44 @@ Answer mCmd::write(Handle* handle, unsigned firstBlock, unsigned blockCount, uns
 Answer mCmd::run(const std::vector<unsigned char>* request) {
     const int length = tavrin_getRequestLen(request);
     if (length < kShortestRequest)
-        return genericError(kInvalidLength);
+        return genericError(SharedTexts::kInvalidLength);
     Handle* handle = nullptr;
     if (const DeviceResult result = device(&handle, (*request)[2], (*request)[3]);
         result.failed() || handle == nullptr)
         return failure(static_cast<unsigned>(result.code), "%s", result.message.c_str());
-    const unsigned char operation = (*request)[4];
-    if (operation < Open || operation > Write)
+    const Operation* const operation =
+        findOperation([&](const Operation& known) { return (*request)[4] == known.code; });
+    if (operation == nullptr)
         return genericError(kInvalidSubCommand);
-    const bool isTransfer = operation == Read || operation == Write;
-    if (length != (isTransfer ? kTransferLength : kShortestRequest))
-        return genericError(kInvalidLength);
+    if (length != operation->frameLength)
+        return genericError(SharedTexts::kInvalidLength);
     std::vector<unsigned char> count;
-    if (!isTransfer)
-        return tavrin_answer(request, operation == Open ? open(handle) : close(handle), count);
-    const auto transfer = operation == Read ? &mCmd::read : &mCmd::write;
-    return tavrin_answer(
-        request,
-        (this->*transfer)(handle, bigEndian32(*request, kFirstBlockAt),
-                          bigEndian32(*request, kBlockCountAt), bigEndian32(*request, kOffsetAt), count),
-        count);
+    if (operation->transfer == nullptr)
+        return tavrin_answer(request, (this->*operation->onDevice)(handle), count);
+    return tavrin_answer(request,
+                         (this->*operation->transfer)(handle, bigEndian32(*request, kFirstBlockAt),
+                                                      bigEndian32(*request, kBlockCountAt),
+                                                      bigEndian32(*request, kOffsetAt), count),
+                         count);
 }
 
 Answer mCmd::run(const std::vector<std::vector<char>>& tokens) {
-    if (tokens.size() < kTokens)
-        return genericError(kInvalidLength);
+    if (tokens.size() < kFewestTokens)
+        return genericError(SharedTexts::kInvalidLength);
     Handle* handle = nullptr;
-    const DeviceResult found = device(&handle, byteIn(tokens[2]), byteIn(tokens[3]));
-    if (found.failed() || handle == nullptr)
-        return failure(static_cast<unsigned>(found.code), "%s", found.message.c_str());
-    const bool isOpen = beginsWith(tokens[1], "open");
-    const bool isRead = beginsWith(tokens[1], "read");
-    if (isOpen || beginsWith(tokens[1], "close")) {
-        if (tokens.size() != kTokens)
-            return genericError(kInvalidLength);
-        return isOpen ? open(handle) : close(handle);
-    }
-    if (!isRead && !beginsWith(tokens[1], "write"))
+    if (const DeviceResult result = device(&handle, byteIn(tokens[2]), byteIn(tokens[3]));
+        result.failed() || handle == nullptr)
+        return failure(static_cast<unsigned>(result.code), "%s", result.message.c_str());
+    const Operation* const operation =
+        findOperation([&](const Operation& known) { return beginsWith(tokens[1], known.word); });
+    if (operation == nullptr)
         return genericError(kInvalidSubCommand);
-    if (tokens.size() != kTransferTokens)
-        return genericError(kInvalidLength);
+    if (tokens.size() != operation->tokens)
+        return genericError(SharedTexts::kInvalidLength);
+    if (operation->transfer == nullptr)
+        return (this->*operation->onDevice)(handle);
     std::vector<unsigned char> count;
-    const auto transfer = isRead ? &mCmd::read : &mCmd::write;
-    return ascii_answer(
-        (this->*transfer)(handle, numberIn(tokens[4]), numberIn(tokens[5]), numberIn(tokens[6]), count),
-        [&] { return ascii_buildBase64String(count); });
+    return ascii_answer((this->*operation->transfer)(handle, numberIn(tokens[4]), numberIn(tokens[5]),
+                                                     numberIn(tokens[6]), count),
+                        [&] { return ascii_buildBase64String(count); });
 }

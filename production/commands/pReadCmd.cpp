@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "commands/RequestSize.h"
+#include "commands/SharedTexts.h"
 #include "core/TokenText.h"
 #include "platform/Node.h"
 #include "runtime/OnlyObject.h"
@@ -15,32 +17,30 @@ namespace {
 constexpr int kPortCommand = 0xE3;
 constexpr int kHeaderLength = 3;
 constexpr unsigned char kReadConfig = 0;
-constexpr int kReadConfigLength = 4;
 constexpr unsigned char kReadPort = 1;
-constexpr int kReadPortLength = 5;
 constexpr std::size_t kMostPorts = 255;
 
 constexpr char kReadWord[] = "read";
 constexpr char kAttributesWord[] = "getattributes";
 constexpr char kWriteWord[] = "write";
 constexpr std::size_t kReadTokens = 3;
-constexpr std::size_t kWriteTokens = 4;
 
 constexpr unsigned int kNotImplemented = 1026;
 constexpr unsigned int kNotOnThisUnit = 1027;
 constexpr unsigned char kLevelBit = 0x04;
 
+constexpr RequestSize kConfigRequest = {4, 4, "Invalid Command Length: Expected a Length of 4, get %d"};
+constexpr RequestSize kPortRequest = {5, 5, "Expected at a Command Length of 5, received %d"};
+// Of a line it is said in the same words.
+constexpr RequestSize kWriteLine = kConfigRequest;
+
 constexpr char kNotSupported[] = "Command is not supported";
-constexpr char kConfigLength[] = "Invalid Command Length: Expected a Length of 4, get %d";
-constexpr char kPortLength[] = "Expected at a Command Length of 5, received %d";
 constexpr char kTooManyPorts[] = "Internal Error: Number of Ports > 255";
 constexpr char kReadNotImplemented[] = "Reading from Port %d is not implemented";
 constexpr char kReadAbsent[] = "Port %d does not exist on this Target";
 constexpr char kReadFailed[] = "Reading from Port %d results in Error-Code %d";
 constexpr char kConfigFailed[] = "Failed to read Port %d: %s, errorcode: %d";
-constexpr char kNoSubCommand[] = "Expected a subcommand!";
 constexpr char kNoPortNumber[] = "Expected a Port Number!";
-constexpr char kUnknownSubCommand[] = "unknown subcommand '%s'";
 
 } // namespace
 
@@ -63,14 +63,14 @@ Answer pReadCmd::runBinary(const std::vector<unsigned char>* request, std::vecto
         return genericError(kNotSupported);
     switch ((*request)[3]) {
         case kReadConfig:
-            if (length != kReadConfigLength)
-                return genericError(kConfigLength, length);
+            if (Answer refusal = checkLength(kConfigRequest, length))
+                return refusal;
             if (ports().size() > kMostPorts)
                 return genericError(kTooManyPorts);
             return getConfig(data);
         case kReadPort:
-            if (length != kReadPortLength)
-                return genericError(kPortLength, length);
+            if (Answer refusal = checkLength(kPortRequest, length))
+                return refusal;
             if (Answer refusal = checkRange((*request)[4]))
                 return refusal;
             return readPort((*request)[4], data);
@@ -130,7 +130,7 @@ void pReadCmd::setAttributes(unsigned char& byte, PortInfo::Type type, char valu
 
 Answer pReadCmd::run(const std::vector<std::vector<char>>& tokens) {
     if (tokens.size() < 2)
-        return genericError(kNoSubCommand);
+        return genericError(SharedTexts::kNoSubCommand);
     std::vector<unsigned char> data;
     const auto dataInHex = [this, &data] { return ascii_buildHexString(data, true); };
     if (beginsWith(tokens[1], kReadWord)) {
@@ -145,12 +145,12 @@ Answer pReadCmd::run(const std::vector<std::vector<char>>& tokens) {
         return ascii_answer(getConfig(&data), dataInHex);
     if (beginsWith(tokens[1], kWriteWord))
         return writePort(tokens);
-    return genericError(kUnknownSubCommand, tokenText(tokens[1]).c_str());
+    return genericError(SharedTexts::kUnknownSubCommand, tokenText(tokens[1]).c_str());
 }
 
 Answer pReadCmd::writePort(const std::vector<std::vector<char>>& tokens) {
-    if (tokens.size() != kWriteTokens)
-        return genericError(kConfigLength, static_cast<int>(tokens.size()));
+    if (Answer refusal = checkLength(kWriteLine, static_cast<int>(tokens.size())))
+        return refusal;
     const auto port = static_cast<unsigned char>(ascii_getInt(tokens[2]));
     if (Answer refusal = checkOutput(port))
         return refusal;

@@ -10,6 +10,7 @@
 #include <limits>
 #include <utility>
 
+#include "commands/SharedTexts.h"
 #include "commands/cReadCmd.h"
 #include "core/BuildStamp.h"
 #include "core/TokenText.h"
@@ -23,22 +24,27 @@ constexpr int kFileLength = 3;
 constexpr unsigned char kStatusEcho = 0x2C;
 constexpr std::size_t kEchoedBytes = 4;
 
-constexpr unsigned char kProductHigh = 0xA0;
-constexpr unsigned char kProductLow = 0x24;
+constexpr unsigned kProduct = 0xA024;
 constexpr std::size_t kPayloadBytes = 16;
 
 constexpr char kRevision[] = "/dev/nvsku/rev";
-constexpr char kSerialNumber[] = "/dev/nvsku/serial_num";
-constexpr char kImageVersion[] = "/mnt/app/img_ver.txt";
-constexpr char kApplicationVersion[] = "/mnt/app/version_info.txt";
-constexpr char kSystemVersion[] = "/ifs/version_info.txt";
 
-constexpr int kReadImageVersion = 0x01;
-constexpr int kReadSerialNumber = 0x02;
+/// A file that says who the unit is, and how it is asked for.
+struct IdentityFile {
+    int code;
+    const char* prefix; ///< of a line's second token
+    const char* path;
+};
+constexpr int kLineOnly = 0x100; // no frame can say it
+constexpr IdentityFile kIdentityFiles[] = {
+    {0x01, "01", "/mnt/app/img_ver.txt"},
+    {0x02, "02", "/dev/nvsku/serial_num"},
+    {kLineOnly, "03", "/mnt/app/version_info.txt"},
+    {kLineOnly, "04", "/ifs/version_info.txt"},
+};
 
 constexpr char kTooLong[] = "Command 's': too long!";
 constexpr char kUnsupported[] = "unsupported subcommand";
-constexpr char kInvalidLength[] = "Invalid Command Length";
 constexpr char kSentAgain[] = "Startup State sent but requested again";
 constexpr char kConnectionCut[] = "Probaby due to connection cut";
 constexpr char kCannotOpen[] = "Failed to open the /dev/nvsku/rev file";
@@ -113,33 +119,26 @@ ProcessResponse* sReadCmd::process(std::vector<unsigned char>* request) {
 }
 
 Answer sReadCmd::sendFile(const std::vector<unsigned char>* request) {
-    const int length = tavrin_getRequestLen(request);
-    if (length > kFileLength)
+    if (tavrin_getRequestLen(request) > kFileLength)
         return genericError(kTooLong);
-    const int subCommand = tavrin_getCommand(request);
-    if (subCommand != kReadImageVersion && subCommand != kReadSerialNumber)
-        return genericError(kUnsupported);
-    // The content's frame echoes D3, which this request does not have. A refusal is left without.
-    std::vector<unsigned char> echoed = *request;
-    echoed.resize(kEchoedBytes);
-    return cReadCmd::getInstance()->ReadFromFileBinary(
-        &echoed, subCommand == kReadImageVersion ? kImageVersion : kSerialNumber);
+    const int code = tavrin_getCommand(request);
+    for (const IdentityFile& file : kIdentityFiles) {
+        if (code != file.code)
+            continue;
+        // The content's frame echoes D3, which this request does not have. A refusal is left without.
+        std::vector<unsigned char> echoed = *request;
+        echoed.resize(kEchoedBytes);
+        return cReadCmd::getInstance()->ReadFromFileBinary(&echoed, file.path);
+    }
+    return genericError(kUnsupported);
 }
 
 Answer sReadCmd::run(const std::vector<std::vector<char>>& tokens) {
-    struct Selection {
-        const char* prefix;
-        const char* path;
-    };
-    constexpr Selection kSelections[] = {{"01", kImageVersion},
-                                         {"02", kSerialNumber},
-                                         {"03", kApplicationVersion},
-                                         {"04", kSystemVersion}};
     if (tokens.size() == 1)
         return statusText();
-    for (const Selection& selection : kSelections) {
-        if (tokens.size() > 1 && beginsWith(tokens[1], selection.prefix))
-            return cReadCmd::getInstance()->ReadFromFileBase64(selection.path);
+    for (const IdentityFile& file : kIdentityFiles) {
+        if (tokens.size() > 1 && beginsWith(tokens[1], file.prefix))
+            return cReadCmd::getInstance()->ReadFromFileBase64(file.path);
     }
     return genericError(kUnsupported);
 }
@@ -173,7 +172,7 @@ bool sReadCmd::noteStatusSent(Status status) {
 
 ProcessResponse* sReadCmd::sendStatusTavrin(std::vector<unsigned char>* request, Status status) {
     if (tavrin_getRequestLen(request) != kStatusLength)
-        return failureIn<ProcessResponseTavrin>(genericError(kInvalidLength)).release();
+        return failureIn<ProcessResponseTavrin>(genericError(SharedTexts::kInvalidLength)).release();
     std::vector<unsigned char> echoed = *request;
     echoed.resize(kEchoedBytes);
     echoed[2] = kStatusEcho;
@@ -189,10 +188,10 @@ Answer sReadCmd::statusFrame(const std::vector<unsigned char>& echoed) {
     std::vector<unsigned char> payload;
     payload.reserve(kPayloadBytes);
     appendBuildTime(payload);
-    payload.push_back(kProductHigh);
-    payload.push_back(kProductLow);
-    payload.push_back(static_cast<unsigned char>(kruversion >> 8));
-    payload.push_back(static_cast<unsigned char>(kruversion));
+    for (const unsigned number : {kProduct, unsigned{kruversion}}) {
+        payload.push_back(static_cast<unsigned char>(number >> 8));
+        payload.push_back(static_cast<unsigned char>(number));
+    }
     payload.push_back(static_cast<unsigned char>(getProductionVersion()));
     payload.resize(kPayloadBytes);
     return tavrin_answer(&echoed, success(), payload);
@@ -230,6 +229,6 @@ Answer sReadCmd::statusText() {
         return failureIn<ProcessResponseAscii>(genericError(kCannotOpen));
     if (revision.result == RevisionRead::CannotRead)
         return failureIn<ProcessResponseAscii>(genericError(kCannotReadAscii));
-    return asciiSuccess(string_format("\"%s\" %02X%02X \"%X\" %u", getDateTimeString(), kProductHigh,
-                                      kProductLow, revision.value, getProductionVersion()));
+    return asciiSuccess(string_format("\"%s\" %04X \"%X\" %u", getDateTimeString(), kProduct,
+                                      revision.value, getProductionVersion()));
 }

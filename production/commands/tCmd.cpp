@@ -6,6 +6,8 @@
 #include <numeric>
 #include <utility>
 
+#include "commands/RequestSize.h"
+#include "commands/SharedTexts.h"
 #include "core/TokenText.h"
 #include "runtime/OnlyObject.h"
 #include "wire/BigEndian.h"
@@ -25,21 +27,27 @@ constexpr std::size_t kAddressAt = 4;
 constexpr std::size_t kTagAt = 8;
 constexpr std::size_t kChecksumAt = 10;
 
-constexpr std::size_t kFewestTokens = 5;
-constexpr std::size_t kFewestWriteTokens = 6;
-constexpr std::size_t kFewestCheckedWriteTokens = 7;
+constexpr RequestSize kAnyLine = {
+    5, kNoLimit, "Command length error, command must contain at least 5 fields, received fields: %d"};
+constexpr RequestSize kWriteLine = {
+    6, kNoLimit,
+    "Command length error,write commands must contain at least 6 fields, received fields:%d"};
+constexpr RequestSize kCheckedWriteLine = {
+    7, kNoLimit,
+    "Command length error, write 8bitcrc commands  must contain at least 7 fields,received fields: %d"};
 constexpr std::size_t kLongestDataToken = 255;
 constexpr char kRead[] = "read";
 constexpr char kWrite[] = "write";
 constexpr char kChecked[] = "8bitcrc";
 
-constexpr std::uint32_t kMalformed = 0x08001000;
-constexpr std::uint32_t kOutOfBounds = 0x08000100;
-constexpr std::uint32_t kWrongChecksum = 0x08000400;
+enum Code : std::uint32_t {
+    kMalformed = 0x08001000,
+    kOutOfBounds = 0x08000100,
+    kWrongChecksum = 0x08000400,
+};
 
 constexpr char kNoBuffer[] = "Allocation Error";
 constexpr char kNotSupported[] = "Command not supported";
-constexpr char kInvalidLength[] = "Invalid Command Length";
 // The three ways to say it tell where the refusal comes from.
 constexpr char kTooManyRead[] = "Number of Accessesout of Bounds [(%d*%d => %d) > 244]";
 constexpr char kTooManyWritten[] = "Number of Accesses outof Bounds [(%d*%d => %d) > 244]";
@@ -47,12 +55,6 @@ constexpr char kTooManyWrittenAscii[] = "Number of Accesses out of Bounds [(%d*%
 constexpr char kMisaligned[] = "Alignment Error for Start Address";
 constexpr char kOutOfLimits[] = "Accessing Memory out of Limits";
 constexpr char kTooFewBytes[] = "Accesslength: %d + Commandlength: %d > Commandlength: %d";
-constexpr char kTooFewFields[] =
-    "Command length error, command must contain at least 5 fields, received fields: %d";
-constexpr char kTooFewWriteFields[] =
-    "Command length error,write commands must contain at least 6 fields, received fields:%d";
-constexpr char kTooFewCheckedFields[] =
-    "Command length error, write 8bitcrc commands  must contain at least 7 fields,received fields: %d";
 constexpr char kUnknownCombination[] = "unknown command combination param1:'%s', param2: %s";
 constexpr char kBadData[] = "Number of Data Bytes must be in Range [%d,255], received: %d";
 constexpr char kChecksumDiffers[] = "Invalid checksum in write request: 0x%02X ";
@@ -123,7 +125,7 @@ Answer tCmd::runBinary(const std::vector<unsigned char>* request, std::vector<un
     if (!isRead(*access))
         return write(request, data, access->width, access->withChecksum, 0);
     if (tavrin_getRequestLen(request) != (access->withChecksum ? kTaggedReadLength : kReadLength))
-        return failure(kMalformed, kInvalidLength);
+        return failure(kMalformed, SharedTexts::kInvalidLength);
     const unsigned short tag = access->withChecksum ? bigEndian16(*request, kTagAt) : 0;
     return read(data, access->width, (*request)[kCountAt], bigEndian32(*request, kAddressAt),
                 access->withChecksum, tag);
@@ -168,7 +170,7 @@ Answer tCmd::write(const std::vector<unsigned char>* request, std::vector<unsign
     const int header = withChecksum ? kCheckedWriteHeader : kWriteHeader;
     const int length = tavrin_getRequestLen(request);
     if (length < header)
-        return failure(kMalformed, kInvalidLength);
+        return failure(kMalformed, SharedTexts::kInvalidLength);
     const unsigned char count = (*request)[kCountAt];
     const int total = width * count;
     if (static_cast<unsigned int>(total) > kMostBytes)
@@ -189,17 +191,18 @@ Answer tCmd::write(const std::vector<unsigned char>* request, std::vector<unsign
 }
 
 Answer tCmd::run(const std::vector<std::vector<char>>& tokens) {
-    const auto tooFew = [&tokens](const char* format) {
-        return genericError(format, static_cast<int>(tokens.size()));
-    };
-    if (tokens.size() < kFewestTokens)
-        return tooFew(kTooFewFields);
+    const int fields = static_cast<int>(tokens.size());
+    if (Answer refusal = checkLength(kAnyLine, fields))
+        return refusal;
     const std::string operation = tokenText(tokens[1]);
     const std::string keyword = tokenText(tokens[2]);
-    if (operation == kWrite && tokens.size() < kFewestWriteTokens)
-        return tooFew(kTooFewWriteFields);
-    if (operation == kWrite && keyword == kChecked && tokens.size() < kFewestCheckedWriteTokens)
-        return tooFew(kTooFewCheckedFields);
+    if (operation == kWrite) {
+        if (Answer refusal = checkLength(kWriteLine, fields))
+            return refusal;
+        if (keyword == kChecked)
+            if (Answer refusal = checkLength(kCheckedWriteLine, fields))
+                return refusal;
+    }
     const Access* access = findAccess(operation, keyword);
     if (access == nullptr)
         return genericError(kUnknownCombination, operation.c_str(), keyword.c_str());

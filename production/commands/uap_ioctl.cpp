@@ -16,17 +16,13 @@ const char dev_name[] = "uap0";
 
 namespace {
 
-constexpr int kReplied = 1;
-constexpr int kFailed = 0;
+enum Result { kFailed = 0, kReplied = 1 };
 
 constexpr char kNoSocket[] = "ERR:Cannot open socket\n";
 constexpr char kTooLarge[] = "response_size should not less than cmd buffer size\n";
 constexpr char kSizes[] = "buf size = %d, *size = %d\n";
 constexpr char kRefused[] = "%s(): MsgSendv_r() failed return %d, errno %d\n";
 constexpr char kReplyTooLong[] = "ERR:Response size (%d) greater than buffer size (%d)! Aborting!\n";
-
-constexpr int kLengthField = 4;
-constexpr int kReplySizeAt = 6;
 
 constexpr std::uint32_t kHostCommand = 0xC01C697B;
 
@@ -71,6 +67,8 @@ int exchange(int socket, const System::ReplyPart& data, int bufferSize) {
 } // namespace
 
 int uap_ioctl(unsigned char* buffer, int* size, int bufferSize) {
+    constexpr int kLengthField = 4;
+    constexpr int kReplySizeAt = 6;
     const System::Descriptor socket = System::openDatagramSocket();
     if (!socket) {
         StandardStream::error().write(kNoSocket);

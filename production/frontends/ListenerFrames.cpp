@@ -11,18 +11,12 @@
 
 namespace {
 
-constexpr unsigned kAcknowledgeTimeoutMs = 500;
-
 // The code stands in decimal here.
 constexpr char kSendException[] = "~ ### ~ Exception: ID: 0x%d DESC: %s";
 constexpr char kEmptyResponse[] = "WARNING: Reponse size is 0";
 constexpr char kNoAcknowledgement[] = "NO ACK message received from the client (not critical)";
 constexpr char kInvalidCount[] = "Received Data invalid: %u";
 constexpr char kNotAnAcknowledgement[] = "Received not an Ack-Message";
-
-// What may well be sent long after its command started.
-constexpr char kDebugFrames[] = "d";
-constexpr char kAcknowledgements[] = "0x06";
 
 void printSendException(const DeviceResult& result) {
     printDiagnostic(string_format(kSendException, result.code, result.message.c_str()));
@@ -76,9 +70,10 @@ int Listener::transmit(std::vector<unsigned char>& frame, bool waitAck, bool& op
 }
 
 int Listener::readAcknowledgement(Comm::Handle& port, bool isOpen) {
+    constexpr unsigned kTimeoutMs = 500;
     unsigned count = 0;
-    const DeviceResult result = SharedPort::receive(
-        port, isOpen, count, command.data(), wire::kAcknowledgement.size(), kAcknowledgeTimeoutMs);
+    const DeviceResult result = SharedPort::receive(port, isOpen, count, command.data(),
+                                                    wire::kAcknowledgement.size(), kTimeoutMs);
     if (SharedPort::isTaken(result, isOpen))
         return -1;
     if (isToBeHandled(result))
@@ -109,6 +104,9 @@ bool Listener::isToBeHandled(const DeviceResult& result) {
 }
 
 void Listener::notifyInterruptCommand(const std::vector<unsigned char>* frame) {
+    // What may well be sent long after its command started.
+    constexpr char kDebugFrames[] = "d";
+    constexpr char kAcknowledgements[] = "0x06";
     if (!m_clock.isLong())
         return; // the usual case needs no name
     std::string name = "?";
