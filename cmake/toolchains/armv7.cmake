@@ -20,6 +20,9 @@ set(ZLIB_LIBRARY ${unpacked}/lib/${triplet}/libz.so.1 CACHE FILEPATH "zlib of th
 set(PNG_PNG_INCLUDE_DIR ${unpacked}/usr/include CACHE PATH "libpng of the board")
 set(PNG_LIBRARY ${unpacked}/usr/lib/${triplet}/libpng16.so.16 CACHE FILEPATH "libpng of the board")
 
+# Programs that are run here find them there, and with the old kind of path libpng finds zlib, too.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,--disable-new-dtags")
+
 # Libraries are the board's; programs are this machine's, and so are packages of headers alone.
 set(CMAKE_FIND_ROOT_PATH /usr/${triplet} ${unpacked})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
