@@ -32,6 +32,7 @@ std::string describe(const GpioPorts& ports, std::string_view port) {
 
 std::string tellPorts(UnitDevices& devices, const ControlArguments& /*arguments*/) {
     std::vector<std::string> lines;
+    lines.reserve(GpioPorts::kPorts.size());
     for (const GpioPorts::Port& port : GpioPorts::kPorts)
         lines.push_back(
             formatText("%s %s", port.name.data(), describe(devices.ports, port.name).c_str()));

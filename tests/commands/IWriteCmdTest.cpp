@@ -2,7 +2,6 @@
 #include "commands/IWriteCmd.h"
 #include "support/I2cUnit.h"
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
