@@ -81,6 +81,9 @@ Daemon::Daemon(const DaemonStart& start)
     const System::Descriptor error = streamTo(m_errorFile);
     Program::Surroundings surroundings;
     surroundings.hidden = kSupplier;
+    if (!start.missingThreads.empty())
+        surroundings.environment = {{"LD_PRELOAD", MISSING_THREADS_LIBRARY},
+                                    {"MISSING_THREADS", start.missingThreads}};
     if (start.supplier)
         surroundings.environment[kSupplier] = *start.supplier;
     surroundings.input = input.get();

@@ -24,6 +24,9 @@ struct DaemonStart {
     std::optional<int> standardError;  ///< in place of the file that `Daemon::error` reads
     std::optional<int> leftOpen;       ///< a descriptor that the starting program forgot to close
     std::vector<KernelRefusal> refusals;
+    /// The digits of those of its threads, counted from 1, that it cannot make: the dispatcher's, the
+    /// serial front end's, the network's. Not with a sanitizer, whose library wants to be the first.
+    std::string missingThreads;
     bool stationLine = false;            ///< else the unit has no adapter plugged in
     std::optional<std::string> supplier; ///< FIRST_TIER_SUPPLIER; not set by default
     bool waitForPort = true;
