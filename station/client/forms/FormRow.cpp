@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <optional>
 #include <vector>
 
 #include "client/RequestFrame.h"
@@ -23,11 +22,8 @@ constexpr unsigned kLowLevel = 0x00;
 
 std::vector<std::string_view> wordsOf(std::string_view text) {
     std::vector<std::string_view> words;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find(' '), text.size());
-        words.push_back(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
+    while (!text.empty())
+        words.push_back(takeWord(text));
     return words;
 }
 
@@ -53,12 +49,9 @@ bool endsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-std::optional<unsigned> byteOf(std::string_view digits) {
-    constexpr std::size_t kDigits = 2;
+unsigned byteOf(std::string_view digits) {
     unsigned byte = 0;
-    const char* const end = digits.data() + digits.size();
-    if (digits.size() != kDigits || std::from_chars(digits.data(), end, byte, 16).ptr != end)
-        return std::nullopt;
+    std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16);
     return byte;
 }
 
@@ -86,15 +79,13 @@ bool FormRow::takes(const CommandArguments& arguments) const {
 
 BinaryForm FormRow::form(const CommandArguments& arguments) const {
     const Shape shape(usage);
-    std::vector<std::string_view> parts = wordsOf(frame);
-    const std::string_view idPart = parts.front();
-    const auto id =
-        static_cast<unsigned char>(byteOf(idPart).value_or(static_cast<unsigned char>(idPart.front())));
-    parts.erase(parts.begin());
+    std::string_view parts = frame;
+    const std::string_view id = takeWord(parts);
     std::string rest;
-    for (const std::string_view part : parts) {
-        if (const auto byte = byteOf(part)) {
-            rest += oneByte(*byte);
+    while (!parts.empty()) {
+        const std::string_view part = takeWord(parts);
+        if (isByte(part)) {
+            rest += oneByte(byteOf(part));
             continue;
         }
         const std::string field(part.substr(0, part.find(':')));
@@ -108,7 +99,8 @@ BinaryForm FormRow::form(const CommandArguments& arguments) const {
         else
             rest += oneByte(arguments.byte(at, field.c_str()));
     }
-    return {requestFrame(id, rest), answer()};
+    return {requestFrame(static_cast<unsigned char>(isByte(id) ? byteOf(id) : id.front()), rest),
+            answer()};
 }
 
 } // namespace station

@@ -1,11 +1,34 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include "client/forms/BinaryForm.h"
 #include "client/forms/CommandArguments.h"
 
 namespace station {
+
+/// Takes the first word off a text whose words stand a blank apart.
+constexpr std::string_view takeWord(std::string_view& text) {
+    const std::size_t end = text.find(' ');
+    const std::string_view word = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    return word;
+}
+
+constexpr bool hasWord(std::string_view text, std::string_view word) {
+    while (!text.empty())
+        if (takeWord(text) == word)
+            return true;
+    return false;
+}
+
+/// Two hexadecimal digits.
+constexpr bool isByte(std::string_view word) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    return word.size() == 2 && kDigits.find(word[0]) != std::string_view::npos &&
+           kDigits.find(word[1]) != std::string_view::npos;
+}
 
 /// One form of a command: what it reads like on a line, and what it is as a frame.
 struct FormRow {
@@ -21,6 +44,21 @@ struct FormRow {
     AnswerText (*answer)();
 
     std::string_view name() const { return usage.substr(0, usage.find(' ')); }
+
+    /// Whether each field of the frame is one of the usage, and none looks like a byte.
+    constexpr bool isWhole() const {
+        std::string_view parts = frame;
+        takeWord(parts); // the id
+        while (!parts.empty()) {
+            const std::string_view part = takeWord(parts);
+            if (!isByte(part) && !hasWord(usage, part.substr(0, part.find(':'))))
+                return false;
+        }
+        for (std::string_view words = usage; !words.empty();)
+            if (isByte(takeWord(words)))
+                return false;
+        return true;
+    }
 
     /// Whether these are its arguments.
     bool takes(const CommandArguments& arguments) const;

@@ -54,6 +54,15 @@ constexpr FormRow kRows[] = {
     {"port write N LEVEL", "P E3 01 N LEVEL:level", done},
 };
 
+constexpr bool areWhole() {
+    for (const FormRow& row : kRows)
+        if (!row.isWhole())
+            return false;
+    return true;
+}
+
+static_assert(areWhole(), "a field of a frame is none of its usage, or is named like a byte");
+
 } // namespace
 
 std::vector<std::string_view> simpleFormNames() {
