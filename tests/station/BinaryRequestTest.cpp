@@ -8,6 +8,7 @@
 #include "Words.h"
 #include "client/Hex.h"
 #include "client/RequestFrame.h"
+#include "wire/Catalogue.h"
 
 namespace station {
 namespace {
@@ -27,10 +28,17 @@ const SentForm kSent[] = {
     {"exec command 5 base64(bHM=)", "07 63 01 00 05 6C 73"},
     {"exec command 5 " + std::string(250, 'a'), "FF 63 01 00 05 " + repeated("61", 250)},
 };
+/// Every command has a form.
+std::string allNames() {
+    std::string names;
+    for (const wire::Command& command : wire::kCatalogue)
+        names += (names.empty() ? "" : ", ") + std::string(command.name);
+    return names;
+}
+
 const RefusedForm kRefused[] = {
     {"graph",
-     "'graph' has no binary form here (there is one for ack, audio, blockdev, "
-     "diag, exec, graphic, i2c, memory, port, serial, status)"},
+     "'graph' has no binary form here (there is one for " + allNames() + "); send its frame with raw"},
     {"graph x", "send its frame with raw \"hex(...)\", or use the ASCII form: --target tcp"},
     {"Memory read 8bit 1 0", "'Memory' has no binary form"},
     {"''", "'' has no binary form"},

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "client/forms/BinaryForm.h"
+#include "wire/Frame.h"
 
 namespace {
 
@@ -98,9 +99,33 @@ TEST(CatalogueTest, IsListedByThePagesLineByLine) {
 
 TEST(CatalogueTest, HasASectionOfTheProtocolForEachCommand) {
     const std::string protocol = contentOf(PROJECT_FOLDER "/docs/protocol.md");
-    for (const wire::Command& command : wire::kCatalogue)
-        EXPECT_THAT(protocol, HasSubstr("\n### " + std::string(command.name) + '\n'))
-            << "to be written in docs/protocol.md";
+    for (const wire::Command& command : wire::kCatalogue) {
+        const std::string heading = "\n### " + std::string(command.name) + '\n';
+        const std::size_t begin = protocol.find(heading);
+        ASSERT_NE(begin, std::string::npos) << heading << "to be written in docs/protocol.md";
+        const std::size_t end = protocol.find("\n### ", begin + heading.size());
+        const std::string section = protocol.substr(begin, end - begin);
+        for (const char* exchange : {"\n```exchange tcp\n", "\n```exchange frames\n"})
+            EXPECT_TRUE(section.find(exchange) != std::string::npos)
+                << exchange << "to be written in docs/protocol.md under" << heading;
+    }
+}
+
+TEST(CatalogueTest, EveryCodeOfASectionIsListedAmongTheStatusCodes) {
+    const std::string protocol = contentOf(PROJECT_FOLDER "/docs/protocol.md");
+    const std::size_t list = protocol.find("\n## Status codes\n");
+    const std::size_t sections = protocol.find("\n## Commands\n");
+    ASSERT_LT(list, sections);
+    ASSERT_NE(sections, std::string::npos);
+    const std::string listed = protocol.substr(list, sections - list);
+    constexpr char kRow[] = "\n| 0x";
+    std::size_t at = protocol.find(kRow, sections);
+    ASSERT_NE(at, std::string::npos);
+    for (; at != std::string::npos; at = protocol.find(kRow, at + 1)) {
+        const std::string row = protocol.substr(at, protocol.find(" |", at + 2) - at);
+        EXPECT_TRUE(listed.find(row + " |") != std::string::npos)
+            << row << "\nto be listed in docs/protocol.md under \"Status codes\"";
+    }
 }
 
 TEST(CatalogueTest, HasAFormOfTheStationForEachCommand) {
@@ -125,6 +150,12 @@ TEST(CatalogueTest, IsShownByTheStationsHelpWithTheFormsOfEachCommand) {
         for (const std::string_view usage : usages)
             EXPECT_THAT(help, HasSubstr("\n      station " + std::string(usage) + '\n'));
     }
+}
+
+TEST(CatalogueTest, LeavesTheIdOfDebugFramesFree) {
+    for (const wire::Command& command : wire::kCatalogue)
+        EXPECT_EQ(command.ids.find(wire::kDebugId), std::string_view::npos)
+            << command.name << ": wire/Catalogue.h; stations take its answers for debug frames";
 }
 
 TEST(CatalogueTest, IsInTheOrderOfTheNames) {

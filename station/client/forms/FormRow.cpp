@@ -1,7 +1,6 @@
 #include "client/forms/FormRow.h"
 
 #include <algorithm>
-#include <charconv>
 #include <vector>
 
 #include "client/RequestFrame.h"
@@ -49,12 +48,6 @@ bool endsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-unsigned byteOf(std::string_view digits) {
-    unsigned byte = 0;
-    std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16);
-    return byte;
-}
-
 /// The unit looks at the first character only.
 unsigned levelOf(const CommandArguments& arguments, std::size_t at, const std::string& command) {
     if (arguments.beginsWith(at, "1"))
@@ -80,7 +73,7 @@ bool FormRow::takes(const CommandArguments& arguments) const {
 BinaryForm FormRow::form(const CommandArguments& arguments) const {
     const Shape shape(usage);
     std::string_view parts = frame;
-    const std::string_view id = takeWord(parts);
+    takeWord(parts); // the id
     std::string rest;
     while (!parts.empty()) {
         const std::string_view part = takeWord(parts);
@@ -99,8 +92,7 @@ BinaryForm FormRow::form(const CommandArguments& arguments) const {
         else
             rest += oneByte(arguments.byte(at, field.c_str()));
     }
-    return {requestFrame(static_cast<unsigned char>(isByte(id) ? byteOf(id) : id.front()), rest),
-            answer()};
+    return {requestFrame(static_cast<unsigned char>(id()), rest), answer()};
 }
 
 } // namespace station

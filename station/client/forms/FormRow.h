@@ -23,11 +23,17 @@ constexpr bool hasWord(std::string_view text, std::string_view word) {
     return false;
 }
 
+inline constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+
 /// Two hexadecimal digits.
 constexpr bool isByte(std::string_view word) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    return word.size() == 2 && kDigits.find(word[0]) != std::string_view::npos &&
-           kDigits.find(word[1]) != std::string_view::npos;
+    return word.size() == 2 && kHexDigits.find(word[0]) != std::string_view::npos &&
+           kHexDigits.find(word[1]) != std::string_view::npos;
+}
+
+/// What such digits stand for.
+constexpr unsigned char byteOf(std::string_view digits) {
+    return static_cast<unsigned char>(kHexDigits.find(digits[0]) << 4 | kHexDigits.find(digits[1]));
 }
 
 /// One form of a command: what it reads like on a line, and what it is as a frame.
@@ -43,7 +49,13 @@ struct FormRow {
     /// What the payload of an answer reads like.
     AnswerText (*answer)();
 
-    std::string_view name() const { return usage.substr(0, usage.find(' ')); }
+    constexpr std::string_view name() const { return usage.substr(0, usage.find(' ')); }
+
+    constexpr char id() const {
+        std::string_view parts = frame;
+        const std::string_view word = takeWord(parts);
+        return isByte(word) ? static_cast<char>(byteOf(word)) : word.front();
+    }
 
     /// Whether each field of the frame is one of the usage, and none looks like a byte.
     constexpr bool isWhole() const {

@@ -3,6 +3,7 @@
 #include "client/forms/AnswerTexts.h"
 #include "client/forms/FormRow.h"
 #include "client/forms/Forms.h"
+#include "wire/Catalogue.h"
 
 namespace station {
 
@@ -62,6 +63,22 @@ constexpr bool areWhole() {
 }
 
 static_assert(areWhole(), "a field of a frame is none of its usage, or is named like a byte");
+
+constexpr bool isListed(const FormRow& row) {
+    for (const wire::Command& command : wire::kCatalogue)
+        if (command.name == row.name() && command.ids.find(row.id()) != std::string_view::npos)
+            return true;
+    return false;
+}
+
+constexpr bool areListed() {
+    for (const FormRow& row : kRows)
+        if (!isListed(row))
+            return false;
+    return true;
+}
+
+static_assert(areListed(), "wire/Catalogue.h has no command of a row's name and id");
 
 } // namespace
 
