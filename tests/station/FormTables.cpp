@@ -3,20 +3,12 @@
 #include "FailureKind.h"
 #include "FakeLine.h"
 #include "Words.h"
-#include "client/BinaryRequest.h"
 #include "client/Hex.h"
 #include "client/Quoting.h"
 
 namespace station {
 
 namespace {
-
-BinaryRequest encode(const std::string& command) {
-    std::vector<std::string> arguments = words(command);
-    const std::string name = arguments.front();
-    arguments.erase(arguments.begin());
-    return BinaryRequest::encode(name, arguments);
-}
 
 /// The frame with which a unit answers the request.
 UnitFrame answerTo(const BinaryRequest& request, const std::string& payload) {
@@ -26,6 +18,13 @@ UnitFrame answerTo(const BinaryRequest& request, const std::string& payload) {
 }
 
 } // namespace
+
+BinaryRequest encode(const std::string& command) {
+    std::vector<std::string> arguments = words(command);
+    const std::string name = arguments.front();
+    arguments.erase(arguments.begin());
+    return BinaryRequest::encode(name, arguments);
+}
 
 std::string repeated(const std::string& digits, std::size_t count) {
     std::string text;

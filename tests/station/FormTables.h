@@ -6,6 +6,8 @@
 #include <ostream>
 #include <string>
 
+#include "client/BinaryRequest.h"
+
 namespace station {
 
 // Tables of the binary forms, one row a case: each command's test has these four and ends in FORM_TESTS.
@@ -55,6 +57,9 @@ class FormIsMalformed : public testing::TestWithParam<MalformedForm> {};
     INSTANTIATE_TEST_SUITE_P(Command, FormIsRefused, testing::ValuesIn(kRefused)); \
     INSTANTIATE_TEST_SUITE_P(Command, FormIsShown, testing::ValuesIn(kShown));     \
     INSTANTIATE_TEST_SUITE_P(Command, FormIsMalformed, testing::ValuesIn(kMalformed))
+
+/// The frame of a command.
+BinaryRequest encode(const std::string& command);
 
 /// So many bytes "5A" or the like.
 std::string repeated(const std::string& digits, std::size_t count);
