@@ -32,6 +32,40 @@ std::string FakeLine::receiveRest() const {
     return bytes;
 }
 
+namespace {
+
+void play(FakeLine& line, const Step& step) {
+    switch (step.kind) {
+        case Step::Arrives:
+            return line.send(step.bytes);
+        case Step::Sent:
+            EXPECT_EQ(line.receive(step.bytes.size()), step.bytes);
+            return;
+        case Step::HangUp:
+            return line.hangUp();
+        case Step::Opened:
+            return line.waitForStation();
+        case Step::Silence:
+            ADD_FAILURE() << "a line cannot tell when its station has seen a silence";
+    }
+}
+
+/// Plays what arrives first; the rest is left.
+std::function<void()> afterItsBeginning(FakeLine& line, const Steps& steps) {
+    auto next = steps.begin();
+    for (; next != steps.end() && next->kind == Step::Arrives; ++next)
+        play(line, *next);
+    return [&line, rest = Steps(next, steps.end())] {
+        for (const Step& step : rest)
+            play(line, step);
+    };
+}
+
+} // namespace
+
+LineScript::LineScript(FakeLine& line, const Steps& steps)
+    : LineScript(afterItsBeginning(line, steps)) {}
+
 LineScript::LineScript(std::function<void()> script)
     : m_thread([script = std::move(script)] {
           // Signals of a test are for the thread that runs the test.

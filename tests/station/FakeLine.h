@@ -5,6 +5,7 @@
 #include <string_view>
 #include <thread>
 
+#include "Steps.h"
 #include "client/Target.h"
 #include "support/BinaryFrames.h"
 #include "support/PseudoTerminal.h"
@@ -34,6 +35,8 @@ private:
 class LineScript {
 public:
     explicit LineScript(std::function<void()> script);
+    /// What arrives first is there when this returns.
+    LineScript(FakeLine& line, const Steps& steps);
     ~LineScript() { m_thread.join(); }
     LineScript(const LineScript&) = delete;
     LineScript& operator=(const LineScript&) = delete;

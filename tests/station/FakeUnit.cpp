@@ -29,6 +29,15 @@ void blockSignals() {
     ::pthread_sigmask(SIG_BLOCK, &all, nullptr);
 }
 
+void play(const UnitConnection& connection, const Step& step) {
+    if (step.kind == Step::Sent)
+        EXPECT_EQ(connection.readRequest(), step.bytes);
+    else if (step.kind == Step::Silence)
+        connection.waitUntilStationCloses();
+    else
+        connection.send(step.bytes);
+}
+
 } // namespace
 
 BoundSocket::BoundSocket(const std::string& host) {
@@ -91,15 +100,25 @@ FakeUnit::FakeUnit(Script script, const std::string& host) : m_socket(host) {
         System::Descriptor accepted(::accept4(m_socket.descriptor(), nullptr, nullptr, SOCK_CLOEXEC));
         if (!accepted)
             return;
+        m_isVisited = true;
         UnitConnection connection(std::move(accepted));
         script(connection);
     });
 }
 
+FakeUnit::FakeUnit(const Steps& steps, const std::string& host)
+    : FakeUnit(
+          [steps](UnitConnection& connection) {
+              for (const Step& step : steps)
+                  play(connection, step);
+          },
+          host) {}
+
 FakeUnit::~FakeUnit() {
     // Ends an accept() that nobody came for.
     ::shutdown(m_socket.descriptor(), SHUT_RDWR);
     m_thread.join();
+    EXPECT_TRUE(m_isVisited) << "no station has come";
 }
 
 } // namespace station

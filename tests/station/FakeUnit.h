@@ -6,6 +6,7 @@
 #include <string_view>
 #include <thread>
 
+#include "Steps.h"
 #include "client/Target.h"
 #include "support/ByteStream.h"
 #include "support/Lines.h"
@@ -56,18 +57,21 @@ private:
 };
 
 /// A unit that takes one connection and plays a script on it, on a thread of its own; the connection
-/// ends with the script, and the object waits for that.
+/// ends with the script, and the object waits for that. Nobody having come fails the test.
 class FakeUnit {
 public:
     using Script = std::function<void(UnitConnection&)>;
 
     explicit FakeUnit(Script script, const std::string& host = "127.0.0.1");
+    /// What the station sends are requests; in a silence the unit waits for the station to go.
+    explicit FakeUnit(const Steps& steps, const std::string& host = "127.0.0.1");
     ~FakeUnit();
 
     const TcpTarget& target() const { return m_socket.target(); }
 
 private:
     BoundSocket m_socket;
+    bool m_isVisited = false;
     std::thread m_thread;
 };
 

@@ -18,68 +18,59 @@ using testing::HasSubstr;
 
 constexpr char kUnused[] = "tcp:127.0.0.1:9";
 
-/// Answers one request with the bytes.
-FakeUnit::Script replying(std::string bytes, std::string* request = nullptr) {
-    return [bytes = std::move(bytes), request](UnitConnection& connection) {
-        const std::string received = connection.readRequest();
-        if (request != nullptr)
-            *request = received;
-        connection.send(bytes);
-    };
-}
-
-void stayMute(const UnitConnection& connection) {
-    connection.waitUntilStationCloses();
-}
-
 Outcome runAgainst(const FakeUnit& unit, const std::string& arguments) {
     return runStationAt(unit.target().text(), words(arguments));
 }
 
 class ProgramOverTcp : public testing::TestWithParam<ProgramRun> {};
 
-TEST_P(ProgramOverTcp, IsAnswered) {
-    std::string request;
-    {
-        FakeUnit unit(replying(GetParam().reply, &request));
-        expectOutcome(runAgainst(unit, GetParam().arguments), GetParam());
-    }
-    EXPECT_EQ(request, GetParam().request);
+TEST_P(ProgramOverTcp, Is) {
+    const FakeUnit unit(GetParam().steps);
+    expectOutcome(runAgainst(unit, GetParam().arguments), GetParam());
 }
 
 const ProgramRun kRuns[] = {
-    {"PrintsTheAnswerWithoutTheName", "status", request("status"),
-     answer("status \"2026/11/21 08:37:25\" A024 \"1A\" 4"), 0,
+    {"AnsweredWithoutTheName", "status",
+     sent(request("status")) + arrives(answer("status \"2026/11/21 08:37:25\" A024 \"1A\" 4")), 0,
      "\"2026/11/21 08:37:25\" A024 \"1A\" 4\n", ""},
-    {"PrintsNothingForAnEmptyAnswer", "ack", request("ack"), answer(""), 0, "", ""},
-    {"KeepsInfoLinesApartFromTheAnswer", "exec", request("exec"),
-     answer("Info \"two\nlines\"") + answer("Info \"a \"quoted\" word\"") + answer("exec text"), 0,
-     "text\n", "Info \"two\nlines\"\nInfo \"a \"quoted\" word\"\n"},
-    {"TellsARefusal", "nosuch", request("nosuch"), unknown("nosuch"), 5, "",
+    {"AnsweredWithAnEmptyLine", "ack", sent(request("ack")) + arrives(answer("")), 0, "", ""},
+    {"AnsweredWithInfoLines", "exec",
+     sent(request("exec")) + arrives(answer("Info \"two\nlines\"") +
+                                     answer("Info \"a \"quoted\" word\"") + answer("exec text")),
+     0, "text\n", "Info \"two\nlines\"\nInfo \"a \"quoted\" word\"\n"},
+    {"Refused", "nosuch", sent(request("nosuch")) + arrives(unknown("nosuch")), 5, "",
      "Info \"No Handler for the Command nosuch\"\nstation: refused: Error 0x10\n"},
-    {"TellsAnAnswerThatEndsHalfWay", "status", request("status"), "\x02#status o", 6, "",
+    {"AnsweredHalfWay", "status", sent(request("status")) + arrives("\x02#status o"), 6, "",
      HasSubstr("closed the connection before the answer was complete")},
-    {"TellsAMalformedAnswer", "status", request("status"), answer("audio ok"), 6, "",
+    {"AnsweredToAnotherCommand", "status", sent(request("status")) + arrives(answer("audio ok")), 6, "",
      "station: malformed answer: expected one to 'status': audio ok\n"},
+    {"NotAnswered", "--timeout 0.2 status", kSilence, 4, "",
+     "station: time-out while waiting for the answer\n"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Runs, ProgramOverTcp, testing::ValuesIn(kRuns), titleOf);
 
+const ProgramRun kJsonRuns[] = {
+    {"AnsweredWithInfoLines", "--json status",
+     sent(request("status")) + arrives(answer("Info \"two\nlines\"") +
+                                       answer("Info \"a \"quoted\" word\"") + answer("status \"x\" 4")),
+     0, object("status", "\"x\" 4", {"two\nlines", "a \"quoted\" word"}, 0), ""},
+    {"Refused", "--json diag",
+     sent(request("diag")) +
+         arrives(answer("Info \"Invalid subcommand\"") + answer("diag Error 0x1010000")),
+     5, object("diag", "Error 0x1010000", {"Invalid subcommand"}, 0x1010000), ""},
+    {"AnsweredWithBytesThatAreNotUtf8", "--json exec",
+     sent(request("exec")) + arrives(answer("Info \"\xFF\"") + answer("exec \xC3(\xE2\x82\xAC")), 0,
+     object("exec", "\xEF\xBF\xBD(\xE2\x82\xAC", {"\xEF\xBF\xBD"}, 0), ""},
+};
+
+INSTANTIATE_TEST_SUITE_P(Json, ProgramOverTcp, testing::ValuesIn(kJsonRuns), titleOf);
+
 TEST(Program, TellsThatItCannotConnect) {
     const BoundSocket silent;
-    const Outcome outcome = runStation({{"--target", silent.target().text(), "status"}});
-    EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors,
-              "station: cannot connect to " + silent.target().text() + ": Connection refused\n");
-}
-
-TEST(Program, TellsATimeout) {
-    FakeUnit unit(stayMute);
-    const Outcome outcome = runAgainst(unit, "--timeout 0.2 status");
-    EXPECT_EQ(outcome.exitCode, 4);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors, "station: time-out while waiting for the answer\n");
+    const std::string target = silent.target().text();
+    EXPECT_EQ(runStationAt(target, {"status"}),
+              (Outcome{3, "", "station: cannot connect to " + target + ": Connection refused\n"}));
 }
 
 class ProgramMisuse : public testing::TestWithParam<Misuse> {};
@@ -128,13 +119,9 @@ struct Sent {
 class ProgramSends : public testing::TestWithParam<Sent> {};
 
 TEST_P(ProgramSends, Request) {
-    std::string request;
-    {
-        FakeUnit unit(replying(answer(""), &request));
-        const Outcome outcome = runAgainst(unit, GetParam().arguments);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-    }
-    EXPECT_EQ(request, "\x02" + GetParam().text + "\x03\n");
+    const FakeUnit unit(sent("\x02" + GetParam().text + "\x03\n") + arrives(answer("")));
+    const Outcome outcome = runAgainst(unit, GetParam().arguments);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
 }
 
 const Sent kSent[] = {
@@ -159,17 +146,17 @@ const Sent kSent[] = {
 INSTANTIATE_TEST_SUITE_P(Arguments, ProgramSends, testing::ValuesIn(kSent));
 
 TEST(Program, TakesDefaultsFromTheEnvironment) {
-    FakeUnit unit(stayMute);
-    const Outcome outcome =
-        runStation({{"status"}, {{"STATION_TARGET", unit.target().text()}, {"STATION_TIMEOUT", "0.2"}}});
-    EXPECT_EQ(outcome.exitCode, 4) << outcome.errors;
+    const FakeUnit unit(kSilence);
+    EXPECT_EQ(
+        runStation({{"status"}, {{"STATION_TARGET", unit.target().text()}, {"STATION_TIMEOUT", "0.2"}}}),
+        (Outcome{4, "", "station: time-out while waiting for the answer\n"}));
 }
 
 TEST(Program, PrefersOptionsToTheEnvironment) {
-    FakeUnit unit(replying(answer("audio ok")));
-    const Outcome outcome = runStation({{"--target", unit.target().text(), "--timeout", "30", "audio"},
-                                        {{"STATION_TARGET", "nowhere"}, {"STATION_TIMEOUT", "never"}}});
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    const FakeUnit unit(sent(request("audio")) + arrives(answer("audio ok")));
+    EXPECT_EQ(runStation({{"--target", unit.target().text(), "--timeout", "30", "audio"},
+                          {{"STATION_TARGET", "nowhere"}, {"STATION_TIMEOUT", "never"}}}),
+              (Outcome{0, "ok\n", ""}));
 }
 
 TEST(Program, ChecksTheEnvironmentLikeOptions) {
@@ -180,47 +167,9 @@ TEST(Program, ChecksTheEnvironmentLikeOptions) {
 }
 
 TEST(Program, TakesAnEmptyVariableAsNone) {
-    const Outcome outcome = runStation(
-        {{"--target", kUnused, "exec", "a\"b"}, {{"STATION_TARGET", ""}, {"STATION_TIMEOUT", ""}}});
-    EXPECT_EQ(outcome.exitCode, 2);
-    EXPECT_THAT(outcome.errors, HasSubstr("double quotation mark"));
-}
-
-TEST(ProgramJson, PrintsOneObject) {
-    FakeUnit unit(replying(answer("Info \"two\nlines\"") + answer("Info \"a \"quoted\" word\"") +
-                           answer("status \"x\" 4")));
-    const Outcome outcome = runAgainst(unit, "--json status");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.errors, "");
-    EXPECT_EQ(outcome.output.find('\n'), outcome.output.size() - 1);
-    json object = json::parse(outcome.output);
-    EXPECT_GT(object["milliseconds"].get<double>(), 0);
-    object.erase("milliseconds");
-    EXPECT_EQ(object, json({{"name", "status"},
-                            {"answer", "\"x\" 4"},
-                            {"info", {"two\nlines", "a \"quoted\" word"}},
-                            {"code", 0}}));
-}
-
-TEST(ProgramJson, ShowsARefusal) {
-    FakeUnit unit(replying(answer("Info \"Invalid subcommand\"") + answer("diag Error 0x1010000")));
-    const Outcome outcome = runAgainst(unit, "--json diag");
-    EXPECT_EQ(outcome.exitCode, 5);
-    EXPECT_EQ(outcome.errors, "");
-    const json object = json::parse(outcome.output);
-    EXPECT_EQ(object["answer"], "Error 0x1010000");
-    EXPECT_EQ(object["code"], 0x1010000);
-    EXPECT_EQ(object["info"], json({"Invalid subcommand"}));
-    EXPECT_FALSE(object.contains("error"));
-}
-
-TEST(ProgramJson, ReplacesBytesThatAreNotUtf8) {
-    FakeUnit unit(replying(answer("Info \"\xFF\"") + answer("exec \xC3(\xE2\x82\xAC")));
-    const Outcome outcome = runAgainst(unit, "--json exec");
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-    const json object = json::parse(outcome.output);
-    EXPECT_EQ(object["answer"], "\xEF\xBF\xBD(\xE2\x82\xAC");
-    EXPECT_EQ(object["info"], json({"\xEF\xBF\xBD"}));
+    expectMisuse(runStation({{"--target", kUnused, "exec", "a\"b"},
+                             {{"STATION_TARGET", ""}, {"STATION_TIMEOUT", ""}}}),
+                 "double quotation mark");
 }
 
 void expectErrorObject(const Outcome& outcome, int exitCode, const std::string& error) {
@@ -241,21 +190,19 @@ TEST(ProgramJson, ShowsWhyThereIsNoAnswer) {
     expectErrorObject(runStation({{"--json", "--target", silent.target().text(), "status"}}), 3,
                       "Connection refused");
 
-    FakeUnit mute(stayMute);
+    const FakeUnit mute(kSilence);
     expectErrorObject(runAgainst(mute, "--json --timeout 0.2 status"), 4, "time-out");
 }
 
 TEST(ProgramJson, ShowsTheInfoLinesOfAnIncompleteAnswer) {
-    FakeUnit unit(replying(answer("Info \"almost\"")));
+    const FakeUnit unit(sent(request("status")) + arrives(answer("Info \"almost\"")));
     const Outcome outcome = runAgainst(unit, "--json status");
     expectErrorObject(outcome, 6, "before the answer was complete");
     EXPECT_EQ(json::parse(outcome.output)["info"], json({"almost"}));
 }
 
 TEST(Program, PrintsItsVersion) {
-    const Outcome outcome = runStation({{"--version"}});
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.output, "station " STATION_VERSION "\n");
+    EXPECT_EQ(runStation({{"--version"}}), (Outcome{0, "station " STATION_VERSION "\n", ""}));
 }
 
 TEST(Program, HelpsWithAnExampleForEachForm) {
@@ -301,10 +248,9 @@ TEST(Program, HelpsWithAnExampleForEachForm) {
 
 TEST(Program, TellsThatItCannotWriteTheAnswer) {
     const System::Descriptor full(::open("/dev/full", O_WRONLY | O_CLOEXEC));
-    FakeUnit unit(replying(answer("audio ok")));
-    const Outcome outcome = runStation({{"--target", unit.target().text(), "audio"}, {}, full.get()});
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.errors, "station: cannot write to standard output\n");
+    const FakeUnit unit(sent(request("audio")) + arrives(answer("audio ok")));
+    EXPECT_EQ(runStation({{"--target", unit.target().text(), "audio"}, {}, full.get()}),
+              (Outcome{1, "", "station: cannot write to standard output\n"}));
 }
 
 TEST(Program, TellsThatItCannotWriteTheHelp) {
@@ -315,10 +261,9 @@ TEST(Program, TellsThatItCannotWriteTheHelp) {
 TEST(Program, SurvivesAReaderThatHasGone) {
     Pipe pipe;
     pipe.readEnd.reset();
-    FakeUnit unit(replying(answer("audio ok")));
-    const Outcome outcome =
-        runStation({{"--target", unit.target().text(), "audio"}, {}, pipe.writeEnd.get()});
-    EXPECT_EQ(outcome.exitCode, 1);
+    const FakeUnit unit(sent(request("audio")) + arrives(answer("audio ok")));
+    EXPECT_EQ(
+        runStation({{"--target", unit.target().text(), "audio"}, {}, pipe.writeEnd.get()}).exitCode, 1);
 }
 
 } // namespace

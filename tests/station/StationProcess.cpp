@@ -5,8 +5,6 @@
 
 #include <csignal>
 
-#include "support/Program.h"
-
 namespace station {
 
 namespace {
@@ -32,9 +30,11 @@ Outcome runStation(const Invocation& invocation) {
     surroundings.prepare = heedSignals;
     Program program(command, surroundings);
     invocation.onStart(program.pid());
-    const int status = program.wait();
-    EXPECT_GE(status, 0) << "the program does not end";
-    return {program.killer() != 0 ? -program.killer() : status, program.output(), program.error()};
+    Outcome outcome = program.outcome();
+    EXPECT_GE(outcome.exitCode, 0) << "the program does not end";
+    if (program.killer() != 0)
+        outcome.exitCode = -program.killer();
+    return outcome;
 }
 
 Outcome runStationAt(const std::string& target, std::vector<std::string> arguments) {

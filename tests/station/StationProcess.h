@@ -8,14 +8,9 @@
 #include <string>
 #include <vector>
 
-namespace station {
+#include "support/Program.h"
 
-/// What came of a run of the program.
-struct Outcome {
-    int exitCode = 0; ///< or minus the signal that killed it
-    std::string output;
-    std::string errors;
-};
+namespace station {
 
 /// One run of the program as a process of its own, with no STATION_ variables but the given ones.
 struct Invocation {
@@ -27,7 +22,8 @@ struct Invocation {
     std::function<void(pid_t process)> onStart = [](pid_t) {};
 };
 
-/// Waits for the program to end; kills it, with a test failure, when that takes far too long.
+/// Waits for the program to end; kills it, with a test failure, when that takes far too long. The exit
+/// code of one that a signal killed is minus that signal.
 Outcome runStation(const Invocation& invocation);
 
 /// The same, with the option for the target ahead of the arguments.

@@ -8,7 +8,8 @@
 namespace station {
 
 /// One of the things that happen between a station and a unit. Scripts are made of them: `PlayedLink`
-/// plays them to what uses a link, `LineScript` at the unit's end of a line.
+/// plays them to what uses a link, `LineScript` at the unit's end of a line, `FakeUnit` at that of a
+/// connection.
 struct Step {
     enum Kind {
         Arrives, ///< from the unit
@@ -32,6 +33,12 @@ inline Steps operator+(Steps first, const Steps& then) {
 
 inline Steps arrives(std::string bytes) {
     return {{Step::Arrives, std::move(bytes)}};
+}
+inline Steps arrivesByteByByte(std::string_view bytes) {
+    Steps steps;
+    for (const char byte : bytes)
+        steps.push_back({Step::Arrives, {byte}});
+    return steps;
 }
 inline Steps sent(std::string_view bytes) {
     return {{Step::Sent, std::string(bytes)}};

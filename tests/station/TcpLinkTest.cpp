@@ -41,33 +41,24 @@ Answer execute(const TcpTarget& target, const std::string& name, const Deadline&
 }
 
 TEST(TcpLink, CarriesACommandAndItsAnswer) {
-    std::string request;
-    {
-        FakeUnit unit([&](UnitConnection& connection) {
-            request = connection.readRequest();
-            connection.sendText("status ok");
-        });
-        EXPECT_EQ(execute(unit.target(), "status", patient()).text, "ok");
-    }
-    EXPECT_EQ(request, "\x02status\x03\n");
+    FakeUnit unit(sent("\x02status\x03\n") + arrives(answer("status ok")));
+    EXPECT_EQ(execute(unit.target(), "status", patient()).text, "ok");
 }
 
 TEST(TcpLink, TakesAnAnswerThatComesByteByByte) {
-    FakeUnit unit([](UnitConnection& connection) {
-        connection.readRequest();
-        connection.sendByteByByte(answer("Info \"a\nb\"") + answer("status ok"));
-    });
+    FakeUnit unit(sent(request("status")) +
+                  arrivesByteByByte(answer("Info \"a\nb\"") + answer("status ok")));
     EXPECT_EQ(execute(unit.target(), "status", patient()).text, "ok");
 }
 
 TEST(TcpLink, FindsAHostByName) {
-    FakeUnit unit([](UnitConnection& connection) { connection.send("x"); });
+    FakeUnit unit(arrives("x"));
     TcpLink link = TcpLink::connect(TcpTarget{"localhost", unit.target().port}, patient());
     EXPECT_EQ(receiveAll(link), "x");
 }
 
 TEST(TcpLink, ReachesAnIpv6Address) try {
-    FakeUnit unit([](UnitConnection& connection) { connection.send("x"); }, "::1");
+    FakeUnit unit(arrives("x"), "::1");
     TcpLink link = TcpLink::connect(unit.target(), patient());
     EXPECT_EQ(receiveAll(link), "x");
 } catch (const std::system_error&) {
@@ -116,7 +107,7 @@ TEST(TcpLink, TimesOutWhenTheConnectionIsNotTaken) {
 }
 
 TEST(TcpLink, TimesOutWhenTheUnitDoesNotAnswer) {
-    FakeUnit unit([](UnitConnection& connection) { connection.waitUntilStationCloses(); });
+    FakeUnit unit(kSilence);
     EXPECT_THAT(failureOf([&] { execute(unit.target(), "status", soon()); }),
                 FailsWith(Failure::Kind::TimedOut, "time-out while waiting for the answer"));
 }
@@ -140,7 +131,7 @@ TEST(TcpLink, TimesOutWhenTheUnitDoesNotRead) {
 }
 
 TEST(TcpLink, TellsTheEndOfTheConnection) {
-    FakeUnit unit([](UnitConnection& connection) { connection.send("half"); });
+    FakeUnit unit(arrives("half"));
     TcpLink link = TcpLink::connect(unit.target(), patient());
     EXPECT_EQ(receiveAll(link), "half");
 }

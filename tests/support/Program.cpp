@@ -66,6 +66,11 @@ bool streamTo(int given, const System::Descriptor& pipe, int stream) {
 
 } // namespace
 
+void PrintTo(const Outcome& outcome, std::ostream* out) {
+    *out << "exit code " << outcome.exitCode << ", output " << testing::PrintToString(outcome.output)
+         << ", errors " << testing::PrintToString(outcome.errors);
+}
+
 Program::Program(std::vector<std::string> command, const Surroundings& surroundings) {
     // All memory is allocated before the fork: other threads of the test may be at work.
     std::vector<std::string> environment = environmentIn(surroundings);
@@ -130,6 +135,11 @@ int Program::wait() {
         if (!pump(remaining(deadline)))
             return -1;
     return m_status;
+}
+
+Outcome Program::outcome() {
+    const int status = wait();
+    return {status, m_output, m_error};
 }
 
 /// Handles what happens next; false when nothing did in this time.

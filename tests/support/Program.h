@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,19 @@ struct ProgramSurroundings {
     int error = -1;
     /// Called in the child, when its streams are set up; false: it cannot be started.
     std::function<bool()> prepare = [] { return true; };
+};
+
+/// How a program ended, and all that it wrote.
+struct Outcome {
+    int exitCode = 0;
+    std::string output;
+    std::string errors;
+
+    friend bool operator==(const Outcome& one, const Outcome& other) {
+        return one.exitCode == other.exitCode && one.output == other.output &&
+               one.errors == other.errors;
+    }
+    friend void PrintTo(const Outcome& outcome, std::ostream* out);
 };
 
 /// A program as a child of the test. Every wait has a deadline, after which it gives up; the program is
@@ -44,6 +58,9 @@ public:
     /// Waits until the program has ended and nobody at all holds its output and error streams any more.
     /// Returns the exit status, 128 plus the signal that killed it, or -1 when the deadline passed.
     int wait();
+
+    /// The same, with all that it wrote.
+    Outcome outcome();
 
     /// False from the moment at which the program has ended.
     bool isAlive() const;
