@@ -1,3 +1,5 @@
+#include <limits>
+
 #include "client/Hex.h"
 #include "client/RequestFrame.h"
 #include "client/forms/AnswerTexts.h"
@@ -21,12 +23,7 @@ constexpr unsigned kAttributes = 0xFF; // in place of a bus
 constexpr unsigned kStopCondition = 0;
 constexpr unsigned kBusSpeed = 1;
 
-constexpr std::size_t kReadArguments = 4;
 constexpr std::size_t kReadArgumentsWithData = 5;
-constexpr std::size_t kWriteArguments = 4;
-constexpr std::size_t kGetArguments = 3;
-constexpr std::size_t kSetArguments = 4;
-
 constexpr std::size_t kMostReadData = wire::kLongestFrame - 5;
 constexpr std::size_t kMostWriteData = wire::kLongestFrame - 4;
 constexpr std::size_t kLongestValue = 2; // bytes
@@ -119,20 +116,27 @@ BinaryForm setForm(const CommandArguments& arguments) {
             doneText()};
 }
 
+constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
+
+constexpr struct {
+    std::string_view word;
+    std::size_t fewest; ///< arguments, with the word
+    std::size_t most;
+    BinaryForm (*form)(const CommandArguments& arguments);
+} kOperations[] = {
+    {"read", 4, kAnyNumber, readForm},
+    {"write", 4, 4, writeForm},
+    {"getattributes", 3, 3, getForm},
+    {"setattributes", 4, 4, setForm},
+};
+
 } // namespace
 
 BinaryForm i2cForm(const CommandArguments& arguments) {
-    const auto isOperation = [&](std::string_view word) {
-        return arguments.size() != 0 && arguments.text(0) == word;
-    };
-    if (isOperation("read") && arguments.size() >= kReadArguments)
-        return readForm(arguments);
-    if (isOperation("write") && arguments.size() == kWriteArguments)
-        return writeForm(arguments);
-    if (isOperation("getattributes") && arguments.size() == kGetArguments)
-        return getForm(arguments);
-    if (isOperation("setattributes") && arguments.size() == kSetArguments)
-        return setForm(arguments);
+    for (const auto& operation : kOperations)
+        if (arguments.size() >= operation.fewest && arguments.size() <= operation.most &&
+            arguments.text(0) == operation.word)
+            return operation.form(arguments);
     refuseArguments("i2c");
 }
 
