@@ -13,8 +13,9 @@ struct ModemCommands::Request {
 
 struct ModemCommands::Word {
     std::string_view name;
-    bool (ModemCommands::*handler)(const Request& request, std::string& text);
-    std::string_view text; ///< what an identifying word answers
+    bool (ModemCommands::*handler)(const Request& request, std::string& text); ///< of all but tests
+    std::string_view identity;   ///< what an identifying word answers
+    std::string_view range = {}; ///< what a test answers
 };
 
 namespace {
@@ -91,10 +92,10 @@ const ModemCommands::Word ModemCommands::kWords[] = {
     {"+GMM", &ModemCommands::identify, kModel},
     {"+GMR", &ModemCommands::identify, kRevision},
     {"+GSN", &ModemCommands::identify, kSerialNumber},
-    {"+CSQ", &ModemCommands::signal, ""},
-    {"+CREG", &ModemCommands::registration, ""},
+    {"+CSQ", &ModemCommands::signal, "", "+CSQ: (0-31,99),(99)"},
+    {"+CREG", &ModemCommands::registration, "", "+CREG: (0,1)"},
     {"+CPIN", &ModemCommands::card, ""},
-    {"+CFUN", &ModemCommands::functionality, ""},
+    {"+CFUN", &ModemCommands::functionality, "", "+CFUN: (0,1,4)"},
 };
 
 ModemCommands::Reaction ModemCommands::take(char character) {
@@ -193,7 +194,9 @@ bool ModemCommands::runExtended(std::string_view& body, std::string& answer) {
     else
         value.remove_prefix(1);
     std::string text;
-    if (!(this->*word->handler)({*word, kind, value}, text))
+    if (kind == Kind::test)
+        text = word->range;
+    else if (!(this->*word->handler)({*word, kind, value}, text))
         return false;
     if (!text.empty())
         answer += information(text);
@@ -213,27 +216,21 @@ std::string ModemCommands::result(bool done) const {
 }
 
 bool ModemCommands::identify(const Request& request, std::string& text) {
-    if (request.kind == Kind::execute)
-        text = request.word.text;
-    return request.kind == Kind::execute || request.kind == Kind::test;
+    text = request.word.identity;
+    return request.kind == Kind::execute;
 }
 
 bool ModemCommands::signal(const Request& request, std::string& text) {
-    if (request.kind == Kind::test)
-        text = "+CSQ: (0-31,99),(99)";
-    if (request.kind == Kind::execute)
-        text = "+CSQ: " + std::to_string(hasRadio() ? m_signal : kUnknownSignal) + ",99";
-    return request.kind == Kind::execute || request.kind == Kind::test;
+    text = "+CSQ: " + std::to_string(hasRadio() ? m_signal : kUnknownSignal) + ",99";
+    return request.kind == Kind::execute;
 }
 
 bool ModemCommands::registration(const Request& request, std::string& text) {
-    if (request.kind == Kind::test)
-        text = "+CREG: (0,1)";
     if (request.kind == Kind::read)
         text = "+CREG: " + std::to_string(m_reportsRegistration ? 1 : 0) + "," +
                std::to_string(hasRadio() ? m_registration : 0);
     if (request.kind != Kind::set)
-        return request.kind != Kind::execute;
+        return request.kind == Kind::read;
     if (request.value != "0" && request.value != "1")
         return false;
     m_reportsRegistration = request.value == "1";
@@ -241,8 +238,6 @@ bool ModemCommands::registration(const Request& request, std::string& text) {
 }
 
 bool ModemCommands::card(const Request& request, std::string& text) {
-    if (request.kind == Kind::test)
-        return true;
     if (request.kind == Kind::set) {
         if (m_card != Card::wantsPin || !isPin(request.value))
             return false;
@@ -257,12 +252,10 @@ bool ModemCommands::card(const Request& request, std::string& text) {
 }
 
 bool ModemCommands::functionality(const Request& request, std::string& text) {
-    if (request.kind == Kind::test)
-        text = "+CFUN: (0,1,4)";
     if (request.kind == Kind::read)
         text = "+CFUN: " + std::to_string(m_functionality);
     if (request.kind != Kind::set)
-        return request.kind != Kind::execute;
+        return request.kind == Kind::read;
     if (request.value != "0" && request.value != "1" && request.value != "4")
         return false;
     m_functionality = request.value.front() - '0';
