@@ -29,7 +29,7 @@ AudioDriver::~AudioDriver() {
 }
 
 void AudioDriver::install(UnitTree& tree) {
-    m_path = tree.claim(kStateFile);
+    m_path = tree.claim(kAudioStateFile);
     ::unlink(m_path.c_str());
 }
 

@@ -13,7 +13,6 @@ namespace headunit {
 class AudioDriver {
 public:
     static constexpr char kProcess[] = "deva-nvaudio";
-    static constexpr char kStateFile[] = "/run/headunit/audio";
 
     AudioDriver() = default;
     AudioDriver(const AudioDriver&) = delete;

@@ -13,6 +13,9 @@ namespace headunit {
 /// as long as it runs, so that nobody mistakes what a dead one left behind for its state.
 enum class AudioState { stopped, inactive, active };
 
+/// That file in the unit's tree.
+constexpr char kAudioStateFile[] = "/run/headunit/audio";
+
 /// "stopped", "inactive", "active".
 const char* nameOf(AudioState state);
 

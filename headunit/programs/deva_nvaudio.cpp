@@ -74,7 +74,7 @@ bool isReady(int pipe) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const std::string path = argc > 1 ? argv[1] : headunit::AudioDriver::kStateFile;
+    const std::string path = argc > 1 ? argv[1] : headunit::kAudioStateFile;
     sigset_t signals;
     sigemptyset(&signals);
     for (const int signal : {SIGUSR1, SIGUSR2, SIGTERM, SIGHUP})
