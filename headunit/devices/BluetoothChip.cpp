@@ -11,17 +11,11 @@ namespace {
 constexpr std::size_t kOpcodeSize = 2;
 constexpr std::size_t kCommandHead = 3;
 
-constexpr std::uint16_t kReset = 0x0C03;
-constexpr std::uint16_t kReadLocalVersion = 0x1001;
-constexpr std::uint16_t kReadAddress = 0x1009;
+enum Opcode : std::uint16_t { Reset = 0x0C03, ReadLocalVersion = 0x1001, ReadAddress = 0x1009 };
+enum Event : char { CommandComplete = 0x0E, CommandStatus = 0x0F };
+enum Status : char { Success = 0, UnknownCommand = 0x01, InvalidParameters = 0x12 };
 
-constexpr char kCommandComplete = 0x0E;
-constexpr char kCommandStatus = 0x0F;
 constexpr char kOneMoreCommand = 1; // that the host may send
-
-constexpr char kSuccess = 0;
-constexpr char kUnknownCommand = 0x01;
-constexpr char kInvalidParameters = 0x12;
 
 constexpr char kVersion = 5; // 3.0, of the host interface and of the link
 constexpr std::uint16_t kHostRevision = 0x0100;
@@ -41,7 +35,7 @@ std::string localVersion() {
 }
 
 bool isKnown(std::uint16_t opcode) {
-    return opcode == kReset || opcode == kReadLocalVersion || opcode == kReadAddress;
+    return opcode == Reset || opcode == ReadLocalVersion || opcode == ReadAddress;
 }
 
 } // namespace
@@ -77,25 +71,25 @@ void BluetoothChip::takeCommand(std::string_view command) {
     if (!isKnown(number))
         return refuse(opcode);
     if (command[kOpcodeSize] != 0 || command.size() != kCommandHead)
-        return complete(opcode, kInvalidParameters); // none of these has any
-    if (number == kReset) {
+        return complete(opcode, InvalidParameters); // none of these has any
+    if (number == Reset) {
         clear();
-        return complete(opcode, kSuccess);
+        return complete(opcode, Success);
     }
-    if (number == kReadAddress)
-        return complete(opcode, kSuccess, kAddress);
-    complete(opcode, kSuccess, localVersion());
+    if (number == ReadAddress)
+        return complete(opcode, Success, kAddress);
+    complete(opcode, Success, localVersion());
 }
 
 void BluetoothChip::complete(std::string_view opcode, char status, std::string_view parameters) {
     std::string whole(1, kOneMoreCommand);
     whole.append(opcode).append(1, status).append(parameters);
-    event(kCommandComplete, whole);
+    event(CommandComplete, whole);
 }
 
 void BluetoothChip::refuse(std::string_view opcode) {
-    std::string parameters{kUnknownCommand, kOneMoreCommand};
-    event(kCommandStatus, parameters.append(opcode));
+    std::string parameters{UnknownCommand, kOneMoreCommand};
+    event(CommandStatus, parameters.append(opcode));
 }
 
 void BluetoothChip::event(char code, const std::string& parameters) {

@@ -3,21 +3,17 @@
 namespace headunit {
 namespace {
 
-// The layout of a request.
-constexpr std::size_t kCommand = 0;
-constexpr std::size_t kSentSize = 4;
-constexpr std::size_t kRoom = 8;
-constexpr std::size_t kReserved = 12;
-constexpr std::size_t kSent = 16;
+/// Where the parts of a request stand.
+enum Part : std::size_t { Command = 0, SentSize = 4, Room = 8, Reserved = 12, Sent = 16 };
 
 } // namespace
 
 std::optional<ManagerRequest> decodeRequest(std::string_view packet) {
-    if (packet.size() < kSent || littleEndian32(packet, kReserved) != 0 ||
-        littleEndian32(packet, kSentSize) != packet.size() - kSent)
+    if (packet.size() < Sent || littleEndian32(packet, Reserved) != 0 ||
+        littleEndian32(packet, SentSize) != packet.size() - Sent)
         return std::nullopt;
-    return ManagerRequest{littleEndian32(packet, kCommand), packet.substr(kSent),
-                          littleEndian32(packet, kRoom)};
+    return ManagerRequest{littleEndian32(packet, Command), packet.substr(Sent),
+                          littleEndian32(packet, Room)};
 }
 
 std::string encodeAnswer(const ManagerAnswer& answer, std::uint32_t room) {

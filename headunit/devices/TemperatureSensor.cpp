@@ -7,10 +7,7 @@
 namespace headunit {
 namespace {
 
-constexpr std::size_t kTemperature = 0;
-constexpr std::size_t kConfiguration = 1;
-constexpr std::size_t kLowerLimit = 2;
-constexpr std::size_t kUpperLimit = 3;
+enum Register : std::size_t { Temperature = 0, Configuration = 1, LowerLimit = 2, UpperLimit = 3 };
 constexpr std::size_t kPointerMask = 3;
 
 constexpr double kAtStart = 25;
@@ -38,17 +35,17 @@ double degreesOf(const std::string& bytes) {
 } // namespace
 
 TemperatureSensor::TemperatureSensor() {
-    m_registers[kTemperature] = registerOf(kAtStart);
-    m_registers[kConfiguration] = std::string(1, '\0');
-    m_registers[kLowerLimit] = registerOf(kLowerLimitAtStart);
-    m_registers[kUpperLimit] = registerOf(kUpperLimitAtStart);
+    m_registers[Temperature] = registerOf(kAtStart);
+    m_registers[Configuration] = std::string(1, '\0');
+    m_registers[LowerLimit] = registerOf(kLowerLimitAtStart);
+    m_registers[UpperLimit] = registerOf(kUpperLimitAtStart);
 }
 
 void TemperatureSensor::write(std::string_view bytes) {
     if (bytes.empty())
         return;
     m_pointer = static_cast<unsigned char>(bytes.front()) & kPointerMask;
-    if (m_pointer == kTemperature)
+    if (m_pointer == Temperature)
         return;
     bytes.remove_prefix(1);
     std::string& target = m_registers[m_pointer];
@@ -70,13 +67,13 @@ std::string TemperatureSensor::description() const {
 }
 
 double TemperatureSensor::temperature() const {
-    return degreesOf(m_registers[kTemperature]);
+    return degreesOf(m_registers[Temperature]);
 }
 
 bool TemperatureSensor::setTemperature(double degrees) {
     if (!(degrees >= kColdest && degrees <= kHottest))
         return false;
-    m_registers[kTemperature] = registerOf(degrees);
+    m_registers[Temperature] = registerOf(degrees);
     return true;
 }
 
