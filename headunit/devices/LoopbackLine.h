@@ -1,5 +1,6 @@
 #pragma once
 
+#include "devices/SerialLineIdentities.h"
 #include "serial/SerialLine.h"
 
 namespace headunit {
@@ -8,10 +9,7 @@ namespace headunit {
 /// out, what it writes is lost.
 class LoopbackLine : public SerialLine {
 public:
-    static constexpr char kName[] = "loopback";
-    static constexpr char kNode[] = "/dev/ser1";
-
-    explicit LoopbackLine(EventLoop& loop) : SerialLine(loop, kName, kNode) {}
+    explicit LoopbackLine(EventLoop& loop) : SerialLine(loop, kLoopbackLine) {}
 
     /// On at first. On the loop's thread.
     void setConnected(bool connected) { m_connected = connected; }

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "devices/SerialLineIdentities.h"
+
 namespace headunit {
 namespace {
 
@@ -13,7 +15,7 @@ constexpr std::chrono::milliseconds kUntilReaderReads{20};
 } // namespace
 
 Modem::Modem(EventLoop& loop)
-    : SerialLine(loop, kName, kNode), m_nextAnswer(loop, [this] { sendDueAnswers(); }) {}
+    : SerialLine(loop, kModemLine), m_nextAnswer(loop, [this] { sendDueAnswers(); }) {}
 
 void Modem::setSilent(bool silent) {
     m_silent = silent;

@@ -13,9 +13,6 @@ namespace headunit {
 /// at once, late, or not at all. The members beside the line's are for the loop's thread.
 class Modem : public SerialLine {
 public:
-    static constexpr char kName[] = "modem";
-    static constexpr char kNode[] = "/dev/NAD/AT_port";
-
     explicit Modem(EventLoop& loop);
 
     /// What the module answers is its commands' state.

@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+#include "devices/SerialLineIdentities.h"
+
 namespace headunit {
 namespace {
 
@@ -12,7 +14,7 @@ constexpr std::size_t kMostUnread =
 } // namespace
 
 PositionReceiver::PositionReceiver(EventLoop& loop)
-    : SerialLine(loop, kName, kNode), m_nextSentences(loop, [this] { saySentences(); }) {}
+    : SerialLine(loop, kReceiverLine), m_nextSentences(loop, [this] { saySentences(); }) {}
 
 void PositionReceiver::setOn(bool on) {
     if (on == m_on)

@@ -12,9 +12,6 @@ namespace headunit {
 /// are for the loop's thread.
 class PositionReceiver : public SerialLine {
 public:
-    static constexpr char kName[] = "receiver";
-    static constexpr char kNode[] = "/dev/ser3";
-
     explicit PositionReceiver(EventLoop& loop);
 
     /// From the next sentence on. The position is on the earth.

@@ -7,6 +7,7 @@
 #include "devices/LoopbackLine.h"
 #include "devices/Modem.h"
 #include "devices/PositionReceiver.h"
+#include "devices/SerialLineIdentities.h"
 #include "devices/StationLine.h"
 
 namespace headunit {
@@ -15,8 +16,8 @@ namespace headunit {
 /// the tree outlive them.
 struct SerialLines {
     /// What the user calls them, in the order of all().
-    static constexpr std::array<std::string_view, 4> kNames = {StationLine::kName, LoopbackLine::kName,
-                                                               Modem::kName, PositionReceiver::kName};
+    static constexpr std::array<std::string_view, 4> kNames = {kStationLine.name, kLoopbackLine.name,
+                                                               kModemLine.name, kReceiverLine.name};
 
     explicit SerialLines(EventLoop& loop) : station(loop), loopback(loop), modem(loop), receiver(loop) {}
 

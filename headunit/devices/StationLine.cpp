@@ -2,10 +2,12 @@
 
 #include <limits>
 
+#include "devices/SerialLineIdentities.h"
+
 namespace headunit {
 
 StationLine::StationLine(EventLoop& loop)
-    : SerialLine(loop, kName, kNode),
+    : SerialLine(loop, kStationLine),
       m_stationEnd(loop, {[this] { return roomForStation(); },
                           [this](std::string_view bytes) { unitEnd().send(bytes); }}) {}
 

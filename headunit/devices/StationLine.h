@@ -9,8 +9,6 @@ namespace headunit {
 /// unplugged the station's end stays as it is and what the station sends is lost.
 class StationLine : public SerialLine {
 public:
-    static constexpr char kName[] = "station";
-    static constexpr char kNode[] = "/dev/usbserialadapter1";
     /// Where the station's end is found in the unit's tree.
     static constexpr char kStationLink[] = "/run/headunit/station-line";
 

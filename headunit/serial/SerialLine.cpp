@@ -4,14 +4,13 @@
 
 namespace headunit {
 
-SerialLine::SerialLine(EventLoop& loop, std::string_view name, std::string_view unitPath)
-    : m_name(name),
-      m_unitPath(unitPath),
+SerialLine::SerialLine(EventLoop& loop, const Identity& identity)
+    : m_identity(identity),
       m_unitEnd(loop, {[this] { return room(); }, [this](std::string_view bytes) { received(bytes); }}) {
 }
 
 void SerialLine::install(UnitTree& tree) {
-    m_hostPath = tree.claim(std::string(m_unitPath));
+    m_hostPath = tree.claim(std::string(unitPath()));
     plug();
 }
 

@@ -16,14 +16,18 @@ namespace headunit {
 /// the line.
 class SerialLine {
 public:
-    /// `name` is what the user calls the line, `unitPath` its node in the unit.
-    SerialLine(EventLoop& loop, std::string_view name, std::string_view unitPath);
+    struct Identity {
+        std::string_view name;     ///< what the user calls the line
+        std::string_view unitPath; ///< its node in the unit
+    };
+
+    SerialLine(EventLoop& loop, const Identity& identity);
     SerialLine(const SerialLine&) = delete;
     SerialLine& operator=(const SerialLine&) = delete;
     virtual ~SerialLine() = default;
 
-    std::string_view name() const { return m_name; }
-    std::string_view unitPath() const { return m_unitPath; }
+    std::string_view name() const { return m_identity.name; }
+    std::string_view unitPath() const { return m_identity.unitPath; }
 
     /// Claims the line's names and plugs it in. Called once. Throws UnitError.
     virtual void install(UnitTree& tree);
@@ -58,8 +62,7 @@ protected:
     const TerminalEnd& unitEnd() const { return m_unitEnd; }
 
 private:
-    std::string_view m_name;
-    std::string_view m_unitPath;
+    Identity m_identity;
     std::string m_hostPath; ///< of the node
     TerminalEnd m_unitEnd;
     NodeLink m_node; ///< after the terminal that it leads to, so that it goes first
