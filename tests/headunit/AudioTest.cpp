@@ -87,30 +87,27 @@ TEST_F(AudioTest, TheDriverRunsBesideARunningDaemon) {
                     surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     const auto control = [&](const Words& words) {
-        Program asked(joined({HEADUNIT_PROGRAM, "control", "--unit", unit}, words));
-        EXPECT_EQ(asked.wait(), 0) << asked.error();
-        return asked.output();
+        const Outcome asked = outcomeOf(joined({HEADUNIT_PROGRAM, "control", "--unit", unit}, words));
+        EXPECT_EQ(asked.exitCode, 0) << asked.errors;
+        return asked.output;
     };
     EXPECT_THAT(control({"state"}), HasSubstr("sda0 /dev/sda0 inserted\n"));
     EXPECT_THAT(control({"state"}), HasSubstr("audio deva-nvaudio inactive\n"));
     EXPECT_EQ(control({"audio", "active"}), "ok\n");
     EXPECT_TRUE(eventually(
         [&] { return control({"state"}).find("audio deva-nvaudio active\n") != std::string::npos; }));
-    program.signal(SIGTERM);
-    EXPECT_EQ(program.wait(), 0) << program.error();
+    stop(program);
     EXPECT_TRUE(fs::is_empty(unit + "/run/headunit"));
 }
 
 TEST_F(AudioTest, TheDriverRunsInPlace) {
     const TestFolder root;
-    Program program(run({"--root", root.path()},
-                        {"--in-place", "--yes-change-this-machine", "--daemon-path", STANDIN_DAEMON}));
+    Program program(inPlace(root));
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     EXPECT_EQ(contentOf(root / "run/headunit/audio").substr(0, 9), "inactive ");
     EXPECT_TRUE(fs::is_socket(root / "dev/i2c0"));
     EXPECT_EQ(fs::file_size(root / "dev/umass/umass0"), 64u * 1024 * 1024);
-    program.signal(SIGTERM);
-    EXPECT_EQ(program.wait(), 0) << program.error();
+    stop(program);
     EXPECT_FALSE(fs::exists(root / "dev/umass"));
     EXPECT_TRUE(fs::is_empty(root / "run"));
 }

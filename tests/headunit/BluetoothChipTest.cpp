@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "support/Rows.h"
+
 namespace headunit {
 namespace {
 
@@ -45,7 +47,7 @@ INSTANTIATE_TEST_SUITE_P(
                                 std::string("\x04\x0F\x04\x01\x01\x01\x04", 7)},
                     CommandCase{"vendors", std::string("\x01\xFF\xFF\x00", 4),
                                 std::string("\x04\x0F\x04\x01\x01\xFF\xFF", 7)}),
-    [](const testing::TestParamInfo<CommandCase>& info) { return info.param.title; });
+    titleOf);
 
 TEST(BluetoothChip, PassesOverWhatIsNoCommand) {
     BluetoothChip chip;

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "support/HeadunitTest.h"
+#include "support/Rows.h"
 
 namespace headunit_test {
 namespace {
@@ -17,7 +18,11 @@ using testing::StartsWith;
 /// Each case has a TMPDIR of its own, in which nothing may be left.
 class ExecTest : public HeadunitTest {
 protected:
-    std::string outputOf(const std::string& script) { return quietOutputOf(script); }
+    const Words kWithDaemon = {"--daemon", "--daemon-path", STANDIN_DAEMON};
+
+    std::string outputOf(const std::string& script, const Words& options = {}) {
+        return quietOutputOf(script, options);
+    }
 
     void TearDown() override { EXPECT_THAT(m_temporary.names(), IsEmpty()); }
 };
@@ -36,9 +41,8 @@ void PrintTo(const StatusCase& row, std::ostream* out) {
 class ExecStatus : public ExecTest, public testing::WithParamInterface<StatusCase> {};
 
 TEST_P(ExecStatus, IsTheCommands) {
-    Program program(exec(joined({"--"}, GetParam().command)), surroundings());
-    EXPECT_EQ(program.wait(), GetParam().status);
-    EXPECT_EQ(program.error(), GetParam().error);
+    EXPECT_EQ(outcomeOf(exec(joined({"--"}, GetParam().command))),
+              (Outcome{GetParam().status, "", GetParam().error}));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -51,24 +55,21 @@ INSTANTIATE_TEST_SUITE_P(
         StatusCase{"notFound", {"no-such"}, 127, "headunit: no-such: No such file or directory\n"},
         StatusCase{"notExecutable", {"/etc"}, 126, "headunit: /etc: Permission denied\n"},
         StatusCase{"separatorInTheCommand", {"sh", "-c", "test \"$1\" = --", "x", "--"}, 0, ""}),
-    [](const testing::TestParamInfo<StatusCase>& info) { return info.param.title; });
+    titleOf);
 
 TEST_F(ExecTest, PassesTheStandardStreamsThrough) {
-    Program program(exec({"--", "sh", "-c", "cat; echo wrong >&2"}), surroundings());
+    Program program(inShell("cat; echo wrong >&2"), surroundings());
     program.write(std::string("in\0put", 6));
     program.endInput();
-    EXPECT_EQ(program.wait(), 0);
-    EXPECT_EQ(program.output(), std::string("in\0put", 6));
-    EXPECT_EQ(program.error(), "wrong\n");
+    EXPECT_EQ(program.outcome(), (Outcome{0, std::string("in\0put", 6), "wrong\n"}));
 }
 
 TEST_F(ExecTest, PassesTheEnvironmentThrough) {
     Program::Surroundings given = surroundings();
     given.environment["FIRST_TIER_SUPPLIER"] = "a b";
     given.environment["LD_LIBRARY_PATH"] = "/none";
-    Program program(
-        exec({"--", "sh", "-c", "echo \"$FIRST_TIER_SUPPLIER\" $TMPDIR $LD_LIBRARY_PATH; echo $PATH"}),
-        given);
+    Program program(inShell("echo \"$FIRST_TIER_SUPPLIER\" $TMPDIR $LD_LIBRARY_PATH; echo $PATH"),
+                    given);
     EXPECT_EQ(program.wait(), 0);
     EXPECT_THAT(program.output(), StartsWith("a b /tmp /vrk/lib:/none\n" +
                                              fs::path(HEADUNIT_PROGRAM).parent_path().string() + ":"));
@@ -78,9 +79,8 @@ TEST_F(ExecTest, KeepsTheWorkingDirectoryWritable) {
     const TestFolder folder;
     Program::Surroundings given = surroundings();
     given.folder = folder.path();
-    Program program(exec({"--", "sh", "-c", "pwd; echo made > file"}), given);
-    EXPECT_EQ(program.wait(), 0) << program.error();
-    EXPECT_EQ(program.output(), folder.path() + "\n");
+    EXPECT_EQ(Program(inShell("pwd; echo made > file"), given).outcome(),
+              (Outcome{0, folder.path() + "\n", ""}));
     EXPECT_EQ(contentOf(folder / "file"), "made\n");
 }
 
@@ -141,8 +141,7 @@ TEST_F(ExecTest, LeavesTheHostsSystemAlone) {
 }
 
 TEST_F(ExecTest, HasANetworkOfItsOwn) {
-    const std::vector<std::string> command =
-        exec({"--daemon", "--daemon-path", STANDIN_DAEMON, "--", "sh", "-c", "echo up; read line"});
+    const Words command = inShell("echo up; read line", kWithDaemon);
     Program first(command, surroundings());
     ASSERT_TRUE(first.waitForOutput("up\n")) << first.error();
     Program second(command, surroundings());
@@ -155,12 +154,8 @@ TEST_F(ExecTest, HasANetworkOfItsOwn) {
 }
 
 TEST_F(ExecTest, StartsTheDaemonBeforeTheCommand) {
-    Program program(exec({"--daemon", "--daemon-path", STANDIN_DAEMON, "--", "sh", "-c",
-                          "grep -c ' 0100007F:3ACB .* 0A ' /proc/net/tcp; exit 5"}),
-                    surroundings());
-    EXPECT_EQ(program.wait(), 5);
-    EXPECT_EQ(program.output(), "1\n");
-    EXPECT_EQ(program.error(), "stand-in: started\n");
+    EXPECT_EQ(outcomeOf(inShell("grep -c ' 0100007F:3ACB .* 0A ' /proc/net/tcp; exit 5", kWithDaemon)),
+              (Outcome{5, "1\n", "stand-in: started\n"}));
 }
 
 TEST_F(ExecTest, StartsNoDaemonUnasked) {
@@ -168,42 +163,34 @@ TEST_F(ExecTest, StartsNoDaemonUnasked) {
 }
 
 TEST_F(ExecTest, SaysThatTheDaemonDied) {
-    Program program(exec({"--daemon", "--daemon-path", "/bin/false", "--", "echo", "ran"}),
-                    surroundings());
-    EXPECT_EQ(program.wait(), 125);
-    EXPECT_EQ(program.output(), "");
-    EXPECT_EQ(program.error(),
-              "headunit: the daemon ended with status 1 before it listened on port 15051\n");
+    EXPECT_EQ(outcomeOf(exec({"--daemon", "--daemon-path", "/bin/false", "--", "echo", "ran"})),
+              (Outcome{125, "",
+                       "headunit: the daemon ended with status 1 before it listened on port 15051\n"}));
 }
 
 TEST_F(ExecTest, SaysThatThereIsNoDaemon) {
-    Program program(exec({"--daemon", "--daemon-path", "/none/such", "--", "echo"}), surroundings());
-    EXPECT_EQ(program.wait(), 125);
-    EXPECT_EQ(program.error(),
-              "headunit: there is no daemon at /none/such; build the target 'production' or "
-              "name one with --daemon-path\n");
+    EXPECT_EQ(outcomeOf(exec({"--daemon", "--daemon-path", "/none/such", "--", "echo"})),
+              (Outcome{125, "",
+                       "headunit: there is no daemon at /none/such; build the target 'production' or "
+                       "name one with --daemon-path\n"}));
 }
 
-// Program::wait() comes back only when nobody holds the streams any more: no process is left then.
+// A program's outcome is there only when nobody holds the streams any more: no process is left then.
 
 TEST_F(ExecTest, LeavesNoProcessBehind) {
-    Program program(exec({"--", "sh", "-c", "setsid sleep 1000 & echo up; exit 3"}), surroundings());
-    EXPECT_EQ(program.wait(), 3);
-    EXPECT_EQ(program.output(), "up\n");
+    EXPECT_EQ(outcomeOf(inShell("setsid sleep 1000 & echo up; exit 3")), (Outcome{3, "up\n", ""}));
 }
 
 TEST_F(ExecTest, RemovesWhatTheCommandMadeInTheUnit) {
-    Program program(exec({"--", "sh", "-c", "mkdir -p /tmp/a/b /dev/c; touch /tmp/a/b/x; exit 9"}),
-                    surroundings());
-    EXPECT_EQ(program.wait(), 9);
+    EXPECT_EQ(outcomeOf(inShell("mkdir -p /tmp/a/b /dev/c; touch /tmp/a/b/x; exit 9")).exitCode, 9);
 }
 
 class ExecStopped : public ExecTest, public testing::WithParamInterface<int> {};
 
 TEST_P(ExecStopped, EndsEverythingInIt) {
-    Program program(exec({"--daemon", "--daemon-path", STANDIN_DAEMON, "--", "sh", "-c",
-                          "trap '' INT TERM HUP; setsid sleep 1000 & echo up; sleep 1000"}),
-                    surroundings());
+    Program program(
+        inShell("trap '' INT TERM HUP; setsid sleep 1000 & echo up; sleep 1000", kWithDaemon),
+        surroundings());
     ASSERT_TRUE(program.waitForOutput("up\n")) << program.error();
     program.signal(GetParam());
     EXPECT_EQ(program.wait(), 128 + GetParam());
@@ -212,7 +199,7 @@ TEST_P(ExecStopped, EndsEverythingInIt) {
 INSTANTIATE_TEST_SUITE_P(Signals, ExecStopped, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
 TEST_F(ExecTest, TakesEverythingAlongWhenItIsKilled) {
-    Program program(exec({"--", "sh", "-c", "setsid sleep 1000 & echo up; sleep 1000"}), surroundings());
+    Program program(inShell("setsid sleep 1000 & echo up; sleep 1000"), surroundings());
     ASSERT_TRUE(program.waitForOutput("up\n")) << program.error();
     program.signal(SIGKILL);
     EXPECT_EQ(program.wait(), 128 + SIGKILL);
@@ -224,23 +211,16 @@ TEST_F(ExecTest, TakesEverythingAlongWhenItIsKilled) {
 TEST_F(ExecTest, KeepsAGivenFolder) {
     const TestFolder folder;
     const std::string unit = folder / "unit";
-    Program first(
-        exec({"--unit", unit, "--", "sh", "-c", "printf 0 > /dev/nvgpio/usb_pwr_0; echo x > /vrk/y"}),
-        surroundings());
-    EXPECT_EQ(first.wait(), 0) << first.error();
+    outputOf("printf 0 > /dev/nvgpio/usb_pwr_0; echo x > /vrk/y", {"--unit", unit});
     EXPECT_EQ(contentOf(unit + "/vrk/y"), "x\n");
     writeFile(unit + "/dev/nvsku/rev", "2B\n");
-    Program second(
-        exec({"--unit", unit, "--", "cat", "/dev/nvgpio/usb_pwr_0", "/dev/nvsku/rev", "/vrk/y"}),
-        surroundings());
-    EXPECT_EQ(second.wait(), 0) << second.error();
-    EXPECT_EQ(second.output(), "02B\nx\n");
+    EXPECT_EQ(outputOf("cat /dev/nvgpio/usb_pwr_0 /dev/nvsku/rev /vrk/y", {"--unit", unit}), "02B\nx\n");
 }
 
 TEST_F(ExecTest, SeesNodesAppearAndVanishWhileItRuns) {
     const TestFolder folder;
-    Program program(exec({"--unit", folder.path(), "--", "sh", "-c",
-                          "echo up; read line; ls /dev/new /dev/nvsku; read line; ls /dev/new"}),
+    Program program(inShell("echo up; read line; ls /dev/new /dev/nvsku; read line; ls /dev/new",
+                            {"--unit", folder.path()}),
                     surroundings());
     ASSERT_TRUE(program.waitForOutput("up\n")) << program.error();
     writeFile(folder / "dev/new", "");
@@ -256,13 +236,13 @@ TEST_F(ExecTest, SeesNodesAppearAndVanishWhileItRuns) {
 TEST_F(ExecTest, SaysThatBwrapIsMissing) {
     Program::Surroundings given = surroundings();
     given.environment["PATH"] = "/none";
-    Program program(exec({"--", "true"}), given);
-    EXPECT_EQ(program.wait(), 125);
     EXPECT_EQ(
-        program.error(),
-        "headunit: cannot start bwrap: No such file or directory (Debian package bubblewrap); allow "
-        "unprivileged user namespaces here, or in a disposable container set the unit up on the "
-        "container itself with 'headunit run --in-place'\n");
+        Program(exec({"--", "true"}), given).outcome(),
+        (Outcome{
+            125, "",
+            "headunit: cannot start bwrap: No such file or directory (Debian package bubblewrap); allow "
+            "unprivileged user namespaces here, or in a disposable container set the unit up on the "
+            "container itself with 'headunit run --in-place'\n"}));
 }
 
 TEST_F(ExecTest, SaysInOneLineWhyBwrapCannotWork) {
@@ -272,13 +252,13 @@ TEST_F(ExecTest, SaysInOneLineWhyBwrapCannotWork) {
     fs::permissions(programs / "bwrap", fs::perms::owner_all);
     Program::Surroundings given = surroundings();
     given.environment["PATH"] = programs.path() + ":/usr/bin:/bin";
-    Program program(exec({"--", "true"}), given);
-    EXPECT_EQ(program.wait(), 125);
     EXPECT_EQ(
-        program.error(),
-        "headunit: bwrap cannot build the unit here (bwrap: no namespaces really); allow unprivileged "
-        "user namespaces here, or in a disposable container set the unit up on the container itself "
-        "with 'headunit run --in-place'\n");
+        Program(exec({"--", "true"}), given).outcome(),
+        (Outcome{
+            125, "",
+            "headunit: bwrap cannot build the unit here (bwrap: no namespaces really); allow unprivileged "
+            "user namespaces here, or in a disposable container set the unit up on the container itself "
+            "with 'headunit run --in-place'\n"}));
 }
 
 } // namespace

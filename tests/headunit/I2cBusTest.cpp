@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include "support/I2cPackets.h"
+#include "support/Rows.h"
 
 namespace headunit_test {
 namespace {
@@ -186,7 +187,7 @@ INSTANTIATE_TEST_SUITE_P(
         MalformedCase{"tooMuchToReceive",
                       requestPacket(0xC0100506, numbers({kEeprom, 2, 65537, 0}), 0xFFFFFFFF), ENOMEM},
         MalformedCase{"tooMuchToSend", sendPacket(kEeprom, std::string(65537, 'x')), ENOMEM}),
-    [](const testing::TestParamInfo<MalformedCase>& info) { return info.param.title; });
+    titleOf);
 
 TEST(Eeprom, WritesFromTheFirstByteOnAndWraps) {
     Eeprom memory;

@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+#include "support/Rows.h"
+
 namespace headunit {
 namespace {
 
@@ -55,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "   1: 0100007F:3ACB 00000000:0000 0A 0:0\n",
                   true},
         TableCase{"garbage", "no table at all\n", false}),
-    [](const testing::TestParamInfo<TableCase>& info) { return info.param.title; });
+    titleOf);
 
 } // namespace
 } // namespace headunit

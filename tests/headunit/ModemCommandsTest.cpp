@@ -5,6 +5,8 @@
 #include <ostream>
 #include <vector>
 
+#include "support/Rows.h"
+
 namespace headunit {
 namespace {
 
@@ -104,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(
         Exchange{"longestLine", "AT" + std::string(510, ' ') + "\r", kOk},
         Exchange{"tooLongLine", "AT" + std::string(511, ' ') + "\r", kError},
         Exchange{"endlessLine", "AT" + std::string(100000, 'I') + "\rAT\r", kError + kOk}),
-    [](const testing::TestParamInfo<Exchange>& info) { return info.param.title; });
+    titleOf);
 
 TEST(ModemCommands, EchoesEveryCharacterUntilToldNotTo) {
     ModemCommands modem;

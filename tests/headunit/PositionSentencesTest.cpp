@@ -5,6 +5,8 @@
 #include <limits>
 #include <ostream>
 
+#include "support/Rows.h"
+
 namespace headunit {
 namespace {
 
@@ -43,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(
                     PlaceCase{"otherCorner", {-90, -180}, ",9000.0000,S,18000.0000,W,"},
                     PlaceCase{"minutesRoundUp", {9.99999999, 99.99999999}, ",1000.0000,N,10000.0000,E,"},
                     PlaceCase{"noSouthernZero", {-1e-9, -1e-9}, ",0000.0000,N,00000.0000,E,"}),
-    [](const testing::TestParamInfo<PlaceCase>& info) { return info.param.title; });
+    titleOf);
 
 TEST(PositionSentences, CarryTheSumOfTheirCharacters) {
     for (const double degrees : {0.0, 1.5, -45.125, 89.9999}) {

@@ -16,8 +16,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr char kConsent[] = "--yes-change-this-machine";
-
 std::vector<std::string> namesIn(const std::string& folder) {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(folder))
@@ -55,8 +53,7 @@ TEST_F(RunTest, KeepsAGivenFolder) {
                     surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     EXPECT_THAT(program.output(), HasSubstr("unit    " + (m_temporary / "unit") + "\n"));
-    program.signal(SIGTERM);
-    EXPECT_EQ(program.wait(), 0);
+    stop(program);
     EXPECT_THAT(m_temporary.names(), ElementsAre("unit"));
     EXPECT_EQ(contentOf(m_temporary / "unit/dev/nvsku/rev"), "1A\n");
 }
@@ -71,11 +68,9 @@ TEST_F(RunTest, EndsWhenTheDaemonDies) {
 }
 
 TEST_F(RunTest, EndsWhenTheDaemonDoesNotStart) {
-    Program program(run({}, {"--daemon-path", "/bin/false"}), surroundings());
-    EXPECT_EQ(program.wait(), 1);
-    EXPECT_EQ(program.output(), "");
-    EXPECT_EQ(program.error(),
-              "headunit: the daemon ended with status 1 before it listened on port 15051\n");
+    EXPECT_EQ(
+        outcomeOf(run({}, {"--daemon-path", "/bin/false"})),
+        (Outcome{1, "", "headunit: the daemon ended with status 1 before it listened on port 15051\n"}));
     EXPECT_THAT(m_temporary.names(), IsEmpty());
 }
 
@@ -94,9 +89,9 @@ TEST_F(RunTest, RefusesWhenThePortIsTaken) {
 }
 
 TEST_F(RunTest, SaysThatThereIsNoDaemon) {
-    Program program(run({}, {"--daemon-path", "/none/such"}), surroundings());
-    EXPECT_EQ(program.wait(), 1);
-    EXPECT_THAT(program.error(), HasSubstr("there is no daemon at /none/such"));
+    const Outcome outcome = outcomeOf(run({}, {"--daemon-path", "/none/such"}));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("there is no daemon at /none/such"));
 }
 
 TEST_F(RunTest, TakesTheDaemonAlongWhenItIsKilled) {
@@ -107,32 +102,30 @@ TEST_F(RunTest, TakesTheDaemonAlongWhenItIsKilled) {
 }
 
 TEST_F(RunTest, InPlaceWantsToBeToldTwice) {
-    Program program(run({}, {"--in-place", "--daemon-path", STANDIN_DAEMON}));
-    EXPECT_EQ(program.wait(), 1);
     EXPECT_EQ(
-        program.error(),
-        "headunit: --in-place makes device nodes and files in /dev, /mnt/app, /ifs and /vrk of this "
-        "machine itself; it is for disposable containers. Add --yes-change-this-machine when this is one\n");
+        outcomeOf(run({}, {"--in-place", "--daemon-path", STANDIN_DAEMON})),
+        (Outcome{
+            1, "",
+            "headunit: --in-place makes device nodes and files in /dev, /mnt/app, /ifs and /vrk of this "
+            "machine itself; it is for disposable containers. Add --yes-change-this-machine when this is one\n"}));
 }
 
 TEST_F(RunTest, InPlaceWantsRoot) {
-    Program program(run({"--uid", "1000"}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON}));
-    EXPECT_EQ(program.wait(), 1);
-    EXPECT_EQ(program.error(), "headunit: --in-place needs root to make nodes in /dev\n");
+    EXPECT_EQ(outcomeOf(run({"--uid", "1000"}, {"--in-place", "--yes-change-this-machine",
+                                                "--daemon-path", STANDIN_DAEMON})),
+              (Outcome{1, "", "headunit: --in-place needs root to make nodes in /dev\n"}));
 }
 
 TEST_F(RunTest, InPlaceSetsTheMachineUpAndPutsItBack) {
     const TestFolder root;
-    Program program(
-        run({"--root", root.path()}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON}));
+    Program program(inPlace(root));
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     EXPECT_THAT(program.output(), HasSubstr("unit    this machine\ntcp     tcp:127.0.0.1:15051\n"));
     EXPECT_EQ(contentOf(root / "dev/nvsku/rev"), "1A\n");
     EXPECT_EQ(contentOf(root / "ifs/version_info.txt").substr(0, 10), "component:");
     EXPECT_EQ(contentOf(root / "dev/nvgpio/usb_pwr_0"), "1");
     EXPECT_TRUE(fs::is_symlink(root / "vrk/bin/apps/showimage"));
-    program.signal(SIGTERM);
-    EXPECT_EQ(program.wait(), 0) << program.error();
+    stop(program);
     EXPECT_THAT(namesIn(root / "dev"), ElementsAre("ptmx", "pts"));
     EXPECT_TRUE(fs::is_empty(root / "run"));
     EXPECT_FALSE(fs::exists(root / "mnt"));
@@ -144,12 +137,10 @@ TEST_F(RunTest, InPlaceOverwritesNothing) {
     const TestFolder root;
     fs::create_directories(root / "mnt/app");
     writeFile(root / "mnt/app/img_ver.txt", "theirs\n");
-    Program program(
-        run({"--root", root.path()}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON}));
-    EXPECT_EQ(program.wait(), 1);
-    EXPECT_EQ(program.error(),
-              "headunit: software versions: /mnt/app/img_ver.txt exists on this machine and is "
-              "not the unit's; it is left as it is\n");
+    EXPECT_EQ(outcomeOf(inPlace(root)),
+              (Outcome{1, "",
+                       "headunit: software versions: /mnt/app/img_ver.txt exists on this machine and is "
+                       "not the unit's; it is left as it is\n"}));
     EXPECT_EQ(contentOf(root / "mnt/app/img_ver.txt"), "theirs\n");
     EXPECT_THAT(namesIn(root / "dev"), ElementsAre("ptmx", "pts"));
     EXPECT_TRUE(fs::is_empty(root / "run"));
@@ -157,8 +148,7 @@ TEST_F(RunTest, InPlaceOverwritesNothing) {
 
 TEST_F(RunTest, InPlaceClearsUpAfterAKilledOne) {
     const TestFolder root;
-    const auto command =
-        run({"--root", root.path()}, {"--in-place", kConsent, "--daemon-path", STANDIN_DAEMON});
+    const Words command = inPlace(root);
     Program killed(command);
     ASSERT_TRUE(killed.waitForOutput("Ctrl-C\n")) << killed.error();
     killed.signal(SIGKILL);

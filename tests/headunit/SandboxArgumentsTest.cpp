@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "support/Rows.h"
+
 namespace headunit {
 namespace {
 
@@ -153,7 +155,7 @@ INSTANTIATE_TEST_SUITE_P(
         ShareCase{"neverProcesses", {{"/proc", true}, {"/proc/1", true}}, {}},
         ShareCase{
             "neverTheSystem", {{"/usr", true}, {"/etc", true}, {"/bin", false}, {"/lib", true}}, {}}),
-    [](const testing::TestParamInfo<ShareCase>& info) { return info.param.title; });
+    titleOf);
 
 } // namespace
 } // namespace headunit

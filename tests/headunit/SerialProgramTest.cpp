@@ -81,8 +81,7 @@ TEST_F(SerialProgramTest, ARunningUnitIsControlledFromOutside) {
     const Line theirs(unit + "/dev/usbserialadapter1");
     ASSERT_TRUE(ours.trySend("request"));
     EXPECT_EQ(theirs.receive(7), "request");
-    program.signal(SIGTERM);
-    EXPECT_EQ(program.wait(), 0);
+    stop(program);
     EXPECT_TRUE(ours.seesHangUp());
     EXPECT_FALSE(fs::is_symlink(unit + "/dev/usbserialadapter1"));
     EXPECT_TRUE(fs::is_empty(unit + "/run/headunit"));
@@ -90,48 +89,40 @@ TEST_F(SerialProgramTest, ARunningUnitIsControlledFromOutside) {
 
 TEST_F(SerialProgramTest, TwoUnitsRunSideBySide) {
     const std::vector<std::string> command =
-        exec({"--", "sh", "-c",
-              "exec 3<>/dev/ser1; echo up; read word; echo $word >&3; read word <&3; "
-              "echo $word"});
+        inShell("exec 3<>/dev/ser1; echo up; read word; echo $word >&3; read word <&3; echo $word");
     Program first(command, surroundings());
     Program second(command, surroundings());
     ASSERT_TRUE(first.waitForOutput("up\n")) << first.error();
     ASSERT_TRUE(second.waitForOutput("up\n")) << second.error();
     first.write("first\n");
     second.write("second\n");
-    EXPECT_EQ(first.wait(), 0);
-    EXPECT_EQ(second.wait(), 0);
-    EXPECT_EQ(first.output(), "up\nfirst\n");
-    EXPECT_EQ(second.output(), "up\nsecond\n");
+    EXPECT_EQ(first.outcome(), (Outcome{0, "up\nfirst\n", ""}));
+    EXPECT_EQ(second.outcome(), (Outcome{0, "up\nsecond\n", ""}));
     EXPECT_THAT(m_temporary.names(), IsEmpty());
 }
 
 TEST_F(SerialProgramTest, OneFolderIsForOneUnitAtATime) {
     const std::string unit = m_temporary / "unit";
-    Program first(exec({"--unit", unit, "--", "sh", "-c", "echo up; read line"}), surroundings());
+    Program first(inShell("echo up; read line", {"--unit", unit}), surroundings());
     ASSERT_TRUE(first.waitForOutput("up\n")) << first.error();
-    Program second(exec({"--unit", unit, "--", "true"}), surroundings());
-    EXPECT_EQ(second.wait(), 125);
-    EXPECT_EQ(second.error(),
-              "headunit: another headunit is at work here (" + unit + "/run/headunit is locked)\n");
+    const std::string message =
+        "headunit: another headunit is at work here (" + unit + "/run/headunit is locked)\n";
+    EXPECT_EQ(outcomeOf(exec({"--unit", unit, "--", "true"})), (Outcome{125, "", message}));
     first.write("\n");
     EXPECT_EQ(first.wait(), 0);
 }
 
 TEST_F(SerialProgramTest, AKeptFolderIsUsedAgainAfterAKilledRun) {
     const std::string unit = m_temporary / "unit";
-    Program killed(exec({"--unit", unit, "--", "sh", "-c", "echo up; read line"}), surroundings());
+    Program killed(inShell("echo up; read line", {"--unit", unit}), surroundings());
     ASSERT_TRUE(killed.waitForOutput("up\n")) << killed.error();
     killed.signal(SIGKILL);
     EXPECT_EQ(killed.wait(), 128 + SIGKILL);
     EXPECT_TRUE(fs::is_symlink(unit + "/dev/ser1"));
-    Program next(
-        exec(
-            {"--unit", unit, "--", "sh", "-c",
-             "exec 3<>/dev/ser1; echo round >&3; head -c 6 <&3; headunit control state | grep -c plugged"}),
-        surroundings());
-    EXPECT_EQ(next.wait(), 0) << next.error();
-    EXPECT_EQ(next.output(), "round\n4\n");
+    EXPECT_EQ(quietOutputOf("exec 3<>/dev/ser1; echo round >&3; head -c 6 <&3; "
+                            "headunit control state | grep -c plugged",
+                            {"--unit", unit}),
+              "round\n4\n");
 }
 
 TEST_F(SerialProgramTest, ControlSaysThatThereIsNoUnit) {
@@ -155,10 +146,9 @@ TEST_F(SerialProgramTest, TheSupplierIsTheDaemonsAlone) {
              {{"--daemon", "--supplier", "inner one"}, "inner one"},
              {{"--daemon", "--supplier", ""}, ""},
              {{"--daemon"}, "outer"}}) {
-        Program program(exec(joined(options, rest)), surroundings());
-        EXPECT_EQ(program.wait(), 0) << program.error();
-        EXPECT_EQ(program.output(), "supplier [outer]\n");
-        EXPECT_EQ(program.error(), "supplier [" + expected + "]\nstand-in: started\n");
+        EXPECT_EQ(
+            Program(exec(joined(options, rest)), surroundings()).outcome(),
+            (Outcome{0, "supplier [outer]\n", "supplier [" + expected + "]\nstand-in: started\n"}));
     }
     Program useless(exec({"--supplier", "x", "--", "true"}), surroundings());
     EXPECT_EQ(useless.wait(), 2);
@@ -174,17 +164,14 @@ TEST_F(SerialProgramTest, TheSupplierOfARunningUnit) {
         around.environment["PATH"] = fs::path(STANDIN_DAEMON).parent_path().string() + ":/usr/bin:/bin";
         Program program(command, around);
         ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
-        program.signal(SIGTERM);
-        EXPECT_EQ(program.wait(), 0);
+        stop(program);
         EXPECT_THAT(program.error(), HasSubstr(given ? "supplier [inner]\n" : "supplier [outer]\n"));
     }
 }
 
 TEST_F(SerialProgramTest, InPlaceHasTheLinesToo) {
     const TestFolder root;
-    Program program(
-        run({"--root", root.path()}, {"--in-place", "--yes-change-this-machine", "--supplier", "inner"}),
-        surroundings());
+    Program program(inPlace(root, {"--supplier", "inner"}), surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     EXPECT_THAT(program.output(), HasSubstr("serial  serial:/dev/pts/"));
     EXPECT_THAT(program.output(), HasSubstr("/headunit control state\n"));
@@ -194,8 +181,7 @@ TEST_F(SerialProgramTest, InPlaceHasTheLinesToo) {
     EXPECT_EQ(control({"--unit", root.path(), "unplug", "receiver"}).second, "ok\n");
     EXPECT_FALSE(fs::is_symlink(root / "dev/ser3"));
     EXPECT_EQ(control({"--unit", root.path(), "plug", "receiver"}).second, "ok\n");
-    program.signal(SIGTERM);
-    EXPECT_EQ(program.wait(), 0) << program.error();
+    stop(program);
     EXPECT_FALSE(fs::is_symlink(root / "dev/ser3"));
     EXPECT_FALSE(fs::exists(root / "dev/NAD"));
     EXPECT_TRUE(fs::is_empty(root / "run"));

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "support/HeadunitTest.h"
+#include "support/Rows.h"
 
 namespace headunit_test {
 namespace {
@@ -20,10 +21,10 @@ void PrintTo(const UsageCase& row, std::ostream* out) {
 class Usage : public HeadunitTest, public testing::WithParamInterface<UsageCase> {};
 
 TEST_P(Usage, IsAnErrorWithStatusTwo) {
-    Program program(joined({HEADUNIT_PROGRAM}, GetParam().arguments));
-    EXPECT_EQ(program.wait(), 2);
-    EXPECT_EQ(program.output(), "");
-    EXPECT_THAT(program.error(), HasSubstr(GetParam().error));
+    const Outcome outcome = outcomeOf(joined({HEADUNIT_PROGRAM}, GetParam().arguments));
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, HasSubstr(GetParam().error));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -42,7 +43,7 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"runUnknownOption", {"run", "--fast"}, "--fast"},
         UsageCase{"inPlaceWithUnit", {"run", "--in-place", "--unit", "/x"}, "--unit"},
         UsageCase{"confirmationAlone", {"run", "--yes-change-this-machine"}, "--in-place"}),
-    [](const testing::TestParamInfo<UsageCase>& info) { return info.param.title; });
+    titleOf);
 
 TEST(Help, ShowsTheCommandsAndExamples) {
     Program program({HEADUNIT_PROGRAM, "--help"});

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 
+#include "support/Rows.h"
 #include "support/WlanPackets.h"
 
 namespace headunit_test {
@@ -49,7 +50,7 @@ INSTANTIATE_TEST_SUITE_P(
                     CommandCase{"unknown", hostCommand(0x7777, 5, "abc"), hostCommand(0xF777, 5, "", 2)},
                     CommandCase{"longest", hostCommand(0x7777, 6, std::string(247, 'x')),
                                 hostCommand(0xF777, 6, "", 2)}),
-    [](const testing::TestParamInfo<CommandCase>& info) { return info.param.title; });
+    titleOf);
 
 struct BrokenCase {
     const char* title;
@@ -81,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BrokenCase{"request", 32, 0, ENOTTY}, BrokenCase{"bufferSize", 36, 4, EINVAL},
                     BrokenCase{"flag", 40, 0, EINVAL}, BrokenCase{"length", 45, 1, EINVAL},
                     BrokenCase{"shortCommand", 50, 7, EINVAL}, BrokenCase{"longCommand", 51, 1, EINVAL}),
-    [](const testing::TestParamInfo<BrokenCase>& info) { return info.param.title; });
+    titleOf);
 
 TEST(WlanChip, RefusesWhatIsNoRequest) {
     WlanChip chip;

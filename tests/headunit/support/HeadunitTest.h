@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -29,17 +30,35 @@ protected:
 
     Program::Surroundings surroundings() const { return {"", {{"TMPDIR", m_temporary.path()}}}; }
 
+    static Words inPlace(const TestFolder& root, const Words& more = {}) {
+        return run(
+            {"--root", root.path()},
+            joined({"--in-place", "--yes-change-this-machine", "--daemon-path", STANDIN_DAEMON}, more));
+    }
+
+    static Words inShell(const std::string& script, const Words& options = {}) {
+        return exec(joined(options, {"--", "sh", "-c", script}));
+    }
+
+    Outcome outcomeOf(const Words& command) const { return Program(command, surroundings()).outcome(); }
+
+    /// Ends what runs as a user does who is done.
+    static void stop(Program& program) {
+        program.signal(SIGTERM);
+        EXPECT_EQ(program.wait(), 0) << program.error();
+    }
+
     /// The output of a shell script in a fresh unit; what it says beside that is in `m_error`.
     std::string outputOf(const std::string& script, const Words& options = {}) {
-        Program program(exec(joined(options, {"--", "sh", "-c", script})), surroundings());
-        EXPECT_EQ(program.wait(), 0) << program.error();
-        m_error = program.error();
-        return program.output();
+        const Outcome outcome = outcomeOf(inShell(script, options));
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        m_error = outcome.errors;
+        return outcome.output;
     }
 
     /// The same of one that says nothing else.
-    std::string quietOutputOf(const std::string& script) {
-        const std::string output = outputOf(script);
+    std::string quietOutputOf(const std::string& script, const Words& options = {}) {
+        const std::string output = outputOf(script, options);
         EXPECT_EQ(m_error, "");
         return output;
     }
