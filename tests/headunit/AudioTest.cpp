@@ -83,8 +83,7 @@ TEST_F(AudioTest, SlayExplainsItself) {
 TEST_F(AudioTest, TheDriverRunsBesideARunningDaemon) {
     const TestFolder folder;
     const std::string unit = folder / "unit";
-    Program program(run({}, {"--daemon-path", STANDIN_DAEMON, "--unit", unit, "--insert", "sda0"}),
-                    surroundings());
+    Program program(runStandIn({"--unit", unit, "--insert", "sda0"}), surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     const auto control = [&](const Words& words) {
         const Outcome asked = outcomeOf(joined({HEADUNIT_PROGRAM, "control", "--unit", unit}, words));

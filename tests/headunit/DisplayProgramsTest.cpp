@@ -104,7 +104,7 @@ TEST_F(DisplayProgramsTest, ChooseTheVariant) {
 }
 
 TEST_F(DisplayProgramsTest, RunInAUnitWithTheDaemon) {
-    Program program(run({}, {"--daemon-path", STANDIN_DAEMON, "--unit", m_unit, "--variant", "G22"}));
+    Program program(runStandIn({"--unit", m_unit, "--variant", "G22"}));
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     EXPECT_EQ(contentOf(m_unit + "/mnt/app/img_ver.txt"), "HU-ECE-HIGH G22 11.02.03\n");
     stop(program);

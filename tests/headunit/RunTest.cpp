@@ -28,7 +28,7 @@ using RunTest = HeadunitTest;
 
 TEST_F(RunTest, SaysWhereToReachTheUnitAndStopsOnASignal) {
     for (const int stop : {SIGINT, SIGTERM}) {
-        Program program(run({}, {"--daemon-path", STANDIN_DAEMON}), surroundings());
+        Program program(runStandIn(), surroundings());
         ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
         ASSERT_EQ(m_temporary.names().size(), 1u);
         const std::string unit = m_temporary / m_temporary.names().front();
@@ -49,8 +49,7 @@ TEST_F(RunTest, SaysWhereToReachTheUnitAndStopsOnASignal) {
 }
 
 TEST_F(RunTest, KeepsAGivenFolder) {
-    Program program(run({}, {"--daemon-path", STANDIN_DAEMON, "--unit", m_temporary / "unit"}),
-                    surroundings());
+    Program program(runStandIn({"--unit", m_temporary / "unit"}), surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     EXPECT_THAT(program.output(), HasSubstr("unit    " + (m_temporary / "unit") + "\n"));
     stop(program);
@@ -59,8 +58,7 @@ TEST_F(RunTest, KeepsAGivenFolder) {
 }
 
 TEST_F(RunTest, EndsWhenTheDaemonDies) {
-    Program program(run({}, {"--daemon-path", STANDIN_DAEMON, "--unit", m_temporary / "unit"}),
-                    surroundings());
+    Program program(runStandIn({"--unit", m_temporary / "unit"}), surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     writeFile(m_temporary / "unit/tmp/end", "");
     EXPECT_EQ(program.wait(), 1);
@@ -69,7 +67,7 @@ TEST_F(RunTest, EndsWhenTheDaemonDies) {
 
 TEST_F(RunTest, EndsWhenTheDaemonDoesNotStart) {
     EXPECT_EQ(
-        outcomeOf(run({}, {"--daemon-path", "/bin/false"})),
+        outcomeOf(run({"--daemon-path", "/bin/false"})),
         (Outcome{1, "", "headunit: the daemon ended with status 1 before it listened on port 15051\n"}));
     EXPECT_THAT(m_temporary.names(), IsEmpty());
 }
@@ -89,13 +87,13 @@ TEST_F(RunTest, RefusesWhenThePortIsTaken) {
 }
 
 TEST_F(RunTest, SaysThatThereIsNoDaemon) {
-    const Outcome outcome = outcomeOf(run({}, {"--daemon-path", "/none/such"}));
+    const Outcome outcome = outcomeOf(run({"--daemon-path", "/none/such"}));
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_THAT(outcome.errors, HasSubstr("there is no daemon at /none/such"));
 }
 
 TEST_F(RunTest, TakesTheDaemonAlongWhenItIsKilled) {
-    Program program(run({}, {"--daemon-path", STANDIN_DAEMON}), surroundings());
+    Program program(runStandIn(), surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     program.signal(SIGKILL);
     EXPECT_EQ(program.wait(), 128 + SIGKILL);
@@ -103,7 +101,7 @@ TEST_F(RunTest, TakesTheDaemonAlongWhenItIsKilled) {
 
 TEST_F(RunTest, InPlaceWantsToBeToldTwice) {
     EXPECT_EQ(
-        outcomeOf(run({}, {"--in-place", "--daemon-path", STANDIN_DAEMON})),
+        outcomeOf(runStandIn({"--in-place"})),
         (Outcome{
             1, "",
             "headunit: --in-place makes device nodes and files in /dev, /mnt/app, /ifs and /vrk of this "
@@ -111,8 +109,7 @@ TEST_F(RunTest, InPlaceWantsToBeToldTwice) {
 }
 
 TEST_F(RunTest, InPlaceWantsRoot) {
-    EXPECT_EQ(outcomeOf(run({"--uid", "1000"}, {"--in-place", "--yes-change-this-machine",
-                                                "--daemon-path", STANDIN_DAEMON})),
+    EXPECT_EQ(outcomeOf(runStandIn({"--in-place", "--yes-change-this-machine"}, {"--uid", "1000"})),
               (Outcome{1, "", "headunit: --in-place needs root to make nodes in /dev\n"}));
 }
 

@@ -23,10 +23,6 @@ protected:
         return {"", {{"TMPDIR", m_temporary.path()}, {"FIRST_TIER_SUPPLIER", "outer"}}};
     }
 
-    static Words run(const Words& host, const Words& rest) {
-        return HeadunitTest::run(host, joined({"--daemon-path", STANDIN_DAEMON}, rest));
-    }
-
     /// What 'control' prints, and its exit status.
     std::pair<int, std::string> control(const Words& words) const {
         Program program(joined({HEADUNIT_PROGRAM, "control"}, words), surroundings());
@@ -68,7 +64,7 @@ TEST_F(SerialProgramTest, AUnitIsControlledFromInside) {
 
 TEST_F(SerialProgramTest, ARunningUnitIsControlledFromOutside) {
     const std::string unit = m_temporary / "unit";
-    Program program(run({}, {"--unit", unit}), surroundings());
+    Program program(runStandIn({"--unit", unit}), surroundings());
     ASSERT_TRUE(program.waitForOutput("Ctrl-C\n")) << program.error();
     const std::string station = fs::read_symlink(unit + "/run/headunit/station-line").string();
     EXPECT_THAT(program.output(), HasSubstr("serial  serial:" + station + "\n"));
@@ -159,7 +155,7 @@ TEST_F(SerialProgramTest, TheSupplierOfARunningUnit) {
     const std::string daemon = tellingDaemon();
     for (const bool given : {true, false}) {
         const Words supplier = given ? Words{"--supplier", "inner"} : Words{};
-        const Words command = HeadunitTest::run({}, joined({"--daemon-path", daemon}, supplier));
+        const Words command = run(joined({"--daemon-path", daemon}, supplier));
         Program::Surroundings around = surroundings();
         around.environment["PATH"] = fs::path(STANDIN_DAEMON).parent_path().string() + ":/usr/bin:/bin";
         Program program(command, around);

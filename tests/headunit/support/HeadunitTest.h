@@ -24,16 +24,19 @@ protected:
     static Words exec(const Words& rest) { return joined({HEADUNIT_PROGRAM, "exec"}, rest); }
 
     /// On a machine of its own, so that the daemon's port is free in it.
-    static Words run(const Words& host, const Words& rest) {
+    static Words run(const Words& rest, const Words& host = {}) {
         return joined(joined({PRIVATE_HOST}, host), joined({HEADUNIT_PROGRAM, "run"}, rest));
     }
 
     Program::Surroundings surroundings() const { return {"", {{"TMPDIR", m_temporary.path()}}}; }
 
+    static Words runStandIn(const Words& rest = {}, const Words& host = {}) {
+        return run(joined({"--daemon-path", STANDIN_DAEMON}, rest), host);
+    }
+
     static Words inPlace(const TestFolder& root, const Words& more = {}) {
-        return run(
-            {"--root", root.path()},
-            joined({"--in-place", "--yes-change-this-machine", "--daemon-path", STANDIN_DAEMON}, more));
+        return runStandIn(joined({"--in-place", "--yes-change-this-machine"}, more),
+                          {"--root", root.path()});
     }
 
     static Words inShell(const std::string& script, const Words& options = {}) {

@@ -11,11 +11,17 @@ namespace headunit_test {
 
 /// Packets as a client of the I2C manager makes them, and what it makes of the answers.
 
-inline std::string numbers(std::initializer_list<std::uint32_t> values) {
+/// The numbers one after the other, each as `append` makes it bytes.
+template <typename Number>
+std::string appended(std::initializer_list<Number> values, void (*append)(std::string&, Number)) {
     std::string bytes;
-    for (const std::uint32_t value : values)
-        appendLittleEndian32(bytes, value);
+    for (const Number value : values)
+        append(bytes, value);
     return bytes;
+}
+
+inline std::string numbers(std::initializer_list<std::uint32_t> values) {
+    return appended(values, appendLittleEndian32);
 }
 
 inline std::string requestPacket(std::uint32_t command, const std::string& sent,

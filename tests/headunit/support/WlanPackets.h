@@ -12,10 +12,7 @@ namespace headunit_test {
 /// What goes to the wireless chip and comes from it.
 
 inline std::string shorts(std::initializer_list<std::uint16_t> values) {
-    std::string bytes;
-    for (const std::uint16_t value : values)
-        appendLittleEndian16(bytes, value);
-    return bytes;
+    return appended(values, appendLittleEndian16);
 }
 
 inline std::string hostCommand(std::uint16_t code, std::uint16_t sequence, const std::string& payload,
