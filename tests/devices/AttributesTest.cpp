@@ -3,6 +3,7 @@
 
 #include "support/DriverFixture.h"
 #include "support/Rows.h"
+#include "support/TestBytes.h"
 
 using ::testing::Each;
 using ::testing::ElementsAre;
@@ -96,9 +97,7 @@ TEST_P(AttributesTest, EachSpeedIsSetInBothDirections) {
 
 TEST_P(AttributesTest, EveryByteGoesThroughInBothDirections) {
     ASSERT_THAT(openDriver(), isSuccess());
-    std::string bytes;
-    for (int value = 0; value < 256; ++value)
-        bytes += static_cast<char>(value);
+    const std::string bytes = everyByte();
     m_line.send(bytes, 256);
     char buffer[300];
     unsigned count = 0;

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "support/Peers.h"
+#include "support/TestBytes.h"
 #include "support/Waiting.h"
 
 namespace headunit_test {
@@ -24,9 +25,7 @@ class LineDevicesTest : public PeersTest {};
 
 TEST_F(LineDevicesTest, LoopbackGivesBackEveryByte) {
     const Line line(node(kLoopback));
-    std::string bytes;
-    for (int value = 0; value < 256; ++value)
-        bytes += static_cast<char>(value);
+    const std::string bytes = everyByte();
     ASSERT_TRUE(line.trySend(bytes));
     EXPECT_EQ(line.receive(256), bytes);
 }

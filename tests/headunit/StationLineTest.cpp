@@ -9,6 +9,7 @@
 
 #include "support/Peers.h"
 #include "support/Program.h"
+#include "support/TestBytes.h"
 #include "support/Waiting.h"
 
 namespace headunit_test {
@@ -16,13 +17,6 @@ namespace {
 
 constexpr char kNode[] = "/dev/usbserialadapter1";
 constexpr std::size_t kMebibyte = 1024 * 1024;
-
-std::string everyByte() {
-    std::string bytes;
-    for (int value = 0; value < 256; ++value)
-        bytes += static_cast<char>(value);
-    return bytes;
-}
 
 /// Bytes that repeat late enough to show a loss or a repetition.
 std::string longText(std::size_t size) {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "support/DaemonTest.h"
+#include "support/TestBytes.h"
 #include "support/UnitFiles.h"
 
 namespace {
@@ -118,14 +119,11 @@ TEST_F(StatusTest, ReturnsTheSelectedFile) {
 }
 
 TEST_F(StatusTest, ReturnsFilesOfAnyContent) {
-    std::string everyByte;
-    for (int byte = 0; byte < 256; ++byte)
-        everyByte += static_cast<char>(byte);
     std::string large;
     while (large.size() < 1000000)
-        large += everyByte;
+        large += everyByte();
     Connection station;
-    for (const std::string& content : {""s, "\0"s, "A"s, "AB"s, "ABC"s, everyByte, large}) {
+    for (const std::string& content : {""s, "\0"s, "A"s, "AB"s, "ABC"s, everyByte(), large}) {
         SCOPED_TRACE(content.size());
         writeFile(kImageVersionFile, content);
         expectExchange(station, request("status 01"), answer("status base64(" + base64(content) + ")"));

@@ -11,6 +11,7 @@
 #include "FakeLine.h"
 #include "Interruptions.h"
 #include "client/BinaryClient.h"
+#include "support/TestBytes.h"
 
 namespace station {
 namespace {
@@ -23,13 +24,6 @@ Deadline patient() {
 }
 Deadline soon() {
     return Deadline::after(Seconds(0.2));
-}
-
-std::string everyByte() {
-    std::string bytes;
-    for (int value = 0; value < 256; ++value)
-        bytes += static_cast<char>(value);
-    return bytes;
 }
 
 std::string receive(SerialLink& link, std::size_t count) {

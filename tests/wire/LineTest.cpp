@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/TestBytes.h"
+
 TEST(LineTest, ARequestStandsBetweenItsMarks) {
     std::string line = "before";
     wire::appendRequest(line, "ack");
@@ -31,9 +33,7 @@ TEST(LineTest, LinesFollowEachOther) {
 }
 
 TEST(LineTest, EveryByteOfATextTravelsAsItIs) {
-    std::string text;
-    for (int value = 0; value < 256; ++value)
-        text += static_cast<char>(value);
+    const std::string text = everyByte();
     std::string line;
     wire::appendAnswer(line, text);
     EXPECT_EQ(line, "\x02#" + text + "\x03\n");

@@ -25,9 +25,9 @@ TestFolder::~TestFolder() {
     fs::remove_all(m_path, ignored);
 }
 
-std::vector<std::string> TestFolder::names() const {
+std::vector<std::string> namesIn(const std::string& folder) {
     std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(m_path))
+    for (const auto& entry : fs::directory_iterator(folder))
         names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;

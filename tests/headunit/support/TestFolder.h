@@ -5,6 +5,9 @@
 
 namespace headunit_test {
 
+/// Sorted.
+std::vector<std::string> namesIn(const std::string& folder);
+
 /// A folder of the test's own, removed with this object.
 class TestFolder {
 public:
@@ -16,8 +19,7 @@ public:
     const std::string& path() const { return m_path; }
     std::string operator/(const std::string& name) const { return m_path + "/" + name; }
 
-    /// The names in it, sorted.
-    std::vector<std::string> names() const;
+    std::vector<std::string> names() const { return namesIn(m_path); }
 
 private:
     std::string m_path;

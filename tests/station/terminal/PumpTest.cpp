@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <numeric>
 #include <system_error>
 
 #include "FailureKind.h"
@@ -14,6 +13,7 @@
 #include "client/Hex.h"
 #include "client/Quoting.h"
 #include "session/Refused.h"
+#include "support/TestBytes.h"
 
 namespace station {
 namespace {
@@ -76,9 +76,7 @@ TEST_F(PumpTest, OpensTheLineAsItIsTold) {
 }
 
 TEST_F(PumpTest, PassesEveryByteBothWays) {
-    std::string all(256, '\0');
-    std::iota(all.begin(), all.end(), '\0');
-    console.typed = {all};
+    console.typed = {everyByte()};
     session.before = [&](const std::string& request, std::size_t) -> std::optional<Answer> {
         // What is sent comes back.
         const std::string opening = "send 1 ";
@@ -87,7 +85,7 @@ TEST_F(PumpTest, PassesEveryByteBothWays) {
         return std::nullopt;
     };
     run();
-    EXPECT_EQ(console.shown, all);
+    EXPECT_EQ(console.shown, everyByte());
 }
 
 TEST_F(PumpTest, ShowsWhatStillComesAfterTheEndOfTheInput) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TransferTest.h"
+#include "support/TestBytes.h"
 
 namespace station {
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "FakeSession.h"
 #include "core/CRC.h"
+#include "support/TestBytes.h"
 
 namespace station {
 namespace {

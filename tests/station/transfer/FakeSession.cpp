@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <random>
 #include <utility>
 
 #include "client/Failure.h"
@@ -36,13 +35,6 @@ std::uint8_t sumOf(const std::string& bytes) {
 Answer refusal(const Session::InfoSink& onInfo, const std::string& message) {
     onInfo(message);
     return {refusalText(kGenericError), kGenericError};
-}
-
-std::string variedBytes(std::size_t count) {
-    std::minstd_rand random(1);
-    std::string bytes(count, '\0');
-    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(random() >> 8); });
-    return bytes;
 }
 
 FakeSession::FakeSession() : m_buffer(static_cast<char*>(std::calloc(kBufferSize, 1)), &std::free) {}

@@ -78,7 +78,4 @@ private:
 /// An answer that refuses, after the message.
 Answer refusal(const Session::InfoSink& onInfo, const std::string& message);
 
-/// Bytes that do not repeat within a test.
-std::string variedBytes(std::size_t count);
-
 } // namespace station

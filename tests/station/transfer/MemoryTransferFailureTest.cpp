@@ -1,4 +1,5 @@
 #include "TransferTest.h"
+#include "support/TestBytes.h"
 #include "transfer/MemoryMover.h"
 
 namespace station {

@@ -1,6 +1,7 @@
 #include <limits>
 
 #include "TransferTest.h"
+#include "support/TestBytes.h"
 #include "transfer/Checksum.h"
 #include "transfer/MemoryMover.h"
 

@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "Links.h"
+#include "support/TestBytes.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
 
@@ -20,14 +20,6 @@ constexpr char kTarget[] = "/tmp/target";
 constexpr char kPart[] = "/tmp/target.part";
 constexpr char kDevice[] = "/dev/fs0";
 constexpr std::size_t kBlock = 4096;
-
-std::string variedBytes(std::size_t count) {
-    std::minstd_rand random(1);
-    std::string bytes(count, '\0');
-    for (char& byte : bytes)
-        byte = static_cast<char>(random() >> 8);
-    return bytes;
-}
 
 class TransferInUnit : public Links {
 protected:
