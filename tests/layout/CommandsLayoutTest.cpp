@@ -68,8 +68,6 @@ using namespace layout;
 
 namespace {
 
-using Types = std::vector<std::type_index>;
-
 template <typename Command>
 void expectCommand() {
     EXPECT_EQ(slotOf<ProcessResponse*(std::vector<std::vector<char>>&)>(&Command::process), 0u);
@@ -113,9 +111,8 @@ TEST(AbstractPCmdLayoutTest, TheTableIsAllThatIsAdded) {
 
 TEST(AbstractPCmdLayoutTest, APortsNameComesBeforeItsType) {
     using PortInfo = AbstractPCmd::PortInfo;
-    const std::vector<Field> fields = {describe(&PortInfo::name), describe(&PortInfo::type)};
-    expectInOrder(fields, 0);
-    EXPECT_EQ(typesOf(fields), (Types{typeid(std::string), typeid(PortInfo::Type)}));
+    expectFields({describe(&PortInfo::name), describe(&PortInfo::type)}, 0,
+                 {typeid(std::string), typeid(PortInfo::Type)});
     EXPECT_EQ(sizeof(PortInfo::Type), 4u);
     EXPECT_EQ(PortInfo::None, 0u);
     EXPECT_EQ(PortInfo::Input, 1u);
@@ -123,12 +120,10 @@ TEST(AbstractPCmdLayoutTest, APortsNameComesBeforeItsType) {
 }
 
 TEST(GCmdLayoutTest, FieldsAreInOrder) {
-    const auto fields = fieldsOf(Of<GCmd>());
-    expectInOrder(fields, sizeof(AbstractCmd));
-    EXPECT_EQ(typesOf(fields),
-              (Types{typeid(GCmd::variant_type), typeid(std::map<GCmd::variant_type, std::string>),
-                     typeid(bool), typeid(bool), typeid(bool), typeid(bool), typeid(bool),
-                     typeid(std::string)}));
+    expectFields(
+        fieldsOf(Of<GCmd>()), sizeof(AbstractCmd),
+        {typeid(GCmd::variant_type), typeid(std::map<GCmd::variant_type, std::string>), typeid(bool),
+         typeid(bool), typeid(bool), typeid(bool), typeid(bool), typeid(std::string)});
 }
 
 TEST(GCmdLayoutTest, VariantsAndPicturesHaveTheirNumbers) {

@@ -36,14 +36,12 @@ template struct Statics<System::CRC, &System::CRC::crcTab>;
 
 using namespace layout;
 
-using Types = std::vector<std::type_index>;
 using Tokens = std::vector<std::vector<char>>;
 using Bytes = std::vector<unsigned char>;
 
 TEST(AbstractCmdLayoutTest, FieldsAreInOrder) {
-    const auto fields = fieldsOf(Of<AbstractCmd>());
-    expectInOrder(fields, kPointer);
-    EXPECT_EQ(typesOf(fields), (Types{typeid(AbstractListener*), typeid(char), typeid(std::string)}));
+    expectFields(fieldsOf(Of<AbstractCmd>()), kPointer,
+                 {typeid(AbstractListener*), typeid(char), typeid(std::string)});
 }
 
 TEST(AbstractCmdLayoutTest, LinesComeFirstThenFramesThenTheDestructor) {
@@ -69,11 +67,9 @@ TEST(AbstractListenerLayoutTest, ItsOperationsAreBehindThoseOfTheThread) {
 }
 
 TEST(ProcessResponseLayoutTest, FieldsAreInOrderAndOnlyTheDestructorIsVirtual) {
-    const std::vector<Field> fields = {describe(&ProcessResponse::code),
-                                       describe(&ProcessResponse::message),
-                                       describe(&ProcessResponse::protocol)};
-    expectInOrder(fields, kPointer);
-    EXPECT_EQ(typesOf(fields), (Types{typeid(std::uint32_t), typeid(std::string), typeid(char)}));
+    expectFields({describe(&ProcessResponse::code), describe(&ProcessResponse::message),
+                  describe(&ProcessResponse::protocol)},
+                 kPointer, {typeid(std::uint32_t), typeid(std::string), typeid(char)});
     EXPECT_TRUE(std::has_virtual_destructor_v<ProcessResponse>);
     EXPECT_EQ(numberOfSlots<ProcessResponse>(), kDestructorSlots);
     EXPECT_TRUE((std::is_same_v<decltype(ProcessResponse::m_counter), std::atomic<unsigned int>>));
@@ -86,17 +82,14 @@ TEST(ProcessResponseLayoutTest, TheCodesThatAllCommandsShareHaveTheirNumbers) {
 }
 
 TEST(ProcessResponseTavrinLayoutTest, TheFrameIsBehindTheBase) {
-    const std::vector<Field> fields = {describe(&ProcessResponseTavrin::data)};
-    expectInOrder(fields, sizeof(ProcessResponse));
-    EXPECT_EQ(typesOf(fields), Types{typeid(Bytes)});
+    expectFields({describe(&ProcessResponseTavrin::data)}, sizeof(ProcessResponse), {typeid(Bytes)});
     EXPECT_EQ(numberOfSlots<ProcessResponseTavrin>(), kDestructorSlots);
     EXPECT_EQ(ProcessResponseTavrin(0, "").protocol, 't');
 }
 
 TEST(ProcessResponseAsciiLayoutTest, TheAnswerIsBehindTheBase) {
-    const std::vector<Field> fields = {describe(&ProcessResponseAscii::answer)};
-    expectInOrder(fields, sizeof(ProcessResponse));
-    EXPECT_EQ(typesOf(fields), Types{typeid(std::string)});
+    expectFields({describe(&ProcessResponseAscii::answer)}, sizeof(ProcessResponse),
+                 {typeid(std::string)});
     EXPECT_EQ(numberOfSlots<ProcessResponseAscii>(), kDestructorSlots);
     EXPECT_EQ(ProcessResponseAscii(0, "").protocol, 'a');
 }

@@ -28,12 +28,9 @@ template struct Statics<I2CHandler, &I2CHandler::busInfos, &I2CHandler::initiali
 
 using namespace layout;
 
-using Types = std::vector<std::type_index>;
-
 TEST(DeviceResultLayoutTest, TheCodeComesBeforeTheMessage) {
-    const std::vector<Field> fields = {describe(&DeviceResult::code), describe(&DeviceResult::message)};
-    expectInOrder(fields, 0);
-    EXPECT_EQ(typesOf(fields), (Types{typeid(std::int32_t), typeid(std::string)}));
+    expectFields({describe(&DeviceResult::code), describe(&DeviceResult::message)}, 0,
+                 {typeid(std::int32_t), typeid(std::string)});
 }
 
 TEST(DeviceResultLayoutTest, TheProgramsOwnCodesHaveTheirNumbers) {

@@ -30,30 +30,23 @@ template struct Fields<StatedThread, &StatedThread::m_state, &StatedThread::m_st
 using namespace layout;
 using ::testing::ElementsAre;
 
-using Types = std::vector<std::type_index>;
-
 TEST(MutexLayoutTest, FieldsAndTypesAreInOrder) {
-    const auto fields = fieldsOf(Of<System::Mutex>());
-    expectInOrder(fields, 0);
-    EXPECT_EQ(typesOf(fields), (Types{typeid(bool), typeid(pthread_mutex_t)}));
+    expectFields(fieldsOf(Of<System::Mutex>()), 0, {typeid(bool), typeid(pthread_mutex_t)});
     EXPECT_FALSE(std::is_polymorphic_v<System::Mutex>);
     EXPECT_EQ(System::Mutex::Normal, 0);
     EXPECT_EQ(System::Mutex::Recursive, 1);
 }
 
 TEST(ConditionLayoutTest, FieldsAreInOrderAndTheDestructorIsVirtual) {
-    const auto fields = fieldsOf(Of<System::Condition>());
-    expectInOrder(fields, kPointer);
-    EXPECT_EQ(typesOf(fields), (Types{typeid(pthread_cond_t), typeid(bool)}));
+    expectFields(fieldsOf(Of<System::Condition>()), kPointer, {typeid(pthread_cond_t), typeid(bool)});
     EXPECT_TRUE(std::has_virtual_destructor_v<System::Condition>);
     EXPECT_EQ(numberOfSlots<System::Condition>(), kDestructorSlots);
 }
 
 TEST(ThreadLayoutTest, FieldsAreInOrder) {
-    const auto fields = fieldsOf(Of<System::Thread>());
-    expectInOrder(fields, kPointer);
-    EXPECT_EQ(typesOf(fields), (Types{typeid(System::Mutex), typeid(int), typeid(System::Condition),
-                                      typeid(std::string), typeid(bool)}));
+    expectFields(fieldsOf(Of<System::Thread>()), kPointer,
+                 {typeid(System::Mutex), typeid(int), typeid(System::Condition), typeid(std::string),
+                  typeid(bool)});
 }
 
 TEST(ThreadLayoutTest, TheBodyComesFirstThenTheStartThenTheDestructor) {
@@ -74,10 +67,8 @@ TEST(ThreadLayoutTest, AStackHasItsSizes) {
 }
 
 TEST(StatedThreadLayoutTest, FieldsAreBehindThoseOfTheThread) {
-    const auto fields = fieldsOf(Of<StatedThread>());
-    expectInOrder(fields, sizeof(System::Thread));
-    EXPECT_EQ(typesOf(fields),
-              (Types{typeid(StatedThread::LState), typeid(System::Condition), typeid(System::Mutex)}));
+    expectFields(fieldsOf(Of<StatedThread>()), sizeof(System::Thread),
+                 {typeid(StatedThread::LState), typeid(System::Condition), typeid(System::Mutex)});
 }
 
 TEST(StatedThreadLayoutTest, KeepsTheSlotsOfTheThread) {

@@ -46,7 +46,6 @@ using namespace layout;
 
 namespace {
 
-using Types = std::vector<std::type_index>;
 using Bytes = std::vector<unsigned char>;
 
 constexpr std::size_t kLineOperations = 7;
@@ -98,10 +97,8 @@ void expectDestructorBehindTheOperations() {
 } // namespace
 
 TEST(CommInterfaceLayoutTest, ItHasTwoTablesAndNoVirtualDestructor) {
-    const auto fields = fieldsOf(Of<CommInterface>());
-    expectInOrder(fields, kPointer);
-    EXPECT_EQ(typesOf(fields),
-              (Types{typeid(std::map<unsigned, unsigned>), typeid(std::map<unsigned, unsigned>)}));
+    expectFields(fieldsOf(Of<CommInterface>()), kPointer,
+                 {typeid(std::map<unsigned, unsigned>), typeid(std::map<unsigned, unsigned>)});
     expectLineOperations<CommInterface>();
     EXPECT_FALSE(std::has_virtual_destructor_v<CommInterface>);
     EXPECT_EQ(numberOfSlots<CommInterface>(), kLineOperations);
@@ -145,9 +142,8 @@ TEST(CommSerialLayoutTest, FieldsAndOperationsAreInOrder) {
 }
 
 TEST(CommFSerialLayoutTest, FieldsAndOperationsAreInOrder) {
-    const auto fields = fieldsOf(Of<CommFSerial>());
-    expectInOrder(fields, sizeof(SerialLine));
-    EXPECT_EQ(typesOf(fields), (Types{typeid(std::string), typeid(std::FILE*), typeid(termios)}));
+    expectFields(fieldsOf(Of<CommFSerial>()), sizeof(SerialLine),
+                 {typeid(std::string), typeid(std::FILE*), typeid(termios)});
     expectLineOperations<CommFSerial>();
     expectDestructorBehindTheOperations<CommFSerial>();
 }

@@ -7,10 +7,6 @@
 using System::ThreadAttributes;
 
 TEST(ThreadAttributesTest, HoldTheDocumentedSizes) {
-    EXPECT_EQ(ThreadAttributes::kGuardBytes, 16384u);
-    EXPECT_EQ(ThreadAttributes::kStackBytes, 262144u);
-    EXPECT_EQ(ThreadAttributes::kPreallocatedBytes, 65536u);
-
     const ThreadAttributes attributes;
     ASSERT_TRUE(attributes.isValid());
     int state = -1;

@@ -73,11 +73,19 @@ inline void expectInOrder(const std::vector<Field>& fields, std::size_t ahead) {
     }
 }
 
-inline std::vector<std::type_index> typesOf(const std::vector<Field>& fields) {
-    std::vector<std::type_index> types;
+using Types = std::vector<std::type_index>;
+
+inline Types typesOf(const std::vector<Field>& fields) {
+    Types types;
     for (const Field& field : fields)
         types.push_back(field.type);
     return types;
+}
+
+/// The same of fields that have these types, in their order.
+inline void expectFields(const std::vector<Field>& fields, std::size_t ahead, const Types& types) {
+    expectInOrder(fields, ahead);
+    EXPECT_EQ(typesOf(fields), types);
 }
 
 /// Of a field that is a pointer, and of what an object with virtual operations begins with.
