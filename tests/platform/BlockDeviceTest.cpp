@@ -11,6 +11,7 @@
 #include <cstdarg>
 #include <cstdint>
 
+#include "support/ErrorNumber.h"
 #include "support/Rows.h"
 #include "wire/Descriptor.h"
 
@@ -159,8 +160,7 @@ TEST(BlockDeviceTest, AFileIsOpenedAsItIsAsked) {
         EXPECT_EQ(::fcntl(file.get(), F_GETFL) & O_ACCMODE, access);
         EXPECT_NE(::fcntl(file.get(), F_GETFD) & FD_CLOEXEC, 0);
     }
-    EXPECT_FALSE(System::openBlockDevice("/nothing", O_RDONLY));
-    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(errorOf(System::openBlockDevice("/nothing", O_RDONLY)), ENOENT);
 }
 
 // Opened without waiting, a drive without a medium is open, too.

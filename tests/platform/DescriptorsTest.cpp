@@ -11,6 +11,7 @@
 #include <cstdlib>
 
 #include "support/DescriptorLimit.h"
+#include "support/ErrorNumber.h"
 
 using System::Descriptor;
 
@@ -69,8 +70,7 @@ TEST(DescriptorsTest, AnAcceptedConnectionCannotBeInherited) {
 
 TEST(DescriptorsTest, AcceptingFromWhatDoesNotListenFails) {
     const Descriptor socket = System::openTcpSocket();
-    EXPECT_FALSE(System::acceptConnection(socket.get()));
-    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(errorOf(System::acceptConnection(socket.get())), EINVAL);
 }
 
 TEST(DescriptorsTest, APipeCannotBeInherited) {
@@ -90,16 +90,14 @@ TEST(DescriptorsTest, APipeThatCannotBeMadeLeavesBothEndsAsTheyWere) {
     Descriptor writeEnd;
     const int before = readEnd.get();
     const NoMoreDescriptors none;
-    EXPECT_FALSE(System::openPipe(readEnd, writeEnd));
-    EXPECT_EQ(errno, EMFILE);
+    EXPECT_EQ(errorOf(System::openPipe(readEnd, writeEnd)), EMFILE);
     EXPECT_EQ(readEnd.get(), before);
     EXPECT_FALSE(writeEnd);
 }
 
 TEST(DescriptorsTest, ASocketThatCannotBeMadeIsEmpty) {
     const NoMoreDescriptors none;
-    EXPECT_FALSE(System::openTcpSocket());
-    EXPECT_EQ(errno, EMFILE);
+    EXPECT_EQ(errorOf(System::openTcpSocket()), EMFILE);
 }
 
 TEST(DescriptorsTest, StandardStreamsThatWereClosedBecomeTheNullDevice) {

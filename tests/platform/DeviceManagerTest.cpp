@@ -9,6 +9,7 @@
 
 #include "manager/ManagerFixture.h"
 #include "support/DescriptorLimit.h"
+#include "support/ErrorNumber.h"
 #include "support/Rows.h"
 
 using ::testing::IsEmpty;
@@ -56,8 +57,7 @@ TEST_F(DeviceManagerTest, WhatCannotBeOpenedIsEmptyAndSaysWhy) {
     const auto expectRefused = [](const fs::path& path, int error) {
         SCOPED_TRACE(path);
         errno = 0;
-        EXPECT_FALSE(System::openDevice(path.c_str()));
-        EXPECT_EQ(errno, error);
+        EXPECT_EQ(errorOf(System::openDevice(path.c_str())), error);
     };
     expectRefused(m_path, ENOENT);
     expectRefused(m_folder / "none" / "bus", ENOENT);
@@ -78,8 +78,7 @@ TEST_F(DeviceManagerTest, ASocketThatCannotBeConnectedToIsEmptyAndSaysWhy) {
         SCOPED_TRACE(name);
         const std::size_t before = openDescriptors();
         errno = 0;
-        EXPECT_FALSE(System::openDevice((m_folder / name).c_str()));
-        EXPECT_EQ(errno, error);
+        EXPECT_EQ(errorOf(System::openDevice((m_folder / name).c_str())), error);
         EXPECT_EQ(openDescriptors(), before);
     };
     socketAt("left", SOCK_SEQPACKET);
@@ -99,8 +98,7 @@ TEST_F(DeviceManagerTest, ASocketThatCannotBeConnectedToIsEmptyAndSaysWhy) {
 
 TEST_F(DeviceManagerTest, WithoutADescriptorLeftNothingIsOpened) {
     const NoMoreDescriptors none;
-    EXPECT_FALSE(System::openDevice(m_path.c_str()));
-    EXPECT_EQ(errno, EMFILE);
+    EXPECT_EQ(errorOf(System::openDevice(m_path.c_str())), EMFILE);
 }
 
 TEST_F(DeviceManagerTest, ARequestCarriesItsSizesAndItsPartsInOrder) {

@@ -9,6 +9,8 @@
 #include <string>
 #include <utility>
 
+#include "support/ErrorNumber.h"
+
 using System::DriverLibrary;
 
 namespace {
@@ -34,8 +36,7 @@ TEST(DriverLibraryTest, AnEmptyOneHasNoSymbols) {
 TEST(DriverLibraryTest, AMissingLibraryIsAnError) {
     for (const char* name : {"no-such-library.so", "/no/such/library.so"}) {
         errno = 0;
-        EXPECT_FALSE(DriverLibrary::load(name)) << name;
-        EXPECT_EQ(errno, ENOENT) << name;
+        EXPECT_EQ(errorOf(DriverLibrary::load(name)), ENOENT) << name;
     }
 }
 
@@ -49,8 +50,7 @@ TEST(DriverLibraryTest, WhatIsNoLibraryIsAnError) {
     const std::string file = path + "/text.so";
     std::ofstream(file) << std::string(8192, 'x');
     errno = 0;
-    EXPECT_FALSE(DriverLibrary::load(file.c_str()));
-    EXPECT_NE(errno, 0);
+    EXPECT_NE(errorOf(DriverLibrary::load(file.c_str())), 0);
     std::filesystem::remove_all(path);
 }
 

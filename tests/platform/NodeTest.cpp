@@ -19,6 +19,7 @@
 #include <thread>
 
 #include "platform/BlockDevice.h"
+#include "support/ErrorNumber.h"
 #include "support/PseudoTerminal.h"
 #include "support/Rows.h"
 #include "support/SleepingThread.h"
@@ -61,8 +62,7 @@ protected:
     static void expectTimedOut(const std::function<bool()>& succeeds) {
         const auto start = steady_clock::now();
         errno = 0;
-        EXPECT_FALSE(succeeds());
-        EXPECT_EQ(errno, ETIMEDOUT);
+        EXPECT_EQ(errorOf(succeeds()), ETIMEDOUT);
         EXPECT_GE(steady_clock::now() - start, System::kLongestNodeWait);
         EXPECT_LT(steady_clock::now() - start, kWithoutEnd);
     }
@@ -91,8 +91,7 @@ TEST_F(NodeTest, AFileIsReadAndWrittenToTheByte) {
     EXPECT_EQ(readNodeAt(node.get(), bytes.data() + 4, bytes.size() - 4, 4), 6);
     EXPECT_EQ(std::string(bytes.data()), "0123456789");
     EXPECT_EQ(readNodeAt(node.get(), bytes.data(), 1, 10), 0);
-    EXPECT_EQ(writeNode(node.get(), "x", 1), -1);
-    EXPECT_EQ(errno, EBADF);
+    EXPECT_EQ(errorOf(writeNode(node.get(), "x", 1)), EBADF);
 
     node = openNode(path.c_str(), O_WRONLY);
     EXPECT_EQ(writeNode(node.get(), "ab", 2), 2);
@@ -111,11 +110,9 @@ TEST_F(NodeTest, TellsStatusAndSize) {
     const Descriptor pipeNode(::open(pipe().c_str(), O_RDWR | O_CLOEXEC));
     EXPECT_EQ(System::nodeSize(pipeNode.get()), 0) << "a pipe has no positions";
     const Descriptor folder(::open(m_folder.c_str(), O_RDONLY | O_CLOEXEC));
-    EXPECT_EQ(System::nodeSize(folder.get()), -1);
-    EXPECT_EQ(errno, EISDIR);
+    EXPECT_EQ(errorOf(System::nodeSize(folder.get())), EISDIR);
     EXPECT_FALSE(System::nodeStatus(-1, status));
-    EXPECT_EQ(System::nodeSize(-1), -1);
-    EXPECT_EQ(errno, EBADF);
+    EXPECT_EQ(errorOf(System::nodeSize(-1)), EBADF);
 }
 
 TEST_F(NodeTest, WhatCannotBeOpenedIsEmptyAndSaysWhy) {
@@ -125,8 +122,7 @@ TEST_F(NodeTest, WhatCannotBeOpenedIsEmptyAndSaysWhy) {
     for (const auto& [path, access, error] : rows) {
         SCOPED_TRACE(path);
         errno = 0;
-        EXPECT_FALSE(openNode(path.c_str(), access));
-        EXPECT_EQ(errno, error);
+        EXPECT_EQ(errorOf(openNode(path.c_str(), access)), error);
     }
 }
 
@@ -139,8 +135,7 @@ TEST_F(NodeTest, AManagerThatAnswersNobodyIsNotWaitedFor) {
     std::copy(path.begin(), path.end(), address.sun_path);
     ASSERT_EQ(::bind(manager.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     for (const int access : {O_RDONLY, O_WRONLY, O_RDWR}) {
-        EXPECT_FALSE(openNode(path.c_str(), access));
-        EXPECT_EQ(errno, ENXIO);
+        EXPECT_EQ(errorOf(openNode(path.c_str(), access)), ENXIO);
     }
 }
 
@@ -167,8 +162,7 @@ TEST_F(NodeTest, APipesWriterIsMet) {
 }
 
 TEST_F(NodeTest, APipeThatNobodyReadsCannotBeOpenedForWriting) {
-    EXPECT_FALSE(openNode(pipe().c_str(), O_WRONLY));
-    EXPECT_EQ(errno, ENXIO);
+    EXPECT_EQ(errorOf(openNode(pipe().c_str(), O_WRONLY)), ENXIO);
 }
 
 TEST_F(NodeTest, APipeThatIsFullIsNotWrittenTo) {

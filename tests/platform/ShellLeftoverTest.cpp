@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/Shell.h"
+#include "support/ErrorNumber.h"
 #include "support/MarkedProcesses.h"
 #include "support/ShellFixture.h"
 #include "support/Waiting.h"
@@ -96,6 +97,5 @@ TEST_F(ShellLeftoverTest, IsNoLongerAChildOfTheCaller) {
     const ShellRun first = run(m_processes.in("SLEEP & setsid SLEEP & (setsid -f SLEEP); echo left"));
     EXPECT_EQ(first.result.outcome, ShellOutcome::Ended);
     siginfo_t info{};
-    EXPECT_EQ(::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT), -1);
-    EXPECT_EQ(errno, ECHILD);
+    EXPECT_EQ(errorOf(::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT)), ECHILD);
 }

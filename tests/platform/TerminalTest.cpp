@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "support/DescriptorLimit.h"
+#include "support/ErrorNumber.h"
 #include "support/PseudoTerminal.h"
 
 using System::Descriptor;
@@ -42,8 +43,7 @@ TEST_F(TerminalTest, ADescriptorIsNonBlockingForBothDirectionsAndCannotBeInherit
     EXPECT_NE(statusFlags(terminal.get()) & O_NONBLOCK, 0);
     EXPECT_TRUE(closesOnExec(terminal.get()));
     char byte = 0;
-    EXPECT_EQ(::read(terminal.get(), &byte, 1), -1);
-    EXPECT_EQ(errno, EAGAIN);
+    EXPECT_EQ(errorOf(::read(terminal.get(), &byte, 1)), EAGAIN);
 }
 
 TEST_F(TerminalTest, AStreamIsNonBlockingForBothDirectionsAndCannotBeInherited) {
@@ -59,20 +59,14 @@ TEST_F(TerminalTest, AStreamIsNonBlockingForBothDirectionsAndCannotBeInherited) 
 }
 
 TEST_F(TerminalTest, WhatDoesNotExistIsNotOpened) {
-    EXPECT_FALSE(System::openTerminal("/nowhere/line"));
-    EXPECT_EQ(errno, ENOENT);
-    errno = 0;
-    EXPECT_EQ(System::openTerminalStream("/nowhere/line"), nullptr);
-    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(errorOf(System::openTerminal("/nowhere/line")), ENOENT);
+    EXPECT_EQ(errorOf(System::openTerminalStream("/nowhere/line")), ENOENT);
 }
 
 TEST_F(TerminalTest, WithoutDescriptorsNothingIsOpened) {
     const NoMoreDescriptors none;
-    EXPECT_FALSE(System::openTerminal(m_line.path().c_str()));
-    EXPECT_EQ(errno, EMFILE);
-    errno = 0;
-    EXPECT_EQ(System::openTerminalStream(m_line.path().c_str()), nullptr);
-    EXPECT_EQ(errno, EMFILE);
+    EXPECT_EQ(errorOf(System::openTerminal(m_line.path().c_str())), EMFILE);
+    EXPECT_EQ(errorOf(System::openTerminalStream(m_line.path().c_str())), EMFILE);
 }
 
 TEST_F(TerminalTest, SpeedsAreTheSystemsConstants) {
@@ -92,11 +86,8 @@ TEST_F(TerminalTest, AnUnknownSpeedIsInvalidAndChangesNothing) {
         ASSERT_TRUE(System::setOutputSpeed(attributes, 9600));
         ASSERT_TRUE(System::setInputSpeed(attributes, 9600));
         errno = 0;
-        EXPECT_FALSE(System::setOutputSpeed(attributes, baud)) << baud;
-        EXPECT_EQ(errno, EINVAL);
-        errno = 0;
-        EXPECT_FALSE(System::setInputSpeed(attributes, baud)) << baud;
-        EXPECT_EQ(errno, EINVAL);
+        EXPECT_EQ(errorOf(System::setOutputSpeed(attributes, baud)), EINVAL) << baud;
+        EXPECT_EQ(errorOf(System::setInputSpeed(attributes, baud)), EINVAL) << baud;
         EXPECT_EQ(::cfgetospeed(&attributes), static_cast<speed_t>(B9600));
         EXPECT_EQ(::cfgetispeed(&attributes), static_cast<speed_t>(B9600));
     }
