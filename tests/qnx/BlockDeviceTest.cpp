@@ -5,8 +5,6 @@
 
 #include "NodeResults.h"
 
-using ::testing::ElementsAre;
-
 namespace {
 
 class QnxBlockDeviceTest : public QnxTest {
@@ -29,7 +27,7 @@ TEST_F(QnxBlockDeviceTest, TheFileSystemsCountIsTakenAsItIs) {
         EXPECT_EQ(System::blockDeviceStatus(7, m_status), 0);
         EXPECT_EQ(m_status.st_blksize, 512);
         EXPECT_EQ(m_status.st_blocks, 0x123456789);
-        EXPECT_THAT(FakeSystem::calls(), ElementsAre(kLimit, "fstat 7"));
+        EXPECT_CALLS(kLimit, "fstat 7");
     }
 }
 

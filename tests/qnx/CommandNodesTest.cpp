@@ -40,6 +40,24 @@ protected:
         for (int look = 0; look < looks; ++look)
             nextStatus(told);
     }
+
+    /// Port 3, an output, is switched on: the answer's code.
+    static unsigned writePort() {
+        Bytes request = {6, 'P', 0xE3, 1, 3, 4};
+        return Response(PWriteCmd::getInstance()->writePort(&request))->code;
+    }
+
+    unsigned readPort() { return pReadCmd::getInstance()->readPortValue(3, m_value); }
+
+    static void expectSerialNumber() {
+        Bytes request = {3, 's', 2};
+        const Response response(sReadCmd::getInstance()->process(&request));
+        ASSERT_EQ(response->protocol, 't');
+        EXPECT_THAT(static_cast<ProcessResponseTavrin&>(*response).data,
+                    ElementsAre(12, 's', 2, 0, 0, 0, 0, 0, 'S', 'N', '4', '2'));
+    }
+
+    char m_value = 'z';
 };
 
 } // namespace
@@ -47,43 +65,36 @@ protected:
 TEST_F(QnxCommandNodesTest, APortIsRead) {
     nextNode(S_IFCHR, 2);
     FakeSystem::next("read", {1, 0, {'1'}});
-    char value = 'z';
-    EXPECT_EQ(pReadCmd::getInstance()->readPortValue(3, value), 0u);
-    EXPECT_EQ(value, '1');
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("open64 \"/dev/nvgpio/usb_pwr_1\" 0x80", "fcntl 7 2 0x1", kLimit, "fstat 7",
-                            kLimit, "fstat 7", kLimit, "read 7 1", "close 7"));
+    EXPECT_EQ(readPort(), 0u);
+    EXPECT_EQ(m_value, '1');
+    EXPECT_CALLS("open64 \"/dev/nvgpio/usb_pwr_1\" 0x80", "fcntl 7 2 0x1", kLimit, "fstat 7", kLimit,
+                 "fstat 7", kLimit, "read 7 1", "close 7");
 }
 
 TEST_F(QnxCommandNodesTest, APortThatDoesNotAnswerIsItsErrorNumber) {
     nextNode(S_IFCHR, 2);
     FakeSystem::fail("read", ETIMEDOUT);
-    char value = 'z';
-    EXPECT_EQ(pReadCmd::getInstance()->readPortValue(3, value), static_cast<unsigned>(ETIMEDOUT));
+    EXPECT_EQ(readPort(), static_cast<unsigned>(ETIMEDOUT));
     EXPECT_EQ(FakeSystem::calls().back(), "close 7");
 }
 
 TEST_F(QnxCommandNodesTest, APortIsWritten) {
     nextNode(S_IFCHR, 1);
-    Bytes request = {6, 'P', 0xE3, 1, 3, 4};
-    EXPECT_EQ(Response(PWriteCmd::getInstance()->writePort(&request))->code, 0u);
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("open64 \"/dev/nvgpio/usb_pwr_1\" 0x81", "fcntl 7 2 0x1", kLimit, "fstat 7",
-                            kLimit, "write 7 \"1\"", "close 7"));
+    EXPECT_EQ(writePort(), 0u);
+    EXPECT_CALLS("open64 \"/dev/nvgpio/usb_pwr_1\" 0x81", "fcntl 7 2 0x1", kLimit, "fstat 7", kLimit,
+                 "write 7 \"1\"", "close 7");
 }
 
 TEST_F(QnxCommandNodesTest, ThePortsErrorsAreItsNumbers) {
-    Bytes request = {6, 'P', 0xE3, 1, 3, 4};
     FakeSystem::fail("open64", ENOENT);
-    EXPECT_EQ(Response(PWriteCmd::getInstance()->writePort(&request))->code, 0x40000001u);
+    EXPECT_EQ(writePort(), 0x40000001u);
     FakeSystem::fail("open64", EBUSY);
-    EXPECT_EQ(Response(PWriteCmd::getInstance()->writePort(&request))->code, 0x27000000u);
+    EXPECT_EQ(writePort(), 0x27000000u);
     nextNode(S_IFCHR, 1);
     FakeSystem::fail("write", EIO);
-    EXPECT_EQ(Response(PWriteCmd::getInstance()->writePort(&request))->code, 0x27010000u);
+    EXPECT_EQ(writePort(), 0x27010000u);
     FakeSystem::fail("open64", ENXIO);
-    char value = 'z';
-    EXPECT_EQ(pReadCmd::getInstance()->readPortValue(3, value), static_cast<unsigned>(ENXIO));
+    EXPECT_EQ(readPort(), static_cast<unsigned>(ENXIO));
 }
 
 TEST_F(QnxCommandNodesTest, TheRevisionIsReadToItsEnd) {
@@ -93,10 +104,8 @@ TEST_F(QnxCommandNodesTest, TheRevisionIsReadToItsEnd) {
     const Response response(sReadCmd::getInstance()->sendStatusAscii());
     ASSERT_EQ(response->protocol, 'a');
     EXPECT_THAT(static_cast<ProcessResponseAscii&>(*response).answer, EndsWith(" A024 \"2C\" 4"));
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("open64 \"/dev/nvsku/rev\" 0x80", "fcntl 7 2 0x1", kLimit, "fstat 7", kLimit,
-                            "fstat 7", kLimit, "read 7 256", kLimit, "fstat 7", kLimit, "read 7 256",
-                            "close 7"));
+    EXPECT_CALLS("open64 \"/dev/nvsku/rev\" 0x80", "fcntl 7 2 0x1", kLimit, "fstat 7", kLimit, "fstat 7",
+                 kLimit, "read 7 256", kLimit, "fstat 7", kLimit, "read 7 256", "close 7");
 }
 
 TEST_F(QnxCommandNodesTest, ARevisionThatCannotBeReadIsReported) {
@@ -112,25 +121,16 @@ TEST_F(QnxCommandNodesTest, ARevisionThatCannotBeReadIsReported) {
 TEST_F(QnxCommandNodesTest, AnIdentityFileIsReadWithinItsSize) {
     nextNode(S_IFREG, 3, 4);
     FakeSystem::next("pread", {4, 0, bytesOf("SN42")});
-    Bytes request = {3, 's', 2};
-    const Response response(sReadCmd::getInstance()->process(&request));
-    ASSERT_EQ(response->protocol, 't');
-    EXPECT_THAT(static_cast<ProcessResponseTavrin&>(*response).data,
-                ElementsAre(12, 's', 2, 0, 0, 0, 0, 0, 'S', 'N', '4', '2'));
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("open64 \"/dev/nvsku/serial_num\" 0x80", "fcntl 7 2 0x1", kLimit, "fstat 7",
-                            kLimit, "fstat 7", kLimit, "fstat 7", "pread 7 4 0", "close 7"));
+    expectSerialNumber();
+    EXPECT_CALLS("open64 \"/dev/nvsku/serial_num\" 0x80", "fcntl 7 2 0x1", kLimit, "fstat 7", kLimit,
+                 "fstat 7", kLimit, "fstat 7", "pread 7 4 0", "close 7");
 }
 
 TEST_F(QnxCommandNodesTest, AnIdentityNodeThatReadsOnIsRead) {
     nextNode(S_IFCHR, 4, 4);
     FakeSystem::fail("pread", ENOSYS);
     FakeSystem::next("read", {4, 0, bytesOf("SN42")});
-    Bytes request = {3, 's', 2};
-    const Response response(sReadCmd::getInstance()->process(&request));
-    ASSERT_EQ(response->protocol, 't');
-    EXPECT_THAT(static_cast<ProcessResponseTavrin&>(*response).data,
-                ElementsAre(12, 's', 2, 0, 0, 0, 0, 0, 'S', 'N', '4', '2'));
+    expectSerialNumber();
 }
 
 TEST_F(QnxCommandNodesTest, AnIdentityFileIsReadWholeInAscii) {
@@ -171,10 +171,8 @@ TEST_F(QnxCommandNodesTest, BlocksAreMovedWithOneTransfer) {
     nextStatus(told);
     mCmd::Handle card(kSdCard, "/dev/mnand0", true);
     EXPECT_FALSE(card.open().failed());
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("access \"/dev/mnand0\" 0x0", "open64 \"/dev/mnand0\" 0x82", "fcntl 7 2 0x1",
-                            kLimit, "fstat 7", "open64 \"/dev/mnand0\" 0x2", "fcntl 8 2 0x1", "close 7",
-                            kLimit, "fstat 8"));
+    EXPECT_CALLS("access \"/dev/mnand0\" 0x0", "open64 \"/dev/mnand0\" 0x82", "fcntl 7 2 0x1", kLimit,
+                 "fstat 7", "open64 \"/dev/mnand0\" 0x2", "fcntl 8 2 0x1", "close 7", kLimit, "fstat 8");
 
     Bytes buffer(4);
     unsigned bytes = 0;
@@ -182,14 +180,12 @@ TEST_F(QnxCommandNodesTest, BlocksAreMovedWithOneTransfer) {
     EXPECT_FALSE(card.read(bytes, 3, 2, buffer.data(), 4).failed());
     EXPECT_EQ(bytes, 4u);
     EXPECT_EQ(buffer, bytesOf("abcd"));
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("access \"/dev/mnand0\" 0x0", kLimit, "fstat 8", "lseek 8 6 0", "read 8 4"));
+    EXPECT_CALLS("access \"/dev/mnand0\" 0x0", kLimit, "fstat 8", "lseek 8 6 0", "read 8 4");
 
     EXPECT_FALSE(card.write(bytes, 3, 2, buffer.data(), 4).failed());
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("access \"/dev/mnand0\" 0x0", kLimit, "fstat 8",
-                                                 "lseek 8 6 0", "write 8 \"abcd\""));
+    EXPECT_CALLS("access \"/dev/mnand0\" 0x0", kLimit, "fstat 8", "lseek 8 6 0", "write 8 \"abcd\"");
     EXPECT_FALSE(card.close().failed());
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("access \"/dev/mnand0\" 0x0", "close 8"));
+    EXPECT_CALLS("access \"/dev/mnand0\" 0x0", "close 8");
 }
 
 TEST_F(QnxCommandNodesTest, ADeviceThatFailsIsReported) {

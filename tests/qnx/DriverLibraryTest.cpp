@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "QnxTest.h"
+#include "support/ErrorNumber.h"
 
 using System::DriverLibrary;
-using ::testing::ElementsAre;
 
 namespace {
 
@@ -22,25 +22,20 @@ TEST_F(QnxDriverLibraryTest, ALibraryIsLoadedInModeZeroAndUnloadedOnce) {
         EXPECT_NE(library.symbol("mvbt_drv_entry"), nullptr);
         const DriverLibrary taken = std::move(library);
     }
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("dlopen \"mv8787bt.so\" 0", "dlsym set \"mvbt_drv_entry\"", "dlclose set"));
+    EXPECT_CALLS("dlopen \"mv8787bt.so\" 0", "dlsym set \"mvbt_drv_entry\"", "dlclose set");
 }
 
 TEST_F(QnxDriverLibraryTest, AMissingLibraryIsEmptyAndSaysWhy) {
     FakeSystem::next("dlopen", {-1});
     FakeSystem::fail("access", ENOENT);
-    EXPECT_FALSE(DriverLibrary::load("/usr/lib/mv8787bt.so"));
-    EXPECT_EQ(errno, ENOENT);
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("dlopen \"/usr/lib/mv8787bt.so\" 0", "access \"/usr/lib/mv8787bt.so\" 0x4"));
+    EXPECT_EQ(errorOf(DriverLibrary::load("/usr/lib/mv8787bt.so")), ENOENT);
+    EXPECT_CALLS("dlopen \"/usr/lib/mv8787bt.so\" 0", "access \"/usr/lib/mv8787bt.so\" 0x4");
 }
 
 TEST_F(QnxDriverLibraryTest, WhatTheLoaderRefusesIsNoLibrary) {
     FakeSystem::next("dlopen", {-1});
-    EXPECT_FALSE(DriverLibrary::load("/usr/lib/mv8787bt.so"));
-    EXPECT_EQ(errno, ENOEXEC);
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("dlopen \"/usr/lib/mv8787bt.so\" 0", "access \"/usr/lib/mv8787bt.so\" 0x4"));
+    EXPECT_EQ(errorOf(DriverLibrary::load("/usr/lib/mv8787bt.so")), ENOEXEC);
+    EXPECT_CALLS("dlopen \"/usr/lib/mv8787bt.so\" 0", "access \"/usr/lib/mv8787bt.so\" 0x4");
 }
 
 TEST_F(QnxDriverLibraryTest, WhatALibraryDoesNotExportIsNull) {

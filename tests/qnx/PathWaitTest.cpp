@@ -5,8 +5,6 @@
 
 #include "QnxTest.h"
 
-using ::testing::ElementsAre;
-
 namespace {
 
 class QnxPathWaitTest : public QnxTest {
@@ -18,7 +16,7 @@ protected:
 
 TEST_F(QnxPathWaitTest, APathIsWaitedForAndPolledOnceASecond) {
     EXPECT_TRUE(m_wait.waitFor("/dev/usbserialadapter1", std::chrono::milliseconds(1000)));
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("waitfor \"/dev/usbserialadapter1\" 1000 1000"));
+    EXPECT_CALLS("waitfor \"/dev/usbserialadapter1\" 1000 1000");
 }
 
 TEST_F(QnxPathWaitTest, APathThatDoesNotAppearIsNotThere) {

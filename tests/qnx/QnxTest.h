@@ -18,3 +18,6 @@ protected:
         FakeSystem::reset();
     }
 };
+
+/// That these are all calls since the last look, in their order.
+#define EXPECT_CALLS(...) EXPECT_THAT(FakeSystem::calls(), ::testing::ElementsAre(__VA_ARGS__))

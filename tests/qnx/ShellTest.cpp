@@ -51,6 +51,11 @@ protected:
         return m_shell.feedAndWait(Descriptor(kPipe), text, limit);
     }
 
+    static void expectFailure(const ShellResult& result, ShellOutcome outcome, int error) {
+        EXPECT_EQ(result.outcome, outcome);
+        EXPECT_EQ(result.error, error);
+    }
+
     System::Shell m_shell;
     std::vector<std::string> m_starting;
 };
@@ -71,8 +76,8 @@ TEST_F(QnxShellTest, ShellsThatWereLeftAloneAreCollectedBeforeTheNextOne) {
     FakeSystem::next("spawn", {kPid});
     System::Shell next;
     EXPECT_EQ(next.start(5, 6, 6), 0);
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("waitpid -1 null 0x1", "waitpid -1 null 0x1",
-                                                 "waitpid -1 null 0x1", StartsWith("spawn ")));
+    EXPECT_CALLS("waitpid -1 null 0x1", "waitpid -1 null 0x1", "waitpid -1 null 0x1",
+                 StartsWith("spawn "));
 }
 
 TEST_F(QnxShellTest, AShellThatCannotBeStartedSaysWhy) {
@@ -84,8 +89,7 @@ TEST_F(QnxShellTest, AShellThatCannotBeStartedSaysWhy) {
 TEST_F(QnxShellTest, TheTimeoutIsArmedRightBeforeTheWait) {
     FakeSystem::next("waitpid", ended(0));
     run();
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("fcntl 9 4 0x80", "write 9 \"ls\"", "close 9", kLimit, waitForShell()));
+    EXPECT_CALLS("fcntl 9 4 0x80", "write 9 \"ls\"", "close 9", kLimit, waitForShell());
 }
 
 TEST_F(QnxShellTest, TheLimitIsPassedOnToTheNanosecond) {
@@ -100,7 +104,7 @@ TEST_F(QnxShellTest, TheLimitIsPassedOnToTheNanosecond) {
 TEST_F(QnxShellTest, AnEmptyTextIsOnlyTheEndOfTheInput) {
     FakeSystem::next("waitpid", ended(0));
     EXPECT_EQ(run("").outcome, ShellOutcome::Ended);
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("fcntl 9 4 0x80", "close 9", kLimit, waitForShell()));
+    EXPECT_CALLS("fcntl 9 4 0x80", "close 9", kLimit, waitForShell());
 }
 
 TEST_F(QnxShellTest, TheStatusOfAShellThatEndedComesBackWhole) {
@@ -115,18 +119,14 @@ TEST_F(QnxShellTest, TheStatusOfAShellThatEndedComesBackWhole) {
 
 TEST_F(QnxShellTest, AWaitThatRunsOutOfTimeLeavesTheShellAlone) {
     FakeSystem::fail("waitpid", ETIMEDOUT);
-    const ShellResult result = run();
-    EXPECT_EQ(result.outcome, ShellOutcome::WaitFailed);
-    EXPECT_EQ(result.error, ETIMEDOUT);
+    expectFailure(run(), ShellOutcome::WaitFailed, ETIMEDOUT);
     EXPECT_THAT(FakeSystem::calls(), Not(Contains(StartsWith("kill"))));
 }
 
 TEST_F(QnxShellTest, AnyOtherFailureOfTheWaitLeavesTheShellAlone) {
     for (const int error : {ECHILD, EINVAL, ENOSYS}) {
         FakeSystem::fail("waitpid", error);
-        const ShellResult result = run();
-        EXPECT_EQ(result.outcome, ShellOutcome::WaitFailed);
-        EXPECT_EQ(result.error, error);
+        expectFailure(run(), ShellOutcome::WaitFailed, error);
         EXPECT_THAT(FakeSystem::calls(), Not(Contains(StartsWith("kill"))));
     }
 }
@@ -137,18 +137,14 @@ TEST_F(QnxShellTest, AnInterruptedWaitKillsTheShellAndItsGroup) {
     const ShellResult result = run();
     EXPECT_EQ(result.outcome, ShellOutcome::Killed);
     EXPECT_EQ(result.status, 9);
-    EXPECT_THAT(
-        FakeSystem::calls(),
-        ElementsAre("fcntl 9 4 0x80", "write 9 \"ls\"", "close 9", kLimit, waitForShell(), "kill 4711 9",
-                    "kill -4711 9", "TimerTimeout 0 0x50 null 2000000000 null", waitForShell()));
+    EXPECT_CALLS("fcntl 9 4 0x80", "write 9 \"ls\"", "close 9", kLimit, waitForShell(), "kill 4711 9",
+                 "kill -4711 9", "TimerTimeout 0 0x50 null 2000000000 null", waitForShell());
 }
 
 TEST_F(QnxShellTest, AShellThatCannotBeKilledIsToldApart) {
     FakeSystem::fail("waitpid", EINTR);
     FakeSystem::fail("kill", EPERM);
-    const ShellResult result = run();
-    EXPECT_EQ(result.outcome, ShellOutcome::KillFailed);
-    EXPECT_EQ(result.error, EPERM);
+    expectFailure(run(), ShellOutcome::KillFailed, EPERM);
     EXPECT_THAT(FakeSystem::calls(), Not(Contains("kill -4711 9")));
 }
 
@@ -160,9 +156,7 @@ TEST_F(QnxShellTest, AKilledShellThatDoesNotGoIsStillAKilledOne) {
 
 TEST_F(QnxShellTest, WithoutATimeoutNobodyWaits) {
     FakeSystem::fail("TimerTimeout", EAGAIN);
-    const ShellResult result = run();
-    EXPECT_EQ(result.outcome, ShellOutcome::WaitFailed);
-    EXPECT_EQ(result.error, EAGAIN);
+    expectFailure(run(), ShellOutcome::WaitFailed, EAGAIN);
     EXPECT_THAT(FakeSystem::calls(), Not(Contains(waitForShell())));
 }
 
@@ -183,33 +177,23 @@ TEST_F(QnxShellTest, ATextLongerThanThePipeIsFedWhileTheShellReads) {
 TEST_F(QnxShellTest, AShellThatDoesNotReadInTimeHasRunOutOfIt) {
     FakeSystem::fail("write", EAGAIN);
     FakeSystem::fail("write", EAGAIN);
-    const ShellResult result = run("ls", 1ns);
-    EXPECT_EQ(result.outcome, ShellOutcome::WaitFailed);
-    EXPECT_EQ(result.error, ETIMEDOUT);
+    expectFailure(run("ls", 1ns), ShellOutcome::WaitFailed, ETIMEDOUT);
     // Were the pipe closed before, the shell would run what it has got of the text.
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("fcntl 9 4 0x80", "write 9 \"ls\"", "poll 9:0x4 1", "write 9 \"ls\"",
-                            "kill 4711 9", "kill -4711 9", "TimerTimeout 0 0x50 null 2000000000 null",
-                            waitForShell(), "close 9"));
+    EXPECT_CALLS("fcntl 9 4 0x80", "write 9 \"ls\"", "poll 9:0x4 1", "write 9 \"ls\"", "kill 4711 9",
+                 "kill -4711 9", "TimerTimeout 0 0x50 null 2000000000 null", waitForShell(), "close 9");
 }
 
 TEST_F(QnxShellTest, AShellThatCannotBeGivenTheRestOfItsTextIsKilledBeforeItsInputEnds) {
     FakeSystem::next("write", {11});
     FakeSystem::fail("write", EIO);
-    const ShellResult result = run("echo abcdefghijkl");
-    EXPECT_EQ(result.outcome, ShellOutcome::FeedFailed);
-    EXPECT_EQ(result.error, EIO);
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("fcntl 9 4 0x80", "write 9 \"echo abcdefghijkl\"", "write 9 \"ghijkl\"",
-                            "kill 4711 9", "kill -4711 9", "TimerTimeout 0 0x50 null 2000000000 null",
-                            waitForShell(), "close 9"));
+    expectFailure(run("echo abcdefghijkl"), ShellOutcome::FeedFailed, EIO);
+    EXPECT_CALLS("fcntl 9 4 0x80", "write 9 \"echo abcdefghijkl\"", "write 9 \"ghijkl\"", "kill 4711 9",
+                 "kill -4711 9", "TimerTimeout 0 0x50 null 2000000000 null", waitForShell(), "close 9");
 }
 
 TEST_F(QnxShellTest, AShellWhosePipeCannotBeUsedWithoutWaitingIsKilled) {
     FakeSystem::fail("fcntl", EBADF);
-    const ShellResult result = run();
-    EXPECT_EQ(result.outcome, ShellOutcome::FeedFailed);
-    EXPECT_EQ(result.error, EBADF);
+    expectFailure(run(), ShellOutcome::FeedFailed, EBADF);
     EXPECT_THAT(FakeSystem::calls(), Not(Contains(StartsWith("write"))));
 }
 
@@ -217,6 +201,5 @@ TEST_F(QnxShellTest, AShellThatReadsNoMoreIsWaitedFor) {
     FakeSystem::fail("write", EPIPE);
     FakeSystem::next("waitpid", ended(0));
     EXPECT_EQ(run().outcome, ShellOutcome::Ended);
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("fcntl 9 4 0x80", "write 9 \"ls\"", "close 9", kLimit, waitForShell()));
+    EXPECT_CALLS("fcntl 9 4 0x80", "write 9 \"ls\"", "close 9", kLimit, waitForShell());
 }

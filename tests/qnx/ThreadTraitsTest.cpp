@@ -7,7 +7,6 @@
 #include "QnxTest.h"
 
 using System::StackPreallocation;
-using ::testing::ElementsAre;
 
 namespace {
 
@@ -23,7 +22,7 @@ protected:
 
 TEST_F(QnxThreadTraitsTest, AStackIsPreallocated) {
     EXPECT_EQ(System::preallocateStack(m_attributes, 0x10000), StackPreallocation::Done);
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("pthread_attr_setstackprealloc set 65536"));
+    EXPECT_CALLS("pthread_attr_setstackprealloc set 65536");
 }
 
 TEST_F(QnxThreadTraitsTest, APreallocationThatIsRefusedFails) {
@@ -33,12 +32,12 @@ TEST_F(QnxThreadTraitsTest, APreallocationThatIsRefusedFails) {
 
 TEST_F(QnxThreadTraitsTest, AThreadIsNamed) {
     System::nameThread(pthread_self(), "StatedThread");
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre("pthread_setname_np \"StatedThread\""));
+    EXPECT_CALLS("pthread_setname_np \"StatedThread\"");
 }
 
 TEST_F(QnxThreadTraitsTest, ANameIsCutToWhatTheSystemTakes) {
     System::nameThread(pthread_self(), std::string(99, 'n').c_str());
     System::nameThread(pthread_self(), std::string(100, 'n').c_str());
     const std::string longest = "pthread_setname_np \"" + std::string(99, 'n') + "\"";
-    EXPECT_THAT(FakeSystem::calls(), ElementsAre(longest, longest));
+    EXPECT_CALLS(longest, longest);
 }

@@ -5,8 +5,6 @@
 #include "QnxTest.h"
 #include "commands/uap_ioctl.h"
 
-using ::testing::ElementsAre;
-
 namespace {
 
 constexpr int kBufferSize = 259;
@@ -32,12 +30,11 @@ TEST_F(QnxWirelessChipTest, ACommandIsADeviceControlWithAPrivateRequestAndTheBuf
     EXPECT_EQ(m_size, 10);
     std::string buffer = "ff0000000300080001";
     buffer.resize(2 * kBufferSize, '0');
-    EXPECT_THAT(FakeSystem::calls(),
-                ElementsAre("socket 2 2 0", "fcntl 7 2 0x1", kAnswerLimit,
-                            "MsgSendv_r 7 [060110007b691cc03000000000000000]"
-                            "[756170300000000000000000000000007b691cc00301000001000000][" +
-                                buffer + "] 3 the same 3",
-                            "close 7"));
+    EXPECT_CALLS("socket 2 2 0", "fcntl 7 2 0x1", kAnswerLimit,
+                 "MsgSendv_r 7 [060110007b691cc03000000000000000]"
+                 "[756170300000000000000000000000007b691cc00301000001000000][" +
+                     buffer + "] 3 the same 3",
+                 "close 7");
 }
 
 TEST_F(QnxWirelessChipTest, ARefusalComesBackNegativeAndTheSocketIsClosed) {

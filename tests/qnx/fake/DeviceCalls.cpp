@@ -43,16 +43,16 @@ int fillStatus(const char* name, int descriptor, void* status) {
 extern "C" {
 
 int devctl(int filedes, int dcmd, void* data, std::size_t size, int* info) {
-    const Result result = record("devctl", {to_string(filedes), hex(static_cast<unsigned>(dcmd)),
-                                            bytes(data, size), to_string(size), pointer(info)});
+    const Result result = record(
+        "devctl", {to_string(filedes), hex(dcmd), bytes(data, size), to_string(size), pointer(info)});
     deliver(result, data, size);
     return static_cast<int>(result.value);
 }
 
 int devctlv(int filedes, int dcmd, int sparts, int rparts, const iov_t* sv, const iov_t* rv, int* info) {
     const Result result =
-        record("devctlv", {to_string(filedes), hex(static_cast<unsigned>(dcmd)), to_string(sparts),
-                           to_string(rparts), content(sv, sparts), content(rv, rparts), pointer(info)});
+        record("devctlv", {to_string(filedes), hex(dcmd), to_string(sparts), to_string(rparts),
+                           content(sv, sparts), content(rv, rparts), pointer(info)});
     deliverTo(rv, rparts, result);
     return static_cast<int>(result.value);
 }
@@ -66,8 +66,7 @@ int MsgSendv_r(int coid, const iov_t* siov, int sparts, const iov_t* riov, int r
 }
 
 int waitfor(const char* path, int delay_ms, int poll_ms) {
-    return static_cast<int>(
-        record("waitfor", {text(path), to_string(delay_ms), to_string(poll_ms)}).value);
+    return recordInt("waitfor", {text(path), to_string(delay_ms), to_string(poll_ms)});
 }
 
 int __wrap_fstat(int descriptor, struct stat* status) {

@@ -61,6 +61,10 @@ Result record(const std::string& call, const std::vector<std::string>& arguments
     return result;
 }
 
+int recordInt(const std::string& call, const std::vector<std::string>& arguments, long usualValue) {
+    return static_cast<int>(record(call, arguments, usualValue).value);
+}
+
 std::string hex(unsigned number) {
     char digits[16];
     std::snprintf(digits, sizeof digits, "0x%x", number);

@@ -39,7 +39,13 @@ std::vector<std::string> leftOver();
 /// For the calls themselves: notes one and returns its result.
 Result record(const std::string& call, const std::vector<std::string>& arguments, long usualValue = 0);
 
+/// The same for a call that returns an int and brings nothing else.
+int recordInt(const std::string& call, const std::vector<std::string>& arguments, long usualValue = 0);
+
 std::string hex(unsigned number);
+inline std::string hex(int flags) {
+    return hex(static_cast<unsigned>(flags));
+}
 std::string text(const char* characters);
 std::string pointer(const void* address);
 std::string bytes(const void* address, std::size_t size);

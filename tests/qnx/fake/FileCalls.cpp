@@ -23,11 +23,11 @@ constexpr int kPipeWriteEnd = 22;
 extern "C" {
 
 int __wrap_open64(const char* path, int oflag, ...) {
-    return static_cast<int>(record("open64", {text(path), hex(static_cast<unsigned>(oflag))}).value);
+    return recordInt("open64", {text(path), hex(oflag)});
 }
 
 int __wrap_access(const char* path, int mode) {
-    return static_cast<int>(record("access", {text(path), hex(static_cast<unsigned>(mode))}).value);
+    return recordInt("access", {text(path), hex(mode)});
 }
 
 int __wrap_fcntl(int fildes, int cmd, ...) {
@@ -35,13 +35,11 @@ int __wrap_fcntl(int fildes, int cmd, ...) {
     va_start(arguments, cmd);
     const int argument = va_arg(arguments, int);
     va_end(arguments);
-    return static_cast<int>(
-        record("fcntl", {to_string(fildes), to_string(cmd), hex(static_cast<unsigned>(argument))})
-            .value);
+    return recordInt("fcntl", {to_string(fildes), to_string(cmd), hex(argument)});
 }
 
 int __wrap_close(int fildes) {
-    return static_cast<int>(record("close", {to_string(fildes)}).value);
+    return recordInt("close", {to_string(fildes)});
 }
 
 /// A stream that can be used and closed, whatever was asked for.
@@ -58,13 +56,11 @@ int __wrap_fclose(std::FILE* stream) {
 }
 
 int __wrap_socket(int domain, int type, int protocol) {
-    return static_cast<int>(
-        record("socket", {to_string(domain), to_string(type), to_string(protocol)}).value);
+    return recordInt("socket", {to_string(domain), to_string(type), to_string(protocol)});
 }
 
 int __wrap_accept(int socket, struct sockaddr* address, socklen_t* length) {
-    return static_cast<int>(
-        record("accept", {to_string(socket), pointer(address), pointer(length)}).value);
+    return recordInt("accept", {to_string(socket), pointer(address), pointer(length)});
 }
 
 int __wrap_pipe(int* ends) {
@@ -110,8 +106,8 @@ off_t __wrap_lseek64(int fildes, off_t position, int whence) {
 int __wrap_poll(pollfd* events, nfds_t count, int milliseconds) {
     std::string waited;
     for (nfds_t at = 0; at < count; ++at)
-        waited += to_string(events[at].fd) + ":" + hex(static_cast<unsigned>(events[at].events));
-    return static_cast<int>(record("poll", {waited, to_string(milliseconds)}, 1).value);
+        waited += to_string(events[at].fd) + ":" + hex(events[at].events);
+    return recordInt("poll", {waited, to_string(milliseconds)}, 1);
 }
 
 } // extern "C"

@@ -56,37 +56,33 @@ extern "C" {
 
 pid_t spawn(const char* path, int fd_count, const int fd_map[], const struct inheritance* inherit,
             char* const argv[], char* const envp[]) {
-    return static_cast<pid_t>(record("spawn", {text(path), to_string(fd_count), list(fd_map, fd_count),
-                                               differences(*inherit), list(argv), pointer(envp)})
-                                  .value);
+    return recordInt("spawn", {text(path), to_string(fd_count), list(fd_map, fd_count),
+                               differences(*inherit), list(argv), pointer(envp)});
 }
 
 int TimerTimeout(clockid_t id, int flags, const struct sigevent* notify, const uint64_t* ntime,
                  uint64_t* otime) {
-    return static_cast<int>(record("TimerTimeout", {to_string(id), hex(static_cast<unsigned>(flags)),
-                                                    pointer(notify), to_string(*ntime), pointer(otime)})
-                                .value);
+    return recordInt("TimerTimeout",
+                     {to_string(id), hex(flags), pointer(notify), to_string(*ntime), pointer(otime)});
 }
 
 pid_t __wrap_waitpid(pid_t pid, int* status, int options) {
-    const Result result =
-        record("waitpid", {to_string(pid), pointer(status), hex(static_cast<unsigned>(options))});
+    const Result result = record("waitpid", {to_string(pid), pointer(status), hex(options)});
     if (result.fill)
         result.fill(status);
     return static_cast<pid_t>(result.value);
 }
 
 int __wrap_kill(pid_t pid, int signal) {
-    return static_cast<int>(record("kill", {to_string(pid), to_string(signal)}).value);
+    return recordInt("kill", {to_string(pid), to_string(signal)});
 }
 
 int pthread_attr_setstackprealloc(const pthread_attr_t* attr, std::size_t stacksize) {
-    return static_cast<int>(
-        record("pthread_attr_setstackprealloc", {pointer(attr), to_string(stacksize)}).value);
+    return recordInt("pthread_attr_setstackprealloc", {pointer(attr), to_string(stacksize)});
 }
 
 int __wrap_pthread_setname_np(pthread_t, const char* name) {
-    return static_cast<int>(record("pthread_setname_np", {text(name)}).value);
+    return recordInt("pthread_setname_np", {text(name)});
 }
 
 void* __wrap_dlopen(const char* path, int mode) {
@@ -98,22 +94,22 @@ void* __wrap_dlsym(void* handle, const char* name) {
 }
 
 int __wrap_dlclose(void* handle) {
-    return static_cast<int>(record("dlclose", {pointer(handle)}).value);
+    return recordInt("dlclose", {pointer(handle)});
 }
 
 int __wrap_cfsetospeed(struct termios* attributes, speed_t speed) {
     attributes->c_ospeed = speed;
-    return static_cast<int>(record("cfsetospeed", {to_string(speed)}).value);
+    return recordInt("cfsetospeed", {to_string(speed)});
 }
 
 int __wrap_cfsetispeed(struct termios* attributes, speed_t speed) {
     attributes->c_ispeed = speed;
-    return static_cast<int>(record("cfsetispeed", {to_string(speed)}).value);
+    return recordInt("cfsetispeed", {to_string(speed)});
 }
 
 int __wrap_cfmakeraw(struct termios* attributes) {
     attributes->c_lflag = 0;
-    return static_cast<int>(record("cfmakeraw", {}).value);
+    return recordInt("cfmakeraw", {});
 }
 
 } // extern "C"
