@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "manager/ScriptedManager.h"
+#include "support/BusResults.h"
 #include "support/GuardedBuffer.h"
 #include "support/Results.h"
 #include "support/Rows.h"
@@ -256,33 +257,14 @@ TEST_F(I2cTest, ASuccessThatBringsTooFewBytesIsAFailure) {
 }
 
 TEST_F(I2cTest, EachResultHasItsText) {
-    constexpr char kLocked[] = ": The master is locked by another connection";
-    constexpr char kSendFailed[] = ": The master send failed";
-    constexpr char kBadBuffer[] = ": An error occurred while accessing the data buffer";
-    constexpr char kBadFormat[] = ": Bad message format";
-    const Rows<int, const char*, const char*, const char*, const char*> rows = {
-        {1, kLocked, ": Operation not permitted", kLocked, ": Operation not permitted"},
-        {5, kSendFailed, ": bad slave address/ bad bus speed/ bus is busy", kSendFailed,
-         ": Input/output error"},
-        {12, ": Insufficient memory", kLocked, ": Insufficient memory", ": Cannot allocate memory"},
-        {14, kBadBuffer, ": Bad address", kBadBuffer, ": Bad address"},
-        {22, kBadFormat, kBadFormat, kBadFormat, kBadFormat},
-        {2, ": No such file or directory", ": No such file or directory", ": No such file or directory",
-         ": No such file or directory"},
-        {110, ": Connection timed out", ": Connection timed out", ": Connection timed out",
-         ": Connection timed out"},
-        {4711, ": Unknown error 4711", ": Unknown error 4711", ": Unknown error 4711",
-         ": Unknown error 4711"},
-        {-5, ": Unknown error -5", ": Unknown error -5", ": Unknown error -5", ": Unknown error -5"},
-    };
     open();
-    for (const auto& [result, written, readText, transferred, speedText] : rows) {
+    for (const auto& [result, written, readText, speedText] : kBusResults) {
         SCOPED_TRACE(result);
         for (int request = 0; request < 4; ++request)
             m_manager->willAnswer(result, Bytes(100, 0xEE));
         EXPECT_THAT(write(), isFailure(result, text("Write Error on Device ", written)));
         EXPECT_THAT(read(), isFailure(result, text("Read Error on Device ", readText)));
-        EXPECT_THAT(transfer(), isFailure(result, text("Transfer Error on Device ", transferred)));
+        EXPECT_THAT(transfer(), isFailure(result, text("Transfer Error on Device ", written)));
         EXPECT_THAT(m_bus.setBusSpeed(400000),
                     isFailure(result, text("setBusSpeed Error on Device ", speedText)));
         EXPECT_TRUE(m_buffer.isUntouchedBut(0));
