@@ -3,14 +3,13 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/fs.h>
-#include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdarg>
 #include <cstdint>
 
+#include "support/DeviceControl.h"
 #include "support/ErrorNumber.h"
 #include "support/Rows.h"
 #include "wire/Descriptor.h"
@@ -50,14 +49,11 @@ int WRAP_FSTAT(int descriptor, struct stat* status) {
     return result;
 }
 
-int __real_ioctl(int descriptor, unsigned long request, ...);
-int __wrap_ioctl(int descriptor, unsigned long request, ...) {
-    va_list list;
-    va_start(list, request);
-    void* const argument = va_arg(list, void*);
-    va_end(list);
+} // extern "C"
+
+std::optional<int> onDeviceControl(int descriptor, unsigned long request, void* argument) {
     if (descriptor < 0 || descriptor != s_device.descriptor)
-        return __real_ioctl(descriptor, request, argument);
+        return std::nullopt;
     if (request == BLKSSZGET) {
         *static_cast<int*>(argument) = s_device.sectorBytes;
         return s_device.sectorError == 0 ? 0 : refuse(s_device.sectorError);
@@ -68,8 +64,6 @@ int __wrap_ioctl(int descriptor, unsigned long request, ...) {
     }
     return refuse(ENOTTY);
 }
-
-} // extern "C"
 
 namespace {
 

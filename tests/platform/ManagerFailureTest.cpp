@@ -8,7 +8,20 @@ using ::testing::SizeIs;
 
 namespace {
 
-class ManagerFailureTest : public ManagerFixture {};
+// What a request polls for.
+const KernelCalls::Step kLookWhetherItHasGone = KernelCalls::passing();
+const KernelCalls::Step kTimeIsOver = KernelCalls::returning(0);
+
+class ManagerFailureTest : public ManagerFixture {
+protected:
+    /// The first request: the manager hears it and says nothing until the time is over.
+    void expectNoAnswer(KernelCalls& calls) {
+        calls.script("poll", {kLookWhetherItHasGone, kTimeIsOver});
+        m_manager->willSayNothing();
+        EXPECT_EQ(request(), ETIMEDOUT);
+        EXPECT_TRUE(m_manager->hasHeard(1));
+    }
+};
 
 } // namespace
 
@@ -104,11 +117,7 @@ TEST_F(ManagerFailureTest, AManagerIsFoundAgainByThePathThatWasOpened) {
 TEST_F(ManagerFailureTest, AManagerThatDoesNotAnswerIsGivenUp) {
     open();
     KernelCalls calls;
-    calls.passNext(KernelCalls::Poll); // the look at whether it has gone
-    calls.timeOutNext();
-    m_manager->willSayNothing();
-    EXPECT_EQ(request(), ETIMEDOUT);
-    EXPECT_TRUE(m_manager->hasHeard(1));
+    expectNoAnswer(calls);
     ASSERT_THAT(calls.pollLimits(), SizeIs(2));
     EXPECT_EQ(calls.pollLimits()[0], 0);
     EXPECT_GT(calls.pollLimits()[1], 5000);
@@ -121,11 +130,7 @@ TEST_F(ManagerFailureTest, AManagerThatDoesNotAnswerIsGivenUp) {
 TEST_F(ManagerFailureTest, ALateAnswerIsNotTakenForThatOfTheNextRequest) {
     open();
     KernelCalls calls;
-    calls.passNext(KernelCalls::Poll);
-    calls.timeOutNext();
-    m_manager->willSayNothing();
-    EXPECT_EQ(request(), ETIMEDOUT);
-    EXPECT_TRUE(m_manager->hasHeard(1));
+    expectNoAnswer(calls);
     m_manager->say(littleEndian({5}));
     expectWorking();
 }
@@ -140,12 +145,11 @@ TEST_F(ManagerFailureTest, WhatTheManagerSaysUnaskedIsNotTakenForAnAnswer) {
 TEST_F(ManagerFailureTest, InterruptionsAndEarlyWakingAreNotFailures) {
     open();
     KernelCalls calls;
-    calls.passNext(KernelCalls::Poll);
-    for (const int error : {EINTR, EINTR})
-        calls.failNext(KernelCalls::Poll, error);
+    const auto interrupted = KernelCalls::failing(EINTR);
+    calls.script("poll", {kLookWhetherItHasGone, interrupted, interrupted});
     for (const int error : {EINTR, EAGAIN, EINTR, EAGAIN}) {
-        calls.failNext(KernelCalls::Send, error);
-        calls.failNext(KernelCalls::Receive, error);
+        calls.failNext("send", error);
+        calls.failNext("recv", error);
     }
     expectWorking();
     EXPECT_THAT(m_manager->requests(), SizeIs(1));
@@ -155,23 +159,21 @@ TEST_F(ManagerFailureTest, InterruptionsAndEarlyWakingAreNotFailures) {
 TEST_F(ManagerFailureTest, AFailingSystemCallIsTheResult) {
     open();
     KernelCalls calls;
-    calls.failNext(KernelCalls::Send, ENOBUFS);
+    calls.failNext("send", ENOBUFS);
     EXPECT_EQ(request(), ENOBUFS);
     expectWorking();
-    calls.failNext(KernelCalls::Receive, ENOMEM);
+    calls.failNext("recv", ENOMEM);
     m_manager->willAnswer(0);
     EXPECT_EQ(request(), ENOMEM);
     expectWorking();
-    calls.passNext(KernelCalls::Poll);
-    calls.failNext(KernelCalls::Poll, ENOMEM);
+    calls.script("poll", {kLookWhetherItHasGone, KernelCalls::failing(ENOMEM)});
     m_manager->willSayNothing();
     const std::size_t before = m_manager->requests().size();
     EXPECT_EQ(request(), ENOMEM);
     EXPECT_TRUE(m_manager->hasHeard(before + 1));
     expectWorking();
-    calls.failNext(KernelCalls::Send, EAGAIN);
-    calls.passNext(KernelCalls::Poll);
-    calls.timeOutNext();
+    calls.failNext("send", EAGAIN);
+    calls.script("poll", {kLookWhetherItHasGone, kTimeIsOver});
     EXPECT_EQ(request(), ETIMEDOUT) << "it takes no request";
     expectWorking();
 }

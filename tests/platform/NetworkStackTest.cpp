@@ -5,14 +5,14 @@
 #include <gtest/gtest.h>
 #include <linux/sockios.h>
 #include <net/if.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 
 #include <cerrno>
-#include <cstdarg>
 #include <cstring>
 #include <string>
 #include <vector>
+
+#include "support/DeviceControl.h"
 
 namespace {
 
@@ -62,20 +62,11 @@ protected:
 
 } // namespace
 
-extern "C" {
-
-int __real_ioctl(int descriptor, unsigned long request, ...);
-int __wrap_ioctl(int descriptor, unsigned long request, ...) {
-    va_list list;
-    va_start(list, request);
-    void* const argument = va_arg(list, void*);
-    va_end(list);
+std::optional<int> onDeviceControl(int, unsigned long request, void* argument) {
     if (s_driver == nullptr || request != kHostCommand)
-        return __real_ioctl(descriptor, request, argument);
+        return std::nullopt;
     return onRequest(*static_cast<ifreq*>(argument));
 }
-
-} // extern "C"
 
 TEST_F(NetworkStackTest, TheSocketIsADatagramSocketOfNoChild) {
     ASSERT_TRUE(m_socket);
