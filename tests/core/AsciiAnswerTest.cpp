@@ -1,30 +1,17 @@
 // What AbstractCmd makes of a response in the ASCII protocol.
-#include <gmock/gmock.h>
-
 #include "core/AbstractCmd.h"
 #include "core/ProcessResponseAscii.h"
+#include "support/AnswerFixture.h"
 #include "support/Rows.h"
-#include "support/ScriptedCommand.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
 
-class AsciiAnswerTest : public ::testing::Test {
+class AsciiAnswerTest : public AnswerFixture {
 protected:
-    static ScriptedCommand& command() {
-        static ScriptedCommand& diag = ScriptedCommand::make('D', "diag");
-        return diag;
-    }
-
-    void SetUp() override { command().setListener(&m_listener); }
-    void TearDown() override {
-        command().setListener(nullptr);
-        EXPECT_THAT(m_listener.frames, IsEmpty());
-    }
-
-    RecordingListener m_listener;
+    ~AsciiAnswerTest() override { EXPECT_THAT(m_listener.frames, IsEmpty()); }
 };
 
 } // namespace

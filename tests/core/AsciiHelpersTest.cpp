@@ -10,8 +10,7 @@ using ::testing::ElementsAreArray;
 namespace {
 
 const AbstractCmd& command() {
-    static const ScriptedCommand& diag = ScriptedCommand::make('D', "diag");
-    return diag;
+    return ScriptedCommand::diag();
 }
 
 } // namespace

@@ -1,17 +1,16 @@
 // What AbstractCmd makes of a response in the binary protocol.
-#include <gmock/gmock.h>
-
 #include <memory>
 #include <numeric>
 #include <stdexcept>
 
 #include "core/AbstractCmd.h"
 #include "core/ProcessResponseAscii.h"
+#include "support/AnswerFixture.h"
 #include "support/Rows.h"
-#include "support/ScriptedCommand.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::ThrowsMessage;
 
 namespace {
 
@@ -24,25 +23,14 @@ Bytes countedBytes(std::size_t size) {
     return bytes;
 }
 
-class BinaryAnswerTest : public ::testing::Test {
+class BinaryAnswerTest : public AnswerFixture {
 protected:
-    static ScriptedCommand& command() {
-        static ScriptedCommand& diag = ScriptedCommand::make('D', "diag");
-        return diag;
-    }
-
-    void SetUp() override { command().setListener(&m_listener); }
-    void TearDown() override {
-        command().setListener(nullptr);
-        EXPECT_THAT(m_listener.lines, IsEmpty());
-    }
+    ~BinaryAnswerTest() override { EXPECT_THAT(m_listener.lines, IsEmpty()); }
 
     Bytes exec(ProcessResponse* response) {
         Bytes request = kRequest;
         return command().tavrin_exec(&request, response);
     }
-
-    RecordingListener m_listener;
 };
 
 } // namespace
@@ -135,12 +123,8 @@ TEST_F(BinaryAnswerTest, ARequestWithoutD3CannotBeAnswered) {
         SCOPED_TRACE(request.size());
         for (const unsigned int code : {0u, 2u}) {
             m_listener.frames.clear();
-            try {
-                command().tavrin_exec(&request, new ProcessResponse(code, "abc"));
-                ADD_FAILURE() << "no exception";
-            } catch (const std::out_of_range& exception) {
-                EXPECT_STREQ(exception.what(), "invalid vector<T> subscript");
-            }
+            EXPECT_THAT([&] { command().tavrin_exec(&request, new ProcessResponse(code, "abc")); },
+                        ThrowsMessage<std::out_of_range>("invalid vector<T> subscript"));
             if (code == 0)
                 EXPECT_THAT(m_listener.frames, ElementsAre(debugFrame(kTooShort)));
             else

@@ -13,10 +13,7 @@ namespace {
 
 class BinaryRequestTest : public ::testing::Test {
 protected:
-    static ScriptedCommand& command() {
-        static ScriptedCommand& diag = ScriptedCommand::make('D', "diag");
-        return diag;
-    }
+    static ScriptedCommand& command() { return ScriptedCommand::diag(); }
 
     BinaryRequestTest() {
         command().reset();

@@ -15,12 +15,8 @@ class HandlerBinaryTest : public RunningHandler {
 protected:
     /// Sends a request that cannot be answered, and sees that the next one can.
     void expectBoundsException(const Bytes& request) {
-        try {
-            send(request);
-            ADD_FAILURE() << "no exception";
-        } catch (const std::out_of_range& exception) {
-            EXPECT_STREQ(exception.what(), "invalid vector<T> subscript");
-        }
+        EXPECT_THAT([&] { send(request); },
+                    ::testing::ThrowsMessage<std::out_of_range>("invalid vector<T> subscript"));
         EXPECT_EQ(command().listener(), nullptr);
         command().reset();
         EXPECT_THAT(send({0x04, 'Q', 1, 2}), ElementsAre(8, 'Q', 1, 2, 0, 0, 0, 0));

@@ -76,12 +76,8 @@ TEST_F(HandlerExclusiveTest, ItRunsOnce) {
 }
 
 TEST_F(HandlerExclusiveTest, WhatItThrowsComesOutAtTheCaller) {
-    try {
-        handler().runExclusively([] { throw std::runtime_error("of its own"); });
-        ADD_FAILURE() << "nothing was thrown";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "of its own");
-    }
+    EXPECT_THAT([] { handler().runExclusively([] { throw std::runtime_error("of its own"); }); },
+                ::testing::ThrowsMessage<std::runtime_error>("of its own"));
     EXPECT_THROW(handler().runExclusively([] { throw 42; }), int);
 }
 

@@ -7,6 +7,11 @@ ScriptedCommand& ScriptedCommand::make(char id, const std::string& name, bool re
     return *all.back();
 }
 
+ScriptedCommand& ScriptedCommand::diag() {
+    static ScriptedCommand& command = make('D', "diag");
+    return command;
+}
+
 void ScriptedCommand::reset() {
     onTokens = [](auto&) { return new ProcessResponse(ProcessResponse::kSuccess); };
     onRequest = [](Bytes*) { return new ProcessResponse(ProcessResponse::kSuccess); };

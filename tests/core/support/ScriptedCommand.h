@@ -12,6 +12,8 @@
 class ScriptedCommand : public AbstractCmd {
 public:
     static ScriptedCommand& make(char id, const std::string& name, bool registerSelf = false);
+    /// The one that most cases need: 'D' "diag", which is not registered.
+    static ScriptedCommand& diag();
 
     ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
         return onTokens(tokens);
