@@ -36,29 +36,22 @@ bool PthreadCalls::failsNow(const std::string& function) {
 
 extern "C" {
 
-int __real_pthread_attr_setdetachstate(pthread_attr_t*, int);
-int __wrap_pthread_attr_setdetachstate(pthread_attr_t* attributes, int state) {
-    return failsNow("pthread_attr_setdetachstate")
-               ? EINVAL
-               : __real_pthread_attr_setdetachstate(attributes, state);
-}
+// The function of the system, or an error in its place if `fails` says so.
+#define WRAPPED(fails, function, error, parameters, arguments)           \
+    int __real_##function parameters;                                    \
+    int __wrap_##function parameters {                                   \
+        return fails(#function) ? (error) : __real_##function arguments; \
+    }
+#define COUNTED(...) WRAPPED(failsNow, __VA_ARGS__)
+#define UNCOUNTED(...) WRAPPED(isFailing, __VA_ARGS__)
 
-int __real_pthread_attr_setguardsize(pthread_attr_t*, std::size_t);
-int __wrap_pthread_attr_setguardsize(pthread_attr_t* attributes, std::size_t bytes) {
-    return failsNow("pthread_attr_setguardsize") ? EINVAL
-                                                 : __real_pthread_attr_setguardsize(attributes, bytes);
-}
-
-int __real_pthread_attr_setstacksize(pthread_attr_t*, std::size_t);
-int __wrap_pthread_attr_setstacksize(pthread_attr_t* attributes, std::size_t bytes) {
-    return failsNow("pthread_attr_setstacksize") ? EINVAL
-                                                 : __real_pthread_attr_setstacksize(attributes, bytes);
-}
-
-int __real_pthread_condattr_init(pthread_condattr_t*);
-int __wrap_pthread_condattr_init(pthread_condattr_t* attributes) {
-    return failsNow("pthread_condattr_init") ? ENOMEM : __real_pthread_condattr_init(attributes);
-}
+COUNTED(pthread_attr_setdetachstate, EINVAL, (pthread_attr_t * attributes, int state),
+        (attributes, state))
+COUNTED(pthread_attr_setguardsize, EINVAL, (pthread_attr_t * attributes, std::size_t bytes),
+        (attributes, bytes))
+COUNTED(pthread_attr_setstacksize, EINVAL, (pthread_attr_t * attributes, std::size_t bytes),
+        (attributes, bytes))
+COUNTED(pthread_condattr_init, ENOMEM, (pthread_condattr_t * attributes), (attributes))
 
 int __real_pthread_condattr_setclock(pthread_condattr_t*, clockid_t);
 int __wrap_pthread_condattr_setclock(pthread_condattr_t* attributes, clockid_t clock) {
@@ -68,10 +61,8 @@ int __wrap_pthread_condattr_setclock(pthread_condattr_t* attributes, clockid_t c
                                                  : __real_pthread_condattr_setclock(attributes, clock);
 }
 
-int __real_pthread_cond_init(pthread_cond_t*, const pthread_condattr_t*);
-int __wrap_pthread_cond_init(pthread_cond_t* condition, const pthread_condattr_t* attributes) {
-    return failsNow("pthread_cond_init") ? EAGAIN : __real_pthread_cond_init(condition, attributes);
-}
+COUNTED(pthread_cond_init, EAGAIN, (pthread_cond_t * condition, const pthread_condattr_t* attributes),
+        (condition, attributes))
 
 int __real_pthread_create(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*entry)(void*),
@@ -87,15 +78,8 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
                                       : __real_pthread_create(thread, attributes, entry, argument);
 }
 
-int __real_pthread_setname_np(pthread_t, const char*);
-int __wrap_pthread_setname_np(pthread_t thread, const char* name) {
-    return failsNow("pthread_setname_np") ? ERANGE : __real_pthread_setname_np(thread, name);
-}
-
-int __real_pthread_mutexattr_init(pthread_mutexattr_t*);
-int __wrap_pthread_mutexattr_init(pthread_mutexattr_t* attributes) {
-    return failsNow("pthread_mutexattr_init") ? ENOMEM : __real_pthread_mutexattr_init(attributes);
-}
+COUNTED(pthread_setname_np, ERANGE, (pthread_t thread, const char* name), (thread, name))
+COUNTED(pthread_mutexattr_init, ENOMEM, (pthread_mutexattr_t * attributes), (attributes))
 
 int __real_pthread_mutexattr_settype(pthread_mutexattr_t*, int);
 int __wrap_pthread_mutexattr_settype(pthread_mutexattr_t* attributes, int type) {
@@ -105,29 +89,12 @@ int __wrap_pthread_mutexattr_settype(pthread_mutexattr_t* attributes, int type) 
                                                  : __real_pthread_mutexattr_settype(attributes, type);
 }
 
-int __real_pthread_mutex_init(pthread_mutex_t*, const pthread_mutexattr_t*);
-int __wrap_pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) {
-    return failsNow("pthread_mutex_init") ? EAGAIN : __real_pthread_mutex_init(mutex, attributes);
-}
-
-int __real_pthread_mutex_lock(pthread_mutex_t*);
-int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
-    return isFailing("pthread_mutex_lock") ? EINVAL : __real_pthread_mutex_lock(mutex);
-}
-
-int __real_pthread_mutex_unlock(pthread_mutex_t*);
-int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
-    return isFailing("pthread_mutex_unlock") ? EPERM : __real_pthread_mutex_unlock(mutex);
-}
-
-int __real_pthread_cond_signal(pthread_cond_t*);
-int __wrap_pthread_cond_signal(pthread_cond_t* condition) {
-    return isFailing("pthread_cond_signal") ? EINVAL : __real_pthread_cond_signal(condition);
-}
-
-int __real_pthread_cond_wait(pthread_cond_t*, pthread_mutex_t*);
-int __wrap_pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
-    return isFailing("pthread_cond_wait") ? EINVAL : __real_pthread_cond_wait(condition, mutex);
-}
+COUNTED(pthread_mutex_init, EAGAIN, (pthread_mutex_t * mutex, const pthread_mutexattr_t* attributes),
+        (mutex, attributes))
+UNCOUNTED(pthread_mutex_lock, EINVAL, (pthread_mutex_t * mutex), (mutex))
+UNCOUNTED(pthread_mutex_unlock, EPERM, (pthread_mutex_t * mutex), (mutex))
+UNCOUNTED(pthread_cond_signal, EINVAL, (pthread_cond_t * condition), (condition))
+UNCOUNTED(pthread_cond_wait, EINVAL, (pthread_cond_t * condition, pthread_mutex_t* mutex),
+          (condition, mutex))
 
 } // extern "C"
