@@ -2,13 +2,7 @@
 // long as its tables are.
 #include "devices/I2c.h"
 
-#include <gmock/gmock.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <memory>
-
-#include "manager/ScriptedManager.h"
+#include "manager/ManagerFixture.h"
 #include "support/BusResults.h"
 #include "support/GuardedBuffer.h"
 #include "support/Results.h"
@@ -19,9 +13,6 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 namespace {
-
-namespace fs = std::filesystem;
-using Bytes = ScriptedManager::Bytes;
 
 constexpr std::uint32_t kSetBusSpeed = 0x80040502;
 constexpr std::uint32_t kSend = 0x80100505;
@@ -50,25 +41,12 @@ Bytes transferRequest(std::uint32_t address, const Bytes& data, std::uint32_t le
         {littleEndian({kSendReceive, 20 + sent, 20 + length, 0, address, 2, sent, length, stop}), data});
 }
 
-class I2cTest : public ::testing::Test {
+class I2cTest : public ManagerFixture {
 protected:
-    I2cTest() {
-        std::string pattern = (fs::temp_directory_path() / "i2c-XXXXXX").string();
-        EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
-        m_folder = pattern;
-        m_path = m_folder / "bus";
-        m_manager = std::make_unique<ScriptedManager>(m_path);
-    }
-
-    ~I2cTest() override {
-        m_manager.reset();
-        fs::remove_all(m_folder);
-    }
-
     void open() { ASSERT_THAT(m_bus.open(m_path), isSuccess()); }
 
     std::string text(const std::string& lead, const std::string& suffix) const {
-        return lead + m_path + suffix;
+        return lead + m_path.string() + suffix;
     }
 
     unsigned speed() {
@@ -95,9 +73,6 @@ protected:
     }
 
     const Bytes kData = {7, 8};
-    fs::path m_folder;
-    std::string m_path;
-    std::unique_ptr<ScriptedManager> m_manager;
     GuardedBuffer<8> m_buffer;
     I2c m_bus;
 };
@@ -338,8 +313,7 @@ TEST_F(I2cTest, AManagerThatGoesDuringARequestIsAFailureAndTheBusStaysOpen) {
     EXPECT_EQ(speed(), 100000u);
     EXPECT_TRUE(m_buffer.isUntouchedBut(0));
 
-    m_manager.reset();
-    m_manager = std::make_unique<ScriptedManager>(m_path);
+    comeBack();
     m_manager->willAnswer(0);
     EXPECT_THAT(write(), isSuccess());
     EXPECT_EQ(m_manager->lastRequest(), writeRequest(0x50, {7, 8}, 0));

@@ -7,17 +7,11 @@ using ::testing::IsEmpty;
 
 namespace {
 
-constexpr unsigned kLongMs = 60000;
 constexpr unsigned kUntouched = 4711;
 constexpr char kNotOpen[] = "Serial port not open.";
 
 class ReadFailureTest : public DriverFixture {
 protected:
-    void open() {
-        ASSERT_THAT(openDriver(), isSuccess());
-        m_calls.forget();
-    }
-
     DeviceResult read(int length, unsigned timeoutMs) {
         return m_driver->read(m_count, m_buffer.data(), length, timeoutMs);
     }

@@ -9,23 +9,18 @@ using ::testing::ElementsAre;
 
 namespace {
 
-constexpr unsigned kLongMs = 60000;
-
 class ReadLockTest : public DriverFixture {
 protected:
     ReadLockTest() {
-        EXPECT_THAT(openDriver(), isSuccess());
-        m_calls.forget();
+        open();
         m_calls.watch(m_mutex);
         m_mutex.lock();
     }
 
     ~ReadLockTest() override { m_mutex.unlock(); }
 
-    void begin() { m_calls.forget(); }
-
     DeviceResult read(int length, unsigned timeoutMs) {
-        begin();
+        m_calls.forget();
         const DeviceResult result =
             m_driver->read_locked(m_count, m_buffer, length, timeoutMs, &m_mutex);
         m_seen = m_calls.all();
@@ -74,11 +69,11 @@ TEST_P(ReadLockTest, AnInterruptedWaitKeepsItFree) {
 
 TEST_P(ReadLockTest, WithoutAMutexNoneIsTouched) {
     m_line.send("ab", 2);
-    begin();
+    m_calls.forget();
     EXPECT_THAT(m_driver->read_locked(m_count, m_buffer, 4, 0, nullptr), isSuccess());
     EXPECT_THAT(m_calls.all(), ElementsAre("poll", "read"));
     m_line.send("ab", 2);
-    begin();
+    m_calls.forget();
     EXPECT_THAT(m_driver->read(m_count, m_buffer, 4, 0), isSuccess());
     EXPECT_THAT(m_calls.all(), ElementsAre("poll", "read"));
 }

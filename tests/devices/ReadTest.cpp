@@ -20,15 +20,11 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr unsigned kLongMs = 60000;
 constexpr unsigned kUntouched = 4711;
 
 class ReadTest : public DriverFixture {
 protected:
-    ReadTest() {
-        EXPECT_THAT(openDriver(), isSuccess());
-        m_calls.forget();
-    }
+    ReadTest() { open(); }
 
     DeviceResult read(int length, unsigned timeoutMs) {
         return m_driver->read(m_count, m_buffer.data(), length, timeoutMs);

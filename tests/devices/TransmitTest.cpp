@@ -32,8 +32,6 @@ private:
     rlimit m_before{};
 };
 
-constexpr unsigned kLongMs = 60000;
-
 class TransmitTest : public DriverFixture {
 protected:
     TransmitTest() { EXPECT_THAT(openDriver(), isSuccess()); }
@@ -46,9 +44,21 @@ protected:
         });
     }
 
+    /// More than the line takes, of which the beginning has reached the far end.
+    std::future<DeviceResult> beginToTransmit() {
+        std::future<DeviceResult> done = transmit(m_much);
+        EXPECT_EQ(m_line.receive(10).size(), 10U);
+        return done;
+    }
+
     DeviceResult post(const std::string& bytes) {
         const System::Lock lock(m_mutex);
         return m_driver->post(bytes);
+    }
+
+    void close() {
+        const System::Lock lock(m_mutex);
+        EXPECT_THAT(m_driver->close(), isSuccess());
     }
 
     /// From another thread, without limit.
@@ -90,18 +100,13 @@ TEST_P(TransmitTest, HoldsNoMutexWhileItWaits) {
 }
 
 TEST_P(TransmitTest, EndsWhenThePortIsClosed) {
-    std::future<DeviceResult> done = transmit(m_much);
-    EXPECT_EQ(m_line.receive(10).size(), 10U);
-    {
-        const System::Lock lock(m_mutex);
-        EXPECT_THAT(m_driver->close(), isSuccess());
-    }
+    std::future<DeviceResult> done = beginToTransmit();
+    close();
     EXPECT_THAT(done.get(), isFailure(0x400, "Serial port not open."));
 }
 
 TEST_P(TransmitTest, EndsWhenThePortIsClosedAndOpenedAgain) {
-    std::future<DeviceResult> done = transmit(m_much);
-    EXPECT_EQ(m_line.receive(10).size(), 10U);
+    std::future<DeviceResult> done = beginToTransmit();
     {
         const System::Lock lock(m_mutex);
         EXPECT_THAT(openDriver(), isSuccess());
@@ -111,8 +116,7 @@ TEST_P(TransmitTest, EndsWhenThePortIsClosedAndOpenedAgain) {
 }
 
 TEST_P(TransmitTest, EndsWhenTheLineHasGone) {
-    std::future<DeviceResult> done = transmit(m_much);
-    EXPECT_EQ(m_line.receive(10).size(), 10U);
+    std::future<DeviceResult> done = beginToTransmit();
     m_line.hangUp();
     EXPECT_THAT(done.get(), isFailure(EIO, textFor("Failed to write to ", EIO)));
 }
@@ -135,12 +139,8 @@ TEST_P(TransmitTest, WithoutDescriptorsToWakeItWithItLooksByItself) {
         const OneMoreDescriptor justTheDevice;
         ASSERT_THAT(openDriver(), isSuccess());
     }
-    std::future<DeviceResult> done = transmit(m_much);
-    EXPECT_EQ(m_line.receive(10).size(), 10U);
-    {
-        const System::Lock lock(m_mutex);
-        EXPECT_THAT(m_driver->close(), isSuccess());
-    }
+    std::future<DeviceResult> done = beginToTransmit();
+    close();
     EXPECT_THAT(done.get(), isFailure(0x400, "Serial port not open."));
 }
 

@@ -10,11 +10,6 @@ namespace {
 
 class WriteTest : public DriverFixture {
 protected:
-    void open() {
-        ASSERT_THAT(openDriver(), isSuccess());
-        m_calls.forget();
-    }
-
     // The kernel moves what was written on to the far end
     // in its own time, which makes room a few times more.
     DeviceResult writeUntilRefused(const std::string& bytes) {

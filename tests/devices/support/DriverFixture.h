@@ -25,6 +25,9 @@ inline void PrintTo(const DriverKind& kind, std::ostream* out) {
     *out << kind.name;
 }
 
+/// Longer than anything here takes.
+constexpr unsigned kLongMs = 60000;
+
 /// A driver of either kind, closed, and a line for it.
 class DriverFixture : public ::testing::TestWithParam<DriverKind> {
 protected:
@@ -32,6 +35,12 @@ protected:
 
     DeviceResult openDriver(unsigned baud = 115200) {
         return m_driver->open(m_line.path(), baud, 8, 1, CommInterface::None);
+    }
+
+    /// Opens the driver with ordinary settings and forgets the calls that this took.
+    void open() {
+        ASSERT_THAT(openDriver(), isSuccess());
+        m_calls.forget();
     }
 
     bool isOpen() {
