@@ -5,7 +5,6 @@
 #include <thread>
 
 #include "core/ProcessResponseAscii.h"
-#include "support/LineTexts.h"
 #include "support/Lines.h"
 #include "support/RunningHandler.h"
 #include "support/SocketPair.h"

@@ -54,10 +54,8 @@ TEST_F(NetListenerPortTest, ServesAnyNumberOfStationsAtOnce) {
     const Connection first = connectStation();
     const Connection second = connectStation();
     const Connection third = connectStation();
-    for (const Connection* station : {&third, &first, &second, &first}) {
-        station->send(kRequest);
-        EXPECT_EQ(station->receive(kAnswer.size()), kAnswer);
-    }
+    for (const Connection* station : {&third, &first, &second, &first})
+        expectExchange(*station, kRequest, kAnswer);
     EXPECT_EQ(listener.getState(), StatedThread::Running);
 }
 
@@ -66,10 +64,8 @@ TEST_F(NetListenerPortTest, AHalfSentCommandHoldsUpNobodyElse) {
     const Connection slow = connectStation();
     slow.send("\x02scrip");
     const Connection quick = connectStation();
-    quick.send(kRequest);
-    EXPECT_EQ(quick.receive(kAnswer.size()), kAnswer);
-    slow.send("ted\x03\n");
-    EXPECT_EQ(slow.receive(kAnswer.size()), kAnswer);
+    expectExchange(quick, kRequest, kAnswer);
+    expectExchange(slow, "ted\x03\n", kAnswer);
 }
 
 TEST_F(NetListenerPortTest, ListensOnTheLoopbackAddressOnly) {
@@ -91,8 +87,7 @@ TEST_F(NetListenerPortTest, WaitsForAPortThatIsTaken) {
     EXPECT_TRUE(notServed.isSilentFor(std::chrono::milliseconds(150)));
     other.reset();
     const Connection served = connectStation();
-    served.send(kRequest);
-    EXPECT_EQ(served.receive(kAnswer.size()), kAnswer);
+    expectExchange(served, kRequest, kAnswer);
 }
 
 TEST_F(NetListenerPortTest, IsReadyToServeStationsBeforeItListens) {
@@ -116,13 +111,11 @@ TEST_F(NetListenerPortTest, WithoutAThreadToServeStationsItDoesNotListen) {
 TEST_F(NetListenerPortTest, AStationWaitsWhileThereIsNoThreadForIt) {
     startListener();
     const Connection first = connectStation();
-    first.send(kRequest);
-    EXPECT_EQ(first.receive(kAnswer.size()), kAnswer);
+    expectExchange(first, kRequest, kAnswer);
     const int before = SystemCalls::threadAttempts();
     SystemCalls::failThreads(3);
     const Connection station = connectStation();
-    station.send(kRequest);
-    EXPECT_EQ(station.receive(kAnswer.size()), kAnswer);
+    expectExchange(station, kRequest, kAnswer);
     EXPECT_EQ(SystemCalls::threadAttempts(), before + 4);
 }
 
