@@ -37,6 +37,13 @@ protected:
 
     std::string received() { return m_buffer.first(m_count); }
 
+    /// That these bytes have come, and nothing beyond them.
+    void expectReceived(const std::string& bytes) {
+        EXPECT_EQ(m_count, bytes.size());
+        EXPECT_EQ(received(), bytes);
+        EXPECT_TRUE(m_buffer.isUntouchedBut(m_count));
+    }
+
     GuardedBuffer<16> m_buffer;
     unsigned m_count = kUntouched;
 };
@@ -46,9 +53,7 @@ protected:
 TEST_P(ReadTest, WithoutATimeOutItReturnsTheFirstArrival) {
     m_line.send("abc", 3);
     EXPECT_THAT(read(10, 0), isSuccess());
-    EXPECT_EQ(m_count, 3U);
-    EXPECT_EQ(received(), "abc");
-    EXPECT_TRUE(m_buffer.isUntouchedBut(3));
+    expectReceived("abc");
     EXPECT_THAT(m_calls.all(), ElementsAre("poll", "read"));
 }
 
@@ -63,8 +68,7 @@ TEST_P(ReadTest, WithATimeOutItCollectsUntilThereIsEnough) {
     m_line.send("ab", 2);
     m_calls.script("poll", {DeviceCalls::passing(), sending("cd"), sending("ef")});
     EXPECT_THAT(read(6, kLongMs), isSuccess());
-    EXPECT_EQ(received(), "abcdef");
-    EXPECT_TRUE(m_buffer.isUntouchedBut(6));
+    expectReceived("abcdef");
     EXPECT_THAT(m_calls.all(), ElementsAre("poll", "read", "poll", "read", "poll", "read"));
 }
 
@@ -86,17 +90,14 @@ TEST_P(ReadTest, SilenceIsASuccessWithNothing) {
     const auto begin = Clock::now();
     EXPECT_THAT(read(10, 500), isSuccess());
     EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(499));
-    EXPECT_EQ(m_count, 0U);
-    EXPECT_TRUE(m_buffer.isUntouchedBut(0));
+    expectReceived("");
     EXPECT_THAT(m_calls.all(), ElementsAre("poll"));
 }
 
 TEST_P(ReadTest, SilenceAfterSomeBytesIsASuccessWithThose) {
     m_line.send("abc", 3);
     EXPECT_THAT(read(10, 100), isSuccess());
-    EXPECT_EQ(m_count, 3U);
-    EXPECT_EQ(received(), "abc");
-    EXPECT_TRUE(m_buffer.isUntouchedBut(3));
+    expectReceived("abc");
     EXPECT_THAT(m_calls.all(), ElementsAre("poll", "read", "poll"));
 }
 
@@ -132,8 +133,7 @@ TEST_P(ReadTest, NothingAskedForIsNothingRead) {
 
 TEST_P(ReadTest, NothingAskedForOfASilentLineRunsIntoTheTimeOut) {
     EXPECT_THAT(read(0, 20), isSuccess());
-    EXPECT_EQ(m_count, 0U);
-    EXPECT_TRUE(m_buffer.isUntouchedBut(0));
+    expectReceived("");
 }
 
 TEST_P(ReadTest, TheLimitIsTheTimeOutInMilliseconds) {
@@ -192,8 +192,7 @@ TEST_P(ReadTest, AWaitThatWasToldOfNothingStillRunsIntoItsTimeOut) {
     m_calls.failNext("read", EAGAIN);
     m_calls.script("poll", {DeviceCalls::returning(1)});
     EXPECT_THAT(read(3, 20), isSuccess());
-    EXPECT_EQ(m_count, 0U);
-    EXPECT_TRUE(m_buffer.isUntouchedBut(0));
+    expectReceived("");
 }
 
 TEST_P(ReadTest, ManyBytesArriveInTheirOrder) {
