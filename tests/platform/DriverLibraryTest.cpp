@@ -1,15 +1,12 @@
 #include "platform/DriverLibrary.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <utility>
 
 #include "support/ErrorNumber.h"
+#include "support/FolderFixture.h"
 
 using System::DriverLibrary;
 
@@ -18,43 +15,42 @@ namespace {
 // Every program here needs it, and it is on the loader's path.
 constexpr char kSomeLibrary[] = "libm.so.6";
 
+class DriverLibraryTest : public FolderFixture {};
+
 } // namespace
 
-TEST(DriverLibraryTest, LoadsFromTheLoadersPathAndFindsSymbols) {
+TEST_F(DriverLibraryTest, LoadsFromTheLoadersPathAndFindsSymbols) {
     const DriverLibrary library = DriverLibrary::load(kSomeLibrary);
     ASSERT_TRUE(library);
     EXPECT_NE(library.symbol("cos"), nullptr);
     EXPECT_EQ(library.symbol("no such symbol"), nullptr);
 }
 
-TEST(DriverLibraryTest, AnEmptyOneHasNoSymbols) {
+TEST_F(DriverLibraryTest, AnEmptyOneHasNoSymbols) {
     const DriverLibrary none;
     EXPECT_FALSE(none);
     EXPECT_EQ(none.symbol("cos"), nullptr);
 }
 
-TEST(DriverLibraryTest, AMissingLibraryIsAnError) {
+TEST_F(DriverLibraryTest, AMissingLibraryIsAnError) {
     for (const char* name : {"no-such-library.so", "/no/such/library.so"}) {
         errno = 0;
         EXPECT_EQ(errorOf(DriverLibrary::load(name)), ENOENT) << name;
     }
 }
 
-TEST(DriverLibraryTest, ALibraryThatLacksAFunctionIsAnError) {
+TEST_F(DriverLibraryTest, ALibraryThatLacksAFunctionIsAnError) {
     EXPECT_FALSE(DriverLibrary::load(INCOMPLETE_LIBRARY));
 }
 
-TEST(DriverLibraryTest, WhatIsNoLibraryIsAnError) {
-    std::string path = (std::filesystem::temp_directory_path() / "library-XXXXXX").string();
-    ASSERT_NE(::mkdtemp(path.data()), nullptr);
-    const std::string file = path + "/text.so";
+TEST_F(DriverLibraryTest, WhatIsNoLibraryIsAnError) {
+    const std::string file = m_folder / "text.so";
     std::ofstream(file) << std::string(8192, 'x');
     errno = 0;
     EXPECT_NE(errorOf(DriverLibrary::load(file.c_str())), 0);
-    std::filesystem::remove_all(path);
 }
 
-TEST(DriverLibraryTest, MovesToAnotherOwner) {
+TEST_F(DriverLibraryTest, MovesToAnotherOwner) {
     DriverLibrary first = DriverLibrary::load(kSomeLibrary);
     DriverLibrary second = std::move(first);
     ASSERT_TRUE(second);

@@ -11,8 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
@@ -20,6 +18,7 @@
 
 #include "platform/BlockDevice.h"
 #include "support/ErrorNumber.h"
+#include "support/FolderFixture.h"
 #include "support/PseudoTerminal.h"
 #include "support/Rows.h"
 #include "support/SleepingThread.h"
@@ -31,22 +30,13 @@ using System::readNode;
 using System::readNodeAt;
 using System::writeNode;
 
-namespace fs = std::filesystem;
-
 namespace {
 
 // Far beyond the longest wait, and far below a test's patience.
 constexpr std::chrono::seconds kWithoutEnd{20};
 
-class NodeTest : public ::testing::Test {
+class NodeTest : public FolderFixture {
 protected:
-    NodeTest() {
-        std::string folder = fs::temp_directory_path() / "node_XXXXXX";
-        EXPECT_NE(::mkdtemp(folder.data()), nullptr);
-        m_folder = folder;
-    }
-    ~NodeTest() override { fs::remove_all(m_folder); }
-
     std::string file(const std::string& content) const {
         const std::string path = m_folder / "file";
         std::ofstream(path, std::ios::binary) << content;
@@ -67,7 +57,6 @@ protected:
         EXPECT_LT(steady_clock::now() - start, kWithoutEnd);
     }
 
-    fs::path m_folder;
     char m_byte = 'z';
 };
 

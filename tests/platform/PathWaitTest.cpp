@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "support/DescriptorLimit.h"
+#include "support/FolderFixture.h"
 #include "support/SleepingThread.h"
 #include "support/Waiting.h"
 
@@ -28,17 +29,9 @@ constexpr std::chrono::milliseconds kLong = std::chrono::minutes(5);
 constexpr std::chrono::milliseconds kAtOnce = std::chrono::minutes(1);
 constexpr std::chrono::milliseconds kShort{100};
 
-/// A folder of the case's own, and a thread that waits.
-class PathWaitTest : public ::testing::Test {
+/// A folder, and a thread that waits for what appears there.
+class PathWaitTest : public FolderFixture {
 protected:
-    PathWaitTest() {
-        std::string pattern = (fs::temp_directory_path() / "path-wait-XXXXXX").string();
-        EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
-        m_folder = pattern;
-    }
-
-    ~PathWaitTest() override { fs::remove_all(m_folder); }
-
     fs::path in(const std::string& name) const { return m_folder / name; }
 
     static void make(const fs::path& file) { std::ofstream(file) << "x"; }
@@ -64,7 +57,6 @@ protected:
         EXPECT_LT(Clock::now() - begin, kAtOnce);
     }
 
-    fs::path m_folder;
     PathWait m_wait;
 };
 

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <gmock/gmock.h>
-
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -11,6 +8,7 @@
 
 #include "manager/ScriptedManager.h"
 #include "platform/DeviceManager.h"
+#include "support/FolderFixture.h"
 
 using Bytes = ScriptedManager::Bytes;
 
@@ -24,21 +22,8 @@ constexpr std::uint32_t kBoth = 0xC0040504;
 constexpr unsigned char kGuard = 0x5A;
 
 /// A manager at a path of the case's own, and the device that stands for it.
-class ManagerFixture : public ::testing::Test {
+class ManagerFixture : public FolderFixture {
 protected:
-    ManagerFixture() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "manager-XXXXXX").string();
-        EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
-        m_folder = pattern;
-        m_path = m_folder / "bus";
-        m_manager = std::make_unique<ScriptedManager>(m_path);
-    }
-
-    ~ManagerFixture() override {
-        m_manager.reset();
-        std::filesystem::remove_all(m_folder);
-    }
-
     void open() {
         m_device = System::openDevice(m_path.c_str());
         ASSERT_TRUE(m_device) << std::strerror(errno);
@@ -67,9 +52,8 @@ protected:
         EXPECT_EQ(m_manager->lastRequest(), littleEndian({kBack, 0, 1, 0}));
     }
 
-    std::filesystem::path m_folder;
-    std::filesystem::path m_path;
-    std::unique_ptr<ScriptedManager> m_manager;
+    std::filesystem::path m_path = m_folder / "bus";
+    std::unique_ptr<ScriptedManager> m_manager = std::make_unique<ScriptedManager>(m_path);
     System::Descriptor m_device;
 };
 
