@@ -9,8 +9,6 @@ using ::testing::IsEmpty;
 
 namespace {
 
-using Tokens = std::vector<std::vector<char>>;
-
 class HandlerAsciiTest : public RunningHandler {};
 
 } // namespace

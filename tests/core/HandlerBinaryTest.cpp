@@ -75,10 +75,7 @@ TEST_F(HandlerBinaryTest, AnUnknownIdIsAnsweredInTheNameOfTheErrorCommand) {
 
 TEST_F(HandlerBinaryTest, AFrameThatIsNotValidIsAnsweredByItsCommand) {
     bool ran = false;
-    command().onRequest = [&ran](Bytes*) {
-        ran = true;
-        return new ProcessResponse(0);
-    };
+    command().willRun([&ran] { ran = true; });
     EXPECT_THAT(send({0x03, 'Q', 9, 1}), ElementsAre(8, 'Q', 9, 1, 1, 1, 0, 0));
     EXPECT_THAT(m_listener.frames,
                 ElementsAre(debugFrame("Internal Error: Invalid Request Buffer Size")));
@@ -87,10 +84,7 @@ TEST_F(HandlerBinaryTest, AFrameThatIsNotValidIsAnsweredByItsCommand) {
 
 TEST_F(HandlerBinaryTest, ARequestTooShortToBeLookedUpIsRefusedAtOnce) {
     bool ran = false;
-    command().onRequest = [&ran](Bytes*) {
-        ran = true;
-        return new ProcessResponse(0);
-    };
+    command().willRun([&ran] { ran = true; });
     for (const Bytes& request : {Bytes{}, Bytes{0x01}, Bytes{'Q'}}) {
         SCOPED_TRACE(request.size());
         expectBoundsException(request);

@@ -14,8 +14,6 @@ using ::testing::ElementsAre;
 
 namespace {
 
-using Tokens = std::vector<std::vector<char>>;
-
 class HandlerExclusiveTest : public RunningHandler {
 protected:
     /// Lets the command wait until `release`, and notes when it runs.
@@ -56,10 +54,7 @@ private:
 
 TEST_F(HandlerExclusiveTest, ItRunsOnTheDispatcherAndIsWaitedFor) {
     std::thread::id commands;
-    command().onTokens = [&](Tokens&) {
-        commands = std::this_thread::get_id();
-        return new ProcessResponse(ProcessResponse::kSuccess);
-    };
+    command().willRun([&] { commands = std::this_thread::get_id(); });
     send({"scripted"});
     std::thread::id own;
     handler().runExclusively([&] { own = std::this_thread::get_id(); });
@@ -101,10 +96,7 @@ TEST_F(HandlerExclusiveTest, NoCommandRunsMeanwhile) {
         });
     });
     ASSERT_TRUE(eventually([&] { return runs.load(); }));
-    command().onTokens = [&](Tokens&) {
-        note("command");
-        return new ProcessResponse(ProcessResponse::kSuccess);
-    };
+    command().willRun([&] { note("command"); });
     std::thread station([&] { EXPECT_EQ(send({"scripted"}), "scripted ok"); });
     EXPECT_FALSE(eventually([&] { return !notes().empty(); }, std::chrono::milliseconds(20)));
     mayEnd = true;
@@ -165,10 +157,7 @@ TEST_F(HandlerExclusiveTest, ManyCallersAndRequestsRunOneAtATime) {
         ++runs;
         --running;
     };
-    command().onTokens = [&](Tokens&) {
-        once();
-        return new ProcessResponse(ProcessResponse::kSuccess);
-    };
+    command().willRun(once);
     std::vector<std::thread> callers;
     for (int caller = 0; caller < kCallers; ++caller)
         callers.emplace_back([&, caller] {

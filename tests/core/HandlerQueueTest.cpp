@@ -9,8 +9,6 @@
 
 namespace {
 
-using Tokens = std::vector<std::vector<char>>;
-
 constexpr int kThreads = 16;
 constexpr int kRequests = 2000;
 

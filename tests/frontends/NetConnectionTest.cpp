@@ -18,7 +18,7 @@ namespace {
 class NetConnectionTest : public RunningHandler {
 protected:
     NetConnectionTest() {
-        command().onTokens = [this](std::vector<std::vector<char>>& list) {
+        command().onTokens = [this](Tokens& list) {
             m_arguments.emplace_back(list.size() > 1 ? list[1].data() : "");
             auto* response = new ProcessResponseAscii(0, "");
             response->answer = m_arguments.back();

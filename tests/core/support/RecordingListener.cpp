@@ -16,8 +16,8 @@ std::vector<char> token(const std::string& text) {
     return bytes;
 }
 
-std::vector<std::vector<char>> tokens(const std::vector<std::string>& texts) {
-    std::vector<std::vector<char>> list;
+Tokens tokens(const std::vector<std::string>& texts) {
+    Tokens list;
     list.reserve(texts.size());
     for (const std::string& text : texts)
         list.push_back(token(text));

@@ -6,6 +6,7 @@
 #include "core/AbstractListener.h"
 
 using Bytes = std::vector<unsigned char>;
+using Tokens = std::vector<std::vector<char>>;
 
 /// A front end that keeps what commands send while they run. One thread at a time.
 class RecordingListener : public AbstractListener {
@@ -24,4 +25,4 @@ Bytes debugFrame(const std::string& text);
 
 /// A token as the lexer leaves it: the text with its terminating zero.
 std::vector<char> token(const std::string& text);
-std::vector<std::vector<char>> tokens(const std::vector<std::string>& texts);
+Tokens tokens(const std::vector<std::string>& texts);

@@ -12,7 +12,11 @@ ScriptedCommand& ScriptedCommand::diag() {
     return command;
 }
 
-void ScriptedCommand::reset() {
-    onTokens = [](auto&) { return new ProcessResponse(ProcessResponse::kSuccess); };
-    onRequest = [](Bytes*) { return new ProcessResponse(ProcessResponse::kSuccess); };
+void ScriptedCommand::willRun(const std::function<void()>& action) {
+    const auto run = [action] {
+        action();
+        return new ProcessResponse(ProcessResponse::kSuccess);
+    };
+    onTokens = [run](Tokens&) { return run(); };
+    onRequest = [run](Bytes*) { return run(); };
 }

@@ -15,18 +15,20 @@ public:
     /// The one that most cases need: 'D' "diag", which is not registered.
     static ScriptedCommand& diag();
 
-    ProcessResponse* process(std::vector<std::vector<char>>& tokens) override {
-        return onTokens(tokens);
-    }
+    ProcessResponse* process(Tokens& tokens) override { return onTokens(tokens); }
     ProcessResponse* process(Bytes* request) override { return onRequest(request); }
 
     using AbstractCmd::listener;
 
-    std::function<ProcessResponse*(std::vector<std::vector<char>>&)> onTokens;
+    std::function<ProcessResponse*(Tokens&)> onTokens;
     std::function<ProcessResponse*(Bytes*)> onRequest;
 
+    /// Runs this for each request, and answers plain success.
+    void willRun(const std::function<void()>& action);
     /// Back to answering plain success.
-    void reset();
+    void reset() {
+        willRun([] {});
+    }
 
 private:
     using AbstractCmd::AbstractCmd;

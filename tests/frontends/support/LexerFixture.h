@@ -11,8 +11,6 @@
 #include "support/Lines.h"
 #include "support/RecordingListener.h"
 
-using Tokens = std::vector<std::vector<char>>;
-
 /// What a scan leaves behind.
 struct Scan {
     Tokens tokens;
