@@ -1,4 +1,3 @@
-// It is long as it is one driver: each of its calls is scripted, noted and held up here.
 #include "driver/ScriptedBluetooth.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +14,6 @@
 namespace {
 
 constexpr int kFailure = -1;
-constexpr int kAnyHandle = 0;
 
 std::atomic<ScriptedBluetooth*> s_current{nullptr};
 
@@ -74,133 +72,9 @@ void ScriptedBluetooth::letGo() {
     ignoreCancelling(false);
 }
 
-void ScriptedBluetooth::willOpenAs(const std::vector<int>& handles) {
-    const Lock lock(m_mutex);
-    m_nextHandles.insert(m_nextHandles.end(), handles.begin(), handles.end());
-}
-
-void ScriptedBluetooth::refuseToOpen(bool refused) {
-    const Lock lock(m_mutex);
-    m_refusesToOpen = refused;
-}
-
-void ScriptedBluetooth::willLack(std::size_t slot) {
-    const Lock lock(m_mutex);
-    m_missingSlot = slot;
-}
-
-void ScriptedBluetooth::willFailToRead(int times) {
-    {
-        const Lock lock(m_mutex);
-        m_failingReads = times;
-    }
-    m_changed.notify_all();
-}
-
-void ScriptedBluetooth::receive(unsigned char type, const Bytes& bytes) {
-    receiveFor(kAnyHandle, type, bytes);
-}
-
-void ScriptedBluetooth::receiveFor(int handle, unsigned char type, const Bytes& bytes) {
-    {
-        const Lock lock(m_mutex);
-        m_packets.push_back({handle, type, bytes, static_cast<int>(bytes.size()), true});
-    }
-    m_changed.notify_all();
-}
-
-void ScriptedBluetooth::receiveOdd(unsigned char type, int length, bool hasBytes) {
-    {
-        const Lock lock(m_mutex);
-        m_packets.push_back({kAnyHandle, type, Bytes(16), length, hasBytes});
-    }
-    m_changed.notify_all();
-}
-
-void ScriptedBluetooth::willFailToWrite(int times) {
-    const Lock lock(m_mutex);
-    m_failingWrites = times;
-}
-
-void ScriptedBluetooth::ignoreClosing(bool ignored) {
-    {
-        const Lock lock(m_mutex);
-        m_ignoresClosing = ignored;
-    }
-    m_changed.notify_all();
-}
-
-void ScriptedBluetooth::ignoreCancelling(bool ignored) {
-    const Lock lock(m_mutex);
-    m_ignoresCancelling = ignored;
-}
-
-void ScriptedBluetooth::holdUp(Point point) {
-    const Lock lock(m_mutex);
-    m_heldUp.insert(point);
-}
-
-void ScriptedBluetooth::release(Point point) {
-    {
-        const Lock lock(m_mutex);
-        m_heldUp.erase(point);
-    }
-    m_changed.notify_all();
-}
-
-bool ScriptedBluetooth::isLoaded() const {
-    const Lock lock(m_mutex);
-    return m_loaded > 0;
-}
-
-int ScriptedBluetooth::loads() const {
-    const Lock lock(m_mutex);
-    return m_loads;
-}
-
-int ScriptedBluetooth::openings() const {
-    const Lock lock(m_mutex);
-    return static_cast<int>(m_openings.size());
-}
-
 ScriptedBluetooth::Opening ScriptedBluetooth::lastOpening() const {
     const Lock lock(m_mutex);
     return m_openings.empty() ? Opening{"", -1} : m_openings.back();
-}
-
-std::vector<int> ScriptedBluetooth::closed() const {
-    const Lock lock(m_mutex);
-    return m_closed;
-}
-
-std::vector<ScriptedBluetooth::Write> ScriptedBluetooth::writes() const {
-    const Lock lock(m_mutex);
-    return m_writes;
-}
-
-int ScriptedBluetooth::reads() const {
-    const Lock lock(m_mutex);
-    return m_reads;
-}
-
-std::vector<ScriptedBluetooth::Clock::time_point> ScriptedBluetooth::failedReads() const {
-    const Lock lock(m_mutex);
-    return m_failedReads;
-}
-
-int ScriptedBluetooth::inside(Point point) const {
-    const Lock lock(m_mutex);
-    return static_cast<int>(m_inside.count(point));
-}
-
-int ScriptedBluetooth::readers() const {
-    const Lock lock(m_mutex);
-    return m_readers;
-}
-
-int ScriptedBluetooth::readersWhenUnloaded() const {
-    const Lock lock(m_mutex);
-    return m_readersWhenUnloaded;
 }
 
 bool ScriptedBluetooth::waitUntilInside(Point point, int threads) const {
@@ -257,13 +131,11 @@ int ScriptedBluetooth::onOpen(const char* path, int flags) {
 }
 
 int ScriptedBluetooth::onClose(int handle) {
-    {
-        const Lock lock(m_mutex);
+    change([&] {
         expectKnown(handle);
         EXPECT_EQ(m_open.erase(handle), 1U) << "handle " << handle << " is closed again";
         m_closed.push_back(handle);
-    }
-    m_changed.notify_all();
+    });
     return 0;
 }
 
@@ -329,16 +201,6 @@ int ScriptedBluetooth::onWrite(int handle, int type, const void* data, int lengt
         return 0;
     --m_failingWrites;
     return kFailure;
-}
-
-void ScriptedBluetooth::countInside(int change) {
-    const Lock lock(m_mutex);
-    m_insideLibrary += change;
-}
-
-void ScriptedBluetooth::countReader(int change) {
-    const Lock lock(m_mutex);
-    m_readers += change;
 }
 
 extern "C" {

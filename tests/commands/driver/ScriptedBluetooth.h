@@ -46,46 +46,68 @@ public:
     // --- What it does. ---
 
     /// The handles that the next openings give; without that it is their number, from 1 on.
-    void willOpenAs(const std::vector<int>& handles);
-    void refuseToOpen(bool refused);
+    void willOpenAs(const std::deque<int>& handles) {
+        change([&] { m_nextHandles = handles; });
+    }
+    void refuseToOpen(bool refused) {
+        change([&] { m_refusesToOpen = refused; });
+    }
     /// The next time that it is loaded, this slot of its table is empty.
-    void willLack(std::size_t slot);
-    void willFailToRead(int times);
+    void willLack(std::size_t slot) {
+        change([&] { m_missingSlot = slot; });
+    }
+    void willFailToRead(int times) {
+        change([&] { m_failingReads = times; });
+    }
     /// A packet for the next read that has no other step.
-    void receive(unsigned char type, const Bytes& bytes);
+    void receive(unsigned char type, const Bytes& bytes) { receiveFor(kAnyHandle, type, bytes); }
     /// The same for a read on this handle only.
-    void receiveFor(int handle, unsigned char type, const Bytes& bytes);
+    void receiveFor(int handle, unsigned char type, const Bytes& bytes) {
+        deliver({handle, type, bytes, static_cast<int>(bytes.size()), true});
+    }
     /// The same with a length of its own making, and with or without bytes.
-    void receiveOdd(unsigned char type, int length, bool hasBytes);
-    void willFailToWrite(int times);
+    void receiveOdd(unsigned char type, int length, bool hasBytes) {
+        deliver({kAnyHandle, type, Bytes(16), length, hasBytes});
+    }
+    void willFailToWrite(int times) {
+        change([&] { m_failingWrites = times; });
+    }
     /// A read ignores that its device is closed.
-    void ignoreClosing(bool ignored);
+    void ignoreClosing(bool ignored) {
+        change([&] { m_ignoresClosing = ignored; });
+    }
     /// A read never comes to a point at which its thread could be cancelled.
-    void ignoreCancelling(bool ignored);
+    void ignoreCancelling(bool ignored) {
+        change([&] { m_ignoresCancelling = ignored; });
+    }
     /// Who comes to this point waits there until `release`, and cannot be cancelled.
-    void holdUp(Point point);
-    void release(Point point);
+    void holdUp(Point point) {
+        change([&] { m_heldUp.insert(point); });
+    }
+    void release(Point point) {
+        change([&] { m_heldUp.erase(point); });
+    }
     /// Nobody is held up any more, and reads end when their device is closed.
     void letGo();
 
     // --- What happened. Each `wait...` is false when the patience is exhausted. ---
 
-    bool isLoaded() const;
-    int loads() const;
-    int openings() const;
+    bool isLoaded() const { return now(m_loaded) > 0; }
+    int loads() const { return now(m_loads); }
+    int openings() const { return static_cast<int>(now(m_openings).size()); }
     Opening lastOpening() const;
     /// Handles that were closed, in their order.
-    std::vector<int> closed() const;
-    std::vector<Write> writes() const;
+    std::vector<int> closed() const { return now(m_closed); }
+    std::vector<Write> writes() const { return now(m_writes); }
     /// Reads that have been begun.
-    int reads() const;
-    std::vector<Clock::time_point> failedReads() const;
+    int reads() const { return now(m_reads); }
+    std::vector<Clock::time_point> failedReads() const { return now(m_failedReads); }
     /// Threads that are at this point now.
-    int inside(Point point) const;
+    int inside(Point point) const { return static_cast<int>(now(m_inside).count(point)); }
     /// Threads that have read and have not ended.
-    int readers() const;
+    int readers() const { return now(m_readers); }
     /// The same at the time when it was unloaded last.
-    int readersWhenUnloaded() const;
+    int readersWhenUnloaded() const { return now(m_readersWhenUnloaded); }
 
     bool waitUntilInside(Point point, int threads = 1) const;
     bool waitUntilUnloaded() const;
@@ -97,12 +119,18 @@ public:
     int onClose(int handle);
     int onRead(int handle, unsigned char* type, unsigned char** data, int* length);
     int onWrite(int handle, int type, const void* data, int length);
-    void countInside(int change);
-    void countReader(int change);
+    void countInside(int more) {
+        change([&] { m_insideLibrary += more; });
+    }
+    void countReader(int more) {
+        change([&] { m_readers += more; });
+    }
 
 private:
+    static constexpr int kAnyHandle = 0;
+
     struct Packet {
-        int handle; // 0 for any
+        int handle;
         unsigned char type;
         Bytes bytes;
         int length;
@@ -110,6 +138,24 @@ private:
     };
     using Lock = std::unique_lock<std::mutex>;
     class Presence;
+
+    /// Whoever waits for something looks again.
+    template <typename Change>
+    void change(Change change) {
+        {
+            const Lock lock(m_mutex);
+            change();
+        }
+        m_changed.notify_all();
+    }
+    template <typename Field>
+    Field now(const Field& field) const {
+        const Lock lock(m_mutex);
+        return field;
+    }
+    void deliver(const Packet& packet) {
+        change([&] { m_packets.push_back(packet); });
+    }
 
     std::deque<Packet>::iterator nextPacket(int handle);
     void waitForPacket(int handle);
