@@ -43,8 +43,7 @@ TEST_F(mvbtCmdCyclesTest, AThousandCyclesLeaveNothingBehind) {
     for (int cycle = 1; cycle <= kCycles; ++cycle) {
         SCOPED_TRACE(cycle);
         const auto before = steady_clock::now();
-        open();
-        ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+        openAndRead();
         ASSERT_EQ(m_link.close(), 0);
         spent += steady_clock::now() - before;
         ASSERT_FALSE(m_driver.isLoaded());

@@ -18,19 +18,14 @@ namespace {
 
 using std::chrono::milliseconds;
 
-class mvbtCmdFailureTest : public BluetoothFixture {};
+using mvbtCmdFailureTest = BluetoothFixture;
 
 } // namespace
 
 TEST_F(mvbtCmdFailureTest, ADeviceThatCannotBeOpenedIsToldAndTriedAgain) {
     m_driver.refuseToOpen(true);
-    for (int time = 0; time < 2; ++time) {
-        int result = 0;
-        EXPECT_EQ(errorOutputOf([&] { result = m_link.open(); }), "MVBT open failed\n");
-        EXPECT_EQ(result, -1);
-        EXPECT_FALSE(m_link.checkDll());
-        EXPECT_FALSE(m_driver.isLoaded());
-    }
+    for (int time = 0; time < 2; ++time)
+        expectNotOpened("MVBT open failed\n");
     EXPECT_THAT(m_driver.closed(), IsEmpty());
     EXPECT_EQ(m_driver.reads(), 0);
     m_driver.refuseToOpen(false);
@@ -42,10 +37,7 @@ TEST_F(mvbtCmdFailureTest, ATableWithAHoleIsNone) {
     for (const std::size_t slot : {1U, 2U, 3U, 5U}) {
         SCOPED_TRACE(slot);
         m_driver.willLack(slot);
-        int result = 0;
-        EXPECT_EQ(errorOutputOf([&] { result = m_link.open(); }), "Can't find driver entry\n");
-        EXPECT_EQ(result, -1);
-        EXPECT_FALSE(m_driver.isLoaded());
+        expectNotOpened("Can't find driver entry\n");
     }
     EXPECT_EQ(m_driver.openings(), 0);
     open();
@@ -87,8 +79,7 @@ TEST_F(mvbtCmdFailureTest, AMutexThatCannotBeMadeIsToldAndChangesNothing) {
 }
 
 TEST_F(mvbtCmdFailureTest, AFailedReadOpensTheDriverAnew) {
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    openAndRead();
     EXPECT_EQ(errorOutputOf([&] {
                   m_driver.willFailToRead(1);
                   EXPECT_TRUE(eventually([&] { return m_driver.reads() == 2; }));
@@ -140,8 +131,7 @@ TEST_F(mvbtCmdFailureTest, ADriverThatFailsForEverIsTriedNowAndThen) {
 }
 
 TEST_F(mvbtCmdFailureTest, ADriverThatCannotBeOpenedAnewIsTriedNowAndThen) {
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    openAndRead();
     m_driver.refuseToOpen(true);
     const std::string told = errorOutputOf([&] {
         m_driver.willFailToRead(1);

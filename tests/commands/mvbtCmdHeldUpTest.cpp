@@ -9,14 +9,29 @@ using ::testing::SizeIs;
 
 namespace {
 
-class mvbtCmdHeldUpTest : public BluetoothFixture {};
+class mvbtCmdHeldUpTest : public BluetoothFixture {
+protected:
+    /// Closes the link under a reader that notices nothing.
+    void leaveReaderBehind() {
+        m_driver.ignoreCancelling(true);
+        m_driver.ignoreClosing(true);
+        openAndRead();
+        closePromptly();
+    }
+    /// Opens the link, and holds its reader up when it opens the driver anew.
+    void openAndHoldUpReopening() {
+        open();
+        m_driver.holdUp(ScriptedBluetooth::InOpen);
+        m_driver.willFailToRead(1);
+        EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InOpen));
+    }
+};
 
 } // namespace
 
 TEST_F(mvbtCmdHeldUpTest, AReadThatCannotBeCancelledKeepsTheLibraryUntilItComesBack) {
     m_driver.holdUp(ScriptedBluetooth::InRead);
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    openAndRead();
     closePromptly();
     EXPECT_TRUE(m_driver.isLoaded());
     EXPECT_THAT(m_driver.closed(), ElementsAre(1));
@@ -29,8 +44,7 @@ TEST_F(mvbtCmdHeldUpTest, AReadThatCannotBeCancelledKeepsTheLibraryUntilItComesB
 
 TEST_F(mvbtCmdHeldUpTest, AReadThatCannotBeCancelledIsWokenByClosing) {
     m_driver.ignoreCancelling(true);
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    openAndRead();
     EXPECT_EQ(errorOutputOf([&] { closePromptly(); }), "") << "this is no failure of the driver's";
     EXPECT_TRUE(m_driver.waitUntilUnloaded());
     EXPECT_EQ(m_driver.reads(), 1);
@@ -38,21 +52,15 @@ TEST_F(mvbtCmdHeldUpTest, AReadThatCannotBeCancelledIsWokenByClosing) {
 }
 
 TEST_F(mvbtCmdHeldUpTest, AReadFromBeforeDeliversNothingToALaterOpening) {
-    m_driver.ignoreCancelling(true);
-    m_driver.ignoreClosing(true);
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
-    closePromptly();
+    leaveReaderBehind();
     m_driver.ignoreCancelling(false);
-    open();
+    openAndRead(2);
     EXPECT_EQ(m_driver.openings(), 2);
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead, 2));
     m_driver.receiveFor(1, kEvent, {1});
     ASSERT_TRUE(eventually([&] { return m_driver.readers() == 1; })) << "the one from before ends";
     EXPECT_TRUE(m_link.isQueueEmpty());
     m_driver.receiveFor(2, kEvent, {2});
-    ASSERT_TRUE(has(2));
-    EXPECT_EQ(fetch(), packet(kEvent, {2}));
+    expectPacket(kEvent, {2});
     EXPECT_TRUE(m_link.checkDll());
     expectWorking();
     closePromptly();
@@ -60,11 +68,7 @@ TEST_F(mvbtCmdHeldUpTest, AReadFromBeforeDeliversNothingToALaterOpening) {
 }
 
 TEST_F(mvbtCmdHeldUpTest, AReadFromBeforeThatFailsReopensNothing) {
-    m_driver.ignoreCancelling(true);
-    m_driver.ignoreClosing(true);
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
-    closePromptly();
+    leaveReaderBehind();
     EXPECT_EQ(errorOutputOf([&] {
                   m_driver.willFailToRead(1);
                   EXPECT_TRUE(m_driver.waitUntilUnloaded());
@@ -78,8 +82,7 @@ TEST_F(mvbtCmdHeldUpTest, ADriverThatDoesNotLetGoIsOpenedAllTheSame) {
     m_driver.holdUp(ScriptedBluetooth::InRead);
     constexpr int kTimes = 6;
     for (int time = 1; time <= kTimes; ++time) {
-        open();
-        ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead, time));
+        openAndRead(time);
         closePromptly();
     }
     EXPECT_THAT(m_driver.closed(), SizeIs(kTimes));
@@ -90,11 +93,8 @@ TEST_F(mvbtCmdHeldUpTest, ADriverThatDoesNotLetGoIsOpenedAllTheSame) {
 }
 
 TEST_F(mvbtCmdHeldUpTest, ClosingWhileTheReaderOpensAnew) {
-    open();
     ::testing::internal::CaptureStderr();
-    m_driver.holdUp(ScriptedBluetooth::InOpen);
-    m_driver.willFailToRead(1);
-    EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InOpen));
+    openAndHoldUpReopening();
     closePromptly();
     EXPECT_TRUE(m_driver.isLoaded()) << "the reader is inside";
     EXPECT_EQ(m_link.open(), -1) << "nor is it waited for now";
@@ -109,11 +109,8 @@ TEST_F(mvbtCmdHeldUpTest, ClosingWhileTheReaderOpensAnew) {
 }
 
 TEST_F(mvbtCmdHeldUpTest, WhileTheReaderOpensAnewNothingElseWaitsForIt) {
-    open();
     ::testing::internal::CaptureStderr();
-    m_driver.holdUp(ScriptedBluetooth::InOpen);
-    m_driver.willFailToRead(1);
-    EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InOpen));
+    openAndHoldUpReopening();
     EXPECT_FALSE(m_link.checkDll());
     write(1, {1});
     Bytes data = {7};
@@ -128,8 +125,7 @@ TEST_F(mvbtCmdHeldUpTest, WhileTheReaderOpensAnewNothingElseWaitsForIt) {
 }
 
 TEST_F(mvbtCmdHeldUpTest, TheDriverIsOpenedAnewOnceAWriteHasEnded) {
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    openAndRead();
     m_driver.holdUp(ScriptedBluetooth::InWrite);
     ::testing::internal::CaptureStderr();
     std::thread writer([&] { write(1, {5, 6}); });

@@ -9,7 +9,7 @@ using ::testing::IsEmpty;
 
 namespace {
 
-class mvbtCmdTest : public BluetoothFixture {};
+using mvbtCmdTest = BluetoothFixture;
 
 } // namespace
 
@@ -25,8 +25,7 @@ TEST_F(mvbtCmdTest, OpeningLoadsTheLibraryAndOpensTheDevice) {
 
 TEST_F(mvbtCmdTest, OpeningTwiceChangesNothing) {
     open();
-    m_driver.receive(kEvent, {1, 2});
-    ASSERT_TRUE(has(3));
+    receive({1, 2});
     open();
     EXPECT_EQ(m_driver.openings(), 1);
     EXPECT_EQ(m_link.getQueueSize(), 3U) << "what waits, too, stays";
@@ -34,8 +33,7 @@ TEST_F(mvbtCmdTest, OpeningTwiceChangesNothing) {
 
 TEST_F(mvbtCmdTest, ClosingEndsTheReaderClosesTheDeviceAndUnloads) {
     for (int time = 1; time <= 3; ++time) {
-        open();
-        ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+        openAndRead();
         EXPECT_EQ(errorOutputOf([&] { EXPECT_EQ(m_link.close(), 0); }), "");
         EXPECT_FALSE(m_link.checkDll());
         EXPECT_FALSE(m_driver.isLoaded());
@@ -54,8 +52,7 @@ TEST_F(mvbtCmdTest, ClosingWhatIsClosedIsASuccess) {
 
 TEST_F(mvbtCmdTest, ClosingWhileAPacketWaits) {
     open();
-    m_driver.receive(kEvent, {1, 2});
-    ASSERT_TRUE(has(3));
+    receive({1, 2});
     EXPECT_EQ(m_link.close(), 0);
     EXPECT_FALSE(m_driver.isLoaded());
     open();
@@ -88,8 +85,7 @@ TEST_F(mvbtCmdTest, APacketWaitsAsItsTypeAndItsBytes) {
     for (const std::size_t size : {0U, 1U, 2U, 247U, 255U, 1021U, 65535U, 65539U}) {
         SCOPED_TRACE(size);
         const Bytes bytes(size, 0xC3);
-        m_driver.receive(kEvent, bytes);
-        ASSERT_TRUE(has(size + 1));
+        receive(bytes);
         Bytes data = {7, 8};
         EXPECT_EQ(m_link.read(data, 0), static_cast<int>(size + 1));
         EXPECT_EQ(data, packet(kEvent, bytes));
@@ -110,10 +106,8 @@ TEST_F(mvbtCmdTest, OnePacketWaitsAtATime) {
     EXPECT_EQ(m_driver.reads(), 1) << "all of it";
     EXPECT_EQ(m_link.readnbytes(data, 0, 1), 2);
     EXPECT_THAT(data, ElementsAre(1));
-    for (unsigned char number = 2; number <= 3; ++number) {
-        ASSERT_TRUE(has(2));
-        EXPECT_EQ(fetch(), packet(number, {number}));
-    }
+    for (unsigned char number = 2; number <= 3; ++number)
+        expectPacket(number, {number});
     EXPECT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
     EXPECT_EQ(m_driver.reads(), 4);
 }
@@ -125,8 +119,7 @@ TEST_F(mvbtCmdTest, ReadingSoManyBytesTakesWhatThereIsAtMost247) {
     for (const auto& [waiting, wanted, taken] : rows) {
         SCOPED_TRACE(int{wanted});
         open();
-        m_driver.receive(kEvent, Bytes(waiting - 1, 0x11));
-        ASSERT_TRUE(has(waiting));
+        receive(Bytes(waiting - 1, 0x11));
         Bytes data(wanted, 0xEE);
         EXPECT_EQ(m_link.readnbytes(data, 0, wanted), static_cast<int>(taken) + 1);
         EXPECT_EQ(data.size(), taken);
@@ -172,18 +165,15 @@ TEST_F(mvbtCmdTest, WritingHandsThePacketToTheDriver) {
 
 TEST_F(mvbtCmdTest, WritingDropsWhatWaitsBefore) {
     open();
-    m_driver.receive(kEvent, {1, 2, 3});
-    ASSERT_TRUE(has(4));
+    receive({1, 2, 3});
     write(1, {0});
     EXPECT_TRUE(m_link.isQueueEmpty());
     m_driver.receive(kEvent, {9});
-    ASSERT_TRUE(has(2));
-    EXPECT_EQ(fetch(), packet(kEvent, {9}));
+    expectPacket(kEvent, {9});
 }
 
 TEST_F(mvbtCmdTest, WritingIsNotHeldUpByAReadThatWaits) {
-    open();
-    ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
+    openAndRead();
     write(1, {1});
     EXPECT_EQ(m_driver.writes().size(), 1U);
     EXPECT_EQ(m_driver.inside(ScriptedBluetooth::InRead), 1);

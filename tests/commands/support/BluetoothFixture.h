@@ -37,6 +37,24 @@ protected:
     ~BluetoothFixture() override { m_driver.letGo(); }
 
     void open() { ASSERT_EQ(m_link.open(), 0); }
+    /// Opens it and waits until so many of its readers wait for a packet.
+    void openAndRead(int readers = 1) {
+        open();
+        ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead, readers));
+    }
+    void expectNotOpened(const std::string& told) {
+        int result = 0;
+        EXPECT_EQ(errorOutputOf([&] { result = m_link.open(); }), told);
+        EXPECT_EQ(result, -1);
+        EXPECT_FALSE(m_link.checkDll());
+        EXPECT_FALSE(m_driver.isLoaded());
+    }
+
+    /// A packet comes, and waits to be fetched.
+    void receive(const Bytes& bytes) {
+        m_driver.receive(kEvent, bytes);
+        ASSERT_TRUE(has(bytes.size() + 1));
+    }
 
     /// Waits until so many bytes wait to be fetched.
     bool has(std::size_t bytes) {
@@ -51,6 +69,11 @@ protected:
         Bytes bytes;
         m_link.read(bytes, 0);
         return bytes;
+    }
+    /// Waits for a packet, and fetches it.
+    void expectPacket(unsigned char type, const Bytes& bytes) {
+        ASSERT_TRUE(has(bytes.size() + 1));
+        EXPECT_EQ(fetch(), packet(type, bytes));
     }
 
     void write(unsigned char type, const Bytes& bytes) {
@@ -69,8 +92,7 @@ protected:
         ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
         fetch();
         m_driver.receive(kEvent, {0xAB});
-        ASSERT_TRUE(has(2));
-        EXPECT_EQ(fetch(), packet(kEvent, {0xAB}));
+        expectPacket(kEvent, {0xAB});
         const std::size_t before = m_driver.writes().size();
         write(1, {2, 3});
         EXPECT_THAT(m_driver.writes(), ::testing::SizeIs(before + 1));
