@@ -34,50 +34,60 @@ Bytes padded(Bytes bytes, std::size_t size) {
     return bytes;
 }
 
+/// Of the bytes from the position on, at most so many.
+Bytes part(const Bytes& bytes, std::size_t at, std::size_t most = SIZE_MAX) {
+    const auto begin = bytes.begin() + static_cast<std::ptrdiff_t>(at);
+    return {begin, begin + static_cast<std::ptrdiff_t>(std::min(most, bytes.size() - at))};
+}
+
 std::string sizeRefusal(int size) {
     return "Size of a host command must be in Range [8,255] but is " + std::to_string(size);
 }
 
+/// A case finds the link open.
 class SDIOCmdsTest : public WlanUnit {
 protected:
-    void openLink() { expectAnswer(kOpen, success(kOpen)); }
+    SDIOCmdsTest() { openLink(); }
 
-    void sendPart(const Bytes& data) {
-        const Bytes request = sendRequest(kWlan, data);
-        expectAnswer(request, success(request));
-    }
+    void openLink() { expectDone(kOpen); }
+
+    void sendPart(const Bytes& data) { expectDone(sendRequest(kWlan, data)); }
 
     /// A request that fails on the wire; nothing of it is sent twice.
     void expectSendRefused(const Bytes& data, unsigned code, const std::string& text) {
         expectErrorSent(m_frontEnd, sendRequest(kWlan, data), code, text);
     }
 
-    /// That nothing is left of what was collected before.
-    void expectFreshStart() {
-        const Bytes command = hostMessage(0x00A5, 0x77, 0, {1, 2});
-        const Bytes reply = hostMessage(0x80A5, 0x77, 0, {3});
+    /// A command that the chip gets as it is, and its reply, which waits to be fetched.
+    void exchange(const Bytes& command, const Bytes& reply) {
         m_manager->willAnswer(0, wlanReply(reply));
         sendPart(command);
         EXPECT_EQ(m_manager->lastRequest(), wlanRequest(command));
-        expectAnswer(get(9), success(get(9), reply));
+    }
+
+    /// That nothing is left of what was collected before.
+    void expectFreshStart() {
+        const Bytes reply = hostMessage(0x80A5, 0x77, 0, {3});
+        exchange(hostMessage(0x00A5, 0x77, 0, {1, 2}), reply);
+        expectDone(get(9), reply);
     }
 };
 
 } // namespace
 
 TEST_F(SDIOCmdsTest, AClosedLinkIsNoPipe) {
+    expectDone(kClose);
     expectRefused(sendRequest(kWlan, hostMessage(3, 1, 0)), kGenericError, kNotOpen);
     expectRefused(get(1), kGenericError, kNotOpen);
     expectRefused(kGetAll, kGenericError, kNotOpen);
-    expectLineRefused(tokens({"serial", "send", "240", "x"}), kGenericError, kNotOpen);
-    expectLineRefused(tokens({"serial", "get", "240", "4"}), kGenericError, kNotOpen);
-    expectLineRefused(tokens({"serial", "getall", "240"}), kGenericError, kNotOpen);
-    expectAnswer(kClose, success(kClose));
+    expectRefused(Words{"serial", "send", "240", "x"}, kGenericError, kNotOpen);
+    expectRefused(Words{"serial", "get", "240", "4"}, kGenericError, kNotOpen);
+    expectRefused(Words{"serial", "getall", "240"}, kGenericError, kNotOpen);
+    expectDone(kClose);
     EXPECT_EQ(m_manager->connections(), 0);
 }
 
 TEST_F(SDIOCmdsTest, OpensWhenTheDriverIsThere) {
-    openLink();
     openLink();
     expectAnswer({6, 'S', 0, kWlan, 1, 2}, success(kOpen));
     remove(kWlanDriver);
@@ -95,77 +105,66 @@ TEST_F(SDIOCmdsTest, TheStationsChannelDoesNotMatter) {
 }
 
 TEST_F(SDIOCmdsTest, WithoutAReplyZerosAreFetched) {
-    openLink();
-    expectAnswer(get(5), success(get(5), Bytes(5)));
-    expectAnswer(get(242), success(get(242), Bytes(242)));
-    expectAnswer(kGetAll, success(kGetAll, Bytes(247)));
-    expectLine(tokens({"serial", "get", "240", "3"}), "serial get 0xF0 base64(AAAA)");
-    expectLine(tokens({"serial", "getall", "240"}),
-               "serial getall 0xF0 " + command().ascii_buildBase64String(Bytes(247)));
+    expectDone(get(5), Bytes(5));
+    expectDone(get(242), Bytes(242));
+    expectDone(kGetAll, Bytes(247));
+    expectAnswer(Words{"serial", "get", "240", "3"}, "serial get 0xF0 base64(AAAA)");
+    expectAnswer(Words{"serial", "getall", "240"},
+                 "serial getall 0xF0 " + command().ascii_buildBase64String(Bytes(247)));
 }
 
 TEST_F(SDIOCmdsTest, ACommandReachesTheChipAndItsReplyIsFetchedOnce) {
-    openLink();
-    const Bytes command = hostMessage(0x0003, 0x1234, 0, {0xAA, 0xBB, 0xCC});
     const Bytes reply = hostMessage(0x8003, 0x1234, 0, {1, 2, 3, 4, 5});
-    m_manager->willAnswer(0, wlanReply(reply));
-    sendPart(command);
-    EXPECT_THAT(m_manager->requests(), ::testing::ElementsAre(wlanRequest(command)));
-    expectAnswer(kGetAll, success(kGetAll, padded(reply, 247)));
-    expectAnswer(kGetAll, success(kGetAll, Bytes(247)));
+    exchange(hostMessage(0x0003, 0x1234, 0, {0xAA, 0xBB, 0xCC}), reply);
+    EXPECT_THAT(m_manager->requests(), SizeIs(1));
+    expectDone(kGetAll, padded(reply, 247));
+    expectDone(kGetAll, Bytes(247));
 }
 
 TEST_F(SDIOCmdsTest, APartOfAReplyIsAllThatIsFetchedOfIt) {
-    openLink();
     const Bytes reply = hostMessage(0x8003, 1, 0, {1, 2, 3, 4});
     for (const unsigned char count : Bytes{1, 8, 11, 12, 13, 242}) {
-        m_manager->willAnswer(0, wlanReply(reply));
-        sendPart(hostMessage(3, 1, 0));
-        expectAnswer(get(count), success(get(count), padded(reply, count)));
-        expectAnswer(get(count), success(get(count), Bytes(count)));
+        exchange(hostMessage(3, 1, 0), reply);
+        expectDone(get(count), padded(reply, count));
+        expectDone(get(count), Bytes(count));
     }
 }
 
 TEST_F(SDIOCmdsTest, ALineSendsItsBytes) {
-    expectLine(tokens({"serial", "open", "240"}), "serial ok");
+    expectAnswer(Words{"serial", "open", "240"}, "serial ok");
     const Bytes command = hostMessage(0x0003, 7, 0, Bytes(247, 0xC3));
     const Bytes reply = hostMessage(0x8003, 7, 0, {0xFE});
     m_manager->willAnswer(0, wlanReply(reply));
-    expectLine(lineWithData({"serial", "send", "240"}, command), "serial ok");
+    expectAnswer(lineWithData({"serial", "send", "240"}, command), "serial ok");
     EXPECT_EQ(m_manager->lastRequest(), wlanRequest(command));
-    expectLine(tokens({"serial", "get", "240", "9"}),
-               "serial get 0xF0 " + PassThroughUnit::command().ascii_buildBase64String(reply));
-    expectLine(lineWithData({"serial", "send", "240"}, {}), "serial ok");
-    expectLine(tokens({"serial", "close", "240"}), "serial ok");
+    expectAnswer(Words{"serial", "get", "240", "9"},
+                 "serial get 0xF0 " + PassThroughUnit::command().ascii_buildBase64String(reply));
+    expectAnswer(lineWithData({"serial", "send", "240"}, {}), "serial ok");
+    expectAnswer(Words{"serial", "close", "240"}, "serial ok");
 }
 
 TEST_F(SDIOCmdsTest, EachSizeOfACommandIsSentWhole) {
-    openLink();
     for (const std::size_t size : {8U, 9U, 100U, 247U, 251U, 254U, 255U}) {
         SCOPED_TRACE(size);
         const Bytes command = hostMessage(9, 1, 0, counting(size - 8));
         m_manager->willAnswer(0, wlanReply(hostMessage(0x8009, 1, 0)));
-        if (command.size() <= kLargestRequest) {
-            sendPart(command);
-        } else {
-            sendPart(Bytes(command.begin(), command.begin() + kLargestRequest));
-            sendPart(Bytes(command.begin() + kLargestRequest, command.end()));
-        }
+        const std::size_t cut = std::min(size, kLargestRequest);
+        sendPart(part(command, 0, cut));
+        if (cut < size)
+            sendPart(part(command, cut));
         EXPECT_EQ(m_manager->lastRequest(), wlanRequest(command));
     }
 }
 
 TEST_F(SDIOCmdsTest, AnIncompleteCommandWaitsForItsRest) {
-    openLink();
     const Bytes command = hostMessage(0x0010, 2, 0, {1, 2});
     for (std::size_t cut = 1; cut < command.size(); ++cut) {
         SCOPED_TRACE(cut);
-        const std::size_t before = m_manager->requests().size();
-        sendPart(Bytes(command.begin(), command.begin() + static_cast<std::ptrdiff_t>(cut)));
-        EXPECT_THAT(m_manager->requests(), SizeIs(before));
+        sendPart(part(command, 0, cut));
+        EXPECT_THAT(m_manager->requests(), SizeIs(cut - 1));
         m_manager->willAnswer(0, wlanReply(hostMessage(0x8010, 2, 0)));
-        sendPart(Bytes(command.begin() + static_cast<std::ptrdiff_t>(cut), command.end()));
-        EXPECT_THAT(m_manager->requests(), SizeIs(before + 1));
+        sendPart(part(command, cut));
+        EXPECT_THAT(m_manager->requests(), SizeIs(cut));
         EXPECT_EQ(m_manager->lastRequest(), wlanRequest(command));
     }
     for (const unsigned char& byte : command) {
@@ -177,31 +176,27 @@ TEST_F(SDIOCmdsTest, AnIncompleteCommandWaitsForItsRest) {
 }
 
 TEST_F(SDIOCmdsTest, ClosingAndOpeningForgetWhatIsIncomplete) {
-    openLink();
     const Bytes command = hostMessage(0x0010, 2, 0, {1, 2});
     for (const std::size_t cut : {1U, 4U, 9U}) {
-        sendPart(Bytes(command.begin(), command.begin() + static_cast<std::ptrdiff_t>(cut)));
-        expectAnswer(kClose, success(kClose));
+        sendPart(part(command, 0, cut));
+        expectDone(kClose);
         openLink();
         expectFreshStart();
-        sendPart(Bytes(command.begin(), command.begin() + static_cast<std::ptrdiff_t>(cut)));
+        sendPart(part(command, 0, cut));
         openLink();
         expectFreshStart();
     }
 }
 
 TEST_F(SDIOCmdsTest, AReplyOutlivesTheClosingOfTheLink) {
-    openLink();
     const Bytes reply = hostMessage(0x8003, 1, 0, {9});
-    m_manager->willAnswer(0, wlanReply(reply));
-    sendPart(hostMessage(3, 1, 0));
-    expectAnswer(kClose, success(kClose));
+    exchange(hostMessage(3, 1, 0), reply);
+    expectDone(kClose);
     openLink();
-    expectAnswer(get(9), success(get(9), reply));
+    expectDone(get(9), reply);
 }
 
 TEST_F(SDIOCmdsTest, TheLastReplyIsTheOneThatIsFetched) {
-    openLink();
     const Bytes commands =
         joined({hostMessage(1, 1, 0, {1}), hostMessage(2, 2, 0, {2, 2}), hostMessage(3, 3, 0)});
     const Bytes last = hostMessage(0x8003, 3, 0, {3});
@@ -212,11 +207,10 @@ TEST_F(SDIOCmdsTest, TheLastReplyIsTheOneThatIsFetched) {
     EXPECT_THAT(m_manager->requests(), ::testing::ElementsAre(wlanRequest(hostMessage(1, 1, 0, {1})),
                                                               wlanRequest(hostMessage(2, 2, 0, {2, 2})),
                                                               wlanRequest(hostMessage(3, 3, 0))));
-    expectAnswer(kGetAll, success(kGetAll, padded(last, 247)));
+    expectDone(kGetAll, padded(last, 247));
 }
 
 TEST_F(SDIOCmdsTest, ASizeThatCannotBeIsRefusedAndEmptiesTheCollection) {
-    openLink();
     for (const std::uint16_t size : Numbers{0, 1, 4, 7, 256, 257, 0x0800, 0xFFFF}) {
         SCOPED_TRACE(size);
         const Bytes command = hostMessage(1, size, 1, 0, Bytes(50, 1));
@@ -231,71 +225,59 @@ TEST_F(SDIOCmdsTest, ASizeThatCannotBeIsRefusedAndEmptiesTheCollection) {
 }
 
 TEST_F(SDIOCmdsTest, CommandsBeforeAWrongSizeAreSentAndThoseBehindItAreNot) {
-    openLink();
     const Bytes first = hostMessage(1, 1, 0, {1});
     const Bytes reply = hostMessage(0x8001, 1, 0);
     m_manager->willAnswer(0, wlanReply(reply));
     expectSendRefused(joined({first, hostMessage(2, 7, 1, 0, {}), hostMessage(3, 1, 0)}), kGenericError,
                       sizeRefusal(7));
     EXPECT_THAT(m_manager->requests(), ::testing::ElementsAre(wlanRequest(first)));
-    expectAnswer(get(8), success(get(8), reply));
+    expectDone(get(8), reply);
     expectFreshStart();
 }
 
 TEST_F(SDIOCmdsTest, ARefusalByTheChipIsToldAndEndsTheRequest) {
-    openLink();
     for (const std::uint16_t result : Numbers{1, 2, 0x00FF, 0xFFFF}) {
         m_manager->willAnswer(0, wlanReply(hostMessage(0x8001, 1, result, {1})));
         expectSendRefused(joined({hostMessage(1, 1, 0), hostMessage(2, 2, 0), {9, 9}}), kGenericError,
                           "cmd.result was " + std::to_string(result));
         EXPECT_EQ(m_manager->lastRequest(), wlanRequest(hostMessage(1, 1, 0)));
-        expectAnswer(get(4), success(get(4), Bytes(4)));
+        expectDone(get(4), Bytes(4));
         expectFreshStart();
     }
 }
 
 TEST_F(SDIOCmdsTest, AReplyBeyondTheStoreIsRefusedAsAWhole) {
-    openLink();
     const Bytes kept = hostMessage(0x8001, 1, 0, {7});
-    m_manager->willAnswer(0, wlanReply(kept));
-    sendPart(hostMessage(1, 1, 0));
+    exchange(hostMessage(1, 1, 0), kept);
     for (const std::uint16_t size : Numbers{248, 250, 255}) {
         m_manager->willAnswer(0, wlanReply(hostMessage(0x8001, size, 1, 0, Bytes(247, 1))));
         expectSendRefused(
             hostMessage(1, 1, 0), kGenericError,
             "Response of " + std::to_string(size) + " bytes is longer than the allowed 247 bytes");
     }
-    expectAnswer(get(9), success(get(9), kept));
+    expectDone(get(9), kept);
     expectFreshStart();
 }
 
 TEST_F(SDIOCmdsTest, TheLongestReplyIsStored) {
-    openLink();
     const Bytes reply = hostMessage(0x8001, 1, 0, counting(239));
-    m_manager->willAnswer(0, wlanReply(reply));
-    sendPart(hostMessage(1, 1, 0));
-    expectAnswer(kGetAll, success(kGetAll, reply));
+    exchange(hostMessage(1, 1, 0), reply);
+    expectDone(kGetAll, reply);
 }
 
 TEST_F(SDIOCmdsTest, ALongReplyLeavesNothingBehindAShortOne) {
-    openLink();
-    m_manager->willAnswer(0, wlanReply(hostMessage(0x8001, 1, 0, Bytes(239, 0xEE))));
-    sendPart(hostMessage(1, 1, 0));
+    exchange(hostMessage(1, 1, 0), hostMessage(0x8001, 1, 0, Bytes(239, 0xEE)));
     const Bytes reply = hostMessage(0x8001, 1, 0, {1});
-    m_manager->willAnswer(0, wlanReply(reply));
-    sendPart(hostMessage(1, 1, 0));
-    expectAnswer(kGetAll, success(kGetAll, padded(reply, 247)));
+    exchange(hostMessage(1, 1, 0), reply);
+    expectDone(kGetAll, padded(reply, 247));
 }
 
 TEST_F(SDIOCmdsTest, AReplyOfNoBytesIsNone) {
-    openLink();
-    m_manager->willAnswer(0, wlanReply(hostMessage(0x8001, 0, 1, 0, {})));
-    sendPart(hostMessage(1, 1, 0));
-    expectAnswer(get(4), success(get(4), Bytes(4)));
+    exchange(hostMessage(1, 1, 0), hostMessage(0x8001, 0, 1, 0, {}));
+    expectDone(get(4), Bytes(4));
 }
 
 TEST_F(SDIOCmdsTest, WhatTheDriverFailsWithIsTold) {
-    openLink();
     ::testing::internal::CaptureStderr();
     for (const int error : {1, 5, 22, 48, 110}) {
         m_manager->willAnswer(error);
@@ -310,7 +292,6 @@ TEST_F(SDIOCmdsTest, WhatTheDriverFailsWithIsTold) {
 }
 
 TEST_F(SDIOCmdsTest, AManagerThatGoesIsToldAndMayComeBack) {
-    openLink();
     ::testing::internal::CaptureStderr();
     m_manager->willVanish();
     expectSendRefused(hostMessage(1, 1, 0), kGenericError, "error from uap_ioctl(): Broken pipe");
@@ -324,19 +305,13 @@ TEST_F(SDIOCmdsTest, WithoutMemoryNothingIsCollectedOrStored) {
     inFreshProcess([this] {
         command().sdioOpen();
         refuseTableMemory(true);
-        Response response(command().sdioSend(hostMessage(1, 1, 0).data(), 8));
-        EXPECT_EQ(response->code, kNoMemory);
-        EXPECT_EQ(response->message, "failed to alloc255 bytes");
+        const Bytes message = hostMessage(1, 1, 0);
+        expectError(command().sdioSend(message.data(), 8), kNoMemory, "failed to alloc255 bytes");
         refuseTableMemory(false);
-        const Bytes half = {1, 0};
-        response = command().sdioSend(half.data(), half.size());
-        EXPECT_EQ(response->code, 0u);
+        EXPECT_EQ(command().sdioSend(message.data(), 2)->code, 0u);
         refuseTableMemory(true);
         m_manager->willAnswer(0, wlanReply(hostMessage(0x8001, 1, 0)));
-        const Bytes rest = {8, 0, 1, 0, 0, 0};
-        response = command().sdioSend(rest.data(), rest.size());
-        EXPECT_EQ(response->code, kNoMemory);
-        EXPECT_EQ(response->message, "couldn't alloc 247");
+        expectError(command().sdioSend(message.data() + 2, 6), kNoMemory, "couldn't alloc 247");
         refuseTableMemory(false);
         EXPECT_EQ(m_manager->lastRequest(), wlanRequest(hostMessage(1, 1, 0)));
         m_manager.reset();
@@ -344,7 +319,6 @@ TEST_F(SDIOCmdsTest, WithoutMemoryNothingIsCollectedOrStored) {
 }
 
 TEST_F(SDIOCmdsTest, AStreamCutAnywhereIsSentCommandByCommand) {
-    openLink();
     std::mt19937 random(20240229);
     const auto upTo = [&](std::size_t most) {
         return std::uniform_int_distribution<std::size_t>(0, most)(random);
@@ -362,10 +336,9 @@ TEST_F(SDIOCmdsTest, AStreamCutAnywhereIsSentCommandByCommand) {
     }
     for (std::size_t at = 0; at < stream.size();) {
         const std::size_t count = std::min(1 + upTo(kLargestRequest - 1), stream.size() - at);
-        const auto begin = stream.begin() + static_cast<std::ptrdiff_t>(at);
-        sendPart(Bytes(begin, begin + static_cast<std::ptrdiff_t>(count)));
+        sendPart(part(stream, at, count));
         at += count;
     }
     EXPECT_TRUE(m_manager->requests() == expected);
-    expectAnswer(kGetAll, success(kGetAll, padded(reply, 247)));
+    expectDone(kGetAll, padded(reply, 247));
 }

@@ -20,7 +20,7 @@ protected:
         command().close(kBluetooth);
     }
 
-    void openLink() { expectAnswer(kOpen, success(kOpen)); }
+    void openLink() { expectDone(kOpen); }
 
     /// What the request fetches once something has come.
     Bytes fetched(const Bytes& request) {
@@ -50,46 +50,43 @@ TEST_F(SWriteCmdBluetoothTest, PacketsPassBothWays) {
     openLink();
     EXPECT_EQ(m_driver.lastOpening().path, "/dev/sdio0");
     ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
-    const Bytes reset = sendRequest(kBluetooth, {0x01, 0x03, 0x0C, 0x00});
-    expectAnswer(reset, success(reset));
+    expectDone(sendRequest(kBluetooth, {0x01, 0x03, 0x0C, 0x00}));
     EXPECT_TRUE(
         (m_driver.writes() == std::vector<ScriptedBluetooth::Write>{{1, 0x01, {0x03, 0x0C, 0x00}}}));
     m_driver.receive(0x04, {0x0E, 0x04, 0x01, 0x03, 0x0C, 0x00});
     EXPECT_EQ(fetched(get(3)), success(get(3), {0x04, 0x0E, 0x04}));
-    expectAnswer(kGetAll, success(kGetAll, {0x01, 0x03, 0x0C, 0x00}));
-    expectAnswer(kClose, success(kClose));
+    expectDone(kGetAll, {0x01, 0x03, 0x0C, 0x00});
+    expectDone(kClose);
     EXPECT_TRUE(m_driver.waitUntilUnloaded());
 }
 
 TEST_F(SWriteCmdBluetoothTest, LinesPassBothWays) {
-    expectLine(tokens({"serial", "open", "241"}), "serial ok");
+    expectAnswer(Words{"serial", "open", "241"}, "serial ok");
     ASSERT_TRUE(m_driver.waitUntilInside(ScriptedBluetooth::InRead));
-    expectLine(lineWithData({"serial", "send", "241"}, {0x01, 0x03, 0x0C, 0x00}), "serial ok");
-    expectLine(lineWithData({"serial", "send", "241"}, {0x02}), "serial ok");
+    expectAnswer(lineWithData({"serial", "send", "241"}, {0x01, 0x03, 0x0C, 0x00}), "serial ok");
+    expectAnswer(lineWithData({"serial", "send", "241"}, {0x02}), "serial ok");
     EXPECT_TRUE((m_driver.writes() ==
                  std::vector<ScriptedBluetooth::Write>{{1, 0x01, {0x03, 0x0C, 0x00}}, {1, 0x02, {}}}));
     m_driver.receive(0x04, {0x0E, 0x04});
     EXPECT_EQ(fetchedLine(tokens({"serial", "get", "241", "2"})), "serial get 0xF1 base64(BA4=)");
-    expectLine(tokens({"serial", "getall", "241"}), "serial getall 0xF1 base64(BA==)");
-    expectLine(tokens({"serial", "get", "241", "2"}), "serial get 0xF1 base64()");
-    expectLineRefused(tokens({"serial", "getall", "241"}), kIoFailed, "");
-    expectLineRefused(lineWithData({"serial", "send", "241"}, {}), kGenericError,
-                      "Expected Data to send");
-    expectLine(tokens({"serial", "close", "241"}), "serial ok");
+    expectAnswer(Words{"serial", "getall", "241"}, "serial getall 0xF1 base64(BA==)");
+    expectAnswer(Words{"serial", "get", "241", "2"}, "serial get 0xF1 base64()");
+    expectRefused(Words{"serial", "getall", "241"}, kIoFailed, "");
+    expectRefused(lineWithData({"serial", "send", "241"}, {}), kGenericError, "Expected Data to send");
+    expectAnswer(Words{"serial", "close", "241"}, "serial ok");
 }
 
 TEST_F(SWriteCmdBluetoothTest, WithNothingToFetchGetSucceedsAndGetAllFails) {
     openLink();
-    expectAnswer(get(5), success(get(5)));
+    expectDone(get(5));
     expectRefused(kGetAll, kIoFailed, "");
 }
 
 TEST_F(SWriteCmdBluetoothTest, AClosedLinkAnswersZeros) {
-    expectAnswer(get(5), success(get(5), Bytes(5)));
-    expectAnswer(kGetAll, success(kGetAll, Bytes(247)));
-    const Bytes send = sendRequest(kBluetooth, {1, 2});
-    expectAnswer(send, success(send));
-    expectAnswer(kClose, success(kClose));
+    expectDone(get(5), Bytes(5));
+    expectDone(kGetAll, Bytes(247));
+    expectDone(sendRequest(kBluetooth, {1, 2}));
+    expectDone(kClose);
     EXPECT_EQ(m_driver.loads(), 0);
 }
 
@@ -97,8 +94,8 @@ TEST_F(SWriteCmdBluetoothTest, ALongPacketIsFetchedInParts) {
     openLink();
     m_driver.receive(0x02, Bytes(599, 0x02));
     EXPECT_EQ(fetched(get(242)), success(get(242), Bytes(242, 0x02)));
-    expectAnswer(get(242), success(get(242), Bytes(242, 0x02)));
-    expectAnswer(get(242), success(get(242), Bytes(116, 0x02)));
+    expectDone(get(242), Bytes(242, 0x02));
+    expectDone(get(242), Bytes(116, 0x02));
     // A line has room for all of it at once.
     m_driver.receive(0x02, Bytes(599, 0x02));
     EXPECT_EQ(fetchedLine(tokens({"serial", "getall", "241"})),
@@ -109,7 +106,7 @@ TEST_F(SWriteCmdBluetoothTest, ADriverThatCannotBeHadIsToldByItsCode) {
     m_driver.refuseToOpen(true);
     ::testing::internal::CaptureStderr();
     expectRefused(kOpen, kOpenFailed, "");
-    expectLineRefused(tokens({"serial", "open", "241"}), kOpenFailed, "");
+    expectRefused(Words{"serial", "open", "241"}, kOpenFailed, "");
     ::testing::internal::GetCapturedStderr();
     m_driver.refuseToOpen(false);
     openLink();

@@ -81,7 +81,9 @@ void expectErrorSent(FrontEnd& frontEnd, const Tokens& line, unsigned int code,
 void expectRefused(AbstractCmd& command, FrontEnd& frontEnd, const Bytes& frame, unsigned int code,
                    const std::string& text) {
     SCOPED_TRACE(::testing::PrintToString(frame));
+    command.setListener(&frontEnd); // as the dispatcher does for each request
     expectError(runRequest(command, frame), code, text);
+    command.setListener(nullptr);
     if (frame.size() >= kEchoed) {
         expectErrorSent(frontEnd, frame, code, text);
     } else if (frame.size() >= kIdentified) {
@@ -93,7 +95,9 @@ void expectRefused(AbstractCmd& command, FrontEnd& frontEnd, const Bytes& frame,
 void expectRefused(AbstractCmd& command, FrontEnd& frontEnd, const Tokens& line, unsigned int code,
                    const std::string& text) {
     SCOPED_TRACE(::testing::PrintToString(line));
+    command.setListener(&frontEnd);
     expectError(runRequest(command, line), code, text);
+    command.setListener(nullptr);
     if (!line.empty())
         expectErrorSent(frontEnd, line, code, text);
 }

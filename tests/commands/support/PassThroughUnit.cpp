@@ -4,8 +4,6 @@
 
 #include "wire/BigEndian.h"
 
-using ::testing::IsEmpty;
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -46,31 +44,6 @@ Comm::Handle& PassThroughUnit::channel(unsigned number) {
     return *handle;
 }
 
-void PassThroughUnit::expectRefused(const Bytes& frame, unsigned code, const std::string& text) {
-    command().setListener(&m_frontEnd); // a request that was carried out has taken it away
-    ::expectRefused(command(), m_frontEnd, frame, code, text);
-}
-
-void PassThroughUnit::expectLineRefused(const Tokens& line, unsigned code, const std::string& text) {
-    command().setListener(&m_frontEnd);
-    ::expectRefused(command(), m_frontEnd, line, code, text);
-}
-
-void PassThroughUnit::expectAnswer(const Bytes& frame, const Bytes& answer) {
-    EXPECT_EQ(m_frontEnd.send(frame), answer);
-    EXPECT_THAT(m_frontEnd.frames, IsEmpty());
-}
-
-void PassThroughUnit::expectLine(const Tokens& line, const std::string& answer) {
-    EXPECT_EQ(m_frontEnd.send(line), answer);
-    EXPECT_THAT(m_frontEnd.lines, IsEmpty());
-}
-
-void PassThroughUnit::openChannel(unsigned char number) {
-    const Bytes request = openRequest(number);
-    expectAnswer(request, success(request));
-}
-
 Bytes openRequest(unsigned char channel, std::uint32_t baud, unsigned char flags) {
     Bytes frame = {9, 'S', 0, channel, 0, 0, 0, 0, flags};
     putBigEndian32(frame, 4, baud);
@@ -81,10 +54,6 @@ Bytes sendRequest(unsigned char channel, const Bytes& data) {
     Bytes frame = {static_cast<unsigned char>(4 + data.size()), 'S', 2, channel};
     frame.insert(frame.end(), data.begin(), data.end());
     return frame;
-}
-
-Bytes success(const Bytes& request) {
-    return success(request, {});
 }
 
 Bytes success(const Bytes& request, const Bytes& data) {

@@ -18,6 +18,11 @@ constexpr unsigned kNoSuchChannel = 0x0A000004;
 constexpr unsigned kNoSuchParity = 0x0A000008;
 constexpr unsigned kOpenFailed = 0x0A000040;
 
+/// Requests, and the answer to one that succeeds, with its data.
+Bytes openRequest(unsigned char channel, std::uint32_t baud = 115200, unsigned char flags = 0);
+Bytes sendRequest(unsigned char channel, const Bytes& data);
+Bytes success(const Bytes& request, const Bytes& data = {});
+
 /// A front end whose station is on the serial channel that a case says.
 class StationsFrontEnd : public FrontEnd {
 public:
@@ -28,40 +33,22 @@ public:
 
 /// The pass-through command in a unit with a line of the test's behind each of its channels. A case
 /// finds all channels closed, and the station on channel 0.
-class PassThroughUnit : public UnitFixture {
+class PassThroughUnit : public CommandTest<SWriteCmd, UnitFixture, StationsFrontEnd> {
 protected:
     static constexpr unsigned kChannels = 4;
 
     PassThroughUnit();
     ~PassThroughUnit() override;
 
-    static SWriteCmd& command() { return *SWriteCmd::getInstance(); }
     static Comm::Handle& channel(unsigned number);
 
-    /// Runs a request as the dispatcher would.
-    static Response run(Bytes frame) { return Response(command().tavrin_preCheck(&frame)); }
-    static Response runLine(Tokens line) { return Response(command().process(line)); }
-
-    /// Both the response and what is sent.
-    void expectRefused(const Bytes& frame, unsigned code, const std::string& text);
-    void expectLineRefused(const Tokens& line, unsigned code, const std::string& text);
-
-    /// An answer, and nothing else.
-    void expectAnswer(const Bytes& frame, const Bytes& answer);
-    void expectLine(const Tokens& line, const std::string& answer);
-
-    void openChannel(unsigned char number);
+    /// That a request succeeds, with this data.
+    void expectDone(const Bytes& request, const Bytes& data = {}) {
+        expectAnswer(request, success(request, data));
+    }
 
     DeviceCalls& m_calls; // outlives the case, as the dispatcher's thread passes by it
     Line m_lines[kChannels];
-    StationsFrontEnd m_frontEnd;
 };
-
-/// Requests, and the answer to one that succeeds without data.
-Bytes openRequest(unsigned char channel, std::uint32_t baud = 115200, unsigned char flags = 0);
-Bytes sendRequest(unsigned char channel, const Bytes& data);
-Bytes success(const Bytes& request);
-/// With data.
-Bytes success(const Bytes& request, const Bytes& data);
 
 Bytes bytesOf(const std::string& text);
