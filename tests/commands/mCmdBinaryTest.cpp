@@ -17,11 +17,6 @@ constexpr char kNoSpace[] = "Not Enough Memory to save read Data, errorCode: 168
 constexpr char kNoData[] = "Number of Bytes to Read overrides internal Memory, errorCode: 16842752";
 constexpr char kNotInserted[] = "Device not inserted, errorCode: 16842752";
 
-Bytes inFourBytes(std::uint32_t number) {
-    return {static_cast<unsigned char>(number >> 24), static_cast<unsigned char>(number >> 16),
-            static_cast<unsigned char>(number >> 8), static_cast<unsigned char>(number)};
-}
-
 Bytes request(unsigned char type, unsigned char id, Operation operation) {
     return {5, 'm', type, id, operation};
 }
@@ -29,10 +24,8 @@ Bytes request(unsigned char type, unsigned char id, Operation operation) {
 Bytes transfer(unsigned char type, unsigned char id, Operation operation, std::uint32_t first,
                std::uint32_t count, std::uint32_t offset) {
     Bytes frame = {17, 'm', type, id, operation};
-    for (const std::uint32_t number : {first, count, offset}) {
-        const Bytes bytes = inFourBytes(number);
-        frame.insert(frame.end(), bytes.begin(), bytes.end());
-    }
+    for (const std::uint32_t number : {first, count, offset})
+        frame = joined(frame, bigEndian(number));
     return frame;
 }
 
@@ -41,10 +34,7 @@ Bytes success(unsigned char type, unsigned char id) {
 }
 
 Bytes moved(unsigned char type, unsigned char id, std::uint32_t count) {
-    Bytes frame = {12, 'm', type, id, 0, 0, 0, 0};
-    const Bytes bytes = inFourBytes(count);
-    frame.insert(frame.end(), bytes.begin(), bytes.end());
-    return frame;
+    return joined({12, 'm', type, id, 0, 0, 0, 0}, bigEndian(count));
 }
 
 class mCmdBinaryTest : public CommandTest<mCmd, BlockUnit> {

@@ -12,14 +12,6 @@ constexpr unsigned int kWrongChecksum = 0x08000400;
 
 class tCmdBinaryTest : public CommandTest<tCmd, ScratchFixture> {
 protected:
-    /// A request with everything that follows the address.
-    static Bytes access(unsigned char code, unsigned char count, unsigned int address,
-                        const Bytes& rest = {}) {
-        Bytes request = joined(joined({0, 't', code, count}, bigEndian(address)), rest);
-        request[0] = static_cast<unsigned char>(request.size());
-        return request;
-    }
-
     /// That a request is answered like this, by the command and on the wire.
     void expectData(const Bytes& request, const Bytes& data) {
         const Bytes head = {

@@ -5,6 +5,7 @@
 
 #include "core/ProcessResponseAscii.h"
 #include "core/ProcessResponseTavrin.h"
+#include "wire/BigEndian.h"
 
 using ::testing::ElementsAre;
 
@@ -14,6 +15,17 @@ constexpr std::size_t kIdentified = 2; // its length and its command
 constexpr std::size_t kEchoed = 4;
 
 } // namespace
+
+Bytes bigEndian(unsigned int number) {
+    Bytes bytes(sizeof number);
+    putBigEndian32(bytes, 0, number);
+    return bytes;
+}
+
+Bytes joined(Bytes first, const Bytes& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
 
 Tokens lineWithData(const Words& words, const Bytes& data) {
     Tokens line = tokens(words);

@@ -16,6 +16,10 @@ using Words = std::vector<std::string>;
 
 constexpr unsigned int kGenericError = 0x01010000;
 
+/// A number as frames carry it.
+Bytes bigEndian(unsigned int number);
+/// One behind the other.
+Bytes joined(Bytes first, const Bytes& second);
 /// The words of a line, and bytes as its last argument.
 Tokens lineWithData(const Words& words, const Bytes& data);
 
@@ -107,6 +111,13 @@ protected:
     void expectRefused(const std::vector<Refusal<Request>>& rows) {
         for (const Refusal<Request>& row : rows)
             expectRefused(row.request, row.code, row.text);
+    }
+    /// That several are refused alike.
+    template <typename Request>
+    void expectEachRefused(const std::vector<Request>& requests, unsigned int code,
+                           const std::string& text) {
+        for (const Request& request : requests)
+            expectRefused(request, code, text);
     }
 
     Station m_frontEnd;

@@ -2,8 +2,6 @@
 
 #include <filesystem>
 
-#include "wire/BigEndian.h"
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -45,22 +43,16 @@ Comm::Handle& PassThroughUnit::channel(unsigned number) {
 }
 
 Bytes openRequest(unsigned char channel, std::uint32_t baud, unsigned char flags) {
-    Bytes frame = {9, 'S', 0, channel, 0, 0, 0, 0, flags};
-    putBigEndian32(frame, 4, baud);
-    return frame;
+    return joined(joined({9, 'S', 0, channel}, bigEndian(baud)), {flags});
 }
 
 Bytes sendRequest(unsigned char channel, const Bytes& data) {
-    Bytes frame = {static_cast<unsigned char>(4 + data.size()), 'S', 2, channel};
-    frame.insert(frame.end(), data.begin(), data.end());
-    return frame;
+    return joined({static_cast<unsigned char>(4 + data.size()), 'S', 2, channel}, data);
 }
 
 Bytes success(const Bytes& request, const Bytes& data) {
-    Bytes frame = {
-        static_cast<unsigned char>(8 + data.size()), request[1], request[2], request[3], 0, 0, 0, 0};
-    frame.insert(frame.end(), data.begin(), data.end());
-    return frame;
+    const auto size = static_cast<unsigned char>(8 + data.size());
+    return joined({size, request[1], request[2], request[3], 0, 0, 0, 0}, data);
 }
 
 Bytes bytesOf(const std::string& text) {

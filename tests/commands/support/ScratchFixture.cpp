@@ -28,14 +28,10 @@ void refuseScratchMemory(bool refused) {
     s_refused = refused;
 }
 
-Bytes bigEndian(unsigned int number) {
-    return {static_cast<unsigned char>(number >> 24), static_cast<unsigned char>(number >> 16),
-            static_cast<unsigned char>(number >> 8), static_cast<unsigned char>(number)};
-}
-
-Bytes joined(Bytes first, const Bytes& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
+Bytes access(unsigned char code, unsigned char count, unsigned int address, const Bytes& rest) {
+    Bytes frame = joined(joined({0, 't', code, count}, bigEndian(address)), rest);
+    frame[0] = static_cast<unsigned char>(frame.size());
+    return frame;
 }
 
 std::vector<char> dataToken(const Bytes& bytes) {

@@ -21,10 +21,8 @@ protected:
     static Bytes allStored();
 };
 
-/// A number as requests carry it.
-Bytes bigEndian(unsigned int number);
-/// One behind the other.
-Bytes joined(Bytes first, const Bytes& second);
+/// A frame of the memory command, with everything that follows the address.
+Bytes access(unsigned char code, unsigned char count, unsigned int address, const Bytes& rest = {});
 /// What the front ends make of "hex(...)": no terminating zero.
 std::vector<char> dataToken(const Bytes& bytes);
 
