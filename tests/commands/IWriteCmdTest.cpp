@@ -9,12 +9,20 @@ namespace {
 
 constexpr char kTooFewBytes[] = "Bytes to Write is out of Range of received Bytes";
 
-using IWriteCmdTest = CommandTest<IWriteCmd, I2cUnit>;
+constexpr char kSpeedNotSet[] = "setBusSpeed Error on Device /dev/i2c0: ";
+
+using IWriteCmdTest = BusTest<IWriteCmd>;
 
 /// A write of `count` bytes, of which `data` are there.
 Bytes writing(unsigned char bus, unsigned char count, const Bytes& data) {
     return joined({{static_cast<unsigned char>(4 + data.size()), 'I', bus, count}, data});
 }
+Bytes written(unsigned char count) {
+    return {8, 'I', 0, count, 0, 0, 0, 0};
+}
+
+const Bytes kWriting = writing(0, 1, {0x50});
+const Bytes kAttributeSet = {8, 'I', 255, 0, 0, 0, 0, 0};
 
 } // namespace
 
@@ -26,12 +34,8 @@ TEST_F(IWriteCmdTest, HasNoAsciiForm) {
 }
 
 TEST_F(IWriteCmdTest, TheAddressIsSentAsTheFirstByteToo) {
-    m_manager->willAnswer(0);
-    expectAnswer({6, 'I', 0, 2, 0x50, 0xA1}, {8, 'I', 0, 2, 0, 0, 0, 0});
-    EXPECT_EQ(m_manager->lastRequest(), writeRequest(0x50, {0x50, 0xA1}));
-    m_manager->willAnswer(0);
-    expectAnswer({5, 'I', 0, 1, 0xFF}, {8, 'I', 0, 1, 0, 0, 0, 0});
-    EXPECT_EQ(m_manager->lastRequest(), writeRequest(0xFF, {0xFF}));
+    expectExchange(Bytes{6, 'I', 0, 2, 0x50, 0xA1}, writeRequest(0x50, {0x50, 0xA1}), {}, written(2));
+    expectExchange(Bytes{5, 'I', 0, 1, 0xFF}, writeRequest(0xFF, {0xFF}), {}, written(1));
 }
 
 TEST_F(IWriteCmdTest, SuccessIsAResponseWithoutPayload) {
@@ -48,24 +52,19 @@ TEST_F(IWriteCmdTest, UpTo251BytesAreWritten) {
     for (const unsigned char count : Bytes{1, 2, 250, 251}) {
         SCOPED_TRACE(int(count));
         const Bytes data = counting(count, 0x20);
-        m_manager->willAnswer(0);
-        expectAnswer(writing(0, count, data), {8, 'I', 0, count, 0, 0, 0, 0});
-        EXPECT_EQ(m_manager->lastRequest(), writeRequest(0x20, data));
+        expectExchange(writing(0, count, data), writeRequest(0x20, data), {}, written(count));
     }
 }
 
 TEST_F(IWriteCmdTest, BytesBeyondTheCountAreNotWritten) {
-    m_manager->willAnswer(0);
-    expectAnswer(writing(0, 2, counting(9, 0x20)), {8, 'I', 0, 2, 0, 0, 0, 0});
-    EXPECT_EQ(m_manager->lastRequest(), writeRequest(0x20, {0x20, 0x21}));
+    expectExchange(writing(0, 2, counting(9, 0x20)), writeRequest(0x20, {0x20, 0x21}), {}, written(2));
 }
 
 TEST_F(IWriteCmdTest, TooShortARequestIsRefused) {
-    expectRefused({2, 'I'}, kGenericError, "Expect at least 5 Bytes, received: 2");
-    expectRefused({3, 'I', 0}, kGenericError, "Expect at least 5 Bytes, received: 3");
-    expectRefused({4, 'I', 0, 1}, kGenericError, "Expect at least 5 Bytes, received: 4");
-    expectRefused({3, 'I', 255}, kGenericError, "Expect at least 5 Bytes, received: 3");
-    expectRefused({4, 'I', 255, 9}, kGenericError, "Expect at least 5 Bytes, received: 4");
+    for (const Bytes& request :
+         std::vector<Bytes>{{2, 'I'}, {3, 'I', 0}, {4, 'I', 0, 1}, {3, 'I', 255}, {4, 'I', 255, 9}})
+        expectRefused(request, kGenericError,
+                      "Expect at least 5 Bytes, received: " + std::to_string(request.size()));
     EXPECT_EQ(m_manager->connections(), 0);
 }
 
@@ -85,62 +84,45 @@ TEST_F(IWriteCmdTest, TheCountIsCheckedBeforeTheBus) {
 
 TEST_F(IWriteCmdTest, ThereIsOneBus) {
     for (const unsigned char bus : Bytes{1, 2, 254})
-        expectRefused(writing(bus, 1, {0x50}), kNoSuchBus,
-                      "Bus number " + std::to_string(bus) + " is invalid");
+        expectNoSuchBus(writing(bus, 1, {0x50}), bus);
     for (const unsigned char bus : Bytes{1, 255})
-        expectRefused({5, 'I', 255, bus, 9}, kNoSuchBus,
-                      "Bus number " + std::to_string(bus) + " is invalid");
+        expectNoSuchBus({5, 'I', 255, bus, 9}, bus);
     EXPECT_EQ(m_manager->connections(), 0);
 }
 
 TEST_F(IWriteCmdTest, ABusThatCannotBeOpenedIsTold) {
     removeBus();
     constexpr char kMissing[] = "Open Error for /dev/i2c0: No such file or directory 2, errorcode: 2";
-    expectRefused(writing(0, 1, {0x50}), kBusError, kMissing);
+    expectRefused(kWriting, kBusError, kMissing);
     expectRefused({5, 'I', 255, 0, 9}, kBusError, kMissing);
     comeBack();
-    m_manager->willAnswer(0);
-    expectAnswer(writing(0, 1, {0x50}), {8, 'I', 0, 1, 0, 0, 0, 0});
+    expectExchange(kWriting, writeRequest(0x50, {0x50}), {}, written(1));
 }
 
 TEST_F(IWriteCmdTest, AFailingWriteIsToldWithItsTextAndItsCode) {
-    const Rows<int, const char*> rows = {
-        {1, "The master is locked by another connection, errorcode: 1"},
-        {5, "The master send failed, errorcode: 5"},
-        {12, "Insufficient memory, errorcode: 12"},
-        {14, "An error occurred while accessing the data buffer, errorcode: 14"},
-        {22, "Bad message format, errorcode: 22"},
-        {16, "Device or resource busy, errorcode: 16"},
-        {-1, "Unknown error -1, errorcode: -1"},
-    };
-    for (const auto& [result, text] : rows) {
-        m_manager->willAnswer(result);
-        m_manager->willAnswer(result);
-        expectRefused(writing(0, 1, {0x50}), kBusError,
-                      std::string("Write Error on Device /dev/i2c0: ") + text);
-    }
+    for (const auto& [result, text, textOfReads] : kBusFailures)
+        expectFailure(kWriting, result, std::string("Write Error on Device /dev/i2c0: ") + text);
     EXPECT_EQ(m_manager->connections(), 1) << "the bus stays open";
 }
 
 TEST_F(IWriteCmdTest, AManagerThatGoesDuringARequestIsToldAndReachedAgain) {
     m_manager->willVanish();
-    expectErrorSent(m_frontEnd, writing(0, 1, {0x50}), kBusError,
+    expectErrorSent(m_frontEnd, kWriting, kBusError,
                     "Write Error on Device /dev/i2c0: Broken pipe, errorcode: 32");
     expectErrorSent(m_frontEnd, {7, 'I', 255, 0, 1, 0, 100}, kSpeedError,
-                    "setBusSpeed Error on Device /dev/i2c0: No such file or directory, errorcode: 2");
+                    std::string(kSpeedNotSet) + "No such file or directory, errorcode: 2");
     comeBack();
-    m_manager->willAnswer(0);
-    expectAnswer(writing(0, 1, {0x50}), {8, 'I', 0, 1, 0, 0, 0, 0});
+    expectExchange(kWriting, writeRequest(0x50, {0x50}), {}, written(1));
 }
 
 TEST_F(IWriteCmdTest, TheStopConditionIsSwitchedAndStaysSo) {
     for (const unsigned char value : Bytes{0, 1, 0}) {
         SCOPED_TRACE(int(value));
-        expectAnswer({6, 'I', 255, 0, 0, value}, {8, 'I', 255, 0, 0, 0, 0, 0});
+        expectAnswer({6, 'I', 255, 0, 0, value}, kAttributeSet);
         EXPECT_EQ(stopCondition(), value == 1);
         for (const int result : {0, 5, 0}) {
             m_manager->willAnswer(result);
-            send(writing(0, 1, {0x50}));
+            send(kWriting);
             EXPECT_EQ(m_manager->lastRequest(), writeRequest(0x50, {0x50}, value));
         }
     }
@@ -152,14 +134,11 @@ TEST_F(IWriteCmdTest, TheStopConditionIsSwitchedAndStaysSo) {
 }
 
 TEST_F(IWriteCmdTest, TheSpeedIsSetInKiloHertz) {
-    m_manager->willAnswer(0);
-    expectAnswer({7, 'I', 255, 0, 1, 0x01, 0x90}, {8, 'I', 255, 0, 0, 0, 0, 0});
-    EXPECT_EQ(m_manager->lastRequest(), speedRequest(400000));
-    EXPECT_EQ(busSpeed(), 400000u);
-    m_manager->willAnswer(0);
-    expectAnswer({7, 'I', 255, 0, 1, 0x00, 0x64}, {8, 'I', 255, 0, 0, 0, 0, 0});
-    EXPECT_EQ(m_manager->lastRequest(), speedRequest(100000));
-    EXPECT_EQ(busSpeed(), 100000u);
+    for (const auto& [high, low, speed] :
+         Rows<unsigned char, unsigned char, unsigned>{{0x01, 0x90, 400000}, {0x00, 0x64, 100000}}) {
+        expectExchange(Bytes{7, 'I', 255, 0, 1, high, low}, speedRequest(speed), {}, kAttributeSet);
+        EXPECT_EQ(busSpeed(), speed);
+    }
 }
 
 TEST_F(IWriteCmdTest, OtherSpeedsAreRefused) {
@@ -172,14 +151,10 @@ TEST_F(IWriteCmdTest, OtherSpeedsAreRefused) {
 }
 
 TEST_F(IWriteCmdTest, ASpeedThatTheBusDoesNotTakeHasTheSpeedsCode) {
-    m_manager->willAnswer(22);
-    m_manager->willAnswer(22);
-    expectRefused({7, 'I', 255, 0, 1, 0x01, 0x90}, kSpeedError,
-                  "setBusSpeed Error on Device /dev/i2c0: Bad message format, errorcode: 22");
-    m_manager->willAnswer(5);
-    m_manager->willAnswer(5);
-    expectRefused({7, 'I', 255, 0, 1, 0x01, 0x90}, kSpeedError,
-                  "setBusSpeed Error on Device /dev/i2c0: Input/output error, errorcode: 5");
+    for (const auto& [result, text] :
+         Rows<int, const char*>{{22, "Bad message format"}, {5, "Input/output error"}})
+        expectFailure(Bytes{7, 'I', 255, 0, 1, 0x01, 0x90}, result, std::string(kSpeedNotSet) + text,
+                      kSpeedError);
     EXPECT_EQ(busSpeed(), 100000u);
 }
 

@@ -8,7 +8,14 @@ using ::testing::IsEmpty;
 
 namespace {
 
-using iReadCmdBinaryTest = CommandTest<iReadCmd, I2cUnit>;
+constexpr char kNotInRange[] = "Overflow of allowed Range of Bytes to Read [1,247], should Read: ";
+constexpr char kNotRead[] = "Read Error on Device /dev/i2c0: ";
+constexpr char kNotTransferred[] = "Transfer Error on Device /dev/i2c0: ";
+
+const Bytes kReadOne = {5, 'i', 0, 1, 0x50};
+const Bytes kReadThree = {5, 'i', 0, 3, 0x50};
+
+using iReadCmdBinaryTest = BusTest<iReadCmd>;
 
 Bytes answerFrame(unsigned char bus, unsigned char count, const Bytes& payload) {
     const auto size = static_cast<unsigned char>(8 + payload.size());
@@ -18,15 +25,13 @@ Bytes answerFrame(unsigned char bus, unsigned char count, const Bytes& payload) 
 } // namespace
 
 TEST_F(iReadCmdBinaryTest, FiveBytesAreAPlainRead) {
-    m_manager->willAnswer(0, readReply({0xA1, 0xA2, 0xA3}));
-    expectAnswer({5, 'i', 0, 3, 0x50}, {11, 'i', 0, 3, 0, 0, 0, 0, 0xA1, 0xA2, 0xA3});
-    EXPECT_EQ(m_manager->lastRequest(), readRequest(0x50, 3));
+    expectExchange(kReadThree, readRequest(0x50, 3), readReply({0xA1, 0xA2, 0xA3}),
+                   Bytes{11, 'i', 0, 3, 0, 0, 0, 0, 0xA1, 0xA2, 0xA3});
 }
 
 TEST_F(iReadCmdBinaryTest, MoreBytesAreWrittenFirst) {
-    m_manager->willAnswer(0, transferReply({0xA1}));
-    expectAnswer({6, 'i', 0, 1, 0x50, 0x10}, {9, 'i', 0, 1, 0, 0, 0, 0, 0xA1});
-    EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, {0x10}, 1));
+    expectExchange(Bytes{6, 'i', 0, 1, 0x50, 0x10}, transferRequest(0x50, {0x10}, 1),
+                   transferReply({0xA1}), Bytes{9, 'i', 0, 1, 0, 0, 0, 0, 0xA1});
 
     const Bytes most = counting(250);
     m_manager->willAnswer(0, transferReply({0xA1}));
@@ -38,34 +43,33 @@ TEST_F(iReadCmdBinaryTest, UpTo247BytesAreRead) {
     for (const unsigned char count : Bytes{1, 2, 246, 247}) {
         SCOPED_TRACE(int(count));
         const Bytes data = counting(count, 0x80);
-        m_manager->willAnswer(0, readReply(data));
-        expectAnswer({5, 'i', 0, count, 0xFF}, answerFrame(0, count, data));
-        EXPECT_EQ(m_manager->lastRequest(), readRequest(0xFF, count));
+        expectExchange(Bytes{5, 'i', 0, count, 0xFF}, readRequest(0xFF, count), readReply(data),
+                       answerFrame(0, count, data));
     }
 }
 
 TEST_F(iReadCmdBinaryTest, WhatTheManagerSendsTooMuchIsDropped) {
-    m_manager->willAnswer(0, readReply(counting(1000)));
-    expectAnswer({5, 'i', 0, 3, 0x50}, answerFrame(0, 3, {1, 2, 3}));
+    expectExchange(kReadThree, readRequest(0x50, 3), readReply(counting(1000)),
+                   answerFrame(0, 3, {1, 2, 3}));
 }
 
 TEST_F(iReadCmdBinaryTest, WhatTheManagerDoesNotSendIsAFailure) {
     for (const Bytes& reply : {Bytes{}, Bytes(16, 0xEE), readReply({1}), readReply({1, 2})}) {
         SCOPED_TRACE(reply.size());
         m_manager->willAnswer(0, reply);
-        expectErrorSent(m_frontEnd, {5, 'i', 0, 3, 0x50}, kBusError,
-                        "Read Error on Device /dev/i2c0: Protocol error, errorcode: 71");
+        expectErrorSent(m_frontEnd, kReadThree, kBusError,
+                        std::string(kNotRead) + "Protocol error, errorcode: 71");
     }
     m_manager->willAnswer(0, transferReply({1, 2}));
     expectErrorSent(m_frontEnd, {6, 'i', 0, 3, 0x50, 9}, kBusError,
-                    "Transfer Error on Device /dev/i2c0: Protocol error, errorcode: 71");
+                    std::string(kNotTransferred) + "Protocol error, errorcode: 71");
 }
 
 TEST_F(iReadCmdBinaryTest, TooShortARequestIsRefused) {
-    expectRefused({2, 'i'}, kGenericError, "Expected at Least 5 Bytes, received: 2");
-    expectRefused({3, 'i', 0}, kGenericError, "Expected at Least 5 Bytes, received: 3");
-    expectRefused({4, 'i', 0, 0}, kGenericError, "Expected at Least 5 Bytes, received: 4");
-    expectRefused({4, 'i', 9, 248}, kGenericError, "Expected at Least 5 Bytes, received: 4");
+    for (const Bytes& request :
+         std::vector<Bytes>{{2, 'i'}, {3, 'i', 0}, {4, 'i', 0, 0}, {4, 'i', 9, 248}})
+        expectRefused(request, kGenericError,
+                      "Expected at Least 5 Bytes, received: " + std::to_string(request.size()));
     EXPECT_EQ(m_manager->connections(), 0);
 }
 
@@ -73,65 +77,42 @@ TEST_F(iReadCmdBinaryTest, TheCountIsCheckedBeforeTheBus) {
     for (const unsigned char bus : Bytes{0, 9}) {
         for (const unsigned char count : Bytes{0, 248, 255})
             expectRefused({5, 'i', bus, count, 0x50}, kGenericError,
-                          "Overflow of allowed Range of Bytes to Read [1,247], should Read: " +
-                              std::to_string(count));
+                          kNotInRange + std::to_string(count));
     }
     EXPECT_EQ(m_manager->connections(), 0);
 }
 
 TEST_F(iReadCmdBinaryTest, ThereIsOneBus) {
     for (const unsigned char bus : Bytes{1, 2, 254})
-        expectRefused({5, 'i', bus, 1, 0x50}, kNoSuchBus,
-                      "Bus number " + std::to_string(bus) + " is invalid");
+        expectNoSuchBus({5, 'i', bus, 1, 0x50}, bus);
     for (const unsigned char bus : Bytes{1, 255})
-        expectRefused({5, 'i', 255, bus, 9}, kNoSuchBus,
-                      "Bus number " + std::to_string(bus) + " is invalid");
+        expectNoSuchBus({5, 'i', 255, bus, 9}, bus);
     EXPECT_EQ(m_manager->connections(), 0);
 }
 
 TEST_F(iReadCmdBinaryTest, ABusThatCannotBeOpenedIsTold) {
     removeBus();
-    expectRefused({5, 'i', 0, 1, 0x50}, kBusError, "Failed to open Bus with Error-Code 2");
-    expectRefused({6, 'i', 0, 1, 0x50, 1}, kBusError, "Failed to open Bus with Error-Code 2");
-    expectRefused({5, 'i', 255, 0, 9}, kBusError, "Failed to open Bus with Error-Code 2");
+    for (const Bytes& request : {kReadOne, Bytes{6, 'i', 0, 1, 0x50, 1}, Bytes{5, 'i', 255, 0, 9}})
+        expectRefused(request, kBusError, "Failed to open Bus with Error-Code 2");
     comeBack();
-    m_manager->willAnswer(0, readReply({7}));
-    expectAnswer({5, 'i', 0, 1, 0x50}, answerFrame(0, 1, {7}));
+    expectExchange(kReadOne, readRequest(0x50, 1), readReply({7}), answerFrame(0, 1, {7}));
 }
 
 TEST_F(iReadCmdBinaryTest, AFailingTransactionIsToldWithItsTextAndItsCode) {
-    const Rows<int, const char*, const char*> rows = {
-        {1, "Operation not permitted", "The master is locked by another connection"},
-        {5, "bad slave address/ bad bus speed/ bus is busy", "The master send failed"},
-        {12, "The master is locked by another connection", "Insufficient memory"},
-        {14, "Bad address", "An error occurred while accessing the data buffer"},
-        {22, "Bad message format", "Bad message format"},
-        {16, "Device or resource busy", "Device or resource busy"},
-        {-1, "Unknown error -1", "Unknown error -1"},
-    };
-    for (const auto& [result, read, transfer] : rows) {
-        for (int time = 0; time < 4; ++time)
-            m_manager->willAnswer(result, Bytes(300));
-        const std::string end = ", errorcode: " + std::to_string(result);
-        expectRefused({5, 'i', 0, 3, 0x50}, kBusError,
-                      std::string("Read Error on Device /dev/i2c0: ") + read + end);
-        expectRefused({7, 'i', 0, 3, 0x50, 1, 2}, kBusError,
-                      std::string("Transfer Error on Device /dev/i2c0: ") + transfer + end);
+    for (const auto& [result, transfer, read] : kBusFailures) {
+        expectFailure(kReadThree, result, std::string(kNotRead) + read);
+        expectFailure(Bytes{7, 'i', 0, 3, 0x50, 1, 2}, result, std::string(kNotTransferred) + transfer);
     }
-    m_manager->willAnswer(0, readReply({7}));
-    expectAnswer({5, 'i', 0, 1, 0x50}, answerFrame(0, 1, {7}));
+    expectExchange(kReadOne, readRequest(0x50, 1), readReply({7}), answerFrame(0, 1, {7}));
     EXPECT_EQ(m_manager->connections(), 1) << "the bus stays open";
 }
 
 TEST_F(iReadCmdBinaryTest, AManagerThatGoesDuringARequestIsToldAndReachedAgain) {
     m_manager->willVanish();
-    expectErrorSent(m_frontEnd, {5, 'i', 0, 3, 0x50}, kBusError,
-                    "Read Error on Device /dev/i2c0: Broken pipe, errorcode: 32");
-    expectErrorSent(m_frontEnd, {5, 'i', 0, 3, 0x50}, kBusError,
-                    "Read Error on Device /dev/i2c0: No such file or directory, errorcode: 2");
+    for (const char* text : {"Broken pipe, errorcode: 32", "No such file or directory, errorcode: 2"})
+        expectErrorSent(m_frontEnd, kReadThree, kBusError, std::string(kNotRead) + text);
     comeBack();
-    m_manager->willAnswer(0, readReply({7}));
-    expectAnswer({5, 'i', 0, 1, 0x50}, answerFrame(0, 1, {7}));
+    expectExchange(kReadOne, readRequest(0x50, 1), readReply({7}), answerFrame(0, 1, {7}));
 }
 
 TEST_F(iReadCmdBinaryTest, AttributesAreReadWithoutAskingTheManager) {
@@ -146,12 +127,9 @@ TEST_F(iReadCmdBinaryTest, AttributesAreWhatWasSetLast) {
     send({6, 'I', 255, 0, 0, 0});
     expectAnswer({5, 'i', 255, 0, 0}, {9, 'i', 255, 0, 0, 0, 0, 0, 0});
     expectAnswer({5, 'i', 255, 0, 1}, {10, 'i', 255, 0, 0, 0, 0, 0, 0x01, 0x90});
-    m_manager->willAnswer(0, readReply({0}));
-    send({5, 'i', 0, 1, 0x50});
-    EXPECT_EQ(m_manager->lastRequest(), readRequest(0x50, 1, 0));
-    m_manager->willAnswer(0, transferReply({0}));
-    send({6, 'i', 0, 1, 0x50, 9});
-    EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, {9}, 1, 0));
+    expectExchange(kReadOne, readRequest(0x50, 1, 0), readReply({0}), answerFrame(0, 1, {0}));
+    expectExchange(Bytes{6, 'i', 0, 1, 0x50, 9}, transferRequest(0x50, {9}, 1, 0), transferReply({0}),
+                   answerFrame(0, 1, {0}));
 }
 
 TEST_F(iReadCmdBinaryTest, OtherAttributesAreUnknown) {
@@ -161,14 +139,11 @@ TEST_F(iReadCmdBinaryTest, OtherAttributesAreUnknown) {
 }
 
 TEST_F(iReadCmdBinaryTest, ARequestForAnAttributeHasFiveBytes) {
-    expectRefused({3, 'i', 255}, kGenericError, "Expect a Command Length of 5 but get 3");
-    expectRefused({4, 'i', 255, 0}, kGenericError, "Expect a Command Length of 5 but get 4");
-    expectRefused({6, 'i', 255, 0, 0, 0}, kGenericError, "Expect a Command Length of 5 but get 6");
-    Bytes longest(255, 9);
-    longest[0] = 255;
-    longest[1] = 'i';
-    longest[2] = 255;
-    expectRefused(longest, kGenericError, "Expect a Command Length of 5 but get 255");
+    const Bytes longest = joined({{255, 'i', 255}, Bytes(252, 9)});
+    for (const Bytes& request :
+         {Bytes{3, 'i', 255}, Bytes{4, 'i', 255, 0}, Bytes{6, 'i', 255, 0, 0, 0}, longest})
+        expectRefused(request, kGenericError,
+                      "Expect a Command Length of 5 but get " + std::to_string(request.size()));
     EXPECT_EQ(m_manager->connections(), 0);
 }
 
@@ -178,10 +153,9 @@ TEST_F(iReadCmdBinaryTest, TheSharedCoresCanBeCalled) {
     EXPECT_EQ(Response(command().readBus(0, 2, 0x50, true, "xy", 2, &out))->code, 0u);
     EXPECT_THAT(out, ElementsAre(1, 2));
     EXPECT_EQ(m_manager->lastRequest(), transferRequest(0x50, {'x', 'y'}, 2));
-    expectError(Response(command().readBus(0, 248, 0x50, false, nullptr, 0, &out)), kGenericError,
-                "Overflow of allowed Range of Bytes to Read [1,247], should Read: 248");
-    expectError(Response(command().readBus(0, 0, 0x50, false, nullptr, 0, &out)), kGenericError,
-                "Overflow of allowed Range of Bytes to Read [1,247], should Read: 0");
+    for (const unsigned char count : Bytes{0, 248})
+        expectError(Response(command().readBus(0, count, 0x50, false, nullptr, 0, &out)), kGenericError,
+                    kNotInRange + std::to_string(count));
     out.clear();
     EXPECT_EQ(Response(command().getAttribute(0, 1, &out))->code, 0u);
     EXPECT_THAT(out, ElementsAre(0, 100));

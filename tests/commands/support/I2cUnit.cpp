@@ -23,6 +23,16 @@ I2c& bus() {
 
 } // namespace
 
+const Rows<int, const char*, const char*> kBusFailures = {
+    {1, "The master is locked by another connection", "Operation not permitted"},
+    {5, "The master send failed", "bad slave address/ bad bus speed/ bus is busy"},
+    {12, "Insufficient memory", "The master is locked by another connection"},
+    {14, "An error occurred while accessing the data buffer", "Bad address"},
+    {22, "Bad message format", "Bad message format"},
+    {16, "Device or resource busy", "Device or resource busy"},
+    {-1, "Unknown error -1", "Unknown error -1"},
+};
+
 I2cUnit::I2cUnit() {
     iReadCmd::getInstance();
     IWriteCmd::getInstance();

@@ -42,3 +42,33 @@ Bytes speedRequest(std::uint32_t speed);
 /// What a manager answers to a read or a transfer for its reply parts.
 Bytes readReply(const Bytes& data);
 Bytes transferReply(const Bytes& data);
+
+/// The results that a manager may give, with what is told of a failed write or transfer, and of a read.
+extern const Rows<int, const char*, const char*> kBusFailures;
+
+/// The bench for a command on the bus.
+template <typename Command>
+class BusTest : public CommandTest<Command, I2cUnit> {
+protected:
+    /// That the manager gets this packet and, when it has replied, the station this answer.
+    template <typename Request, typename Answer>
+    void expectExchange(const Request& request, const Bytes& packet, const Bytes& reply,
+                        const Answer& answer) {
+        this->m_manager->willAnswer(0, reply);
+        this->expectAnswer(request, answer);
+        EXPECT_EQ(this->m_manager->lastRequest(), packet);
+    }
+
+    void expectNoSuchBus(const Bytes& request, unsigned char bus) {
+        this->expectRefused(request, kNoSuchBus, "Bus number " + std::to_string(bus) + " is invalid");
+    }
+
+    /// That a request is refused as the manager refuses it.
+    template <typename Request>
+    void expectFailure(const Request& request, int result, const std::string& text,
+                       unsigned code = kBusError) {
+        this->m_manager->willAnswer(result, Bytes(300));
+        this->m_manager->willAnswer(result, Bytes(300));
+        this->expectRefused(request, code, text + ", errorcode: " + std::to_string(result));
+    }
+};
