@@ -26,8 +26,20 @@ constexpr Input kInputs[] = {
 
 class GCmdCaptureTest : public GraphicsUnit {
 protected:
-    static std::string errorOutputOfOutputOne() {
-        return errorOutputOf([] { expectSuccess(graphics().captureFrame(0, 1)); });
+    /// That the first output gets an input, by these calls of the tools.
+    static void expectCapture(unsigned char input, const Calls& made) {
+        expectSuccess(graphics().captureFrame(input, 0));
+        EXPECT_EQ(calls(), made);
+    }
+    /// That the last of these calls fails.
+    static void expectFailedCapture(unsigned char input, const Calls& made) {
+        expectToolFailure(graphics().captureFrame(input, 0));
+        EXPECT_EQ(calls(), made);
+    }
+    /// What is told when an input goes to this output.
+    static std::string told(unsigned char output) {
+        graphics();
+        return errorOutputOf([&] { expectSuccess(graphics().captureFrame(0, output)); });
     }
 };
 
@@ -37,15 +49,13 @@ TEST_F(GCmdCaptureTest, EachInputHasALayerThatIsMadeOnce) {
     inFreshProcess([] {
         for (const Input& input : kInputs) {
             SCOPED_TRACE(int{input.number});
-            expectSuccess(graphics().captureFrame(input.number, 0));
-            EXPECT_THAT(calls(), ElementsAre(input.make, input.show));
+            expectCapture(input.number, {input.make, input.show});
             EXPECT_EQ(environment(),
                       "/root/lib-target:/vrk/lib:/armle/lib:/armle/lib/dll /etc/vrk/production\n");
         }
         for (const Input& input : kInputs) {
             SCOPED_TRACE(int{input.number});
-            expectSuccess(graphics().captureFrame(input.number, 0));
-            EXPECT_THAT(calls(), ElementsAre(input.show));
+            expectCapture(input.number, {input.show});
         }
     });
 }
@@ -55,17 +65,11 @@ TEST_F(GCmdCaptureTest, ALayerThatCouldNotBeMadeIsTriedAgainForOneInputOnly) {
         SCOPED_TRACE(int{input.number});
         inFreshProcess([&input] {
             failAt({input.make});
-            expectToolFailure(graphics().captureFrame(input.number, 0));
-            EXPECT_THAT(calls(), ElementsAre(input.make));
+            expectFailedCapture(input.number, {input.make});
             failAt({});
-            expectSuccess(graphics().captureFrame(input.number, 0));
-            if (input.isRetried) {
-                EXPECT_THAT(calls(), ElementsAre(input.make, input.show));
-            } else {
-                EXPECT_THAT(calls(), ElementsAre(input.show));
-            }
-            expectSuccess(graphics().captureFrame(input.number, 0));
-            EXPECT_THAT(calls(), ElementsAre(input.show));
+            expectCapture(input.number,
+                          input.isRetried ? Calls{input.make, input.show} : Calls{input.show});
+            expectCapture(input.number, {input.show});
         });
     }
 }
@@ -75,16 +79,11 @@ TEST_F(GCmdCaptureTest, ALayerThatKeepsFailingIsTriedEachTimeForOneInputOnly) {
         SCOPED_TRACE(int{input.number});
         inFreshProcess([&input] {
             failAt({input.make});
-            graphics().captureFrame(input.number, 0);
-            calls();
-            const ProcessResponse second = graphics().captureFrame(input.number, 0);
-            if (input.isRetried) {
-                expectToolFailure(second);
-                EXPECT_THAT(calls(), ElementsAre(input.make));
-            } else {
-                expectSuccess(second);
-                EXPECT_THAT(calls(), ElementsAre(input.show));
-            }
+            expectFailedCapture(input.number, {input.make});
+            if (input.isRetried)
+                expectFailedCapture(input.number, {input.make});
+            else
+                expectCapture(input.number, {input.show});
         });
     }
 }
@@ -94,20 +93,17 @@ TEST_F(GCmdCaptureTest, ALayerThatCannotBeShownIsNotMadeAgain) {
         SCOPED_TRACE(int{input.number});
         inFreshProcess([&input] {
             failAt({input.show});
-            expectToolFailure(graphics().captureFrame(input.number, 0));
-            EXPECT_THAT(calls(), ElementsAre(input.make, input.show));
-            expectToolFailure(graphics().captureFrame(input.number, 0));
-            EXPECT_THAT(calls(), ElementsAre(input.show));
+            expectFailedCapture(input.number, {input.make, input.show});
+            expectFailedCapture(input.number, {input.show});
             failAt({});
-            expectSuccess(graphics().captureFrame(input.number, 0));
-            EXPECT_THAT(calls(), ElementsAre(input.show));
+            expectCapture(input.number, {input.show});
         });
     }
 }
 
 TEST_F(GCmdCaptureTest, TheSecondOutputWarnsAndTakesTheFirstDisplay) {
     inFreshProcess([] {
-        EXPECT_EQ(errorOutputOfOutputOne(),
+        EXPECT_EQ(told(1),
                   "Prod.testserver: GCmd: Failure in callig captureFrame function, invalid output "
                   "channel: 1\n"
                   "Prod.testserver: GCmd: Choosing LVDS0 as default output channel\n");
@@ -116,24 +112,15 @@ TEST_F(GCmdCaptureTest, TheSecondOutputWarnsAndTakesTheFirstDisplay) {
 }
 
 TEST_F(GCmdCaptureTest, TheFirstOutputDoesNotWarn) {
-    inFreshProcess([] {
-        graphics();
-        ::testing::internal::CaptureStderr();
-        expectSuccess(graphics().captureFrame(0, 0));
-        EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
-    });
+    inFreshProcess([] { EXPECT_EQ(told(0), ""); });
 }
 
 TEST_F(GCmdCaptureTest, AViewerThatRunsIsEndedOnce) {
     inFreshProcess([] {
-        graphics().displayTestImage(2, 0);
-        calls();
-        expectSuccess(graphics().captureFrame(3, 0));
-        EXPECT_THAT(calls(), ElementsAre("showimage|q", "dmdt|dc|99|-125", "dmdt|sc|0|99"));
-        expectSuccess(graphics().captureFrame(3, 0));
-        EXPECT_THAT(calls(), ElementsAre("dmdt|sc|0|99"));
-        expectSuccess(graphics().displayTestImage(2, 0));
-        EXPECT_EQ(calls(), joined({"showimage"}, showing(0, 4)));
+        startViewer();
+        expectCapture(3, {"showimage|q", "dmdt|dc|99|-125", "dmdt|sc|0|99"});
+        expectCapture(3, {"dmdt|sc|0|99"});
+        expectShown(2, 0, joined({"showimage"}, showing(0, 4)));
     });
 }
 
@@ -144,8 +131,7 @@ TEST_F(GCmdCaptureTest, ARefusedRequestEndsTheViewerAllTheSame) {
     for (const auto& [input, output, code, text] : rows) {
         SCOPED_TRACE(text);
         inFreshProcess([input = input, output = output, code = code, text = text] {
-            graphics().displayTestImage(2, 0);
-            calls();
+            startViewer();
             expectError(graphics().captureFrame(input, output), code, text);
             EXPECT_THAT(calls(), ElementsAre("showimage|q"));
             expectError(graphics().captureFrame(input, output), code, text);
@@ -156,13 +142,10 @@ TEST_F(GCmdCaptureTest, ARefusedRequestEndsTheViewerAllTheSame) {
 
 TEST_F(GCmdCaptureTest, AViewerThatCannotBeEndedIsNoHindrance) {
     inFreshProcess([] {
-        graphics().displayTestImage(2, 0);
-        calls();
+        startViewer();
         failAt({"showimage|q"});
-        expectSuccess(graphics().captureFrame(0, 0));
-        EXPECT_THAT(calls(), ElementsAre("showimage|q", "dmdt|dc|98|47", "dmdt|sc|0|98"));
-        expectSuccess(graphics().captureFrame(0, 0));
-        EXPECT_THAT(calls(), ElementsAre("dmdt|sc|0|98"));
+        expectCapture(0, {"showimage|q", "dmdt|dc|98|47", "dmdt|sc|0|98"});
+        expectCapture(0, {"dmdt|sc|0|98"});
     });
 }
 
@@ -171,8 +154,7 @@ TEST_F(GCmdCaptureTest, AViewerWhoseStartFailedIsEnded) {
         failAt({"showimage"});
         expectToolFailure(graphics().displayTestImage(2, 0));
         EXPECT_THAT(calls(), ElementsAre("showimage"));
-        expectSuccess(graphics().captureFrame(2, 0));
-        EXPECT_THAT(calls(), ElementsAre("showimage|q", "dmdt|dc|97|48", "dmdt|sc|0|97"));
+        expectCapture(2, {"showimage|q", "dmdt|dc|97|48", "dmdt|sc|0|97"});
     });
 }
 
@@ -184,8 +166,7 @@ TEST_F(GCmdCaptureTest, TheBlackLayerIsNoneOfTheInputs) {
         EXPECT_THAT(calls(), ElementsAre("dmdt|sc|1|100"));
         expectSuccess(graphics().switchToBlack(4));
         EXPECT_THAT(calls(), IsEmpty());
-        expectSuccess(graphics().captureFrame(0, 0));
-        EXPECT_THAT(calls(), ElementsAre("dmdt|dc|98|47", "dmdt|sc|0|98"));
+        expectCapture(0, {"dmdt|dc|98|47", "dmdt|sc|0|98"});
     });
 }
 

@@ -37,6 +37,17 @@ protected:
     static std::string packedPath(unsigned index);
     static std::string unpackedPath(unsigned index);
 
+    /// Shows a picture at the second output, and forgets the calls.
+    static void startViewer() {
+        expectSuccess(graphics().displayTestImage(2, 0));
+        calls();
+    }
+    /// That a picture is shown by these calls.
+    static void expectShown(unsigned char output, unsigned char index, const Calls& made) {
+        expectSuccess(graphics().displayTestImage(output, index));
+        EXPECT_EQ(calls(), made);
+    }
+
     /// That a tool has failed because of `failAt`.
     static void expectToolFailure(const ProcessResponse& response);
 
