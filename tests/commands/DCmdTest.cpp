@@ -30,13 +30,12 @@ Tokens line(const std::string& type, const std::string& offset, const std::strin
 class DCmdTest : public CommandTest<DCmd, ScratchFixture> {
 protected:
     void expectChecksum(const Bytes& frame, unsigned int checksum) {
-        const Bytes answer = joined({12, 'D', 9, frame[3], 0, 0, 0, 0}, bigEndian(checksum));
-        expectSuccess(*run(frame), answer);
-        expectAnswer(frame, answer);
+        expectResponse(frame, bigEndian(checksum));
+        expectDone(frame, bigEndian(checksum));
     }
 
     void expectChecksum(const Tokens& list, const std::string& base64) {
-        expectSuccess(*run(list), "cksum base64(" + base64 + ")");
+        expectResponse(list, "cksum base64(" + base64 + ")");
         expectAnswer(list, "diag cksum base64(" + base64 + ")");
     }
 };
@@ -78,8 +77,7 @@ TEST_F(DCmdTest, ChecksumsAllZeroBytesThatCanBeReached) {
     inFreshProcess([] {
         store(0, Bytes(kPrepared));
         store(kScratchBytes - kPrepared, Bytes(kPrepared));
-        const Response response = run(request(0, 0, kScratchBytes - 1));
-        EXPECT_EQ(frameOf(*response), (Bytes{12, 'D', 9, 0, 0, 0, 0, 0, 0xE1, 0xDF, 0x95, 0x42}));
+        expectResponse(request(0, 0, kScratchBytes - 1), {0xE1, 0xDF, 0x95, 0x42});
     });
 }
 
@@ -166,9 +164,7 @@ TEST_F(DCmdTest, RefusesFramesOfAnotherKind) {
 
 TEST_F(DCmdTest, RefusesFramesTooShortToBeAnswered) {
     expectRefused(Bytes{2, 'D'}, kGenericError, kUnexpected);
-    Bytes none;
-    expectError(Response(command().process(&none)), kGenericError, kUnexpected);
-    expectError(Response(command().process(static_cast<Bytes*>(nullptr))), kGenericError, kUnexpected);
+    expectNothingRefused(kGenericError, kUnexpected);
     expectRefused(Bytes{3, 'D', 9}, kGenericError, kInvalidLength);
 }
 
@@ -198,21 +194,17 @@ TEST_F(DCmdTest, WithoutMemoryForTheTableThereIsNoChecksumUntilThereIs) {
         expectError(run(line("0", "0", "9")), kSizeError, "Memory allocation failure");
         expectError(run(request(0, 0, 3)), kSizeError, kTooSmall);
         refuseTableMemory(false);
-        EXPECT_EQ(answerOf(*run(line("0", "0", "9"))), "cksum base64(dFJwgQ==)");
+        expectResponse(line("0", "0", "9"), "cksum base64(dFJwgQ==)");
     });
 }
 
 TEST(DCmdWithoutBufferTest, EveryRangeIsRefusedUntilThereIsMemory) {
     inFreshProcess([] {
         refuseScratchMemory(true);
-        for (Bytes frame : {request(0, 0, 9), request(1, 0, 0), request(9, ~0U, ~0U)}) {
-            const Response response(DCmd::getInstance()->process(&frame));
-            EXPECT_EQ(response->code, kAddressError);
-            EXPECT_EQ(response->message, "no memory available to calculate CRC over");
-            EXPECT_EQ(response->protocol, 0);
-        }
+        for (const Bytes& frame : {request(0, 0, 9), request(1, 0, 0), request(9, ~0U, ~0U)})
+            expectError(runRequest(*DCmd::getInstance(), frame), kAddressError,
+                        "no memory available to calculate CRC over");
         refuseScratchMemory(false);
-        Tokens list = line("0", "0", "4");
-        EXPECT_EQ(answerOf(*Response(DCmd::getInstance()->process(list))), "cksum base64(AAAAAA==)");
+        expectSuccess(*runRequest(*DCmd::getInstance(), line("0", "0", "4")), "cksum base64(AAAAAA==)");
     });
 }

@@ -38,7 +38,7 @@ TEST_F(PWriteCmdTest, WritesOutputsAndNothingElse) {
         expected[port.number] = '1';
         EXPECT_THAT(high, ElementsAre(8, 'P', 0xE3, 1, 0, 0, 0, 0));
         EXPECT_EQ(allLevels(), expected);
-        expectAnswer({6, 'P', 0xE3, 1, port.number, 0x00}, {8, 'P', 0xE3, 1, 0, 0, 0, 0});
+        expectDone(writing(port.number, 0x00));
         EXPECT_EQ(allLevels(), before);
     }
 }

@@ -220,9 +220,9 @@ TEST_F(SWriteCmdBinaryTest, AFailingDeviceIsToldAndTheChannelStaysOpen) {
 }
 
 TEST_F(SWriteCmdBinaryTest, SuccessesAreResponsesOfTheProtocol) {
-    EXPECT_EQ(frameOf(*run(openRequest(2))), success(openRequest(2)));
-    EXPECT_EQ(frameOf(*run(sendRequest(2, {1}))), success(sendRequest(2, {1})));
-    EXPECT_EQ(frameOf(*run(getRequest(2, 1))), success(getRequest(2, 1), Bytes(1)));
-    EXPECT_EQ(frameOf(*run(getAllRequest(2))), success(getAllRequest(2)));
-    EXPECT_EQ(frameOf(*run(closeRequest(2))), success(closeRequest(2)));
+    expectResponse(openRequest(2));
+    expectResponse(sendRequest(2, {1}));
+    expectResponse(getRequest(2, 1), Bytes(1));
+    expectResponse(getAllRequest(2));
+    expectResponse(closeRequest(2));
 }

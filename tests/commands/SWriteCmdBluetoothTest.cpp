@@ -27,7 +27,7 @@ protected:
         Bytes answer;
         EXPECT_TRUE(eventually([&] {
             answer = m_frontEnd.send(request);
-            return answer.size() > success(request).size();
+            return answer.size() > answerTo(request).size();
         }));
         return answer;
     }
@@ -54,7 +54,7 @@ TEST_F(SWriteCmdBluetoothTest, PacketsPassBothWays) {
     EXPECT_TRUE(
         (m_driver.writes() == std::vector<ScriptedBluetooth::Write>{{1, 0x01, {0x03, 0x0C, 0x00}}}));
     m_driver.receive(0x04, {0x0E, 0x04, 0x01, 0x03, 0x0C, 0x00});
-    EXPECT_EQ(fetched(get(3)), success(get(3), {0x04, 0x0E, 0x04}));
+    EXPECT_EQ(fetched(get(3)), answerTo(get(3), {0x04, 0x0E, 0x04}));
     expectDone(kGetAll, {0x01, 0x03, 0x0C, 0x00});
     expectDone(kClose);
     EXPECT_TRUE(m_driver.waitUntilUnloaded());
@@ -93,7 +93,7 @@ TEST_F(SWriteCmdBluetoothTest, AClosedLinkAnswersZeros) {
 TEST_F(SWriteCmdBluetoothTest, ALongPacketIsFetchedInParts) {
     openLink();
     m_driver.receive(0x02, Bytes(599, 0x02));
-    EXPECT_EQ(fetched(get(242)), success(get(242), Bytes(242, 0x02)));
+    EXPECT_EQ(fetched(get(242)), answerTo(get(242), Bytes(242, 0x02)));
     expectDone(get(242), Bytes(242, 0x02));
     expectDone(get(242), Bytes(116, 0x02));
     // A line has room for all of it at once.

@@ -2,32 +2,22 @@
 #include <chrono>
 
 #include "commands/cReadCmd.h"
+#include "support/ErrorOutput.h"
 #include "support/UnitFixture.h"
 
 namespace {
 
 Bytes requestFor(const std::string& text, unsigned char limitHigh = 0, unsigned char limitLow = 30) {
-    Bytes request(5 + text.size());
-    request[0] = static_cast<unsigned char>(request.size());
-    request[1] = 'c';
-    request[2] = 0x01;
-    request[3] = limitHigh;
-    request[4] = limitLow;
-    std::copy(text.begin(), text.end(), request.begin() + 5);
-    return request;
+    const auto size = static_cast<unsigned char>(5 + text.size());
+    return joined({size, 'c', 0x01, limitHigh, limitLow}, bytesOf(text));
 }
 
-Bytes answerWith(const std::string& output, unsigned char d3 = 0) {
-    Bytes frame(8 + output.size());
-    frame[0] = static_cast<unsigned char>(frame.size());
-    frame[1] = 'c';
-    frame[2] = 0x01;
-    frame[3] = d3;
-    std::copy(output.begin(), output.end(), frame.begin() + 8);
-    return frame;
-}
-
-using cReadCmdBinaryTest = CommandTest<cReadCmd, UnitFixture>;
+class cReadCmdBinaryTest : public CommandTest<cReadCmd, UnitFixture> {
+protected:
+    static void expectOutput(const Bytes& request, const std::string& output) {
+        expectResponse(request, bytesOf(output));
+    }
+};
 
 } // namespace
 
@@ -37,18 +27,16 @@ TEST_F(cReadCmdBinaryTest, AnswersWhatTheCommandWrote) {
         {"echo out; exit 1", "out\n"},   {"false", ""},         {":", ""},
         {"echo '~ %s %n'", "~ %s %n\n"},
     };
-    for (const auto& [text, output] : rows) {
-        SCOPED_TRACE(text);
-        expectSuccess(*run(requestFor(text)), answerWith(output));
-    }
+    for (const auto& [text, output] : rows)
+        expectOutput(requestFor(text), output);
 }
 
 TEST_F(cReadCmdBinaryTest, AcceptsFrom6To255Bytes) {
     const std::string text = "echo " + std::string(245, 'x');
     ASSERT_EQ(requestFor(text).size(), 255u);
-    EXPECT_EQ(frameOf(*run(requestFor(text))), answerWith(std::string(245, 'x') + "\n"));
+    expectOutput(requestFor(text), std::string(245, 'x') + "\n");
     ASSERT_EQ(requestFor(":").size(), 6u);
-    EXPECT_EQ(frameOf(*run(requestFor(":"))), answerWith(""));
+    expectOutput(requestFor(":"), "");
 }
 
 TEST_F(cReadCmdBinaryTest, CutsTheOutputAt246Bytes) {
@@ -57,16 +45,13 @@ TEST_F(cReadCmdBinaryTest, CutsTheOutputAt246Bytes) {
         const std::string text = "printf %0" + std::to_string(size) + "d 7";
         std::string output = std::string(size - 1, '0') + "7";
         output.resize(std::min<std::size_t>(size, 246));
-        EXPECT_EQ(frameOf(*run(requestFor(text))), answerWith(output));
+        expectOutput(requestFor(text), output);
     }
 }
 
 TEST_F(cReadCmdBinaryTest, NoOutputIsReportedOnStandardError) {
-    ::testing::internal::CaptureStderr();
-    const Response response = run(requestFor("true"));
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+    EXPECT_EQ(errorOutputOf([] { expectOutput(requestFor("true"), ""); }),
               "Prod.testserver: File /tmp/resp.txt is empty\n");
-    EXPECT_EQ(frameOf(*response), answerWith(""));
 }
 
 TEST_F(cReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
@@ -80,9 +65,7 @@ TEST_F(cReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
         {{6, 'c', 2, 0, 5, ':'}, kGenericError, "unsupported c subcommand"},
         {{6, 'c', 2, 0, 5, 0x7F}, kGenericError, "unsupported c subcommand"},
     });
-    Bytes empty;
-    expectError(Response(command().process(&empty)), kGenericError, tooShort);
-    expectError(Response(command().process(static_cast<Bytes*>(nullptr))), kGenericError, tooShort);
+    expectNothingRefused(kGenericError, tooShort);
 }
 
 TEST_F(cReadCmdBinaryTest, AByteThatCannotBePrintedIsNamedAndNothingRuns) {
@@ -118,9 +101,9 @@ TEST_F(cReadCmdBinaryTest, TheLimitIsInSeconds) {
 
 TEST_F(cReadCmdBinaryTest, TheLimitsFirstByteCounts256) {
     // Were the byte worth one second only, this would be too long.
-    EXPECT_EQ(frameOf(*run(requestFor("sleep 1.2; echo done", 1, 0))), answerWith("done\n", 1));
+    expectOutput(requestFor("sleep 1.2; echo done", 1, 0), "done\n");
 }
 
 TEST_F(cReadCmdBinaryTest, TheAnswerEchoesTheLimitsFirstByte) {
-    EXPECT_EQ(frameOf(*run(requestFor("echo x", 0xFF, 0xFF))), answerWith("x\n", 0xFF));
+    expectOutput(requestFor("echo x", 0xFF, 0xFF), "x\n");
 }

@@ -7,6 +7,7 @@
 
 #include "commands/cReadCmd.h"
 #include "support/DescriptorLimit.h"
+#include "support/ErrorOutput.h"
 #include "support/RefusedCalls.h"
 #include "support/UnitFixture.h"
 #include "wire/Base64.h"
@@ -15,10 +16,12 @@ namespace {
 
 constexpr char kFile[] = "/tmp/some file";
 
+const Bytes kRequest = {0x04, 's', 0xA2, 0xA3};
+
 class cReadCmdFileTest : public UnitFixture {
 protected:
     static Response readBinary(const char* path) {
-        Bytes request = {0x04, 's', 0xA2, 0xA3};
+        Bytes request = kRequest;
         return Response(cReadCmd::getInstance()->ReadFromFileBinary(&request, path));
     }
     static Response readBase64(const char* path) {
@@ -38,21 +41,14 @@ TEST_F(cReadCmdFileTest, BinaryAnswersTheFirst246Bytes) {
         content[0] = '\0';
         content[std::min<std::size_t>(size, 246) - 1] = 'z';
         write(kFile, content);
-        const std::size_t carried = std::min<std::size_t>(size, 246);
-        Bytes expected = {static_cast<unsigned char>(8 + carried), 's', 0xA2, 0xA3, 0, 0, 0, 0};
-        expected.resize(8 + carried);
-        std::copy_n(content.begin(), carried, expected.begin() + 8);
-        expectSuccess(*readBinary(kFile), expected);
+        expectSuccess(*readBinary(kFile), answerTo(kRequest, bytesOf(content.substr(0, 246))));
     }
 }
 
 TEST_F(cReadCmdFileTest, BinaryReportsAnEmptyFile) {
     write(kFile, "");
-    ::testing::internal::CaptureStderr();
-    const Response response = readBinary(kFile);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+    EXPECT_EQ(errorOutputOf([] { expectSuccess(*readBinary(kFile), answerTo(kRequest)); }),
               "Prod.testserver: File /tmp/some file is empty\n");
-    expectSuccess(*response, Bytes{8, 's', 0xA2, 0xA3, 0, 0, 0, 0});
 }
 
 TEST_F(cReadCmdFileTest, BinaryTellsWhatIsWrongWithAFile) {

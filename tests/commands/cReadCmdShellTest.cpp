@@ -29,20 +29,16 @@ const Planted kLink = {"a symbolic link",
                        [] { ASSERT_EQ(::symlink("/tmp/precious", kCaptureFile), 0); }};
 const Planted kPipe = {"a pipe", [] { ASSERT_EQ(::mkfifo(kCaptureFile, 0600), 0); }};
 
-class cReadCmdShellTest : public UnitFixture {
+class cReadCmdShellTest : public CommandTest<cReadCmd, UnitFixture> {
 protected:
     static ProcessResponse execute(const std::string& text, unsigned long long limit = 60) {
-        return *Response(cReadCmd::getInstance()->executeCommand(limit, text.c_str()));
+        return *Response(command().executeCommand(limit, text.c_str()));
     }
 
-    static Response processAscii(const std::string& text) {
-        return runRequest(*cReadCmd::getInstance(), tokens({"exec", "command", "60", text}));
-    }
+    static Words line(const std::string& text) { return {"exec", "command", "60", text}; }
 
-    static Response processBinary(const std::string& text) {
-        Bytes request = {static_cast<unsigned char>(5 + text.size()), 'c', 1, 0, 60};
-        request.insert(request.end(), text.begin(), text.end());
-        return runRequest(*cReadCmd::getInstance(), request);
+    static Bytes frame(const std::string& text) {
+        return joined({static_cast<unsigned char>(5 + text.size()), 'c', 1, 0, 60}, bytesOf(text));
     }
 
     static void expectError(const ProcessResponse& response, const std::string& text,
@@ -192,27 +188,17 @@ TEST_F(cReadCmdShellTest, AnEarlierCommandCannotWriteIntoALaterAnswer) {
 
 TEST_F(cReadCmdShellTest, WhatIsPutInPlaceOfTheCaptureFileMeanwhileIsAnswered) {
     write("/tmp/other", "other");
-    const Rows<const char*, const char*, const char*, Bytes> rows = {
-        {"a file",
-         "echo lost; cp /tmp/other /tmp/o; mv /tmp/o /tmp/resp.txt; echo lost",
-         "base64(b3RoZXI=)",
-         {'o', 't', 'h', 'e', 'r'}},
-        {"a new file",
-         "echo lost; rm /tmp/resp.txt; echo A >/tmp/resp.txt",
-         "base64(QQo=)",
-         {'A', '\n'}},
-        {"a link",
-         "ln -sf /tmp/other /tmp/resp.txt; echo lost",
-         "base64(b3RoZXI=)",
-         {'o', 't', 'h', 'e', 'r'}},
-        {"the file, shorter", "echo lost; : >/tmp/resp.txt", "base64()", {}},
+    const Rows<const char*, const char*, const char*, const char*> rows = {
+        {"a file", "echo lost; cp /tmp/other /tmp/o; mv /tmp/o /tmp/resp.txt; echo lost",
+         "base64(b3RoZXI=)", "other"},
+        {"a new file", "echo lost; rm /tmp/resp.txt; echo A >/tmp/resp.txt", "base64(QQo=)", "A\n"},
+        {"a link", "ln -sf /tmp/other /tmp/resp.txt; echo lost", "base64(b3RoZXI=)", "other"},
+        {"the file, shorter", "echo lost; : >/tmp/resp.txt", "base64()", ""},
     };
-    for (const auto& [what, text, base64, payload] : rows) {
+    for (const auto& [what, text, base64, output] : rows) {
         SCOPED_TRACE(what);
-        EXPECT_EQ(answerOf(*processAscii(text)), base64);
-        Bytes frame = {static_cast<unsigned char>(8 + payload.size()), 'c', 1, 0, 0, 0, 0, 0};
-        frame.insert(frame.end(), payload.begin(), payload.end());
-        EXPECT_EQ(frameOf(*processBinary(text)), frame);
+        expectResponse(line(text), base64);
+        expectResponse(frame(text), bytesOf(output));
     }
     expectOutput("echo mine", "mine\n");
     EXPECT_EQ(read("/tmp/other"), "other");
@@ -220,19 +206,19 @@ TEST_F(cReadCmdShellTest, WhatIsPutInPlaceOfTheCaptureFileMeanwhileIsAnswered) {
 
 TEST_F(cReadCmdShellTest, WhenTheCommandRemovesTheCaptureFileThereIsNothingToAnswer) {
     constexpr char kGone[] = "cannot open /tmp/resp.txt, no information available";
-    expectError(*processAscii("echo lost; rm /tmp/resp.txt"), kGone, 'a');
-    expectError(*processBinary("echo lost; rm /tmp/resp.txt"), kGone, 't');
+    expectError(*run(line("echo lost; rm /tmp/resp.txt")), kGone, 'a');
+    expectError(*run(frame("echo lost; rm /tmp/resp.txt")), kGone, 't');
     expectKilled("echo lost; rm /tmp/resp.txt", "");
 }
 
 TEST_F(cReadCmdShellTest, WhatCannotBeReadIsToldAndNeverWaitedFor) {
-    expectError(*processAscii("rm /tmp/resp.txt; mkdir /tmp/resp.txt"),
+    expectError(*run(line("rm /tmp/resp.txt; mkdir /tmp/resp.txt")),
                 "cannot read /tmp/resp.txt: Is a directory", 'a');
     remove(kCaptureFile);
-    expectError(*processAscii("truncate -s 8T /tmp/resp.txt"),
+    expectError(*run(line("truncate -s 8T /tmp/resp.txt")),
                 "cannot read /tmp/resp.txt: Cannot allocate memory", 'a');
     expectKilled("truncate -s 8T /tmp/resp.txt", "cannot read /tmp/resp.txt: Cannot allocate memory");
-    EXPECT_EQ(answerOf(*processAscii("ln -sf /dev/zero /tmp/resp.txt")), "base64()");
+    expectResponse(line("ln -sf /dev/zero /tmp/resp.txt"), "base64()");
 }
 
 TEST_F(cReadCmdShellTest, TheOutputOfAKilledCommandEndsAtItsFirstZeroByte) {

@@ -29,14 +29,6 @@ Bytes transfer(unsigned char type, unsigned char id, Operation operation, std::u
     return frame;
 }
 
-Bytes success(unsigned char type, unsigned char id) {
-    return {8, 'm', type, id, 0, 0, 0, 0};
-}
-
-Bytes moved(unsigned char type, unsigned char id, std::uint32_t count) {
-    return joined({12, 'm', type, id, 0, 0, 0, 0}, bigEndian(count));
-}
-
 class mCmdBinaryTest : public CommandTest<mCmd, BlockUnit> {
 protected:
     void expectRefused(const Bytes& frame, const std::string& text) {
@@ -52,40 +44,40 @@ TEST_F(mCmdBinaryTest, MovesBlocksFromOneDeviceToAnother) {
     for (unsigned block = 0; block < 15; ++block)
         disc.fill(block, static_cast<char>('a' + block));
     setScratch(0x1000, blocksOf('.', 6));
-    expectAnswer(request(kOptical, 0, Open), success(kOptical, 0));
-    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
-    expectAnswer(transfer(kOptical, 0, Read, 10, 4, 0x1001), moved(kOptical, 0, 4 * kBlock));
+    expectDone(request(kOptical, 0, Open));
+    expectDone(request(kCard, 0, Open));
+    expectDone(transfer(kOptical, 0, Read, 10, 4, 0x1001), bigEndian(4 * kBlock));
     EXPECT_EQ(scratch(0x1000, 6 * kBlock), "." + disc.blocks(10, 4) + blocksOf('.', 2).substr(1));
-    expectAnswer(transfer(kCard, 0, Write, 2, 4, 0x1001), moved(kCard, 0, 4 * kBlock));
+    expectDone(transfer(kCard, 0, Write, 2, 4, 0x1001), bigEndian(4 * kBlock));
     EXPECT_EQ(card.blocks(0, 15), blocksOf('\0', 2) + disc.blocks(10, 4) + blocksOf('\0', 9));
-    expectAnswer(request(kOptical, 0, Close), success(kOptical, 0));
-    expectAnswer(request(kCard, 0, Close), success(kCard, 0));
+    expectDone(request(kOptical, 0, Close));
+    expectDone(request(kCard, 0, Close));
 }
 
 TEST_F(mCmdBinaryTest, ASuccessIsAFrameOfItsOwn) {
     const BlockFile card(kCardPath, 3);
-    expectSuccess(*run(request(kCard, 0, Open)), success(kCard, 0));
-    EXPECT_EQ(frameOf(*run(transfer(kCard, 0, Read, 0, 1, 0))), moved(kCard, 0, kBlock));
-    EXPECT_EQ(frameOf(*run(transfer(kCard, 0, Write, 0, 1, 0))), moved(kCard, 0, kBlock));
-    EXPECT_EQ(frameOf(*run(request(kCard, 0, Close))), success(kCard, 0));
+    expectResponse(request(kCard, 0, Open));
+    expectResponse(transfer(kCard, 0, Read, 0, 1, 0), bigEndian(kBlock));
+    expectResponse(transfer(kCard, 0, Write, 0, 1, 0), bigEndian(kBlock));
+    expectResponse(request(kCard, 0, Close));
 }
 
 TEST_F(mCmdBinaryTest, TheDevicesIdIsEchoed) {
     const BlockFile flash(kFlashPath, 3);
-    expectAnswer(request(kCard, 1, Open), success(kCard, 1));
-    expectAnswer(request(kCard, 1, Open), success(kCard, 1));
-    expectAnswer(transfer(kCard, 1, Read, 0, 0, 0), moved(kCard, 1, 0));
-    expectAnswer(transfer(kCard, 1, Write, 0, 2, 0), moved(kCard, 1, 2 * kBlock));
-    expectAnswer(request(kCard, 1, Close), success(kCard, 1));
-    expectAnswer(request(kCard, 1, Close), success(kCard, 1));
+    expectDone(request(kCard, 1, Open));
+    expectDone(request(kCard, 1, Open));
+    expectDone(transfer(kCard, 1, Read, 0, 0, 0), bigEndian(0));
+    expectDone(transfer(kCard, 1, Write, 0, 2, 0), bigEndian(2 * kBlock));
+    expectDone(request(kCard, 1, Close));
+    expectDone(request(kCard, 1, Close));
 }
 
 TEST_F(mCmdBinaryTest, NumbersComeMostSignificantByteFirst) {
     BlockFile card(kCardPath, 0x01020400);
     card.fill(0x20304, 'x'); // where block 0x01020304 begins, less 64 GiB
     setScratch(0x01020300, blocksOf('.', 0x11));
-    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
-    expectAnswer(transfer(kCard, 0, Read, 0x01020304, 0x10, 0x01020300), moved(kCard, 0, 0x10000));
+    expectDone(request(kCard, 0, Open));
+    expectDone(transfer(kCard, 0, Read, 0x01020304, 0x10, 0x01020300), bigEndian(0x10000));
     EXPECT_EQ(scratch(0x01020300, 0x11 * kBlock), blocksOf('x') + blocksOf('\0', 0xF) + blocksOf('.'));
 }
 
@@ -136,7 +128,7 @@ TEST_F(mCmdBinaryTest, AFailureIsReportedWithItsErrorCode) {
                   "Device is not properly opened, file descriptor is invalid, errorCode: 16842752");
     expectRefused(transfer(kCard, 0, Write, 0, 1, 0),
                   "Device is not proprely opened, file descriptor is invalid, errorCode: 16842752");
-    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
+    expectDone(request(kCard, 0, Open));
     expectRefused(transfer(kCard, 0, Read, 15, 1, 0),
                   "Startblock does not Exist on Device, errorCode: 16842752");
     expectRefused(transfer(kCard, 0, Read, 10, 5, 0),
@@ -145,12 +137,12 @@ TEST_F(mCmdBinaryTest, AFailureIsReportedWithItsErrorCode) {
                   "Endblock does not exist on Device, errorCode: 16842752");
     expectRefused(transfer(kCard, 0, Write, 1, 0xFFFFFFFF, 0),
                   "Endblock does not exist on Device, errorCode: 16842752");
-    expectAnswer(transfer(kCard, 0, Read, 10, 4, 0), moved(kCard, 0, 4 * kBlock));
+    expectDone(transfer(kCard, 0, Read, 10, 4, 0), bigEndian(4 * kBlock));
 }
 
 TEST_F(mCmdBinaryTest, AReadOnlyDeviceIsNotWrittenTo) {
     const BlockFile disc(kOpticalPath, 3);
-    expectAnswer(request(kOptical, 0, Open), success(kOptical, 0));
+    expectDone(request(kOptical, 0, Open));
     setScratch(0, blocksOf('x'));
     expectRefused(transfer(kOptical, 0, Write, 0, 1, 0),
                   "Device is Read-Only declared, errorCode: 16842752");
@@ -163,7 +155,7 @@ TEST_F(mCmdBinaryTest, AReadStaysInsideTheScratchBuffer) {
         expectRefused(transfer(kCard, 0, Read, 0, 1, offset), kOffsetOutOfRange);
     BlockFile card(kCardPath, 0x200000);
     card.fill(0, 'a');
-    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
+    expectDone(request(kCard, 0, Open));
     setScratch(kScratchBytes - 2 * kBlock, blocksOf('.', 2));
     for (const std::uint32_t offset : {kScratchBytes - kBlock + 1, kScratchBytes - 1})
         expectRefused(transfer(kCard, 0, Read, 0, 1, offset), kNoSpace);
@@ -173,17 +165,17 @@ TEST_F(mCmdBinaryTest, AReadStaysInsideTheScratchBuffer) {
     expectRefused(transfer(kCard, 0, Read, 0, kScratchBytes / kBlock + 1, 0), kNoSpace);
     expectRefused(transfer(kCard, 0, Read, 0, kScratchBytes / kBlock, 1), kNoSpace);
     EXPECT_EQ(scratch(kScratchBytes - 2 * kBlock, 2 * kBlock), blocksOf('.', 2));
-    expectAnswer(transfer(kCard, 0, Read, 0, 1, kScratchBytes - kBlock), moved(kCard, 0, kBlock));
+    expectDone(transfer(kCard, 0, Read, 0, 1, kScratchBytes - kBlock), bigEndian(kBlock));
     EXPECT_EQ(scratch(kScratchBytes - 2 * kBlock, 2 * kBlock), blocksOf('.') + blocksOf('a'));
     card.resize(2 * kBlock); // so that not all of it has to be moved
-    expectAnswer(transfer(kCard, 0, Read, 0, kScratchBytes / kBlock, 0), moved(kCard, 0, 2 * kBlock));
+    expectDone(transfer(kCard, 0, Read, 0, kScratchBytes / kBlock, 0), bigEndian(2 * kBlock));
 }
 
 TEST_F(mCmdBinaryTest, AWriteStaysInsideTheScratchBuffer) {
     const BlockFile card(kCardPath, 0x200000);
     expectRefused(transfer(kCard, 0, Write, 0, 1, 0xFFFFFFFF),
                   "Device is not proprely opened, file descriptor is invalid, errorCode: 16842752");
-    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
+    expectDone(request(kCard, 0, Open));
     // At the later ones the space that is left is a positive number, if it wraps.
     for (const std::uint32_t offset : {kScratchBytes - kBlock + 1, kScratchBytes, kScratchBytes + 1,
                                        0x88000000U, 0x88000001U, 0xF0000000U, 0xFFFFFFFFU})
@@ -193,29 +185,29 @@ TEST_F(mCmdBinaryTest, AWriteStaysInsideTheScratchBuffer) {
         expectRefused(transfer(kCard, 0, Write, 0, count, 0), kNoData);
     EXPECT_EQ(card.block(0), blocksOf('\0'));
     setScratch(kScratchBytes - kBlock, blocksOf('z'));
-    expectAnswer(transfer(kCard, 0, Write, 0, 1, kScratchBytes - kBlock), moved(kCard, 0, kBlock));
+    expectDone(transfer(kCard, 0, Write, 0, 1, kScratchBytes - kBlock), bigEndian(kBlock));
     EXPECT_EQ(card.blocks(0, 2), blocksOf('z') + blocksOf('\0'));
 }
 
 TEST_F(mCmdBinaryTest, ADeviceThatGivesLessIsBelieved) {
     BlockFile card(kCardPath, 15);
-    expectAnswer(request(kCard, 0, Open), success(kCard, 0));
+    expectDone(request(kCard, 0, Open));
     card.resize(kBlock + 0x123);
-    expectAnswer(transfer(kCard, 0, Read, 0, 3, 0), moved(kCard, 0, 0x1123));
+    expectDone(transfer(kCard, 0, Read, 0, 3, 0), bigEndian(0x1123));
     card.resize(0);
-    expectAnswer(transfer(kCard, 0, Read, 0, 3, 0), moved(kCard, 0, 0));
+    expectDone(transfer(kCard, 0, Read, 0, 3, 0), bigEndian(0));
 }
 
 TEST_F(mCmdBinaryTest, ARemovedDeviceIsOpenedAgainOnceItIsBack) {
     BlockFile(kStickPath, 3).fill(0, 'a');
-    expectAnswer(request(kStick, 0, Open), success(kStick, 0));
+    expectDone(request(kStick, 0, Open));
     remove(kStickPath);
     expectRefused(transfer(kStick, 0, Read, 0, 1, 0), kNotInserted);
     expectRefused(transfer(kStick, 0, Write, 0, 1, 0), kNotInserted);
     expectRefused(request(kStick, 0, Close), kNotInserted);
     expectRefused(request(kStick, 0, Open), kNotInserted);
     BlockFile(kStickPath, 3).fill(0, 'b');
-    expectAnswer(request(kStick, 0, Open), success(kStick, 0));
-    expectAnswer(transfer(kStick, 0, Read, 0, 1, 0), moved(kStick, 0, kBlock));
+    expectDone(request(kStick, 0, Open));
+    expectDone(transfer(kStick, 0, Read, 0, 1, 0), bigEndian(kBlock));
     EXPECT_EQ(scratch(0, kBlock), blocksOf('b'));
 }

@@ -35,10 +35,8 @@ TEST_F(pReadCmdAsciiTest, ThePortsNumberIsTakenModulo256) {
         {"1.5", "hex(0101)"},    {"abc", "hex(0003)"},  {"", "hex(0003)"},
         {"+2", "hex(0201)"},     {" 2", "hex(0201)"},   {"0x10000001", "hex(0101)"},
         {"2 and 3", "hex(0201)"}};
-    for (const auto& [number, answer] : rows) {
-        SCOPED_TRACE(number);
-        expectSuccess(*run(Words{"port", "read", number}), answer);
-    }
+    for (const auto& [number, answer] : rows)
+        expectResponse(Words{"port", "read", number}, answer);
 }
 
 TEST_F(pReadCmdAsciiTest, ANumberBeyondTheTableIsRefused) {
@@ -52,7 +50,6 @@ TEST_F(pReadCmdAsciiTest, ANumberBeyondTheTableIsRefused) {
         {"2147483647", "Invalid Port: 255. Allowed port range is: [0,20]"},
         {"0x100000000", "Invalid Port: 255. Allowed port range is: [0,20]"}};
     for (const auto& [number, text] : rows) {
-        SCOPED_TRACE(number);
         expectRefused(Words{"port", "read", number}, kOutOfRange, text);
         expectRefused(Words{"port", "write", number, "1"}, kOutOfRange, text);
     }
@@ -104,7 +101,6 @@ TEST_F(pReadCmdAsciiTest, OnlyTheValuesFirstCharacterCounts) {
 TEST_F(pReadCmdAsciiTest, AnUnknownValueIsRefusedOnceThePortIsOpen) {
     const std::size_t before = openDescriptors();
     for (const char* value : {"x", "2", " 1", "-1", "%s", "true"}) {
-        SCOPED_TRACE(value);
         expectRefused(Words{"port", "write", "3", value}, kWriteFailed,
                       std::string("Unknown value to write: ") + value[0]);
         EXPECT_EQ(levelOf(kPorts[3]), "0");
@@ -159,11 +155,11 @@ TEST_F(pReadCmdAsciiTest, WhatIsNoRequestForItIsRefused) {
 }
 
 TEST_F(pReadCmdAsciiTest, SubcommandsAreRecognisedByTheirBeginning) {
-    EXPECT_EQ(answerOf(*run(Words{"port", "reading", "20"})), "hex(1403)");
+    expectResponse(Words{"port", "reading", "20"}, "hex(1403)");
     EXPECT_EQ(run(Words{"port", "writeto", "20", "1"})->code, 0u);
     EXPECT_EQ(levelOf(kPorts[20]), "1");
-    const Response bare = run(Tokens{token("port"), {'r', 'e', 'a', 'd'}, {'2', '0'}});
-    EXPECT_EQ(answerOf(*bare), "hex(1407)") << "without a zero byte";
+    // Without a zero byte.
+    expectResponse(Tokens{token("port"), {'r', 'e', 'a', 'd'}, {'2', '0'}}, "hex(1407)");
     expectRefused(Tokens{token("port"), {'r', 'e', 'a'}, {'2', '0'}}, kGenericError,
                   "unknown subcommand 'rea'");
     expectRefused(Tokens{token("port"), {}}, kGenericError, "unknown subcommand ''");

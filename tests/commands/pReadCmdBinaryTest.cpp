@@ -17,18 +17,10 @@ protected:
     static inline const Bytes kReadConfig = {4, 'p', 0xE3, 0};
 
     static Bytes reading(unsigned char port) { return {5, 'p', 0xE3, 1, port}; }
-    static Response readPort(unsigned char port) { return run(reading(port)); }
-    static Response readConfig() { return run(kReadConfig); }
 };
 
-Bytes portFrame(unsigned char port, unsigned char attributes) {
-    return {10, 'p', 0xE3, 1, 0, 0, 0, 0, port, attributes};
-}
-
-Bytes configFrame(const Bytes& pairs) {
-    Bytes frame = {21, 'p', 0xE3, 0, 0, 0, 0, 0, 0x00, 0x15};
-    frame.insert(frame.end(), pairs.begin(), pairs.end());
-    return frame;
+Bytes configOf(const Bytes& pairs) {
+    return joined({0x00, 0x15}, pairs);
 }
 
 const Bytes kAllLow = {0x13, 0x31, 0x33, 0x13, 0x11, 0x13, 0x31, 0x11, 0x33, 0x13, 0x03};
@@ -49,9 +41,10 @@ const OddNode kUnreadable[] = {
 TEST_F(pReadCmdBinaryTest, ReadsEachPort) {
     for (const Port& port : kPorts) {
         SCOPED_TRACE(port.name);
-        expectAnswer({5, 'p', 0xE3, 1, port.number}, portFrame(port.number, port.type));
+        expectDone(reading(port.number), {port.number, port.type});
         setLevel(port, "1");
-        expectAnswer({5, 'p', 0xE3, 1, port.number}, portFrame(port.number, port.type | 0x04));
+        const unsigned char whenHigh = port.type | 0x04;
+        expectDone(reading(port.number), {port.number, whenHigh});
         EXPECT_EQ(levelOf(port), "1");
         setLevel(port, "0");
     }
@@ -65,14 +58,14 @@ TEST_F(pReadCmdBinaryTest, OnlyTheNodesFirstCharacterCounts) {
     for (const auto& [content, attributes] : rows) {
         SCOPED_TRACE(content);
         setLevel(kPorts[7], content);
-        EXPECT_EQ(frameOf(*readPort(7)), portFrame(7, attributes));
+        expectResponse(reading(7), {7, attributes});
     }
 }
 
 TEST_F(pReadCmdBinaryTest, ReadsTheAttributesOfAllPorts) {
-    expectAnswer({4, 'p', 0xE3, 0}, configFrame(kAllLow));
+    expectDone(kReadConfig, configOf(kAllLow));
     setAll("1");
-    expectAnswer({4, 'p', 0xE3, 0}, configFrame(kAllHigh));
+    expectDone(kReadConfig, configOf(kAllHigh));
 }
 
 TEST_F(pReadCmdBinaryTest, EachPortHasItsPlaceAmongTheAttributes) {
@@ -81,7 +74,7 @@ TEST_F(pReadCmdBinaryTest, EachPortHasItsPlaceAmongTheAttributes) {
         setLevel(port, "1");
         Bytes pairs = kAllLow;
         pairs[port.number / 2] |= port.number % 2 == 0 ? 0x04 : 0x40;
-        EXPECT_EQ(frameOf(*readConfig()), configFrame(pairs));
+        expectResponse(kReadConfig, configOf(pairs));
         setLevel(port, "0");
     }
 }
@@ -103,15 +96,15 @@ TEST_F(pReadCmdBinaryTest, APortThatCannotBeReadIsReported) {
         }
     }
     EXPECT_EQ(openDescriptors(), before);
-    EXPECT_EQ(frameOf(*readConfig()), configFrame(kAllLow));
+    expectResponse(kReadConfig, configOf(kAllLow));
 }
 
 TEST_F(pReadCmdBinaryTest, APortThatMustNotBeOpenedIsReported) {
     inFreshProcess([] {
         setLevel(kPorts[3], "1");
         refuseSystemCalls({SYS_openat}, EACCES);
-        expectError(readPort(3), kAccessFailed, "Reading from Port 3 results in Error-Code 13");
-        expectError(readConfig(), kAccessFailed,
+        expectError(run(reading(3)), kAccessFailed, "Reading from Port 3 results in Error-Code 13");
+        expectError(run(kReadConfig), kAccessFailed,
                     "Failed to read Port 0: Permission denied, errorcode: 13");
     });
 }
@@ -146,7 +139,7 @@ TEST_F(pReadCmdBinaryTest, WhatIsNoRequestForItIsRefused) {
         {{5, 'p', 0xE3, 1, 128}, kOutOfRange, "Invalid Port: 128. Allowed port range is: [0,20]"},
         {{5, 'p', 0xE3, 1, 255}, kOutOfRange, "Invalid Port: 255. Allowed port range is: [0,20]"},
     });
-    expectAnswer({5, 'p', 0xE3, 1, 0}, portFrame(0, 3)); // the next one is answered
+    expectDone(reading(0), {0, 3}); // the next one is answered
     Bytes longest = {255, 'p', 0xE3, 0};
     longest.resize(255);
     expectRefused(longest, kGenericError, "Invalid Command Length: Expected a Length of 4, get 255");

@@ -28,7 +28,7 @@ TEST_F(sReadCmdAsciiTest, ReportsStampProductRevisionAndProtocol) {
     for (const auto& [content, revision] : rows) {
         SCOPED_TRACE(content);
         write(kRevisionFile, content);
-        expectSuccess(*status(), statusText(revision));
+        expectResponse(Words{"status"}, statusText(revision));
     }
 }
 
@@ -45,20 +45,20 @@ TEST_F(sReadCmdAsciiTest, ABoardRevisionThatCannotBeReadIsReported) {
     remove(kRevisionFile);
     expectError(status(), "Failed to open the /dev/nvsku/rev file");
     write(kRevisionFile, "2B");
-    EXPECT_EQ(answerOf(*status()), statusText("2B"));
+    expectResponse(Words{"status"}, statusText("2B"));
 }
 
 TEST_F(sReadCmdAsciiTest, LeavesAloneWhatTheBinaryStatusRemembers) {
     inFreshProcess([] {
         write(kRevisionFile, "12345");
-        EXPECT_EQ(answerOf(*status()), statusText("12345"));
+        expectResponse(Words{"status"}, statusText("12345"));
         write(kRevisionFile, "1A");
         const Response first = run(Bytes{0x02, 's'});
         ASSERT_EQ(frameOf(*first).size(), 24u);
         EXPECT_EQ(frameOf(*first)[3], 0) << "it is the first of its kind";
         EXPECT_EQ(frameOf(*first)[16], 0x1A);
         write(kRevisionFile, "2B");
-        EXPECT_EQ(answerOf(*status()), statusText("2B")) << "read afresh";
+        expectResponse(Words{"status"}, statusText("2B")); // read afresh
     });
 }
 
@@ -72,13 +72,10 @@ TEST_F(sReadCmdAsciiTest, AnswersIdentityFilesByTheirPrefix) {
         {"02", "base64(QUI=)"},   {"03", "base64(QUJD)"},
         {"0345", "base64(QUJD)"}, {"04", "base64(" + std::string(400, 'A') + ")"},
     };
-    for (const auto& [selection, answer] : rows) {
-        SCOPED_TRACE(selection);
-        expectSuccess(*run(Words{"status", selection}), answer);
-    }
-    EXPECT_EQ(answerOf(*run(Words{"status", "01", "and", "more"})), "base64(QQ==)");
-    EXPECT_EQ(answerOf(*run(Tokens{token("status"), {'0', '2'}})), "base64(QUI=)")
-        << "without a zero byte";
+    for (const auto& [selection, answer] : rows)
+        expectResponse(Words{"status", selection}, answer);
+    expectResponse(Words{"status", "01", "and", "more"}, "base64(QQ==)");
+    expectResponse(Tokens{token("status"), {'0', '2'}}, "base64(QUI=)"); // without a zero byte
 }
 
 TEST_F(sReadCmdAsciiTest, AMissingIdentityFileIsReported) {

@@ -14,10 +14,8 @@ class tCmdBinaryTest : public CommandTest<tCmd, ScratchFixture> {
 protected:
     /// That a request is answered like this, by the command and on the wire.
     void expectData(const Bytes& request, const Bytes& data) {
-        const Bytes head = {
-            static_cast<unsigned char>(8 + data.size()), 't', request[2], request[3], 0, 0, 0, 0};
-        expectSuccess(*run(request), joined(head, data));
-        expectAnswer(request, joined(head, data));
+        expectResponse(request, data);
+        expectDone(request, data);
     }
 };
 

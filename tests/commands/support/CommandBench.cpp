@@ -27,6 +27,15 @@ Bytes joined(Bytes first, const Bytes& second) {
     return first;
 }
 
+Bytes bytesOf(const std::string& text) {
+    return {text.begin(), text.end()};
+}
+
+Bytes answerTo(const Bytes& request, const Bytes& data) {
+    const auto size = static_cast<unsigned char>(8 + data.size());
+    return joined({size, request[1], request[2], request[3], 0, 0, 0, 0}, data);
+}
+
 Tokens lineWithData(const Words& words, const Bytes& data) {
     Tokens line = tokens(words);
     line.emplace_back(data.begin(), data.end());

@@ -20,6 +20,9 @@ constexpr unsigned int kGenericError = 0x01010000;
 Bytes bigEndian(unsigned int number);
 /// One behind the other.
 Bytes joined(Bytes first, const Bytes& second);
+Bytes bytesOf(const std::string& text);
+/// The frame that answers a request of four bytes or more with success, and with this behind it.
+Bytes answerTo(const Bytes& request, const Bytes& data = {});
 /// The words of a line, and bytes as its last argument.
 Tokens lineWithData(const Words& words, const Bytes& data);
 
@@ -83,6 +86,19 @@ protected:
     std::string send(Tokens line) { return m_frontEnd.send(std::move(line)); }
     std::string send(const Words& words) { return send(tokens(words)); }
 
+    /// That the response to a request carries success, and this behind it.
+    static void expectResponse(const Bytes& frame, const Bytes& data = {}) {
+        SCOPED_TRACE(::testing::PrintToString(frame));
+        expectSuccess(*run(frame), answerTo(frame, data));
+    }
+    static void expectResponse(const Tokens& line, const std::string& answer) {
+        SCOPED_TRACE(::testing::PrintToString(line));
+        expectSuccess(*run(line), answer);
+    }
+    static void expectResponse(const Words& words, const std::string& answer) {
+        expectResponse(tokens(words), answer);
+    }
+
     /// That a station gets this answer and nothing before it.
     void expectAnswer(const Bytes& frame, const Bytes& answer) {
         SCOPED_TRACE(::testing::PrintToString(frame));
@@ -98,6 +114,11 @@ protected:
         expectAnswer(tokens(words), answer);
     }
 
+    /// That a station gets this behind the success of its request.
+    void expectDone(const Bytes& frame, const Bytes& data = {}) {
+        expectAnswer(frame, answerTo(frame, data));
+    }
+
     void expectRefused(const Bytes& frame, unsigned int code, const std::string& text) {
         ::expectRefused(command(), m_frontEnd, frame, code, text);
     }
@@ -111,6 +132,12 @@ protected:
     void expectRefused(const std::vector<Refusal<Request>>& rows) {
         for (const Refusal<Request>& row : rows)
             expectRefused(row.request, row.code, row.text);
+    }
+    /// That no request at all is refused by the command.
+    void expectNothingRefused(unsigned int code, const std::string& text) {
+        Bytes nothing;
+        expectError(Response(command().process(&nothing)), code, text);
+        expectError(Response(command().process(static_cast<Bytes*>(nullptr))), code, text);
     }
     /// That several are refused alike.
     template <typename Request>

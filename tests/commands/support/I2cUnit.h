@@ -51,11 +51,18 @@ template <typename Command>
 class BusTest : public CommandTest<Command, I2cUnit> {
 protected:
     /// That the manager gets this packet and, when it has replied, the station this answer.
-    template <typename Request, typename Answer>
-    void expectExchange(const Request& request, const Bytes& packet, const Bytes& reply,
-                        const Answer& answer) {
+    template <typename Line>
+    void expectExchange(const Line& line, const Bytes& packet, const Bytes& reply,
+                        const std::string& answer) {
         this->m_manager->willAnswer(0, reply);
-        this->expectAnswer(request, answer);
+        this->expectAnswer(line, answer);
+        EXPECT_EQ(this->m_manager->lastRequest(), packet);
+    }
+    /// The same with a success, and what it carries.
+    void expectExchange(const Bytes& frame, const Bytes& packet, const Bytes& reply = {},
+                        const Bytes& data = {}) {
+        this->m_manager->willAnswer(0, reply);
+        this->expectDone(frame, data);
         EXPECT_EQ(this->m_manager->lastRequest(), packet);
     }
 

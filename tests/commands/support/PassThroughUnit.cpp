@@ -49,12 +49,3 @@ Bytes openRequest(unsigned char channel, std::uint32_t baud, unsigned char flags
 Bytes sendRequest(unsigned char channel, const Bytes& data) {
     return joined({static_cast<unsigned char>(4 + data.size()), 'S', 2, channel}, data);
 }
-
-Bytes success(const Bytes& request, const Bytes& data) {
-    const auto size = static_cast<unsigned char>(8 + data.size());
-    return joined({size, request[1], request[2], request[3], 0, 0, 0, 0}, data);
-}
-
-Bytes bytesOf(const std::string& text) {
-    return {text.begin(), text.end()};
-}

@@ -18,10 +18,8 @@ constexpr unsigned kNoSuchChannel = 0x0A000004;
 constexpr unsigned kNoSuchParity = 0x0A000008;
 constexpr unsigned kOpenFailed = 0x0A000040;
 
-/// Requests, and the answer to one that succeeds, with its data.
 Bytes openRequest(unsigned char channel, std::uint32_t baud = 115200, unsigned char flags = 0);
 Bytes sendRequest(unsigned char channel, const Bytes& data);
-Bytes success(const Bytes& request, const Bytes& data = {});
 
 /// A front end whose station is on the serial channel that a case says.
 class StationsFrontEnd : public FrontEnd {
@@ -42,13 +40,6 @@ protected:
 
     static Comm::Handle& channel(unsigned number);
 
-    /// That a request succeeds, with this data.
-    void expectDone(const Bytes& request, const Bytes& data = {}) {
-        expectAnswer(request, success(request, data));
-    }
-
     DeviceCalls& m_calls; // outlives the case, as the dispatcher's thread passes by it
     Line m_lines[kChannels];
 };
-
-Bytes bytesOf(const std::string& text);
