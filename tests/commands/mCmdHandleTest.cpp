@@ -18,8 +18,6 @@ namespace {
 constexpr char kNotInserted[] = "Device not inserted";
 constexpr char kNotProperlyOpened[] = "Device is not properly opened, file descriptor is invalid";
 
-using mCmdHandleTest = BlockHandleFixture;
-
 /// How many blocks the device is taken to have, found by reading nothing where there is one.
 unsigned blocksOn(mCmd::Handle& device) {
     unsigned blocks = 0;
@@ -29,15 +27,26 @@ unsigned blocksOn(mCmd::Handle& device) {
     return blocks;
 }
 
+class mCmdHandleTest : public BlockHandleFixture {
+protected:
+    void open() { expectSuccess(m_device.open()); }
+    void close() { expectSuccess(m_device.close()); }
+    void expectNotProperlyOpened() {
+        unsigned bytes = 0;
+        expectFailure(m_device.read(bytes, 0, 0, nullptr, 0), kNotProperlyOpened);
+    }
+
+    mCmd::Handle m_device = writable();
+};
+
 } // namespace
 
 TEST_F(mCmdHandleTest, AnAbsentDeviceIsNotInserted) {
-    mCmd::Handle device = writable();
-    expectFailure(device.open(), kNotInserted);
-    expectFailure(device.close(), kNotInserted);
+    expectFailure(m_device.open(), kNotInserted);
+    expectFailure(m_device.close(), kNotInserted);
     fs::create_symlink(in("nowhere"), path());
-    expectFailure(device.open(), kNotInserted);
-    expectFailure(device.close(), kNotInserted);
+    expectFailure(m_device.open(), kNotInserted);
+    expectFailure(m_device.close(), kNotInserted);
 }
 
 TEST_F(mCmdHandleTest, IsOpenedForWhatItIsDeclaredFor) {
@@ -59,84 +68,76 @@ TEST_F(mCmdHandleTest, IsOpenedForWhatItIsDeclaredFor) {
 
 TEST_F(mCmdHandleTest, IsOpenedOnce) {
     BlockFile file(path(), 3);
-    mCmd::Handle device = writable();
-    expectSuccess(device.open());
+    open();
     const int descriptor = descriptorOf(path());
     file.resize(5 * BlockFile::kBlock);
-    expectSuccess(device.open());
-    EXPECT_EQ(blocksOn(device), 3u) << "as it was when it was opened";
-    expectSuccess(device.close());
+    open();
+    EXPECT_EQ(blocksOn(m_device), 3u) << "as it was when it was opened";
+    close();
     EXPECT_EQ(descriptorOf(path()), -1);
     EXPECT_EQ(::fcntl(descriptor, F_GETFD), -1);
 }
 
 TEST_F(mCmdHandleTest, IsLookedAtAnewWhenItIsOpenedAgain) {
     BlockFile file(path(), 3);
-    mCmd::Handle device = writable();
-    expectSuccess(device.open());
-    EXPECT_EQ(blocksOn(device), 3u);
-    expectSuccess(device.close());
-    EXPECT_EQ(blocksOn(device), 0u);
+    open();
+    EXPECT_EQ(blocksOn(m_device), 3u);
+    close();
+    EXPECT_EQ(blocksOn(m_device), 0u);
     file.resize(5 * BlockFile::kBlock + 1);
-    expectSuccess(device.open());
-    EXPECT_EQ(blocksOn(device), 5u);
+    open();
+    EXPECT_EQ(blocksOn(m_device), 5u);
 }
 
 TEST_F(mCmdHandleTest, ClosingWhatIsNotOpenSucceeds) {
     const BlockFile file(path(), 3);
-    mCmd::Handle device = writable();
-    expectSuccess(device.close());
-    expectSuccess(device.open());
-    expectSuccess(device.close());
-    expectSuccess(device.close());
+    close();
+    open();
+    close();
+    close();
 }
 
 TEST_F(mCmdHandleTest, ARemovedDeviceStaysOpenUntilItIsOpenedAgain) {
     const std::string removed = in("removed");
     { const BlockFile file(path(), 3); }
-    mCmd::Handle device = writable();
-    expectSuccess(device.open());
+    open();
     fs::rename(path(), removed);
-    expectFailure(device.close(), kNotInserted);
+    expectFailure(m_device.close(), kNotInserted);
     EXPECT_NE(descriptorOf(removed), -1);
-    expectFailure(device.open(), kNotInserted);
+    expectFailure(m_device.open(), kNotInserted);
     EXPECT_EQ(descriptorOf(removed), -1);
 
     fs::rename(removed, path());
-    unsigned bytes = 0;
-    expectFailure(device.read(bytes, 0, 0, nullptr, 0), kNotProperlyOpened);
-    expectSuccess(device.open());
-    EXPECT_EQ(blocksOn(device), 3u);
+    expectNotProperlyOpened();
+    open();
+    EXPECT_EQ(blocksOn(m_device), 3u);
 }
 
 TEST_F(mCmdHandleTest, AFailedOpenIsReportedByItsErrorNumber) {
-    mCmd::Handle device = writable();
     fs::create_directory(path());
-    expectFailure(device.open(), "Failed to open Device " + path() + ": Is a directory", EISDIR);
-    expectSuccess(device.close());
+    expectFailure(m_device.open(), "Failed to open Device " + path() + ": Is a directory", EISDIR);
+    close();
     fs::remove(path());
 
     const BlockFile file(path(), 3);
     {
         const NoMoreDescriptors none;
-        expectFailure(device.open(), "Failed to open Device " + path() + ": Too many open files",
+        expectFailure(m_device.open(), "Failed to open Device " + path() + ": Too many open files",
                       EMFILE);
     }
-    unsigned bytes = 0;
-    expectFailure(device.read(bytes, 0, 0, nullptr, 0), kNotProperlyOpened);
-    expectSuccess(device.open());
-    EXPECT_EQ(blocksOn(device), 3u);
+    expectNotProperlyOpened();
+    open();
+    EXPECT_EQ(blocksOn(m_device), 3u);
 }
 
 TEST_F(mCmdHandleTest, WhatHasNoBlocksOpensAndHoldsNothing) {
-    mCmd::Handle device = writable();
     ASSERT_EQ(::mkfifo(path().c_str(), S_IRUSR | S_IWUSR), 0);
-    expectSuccess(device.open());
+    open();
     unsigned bytes = 0;
     char byte = 'z';
-    expectFailure(device.read(bytes, 0, 1, &byte, 1), "Startblock does not Exist on Device");
-    expectFailure(device.write(bytes, 0, 1, &byte, 1), "Startblock does not Exist on Device");
-    expectSuccess(device.close());
+    expectFailure(m_device.read(bytes, 0, 1, &byte, 1), "Startblock does not Exist on Device");
+    expectFailure(m_device.write(bytes, 0, 1, &byte, 1), "Startblock does not Exist on Device");
+    close();
 
     mCmd::Handle null(kCard, "/dev/null", true);
     expectSuccess(null.open());
@@ -147,34 +148,31 @@ TEST_F(mCmdHandleTest, WhatHasNoBlocksOpensAndHoldsNothing) {
 
 TEST_F(mCmdHandleTest, AClosedDeviceHasNoInformation) {
     const BlockFile file(path(), 3);
-    mCmd::Handle device = writable();
-    expectFailure(device.prepareStatInfo(), "Device is not open");
-    expectSuccess(device.open());
-    expectSuccess(device.prepareStatInfo());
-    expectSuccess(device.close());
-    expectFailure(device.prepareStatInfo(), "Device is not open");
+    expectFailure(m_device.prepareStatInfo(), "Device is not open");
+    open();
+    expectSuccess(m_device.prepareStatInfo());
+    close();
+    expectFailure(m_device.prepareStatInfo(), "Device is not open");
 }
 
 TEST_F(mCmdHandleTest, InformationIsTakenAnew) {
     BlockFile file(path(), 3);
-    mCmd::Handle device = writable();
-    expectSuccess(device.open());
+    open();
     file.resize(7 * BlockFile::kBlock);
-    expectSuccess(device.prepareStatInfo());
-    EXPECT_EQ(blocksOn(device), 7u);
+    expectSuccess(m_device.prepareStatInfo());
+    EXPECT_EQ(blocksOn(m_device), 7u);
 }
 
 TEST_F(mCmdHandleTest, ADescriptorThatIsGoneIsNoFailureToClose) {
     const BlockFile file(path(), 3);
-    mCmd::Handle device = writable();
-    expectSuccess(device.open());
+    open();
     ASSERT_EQ(::close(descriptorOf(path())), 0);
-    expectFailure(device.prepareStatInfo(),
+    expectFailure(m_device.prepareStatInfo(),
                   "Failed to get Device Information for " + path() + ": Bad file descriptor", EBADF);
-    expectSuccess(device.close());
-    expectFailure(device.prepareStatInfo(), "Device is not open");
-    expectSuccess(device.open());
-    EXPECT_EQ(blocksOn(device), 3u);
+    close();
+    expectFailure(m_device.prepareStatInfo(), "Device is not open");
+    open();
+    EXPECT_EQ(blocksOn(m_device), 3u);
 }
 
 // What the system refuses, it refuses to the end of the process.
