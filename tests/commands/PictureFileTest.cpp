@@ -10,34 +10,19 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
+#include "support/ErrorOutput.h"
+#include "support/Files.h"
 #include "support/PackedPicture.h"
 #include "support/RefusedResources.h"
+#include "support/TestFolder.h"
 #include "wire/Descriptor.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-void write(const std::string& path, const std::string& content) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << content;
-    ASSERT_TRUE(file.flush()) << path;
-}
-
-std::string read(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-bool exists(const std::string& path) {
-    return fs::exists(fs::symlink_status(path));
-}
 
 /// The number that the next descriptor will get.
 int nextDescriptor() {
@@ -64,14 +49,7 @@ private:
 
 class PictureFileTest : public ::testing::Test {
 protected:
-    PictureFileTest() {
-        std::string pattern = (fs::temp_directory_path() / "picture-file-XXXXXX").string();
-        EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
-        m_folder = fs::canonical(pattern);
-    }
-    ~PictureFileTest() override { fs::remove_all(m_folder); }
-
-    std::string in(const std::string& name) const { return (m_folder / name).string(); }
+    std::string in(const std::string& name) const { return m_folder / name; }
     std::string packed() const { return in("picture.bmp.gz"); }
     std::string unpacked() const { return in("picture.bmp"); }
     std::string unpack() const { return PictureFile::unpack(packed().c_str(), unpacked().c_str()); }
@@ -84,7 +62,7 @@ protected:
     }
 
 private:
-    fs::path m_folder;
+    const TestFolder m_folder;
 };
 
 } // namespace
@@ -92,7 +70,7 @@ private:
 TEST_F(PictureFileTest, UnpacksAPicture) {
     pack(packed(), pictureContent(1));
     EXPECT_EQ(unpack(), "");
-    EXPECT_TRUE(read(unpacked()) == pictureContent(1));
+    EXPECT_TRUE(contentOf(unpacked()) == pictureContent(1));
     EXPECT_TRUE(PictureFile::isUnpacked(unpacked().c_str()));
     EXPECT_EQ(PictureFile::kBytes, static_cast<int>(kPictureBytes));
 }
@@ -114,7 +92,7 @@ TEST_F(PictureFileTest, WhatIsBehindAPictureIsLeftOut) {
         const std::string content = pictureContent(2, size);
         pack(packed(), content);
         EXPECT_EQ(unpack(), "");
-        EXPECT_TRUE(read(unpacked()) == content.substr(0, kPictureBytes));
+        EXPECT_TRUE(contentOf(unpacked()) == content.substr(0, kPictureBytes));
     }
 }
 
@@ -123,24 +101,21 @@ TEST_F(PictureFileTest, WhatALackOfBytesLeavesOpenIsZero) {
         SCOPED_TRACE(size);
         const std::string begun = pictureContent(2, size);
         pack(packed(), begun);
-        ::testing::internal::CaptureStderr();
-        EXPECT_EQ(unpack(), "");
-        EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+        EXPECT_EQ(errorOutputOf([this] { EXPECT_EQ(unpack(), ""); }),
                   "Prod.testserver: " + packed() + " unpacks to " + std::to_string(size) +
                       " bytes instead of 1152054, the rest is zero\n");
-        EXPECT_TRUE(read(unpacked()) == begun + std::string(kPictureBytes - size, '\0'));
+        EXPECT_TRUE(contentOf(unpacked()) == begun + std::string(kPictureBytes - size, '\0'));
         EXPECT_TRUE(PictureFile::isUnpacked(unpacked().c_str()));
     }
 }
 
 TEST_F(PictureFileTest, APackedFileThatIsCutOffIsTakenAsFarAsItGoes) {
     pack(packed(), pictureContent(1));
-    const std::string bytes = read(packed());
-    write(packed(), bytes.substr(0, bytes.size() / 2));
-    ::testing::internal::CaptureStderr();
-    EXPECT_EQ(unpack(), "");
-    EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr(" bytes instead of "));
-    const std::string content = read(unpacked());
+    const std::string bytes = contentOf(packed());
+    writeFile(packed(), bytes.substr(0, bytes.size() / 2));
+    EXPECT_THAT(errorOutputOf([this] { EXPECT_EQ(unpack(), ""); }),
+                ::testing::HasSubstr(" bytes instead of "));
+    const std::string content = contentOf(unpacked());
     ASSERT_EQ(content.size(), kPictureBytes);
     constexpr std::size_t kSurelyThere = kPictureBytes / 4;
     EXPECT_TRUE(content.substr(0, kSurelyThere) == pictureContent(1).substr(0, kSurelyThere));
@@ -148,40 +123,40 @@ TEST_F(PictureFileTest, APackedFileThatIsCutOffIsTakenAsFarAsItGoes) {
 }
 
 TEST_F(PictureFileTest, AFileThatIsNotPackedIsTakenAsItIs) {
-    write(packed(), pictureContent(3));
+    writeFile(packed(), pictureContent(3));
     EXPECT_EQ(unpack(), "");
-    EXPECT_TRUE(read(unpacked()) == pictureContent(3));
+    EXPECT_TRUE(contentOf(unpacked()) == pictureContent(3));
 }
 
 TEST_F(PictureFileTest, AFileInTheWayIsReplaced) {
     pack(packed(), pictureContent(1));
     for (const std::size_t size : {std::size_t{0}, std::size_t{10}, kPictureBytes + 4096}) {
         SCOPED_TRACE(size);
-        write(unpacked(), std::string(size, 'o'));
+        writeFile(unpacked(), std::string(size, 'o'));
         EXPECT_EQ(unpack(), "");
-        EXPECT_TRUE(read(unpacked()) == pictureContent(1));
+        EXPECT_TRUE(contentOf(unpacked()) == pictureContent(1));
     }
 }
 
 TEST_F(PictureFileTest, ASourceThatIsNotThereLeavesEverythingAsItWas) {
     const std::string text = "cannot open " + packed() + " for gzread()ing: No such file or directory\n";
     expectRefused(text);
-    write(unpacked(), "old");
+    writeFile(unpacked(), "old");
     EXPECT_EQ(unpack(), text);
-    EXPECT_EQ(read(unpacked()), "old");
+    EXPECT_EQ(contentOf(unpacked()), "old");
 }
 
 TEST_F(PictureFileTest, ASourceThatCannotBeReadLeavesNoPicture) {
     const std::string nothingRead = "read on " + packed() + " error " + std::strerror(0) + " occurred\n";
-    write(packed(), "");
+    writeFile(packed(), "");
     expectRefused(nothingRead);
     pack(packed(), "");
     expectRefused(nothingRead);
-    write(packed(), brokenPacking().substr(0, 10));
+    writeFile(packed(), brokenPacking().substr(0, 10));
     expectRefused(nothingRead);
-    write(packed(), brokenPacking());
+    writeFile(packed(), brokenPacking());
     expectRefused("gzread on " + packed() + " error " + packed() + ": invalid block type occurred\n");
-    write(unpacked(), pictureContent(1));
+    writeFile(unpacked(), pictureContent(1));
     expectRefused("gzread on " + packed() + " error " + packed() + ": invalid block type occurred\n");
     fs::remove(packed());
     fs::create_directory(packed());
@@ -190,10 +165,10 @@ TEST_F(PictureFileTest, ASourceThatCannotBeReadLeavesNoPicture) {
 
 TEST_F(PictureFileTest, APictureWhoseMiddleIsBrokenIsNotKept) {
     pack(packed(), pictureContent(1));
-    std::string bytes = read(packed());
+    std::string bytes = contentOf(packed());
     ASSERT_GT(bytes.size(), kPictureBytes / 2);
     std::fill(bytes.begin() + kPictureBytes / 4, bytes.end(), '\xFF');
-    write(packed(), bytes);
+    writeFile(packed(), bytes);
     EXPECT_THAT(unpack(), ::testing::StartsWith("gzread on " + packed() + " error " + packed() + ": "));
     EXPECT_FALSE(exists(unpacked()));
 }
@@ -207,10 +182,10 @@ TEST_F(PictureFileTest, OnlyARegularFileIsWrittenTo) {
         EXPECT_FALSE(PictureFile::isUnpacked(unpacked().c_str()));
         fs::remove_all(unpacked());
     };
-    write(in("precious"), "precious");
+    writeFile(in("precious"), "precious");
     fs::create_symlink(in("precious"), unpacked());
     expectUntouched("Too many levels of symbolic links");
-    EXPECT_EQ(read(in("precious")), "precious");
+    EXPECT_EQ(contentOf(in("precious")), "precious");
     fs::create_symlink(in("none"), unpacked());
     expectUntouched("Too many levels of symbolic links");
     EXPECT_FALSE(exists(in("none")));
@@ -249,7 +224,7 @@ TEST_F(PictureFileTest, AFullDiskLeavesNoPicture) {
     }
     const FullDisk large(kPictureBytes);
     EXPECT_EQ(unpack(), "");
-    EXPECT_TRUE(read(unpacked()) == pictureContent(1));
+    EXPECT_TRUE(contentOf(unpacked()) == pictureContent(1));
 }
 
 TEST_F(PictureFileTest, TooLittleMemoryLeavesNoPicture) {
@@ -272,9 +247,9 @@ TEST_F(PictureFileTest, NothingIsLeftOpen) {
     fs::create_directory(unpacked());
     unpack();
     fs::remove(unpacked());
-    write(packed(), brokenPacking());
+    writeFile(packed(), brokenPacking());
     unpack();
-    write(packed(), "");
+    writeFile(packed(), "");
     unpack();
     EXPECT_EQ(nextDescriptor(), before);
 }
@@ -288,11 +263,11 @@ TEST_F(PictureFileTest, OnlyAFileCanBePacked) {
     ASSERT_EQ(::mkfifo(packed().c_str(), S_IRUSR | S_IWUSR), 0);
     EXPECT_FALSE(isPacked());
     fs::remove(packed());
-    write(in("stored"), "");
+    writeFile(in("stored"), "");
     fs::create_symlink(in("stored"), packed());
     EXPECT_TRUE(isPacked());
     fs::remove(packed());
-    write(packed(), "");
+    writeFile(packed(), "");
     EXPECT_TRUE(isPacked());
 }
 
@@ -300,10 +275,10 @@ TEST_F(PictureFileTest, OnlyAFileOfTheRightSizeIsAnUnpackedPicture) {
     const auto isUnpacked = [this] { return PictureFile::isUnpacked(unpacked().c_str()); };
     EXPECT_FALSE(isUnpacked());
     for (const std::size_t size : {std::size_t{0}, kPictureBytes - 1, kPictureBytes + 1}) {
-        write(unpacked(), std::string(size, 'p'));
+        writeFile(unpacked(), std::string(size, 'p'));
         EXPECT_FALSE(isUnpacked()) << size;
     }
-    write(unpacked(), std::string(kPictureBytes, 'p'));
+    writeFile(unpacked(), std::string(kPictureBytes, 'p'));
     EXPECT_TRUE(isUnpacked());
     fs::rename(unpacked(), in("elsewhere"));
     EXPECT_FALSE(isUnpacked());
@@ -319,20 +294,20 @@ TEST_F(PictureFileTest, OnlyAFileOfTheRightSizeIsAnUnpackedPicture) {
 TEST_F(PictureFileTest, WhateverIsInTheWayGoesAndNothingElse) {
     const auto clear = [this] { return PictureFile::clear(unpacked().c_str()); };
     EXPECT_TRUE(clear()) << "nothing is in the way";
-    write(unpacked(), "old");
+    writeFile(unpacked(), "old");
     EXPECT_TRUE(clear());
     EXPECT_FALSE(exists(unpacked()));
-    write(in("precious"), "precious");
+    writeFile(in("precious"), "precious");
     for (const char* target : {"precious", "none"}) {
         fs::create_symlink(in(target), unpacked());
         EXPECT_TRUE(clear());
         EXPECT_FALSE(exists(unpacked()));
     }
-    EXPECT_EQ(read(in("precious")), "precious");
+    EXPECT_EQ(contentOf(in("precious")), "precious");
     fs::create_directory(unpacked());
     EXPECT_TRUE(clear());
     fs::create_directory(unpacked());
-    write(unpacked() + "/precious", "precious");
+    writeFile(unpacked() + "/precious", "precious");
     EXPECT_FALSE(clear());
-    EXPECT_EQ(read(unpacked() + "/precious"), "precious");
+    EXPECT_EQ(contentOf(unpacked() + "/precious"), "precious");
 }

@@ -6,7 +6,7 @@
 #include <csignal>
 #include <fstream>
 
-#include "support/TestFolder.h"
+#include "support/TestFiles.h"
 #include "support/UnitErrors.h"
 
 namespace headunit {

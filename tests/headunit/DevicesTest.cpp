@@ -10,7 +10,7 @@
 #include "devices/StoredPictures.h"
 #include "devices/UnitTools.h"
 #include "pictures/TestPictures.h"
-#include "support/TestFolder.h"
+#include "support/TestFiles.h"
 #include "support/UnitErrors.h"
 #include "unit/HostSystem.h"
 #include "unit/UnitError.h"

@@ -10,7 +10,7 @@
 #include "pictures/BitmapFile.h"
 #include "pictures/TestPictures.h"
 #include "support/PngPicture.h"
-#include "support/TestFolder.h"
+#include "support/TestFiles.h"
 
 namespace headunit {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "support/TestFolder.h"
+#include "support/TestFiles.h"
 #include "support/UnitErrors.h"
 #include "unit/UnitError.h"
 

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "support/TestFolder.h"
+#include "support/TestFiles.h"
 #include "support/UnitErrors.h"
 #include "unit/UnitError.h"
 

@@ -1,18 +1,6 @@
 #include "support/BlockHandleFixture.h"
 
-#include <cstdlib>
-
 namespace fs = std::filesystem;
-
-BlockHandleFixture::BlockHandleFixture() {
-    std::string pattern = (fs::temp_directory_path() / "block-handle-XXXXXX").string();
-    EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
-    m_folder = fs::canonical(pattern);
-}
-
-BlockHandleFixture::~BlockHandleFixture() {
-    fs::remove_all(m_folder);
-}
 
 int descriptorOf(const std::string& path) {
     for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {

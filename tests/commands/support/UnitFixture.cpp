@@ -4,8 +4,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 UnitFixture::UnitFixture() {
     if (!std::filesystem::is_directory("/dev/nvsku")) {
@@ -18,22 +16,6 @@ UnitFixture::UnitFixture() {
         remove(path);
 }
 
-void UnitFixture::write(const std::string& path, const std::string& content) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << content;
-    file.close();
-    ASSERT_TRUE(file) << path;
-}
-
 void UnitFixture::remove(const std::string& path) {
     std::filesystem::remove_all(path);
-}
-
-std::string UnitFixture::read(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-bool UnitFixture::exists(const std::string& path) {
-    return std::filesystem::exists(std::filesystem::symlink_status(path));
 }

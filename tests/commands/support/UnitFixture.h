@@ -5,6 +5,7 @@
 #include <string>
 
 #include "support/CommandBench.h"
+#include "support/Files.h"
 #include "support/FreshProcess.h"
 
 constexpr char kCaptureFile[] = "/tmp/resp.txt";
@@ -14,8 +15,7 @@ class UnitFixture : public ::testing::Test {
 protected:
     UnitFixture();
 
-    static void write(const std::string& path, const std::string& content);
+    static void write(const std::string& path, const std::string& content) { writeFile(path, content); }
     static void remove(const std::string& path);
-    static std::string read(const std::string& path);
-    static bool exists(const std::string& path);
+    static std::string read(const std::string& path) { return contentOf(path); }
 };

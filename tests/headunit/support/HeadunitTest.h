@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "support/Program.h"
-#include "support/TestFolder.h"
+#include "support/TestFiles.h"
 
 namespace headunit_test {
 

@@ -9,7 +9,7 @@
 #include "commands/UnitPeers.h"
 #include "control/ControlClient.h"
 #include "support/Line.h"
-#include "support/TestFolder.h"
+#include "support/TestFiles.h"
 #include "unit/UnitFolder.h"
 
 namespace headunit_test {

@@ -6,9 +6,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
-#include <sstream>
 #include <stdexcept>
 
 namespace {
@@ -19,26 +16,6 @@ void require(bool success, const std::string& path) {
 }
 
 } // namespace
-
-void writeFile(const std::string& path, const std::string& content) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << content;
-    require(static_cast<bool>(file.flush()), path);
-}
-
-std::string contentOf(const std::string& path) {
-    const std::ifstream file(path, std::ios::binary);
-    // What /proc tells of may go between its opening and
-    // its reading; the copying takes that for the end.
-    std::ostringstream content;
-    content << file.rdbuf();
-    return content.str();
-}
-
-bool exists(const std::string& path) {
-    struct stat information {};
-    return ::lstat(path.c_str(), &information) == 0;
-}
 
 void removeFile(const std::string& path) {
     require(std::remove(path.c_str()) == 0, path);

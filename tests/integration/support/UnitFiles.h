@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "support/Files.h"
+
 /// The files of the simulated unit that the test runs in.
 
 constexpr char kRevisionFile[] = "/dev/nvsku/rev";
@@ -11,15 +13,6 @@ constexpr char kApplicationVersionFile[] = "/mnt/app/version_info.txt";
 constexpr char kSystemVersionFile[] = "/ifs/version_info.txt";
 constexpr char kStationLine[] = "/dev/usbserialadapter1";
 constexpr char kCaptureFile[] = "/tmp/resp.txt";
-
-/// Replaces the file's content, or makes the file. Throws std::runtime_error.
-void writeFile(const std::string& path, const std::string& content);
-
-/// Empty when there is no such file, or there no longer is while it is read.
-std::string contentOf(const std::string& path);
-
-/// Links are not followed.
-bool exists(const std::string& path);
 
 /// A file, a link or an empty folder.
 void removeFile(const std::string& path);

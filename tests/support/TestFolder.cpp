@@ -5,16 +5,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
-
-namespace headunit_test {
 
 namespace fs = std::filesystem;
 
 TestFolder::TestFolder() {
-    std::string path = ::testing::TempDir() + "headunit-test-XXXXXX";
+    std::string path = ::testing::TempDir() + "test-XXXXXX";
     if (::mkdtemp(path.data()) == nullptr)
         throw std::runtime_error("no folder " + path);
     m_path = fs::canonical(path).string();
@@ -32,17 +28,3 @@ std::vector<std::string> namesIn(const std::string& folder) {
     std::sort(names.begin(), names.end());
     return names;
 }
-
-std::string contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file.is_open()) << path;
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void writeFile(const std::string& path, const std::string& content) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << content;
-    ASSERT_TRUE(file.flush()) << path;
-}
-
-} // namespace headunit_test

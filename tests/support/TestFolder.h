@@ -3,9 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace headunit_test {
-
-/// Sorted.
+/// The names in it, sorted.
 std::vector<std::string> namesIn(const std::string& folder);
 
 /// A folder of the test's own, removed with this object.
@@ -24,8 +22,3 @@ public:
 private:
     std::string m_path;
 };
-
-std::string contentOf(const std::string& path);
-void writeFile(const std::string& path, const std::string& content);
-
-} // namespace headunit_test
