@@ -12,6 +12,7 @@
 
 #include "FakeSession.h"
 #include "client/Failure.h"
+#include "support/TestFolder.h"
 #include "transfer/Job.h"
 
 namespace station {
@@ -19,14 +20,7 @@ namespace station {
 /// Runs transfers against the fake unit, with files in a folder of the test's own.
 class TransferTest : public testing::Test {
 protected:
-    TransferTest() {
-        std::string folder = testing::TempDir() + "transfer-XXXXXX";
-        EXPECT_NE(::mkdtemp(folder.data()), nullptr);
-        m_folder = folder;
-    }
-    ~TransferTest() override { std::filesystem::remove_all(m_folder); }
-
-    std::string path(const std::string& name) const { return m_folder + "/" + name; }
+    std::string path(const std::string& name) const { return m_folder / name; }
 
     std::string fileOf(const std::string& bytes) const {
         std::ofstream(path("source"), std::ios::binary) << bytes;
@@ -107,7 +101,7 @@ protected:
     std::vector<std::string> infos;
 
 private:
-    std::string m_folder;
+    TestFolder m_folder;
 };
 
 } // namespace station
