@@ -1,17 +1,21 @@
 #include "FrameExamples.h"
 
+#include <algorithm>
+#include <cstring>
 #include <stdexcept>
 
 namespace {
 
 constexpr char kBuild[] = "{build}";
 constexpr std::size_t kBuildLength = sizeof kBuild - 1;
+constexpr char kWordsStart[] = "  # ";
 
 } // namespace
 
 std::string bytesOf(const std::string& text, const std::string& buildTime) {
     std::string bytes;
-    for (std::size_t at = 0; at < text.size();) {
+    const std::size_t size = std::min(text.find(kWordsStart), text.size());
+    for (std::size_t at = 0; at < size;) {
         if (text[at] == ' ') {
             ++at;
         } else if (text[at] == '"') {
@@ -32,4 +36,9 @@ std::string bytesOf(const std::string& text, const std::string& buildTime) {
         }
     }
     return bytes;
+}
+
+std::string wordsBehind(const std::string& text) {
+    const std::size_t start = text.find(kWordsStart);
+    return start == std::string::npos ? "" : text.substr(start + std::strlen(kWordsStart));
 }

@@ -1,13 +1,17 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "FrameExamples.h"
+#include "client/BinaryRequest.h"
 #include "line/Adapter.h"
+#include "station/Words.h"
 #include "support/Daemon.h"
 #include "support/ExchangeBlocks.h"
+#include "wire/Catalogue.h"
 
 namespace {
 
@@ -62,10 +66,35 @@ std::string complaintsAbout(const std::vector<ExchangeBlock>& blocks) {
     return link.daemon.error();
 }
 
-TEST(DocumentedFrames, AreAnsweredAsTheDocumentSays) {
+std::vector<ExchangeBlock> documentedBlocks() {
     std::ifstream document(PROTOCOL_DOCUMENT);
-    ASSERT_TRUE(document) << PROTOCOL_DOCUMENT;
-    const auto blocks = readExchangeBlocks(document, {"frames", kLink});
+    EXPECT_TRUE(document) << PROTOCOL_DOCUMENT;
+    return readExchangeBlocks(document, {"frames", kLink});
+}
+
+/// The frame that the station sends when it is told these words.
+std::string frameFor(const std::string& line) {
+    std::vector<std::string> arguments = station::words(line);
+    const std::string name = arguments.front();
+    arguments.erase(arguments.begin());
+    return station::BinaryRequest::encode(name, arguments).bytes();
+}
+
+TEST(DocumentedFrames, AreWhatTheStationSendsForTheWordsBehindThem) {
+    std::set<std::string> told;
+    for (const ExchangeBlock& block : documentedBlocks())
+        for (const ExchangeLine& line : block.lines)
+            if (const std::string words = wordsBehind(line.text); !words.empty()) {
+                EXPECT_EQ(frameFor(words), bytesOf(line.text, "")) << line.text;
+                told.insert(words.substr(0, words.find(' ')));
+            }
+    for (const wire::Command& command : wire::kCatalogue)
+        EXPECT_EQ(told.count(std::string(command.name)), 1U)
+            << command.name << ": to be written behind a frame in docs/protocol.md";
+}
+
+TEST(DocumentedFrames, AreAnsweredAsTheDocumentSays) {
+    const auto blocks = documentedBlocks();
     ASSERT_GE(blocks.size(), 4U);
     // The one block that begins with the opening of the port comes before all others.
     ASSERT_EQ(blocks.front().kind, kLink);
