@@ -119,6 +119,14 @@ TEST_F(PWriteCmdTest, AFailedWriteIsReported) {
     EXPECT_EQ(levelOf(kPorts[13]), "1");
 }
 
+TEST_F(PWriteCmdTest, ANodeThatTakesNothingIsReported) {
+    inFreshProcess([] {
+        refuseWritesBelow(2, 0);
+        expectError(writePort(3, 0x04), kWriteFailed,
+                    "Writing to Port 3 results in Error 5: Input/output error");
+    });
+}
+
 TEST_F(PWriteCmdTest, WhatIsNoRequestForItIsRefused) {
     const char* const noCommand = "Command not supported";
     expectRefused(RefusedFrames{
