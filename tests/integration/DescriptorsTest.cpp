@@ -19,13 +19,13 @@ protected:
 };
 
 TEST_F(DescriptorsTest, OfAnIdleDaemonAreNotInherited) {
-    EXPECT_THAT(openDescriptors(daemon.pid()), testing::ElementsAre(0, 1, 2, 3, 4));
+    EXPECT_EQ(openDescriptors(daemon.pid()).size(), kOwnDescriptors);
     EXPECT_THAT(inheritable(), IsEmpty());
 }
 
 TEST_F(DescriptorsTest, OfConnectionsAreNotInherited) {
     const std::vector<Connection> stations = acceptedStations(10);
-    EXPECT_EQ(openDescriptors(daemon.pid()).size(), 15U);
+    EXPECT_EQ(openDescriptors(daemon.pid()).size(), kOwnDescriptors + stations.size());
     EXPECT_THAT(inheritable(), IsEmpty());
 }
 
