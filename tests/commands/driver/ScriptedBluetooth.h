@@ -139,13 +139,11 @@ private:
     using Lock = std::unique_lock<std::mutex>;
     class Presence;
 
-    /// Whoever waits for something looks again.
+    /// Whoever waits for something looks again; not before this is done, as the driver may then be gone.
     template <typename Change>
     void change(Change change) {
-        {
-            const Lock lock(m_mutex);
-            change();
-        }
+        const Lock lock(m_mutex);
+        change();
         m_changed.notify_all();
     }
     template <typename Field>
