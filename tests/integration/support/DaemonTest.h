@@ -9,7 +9,6 @@
 #include "support/Daemon.h"
 #include "support/Lines.h"
 #include "support/ProcessFigures.h"
-#include "support/Waiting.h"
 
 #ifdef __SANITIZE_ADDRESS__
 constexpr bool kAddressSanitized = true;
@@ -41,11 +40,6 @@ inline std::vector<Connection> acceptedStations(std::size_t count) {
 /// A fresh daemon for each case, which must be healthy in the end.
 class DaemonTest : public testing::Test {
 protected:
-    /// What its start had open for a moment is closed, so that descriptors can be counted.
-    DaemonTest() {
-        EXPECT_TRUE(eventually([&] { return openDescriptors(daemon.pid()).size() == kOwnDescriptors; }));
-    }
-
     void TearDown() override { expectHealthy(daemon); }
 
     Daemon daemon;
