@@ -3,15 +3,11 @@
 #include <string>
 
 #include "line/BinaryLink.h"
-#include "support/ProcessFigures.h"
-#include "support/UnitFiles.h"
+#include "line/GatedCommand.h"
 #include "support/Waiting.h"
 
 namespace {
 
-using namespace std::string_literals;
-
-constexpr char kGate[] = "/tmp/gate";
 constexpr char kSendFailed[] =
     "~ ### ~ Exception: ID: 0x5 DESC: Failed to write to /dev/usbserialadapter1: Input/output error";
 constexpr char kAcknowledgeFailed[] =
@@ -20,27 +16,19 @@ constexpr char kAcknowledgeFailed[] =
 /// The line is cut once in each phase of an exchange: what exactly the unit says, and how it comes back.
 class BinaryHangUpTest : public BinaryLinkTest {
 protected:
+    GatedCommand command;
+
     void replug() {
         adapter.pull();
         adapter.plug();
         expectReturn();
     }
 
-    /// Has a command run that ends when `openGate` is called.
-    void startCommand() {
-        if (!exists(kGate))
-            makeFifo(kGate);
-        adapter.send(execRequest(60, "read line <"s + kGate));
-        EXPECT_TRUE(eventually([this] { return !childrenOf(daemon.pid()).empty(); }));
-    }
-
-    void openGate() { writeFile(kGate, "\n"); }
-
     /// The line is away while the answer leaves.
     void expectSendingToFail() {
-        startCommand();
+        command.start(adapter, daemon);
         adapter.pull();
-        openGate();
+        command.openGate();
         EXPECT_TRUE(daemon.waitForError(kSendFailed));
         adapter.plug();
         expectReturn();
@@ -75,10 +63,10 @@ TEST_F(BinaryHangUpTest, WhileTheCommandRuns) {
 }
 
 TEST_F(BinaryHangUpTest, OnANewLineWhileTheCommandRuns) {
-    startCommand();
+    command.start(adapter, daemon);
     adapter.pull();
     adapter.plug();
-    openGate();
+    command.openGate();
     // The answer belonged to the old line.
     expectReturn();
     expectErrors({"File /tmp/resp.txt is empty", kSendFailed});
@@ -101,9 +89,9 @@ TEST_F(BinaryHangUpTest, InTheAcknowledgement) {
 TEST_F(BinaryHangUpTest, FailedSendingIsReportedOnceForGood) {
     expectSendingToFail();
     for (unsigned round = 0; round < 3; ++round) {
-        startCommand();
+        command.start(adapter, daemon);
         adapter.pull();
-        openGate();
+        command.openGate();
         // The acknowledgement cannot be read either. The next read notices, once there is a node again.
         EXPECT_TRUE(eventually([&] { return errorLines(daemon).size() == 5U + 6U * round; }));
         adapter.plug();

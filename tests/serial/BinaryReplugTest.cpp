@@ -7,18 +7,15 @@
 #include <vector>
 
 #include "line/BinaryLink.h"
+#include "line/GatedCommand.h"
 #include "support/DaemonTest.h"
 #include "support/Pattern.h"
-#include "support/UnitFiles.h"
 #include "support/Waiting.h"
 #include "support/Witness.h"
 
 namespace {
 
-using namespace std::string_literals;
-
 constexpr int kReplugs = 100;
-constexpr char kGate[] = "/tmp/gate";
 constexpr std::chrono::seconds kObservation{2};
 constexpr std::chrono::milliseconds kLittleProcessorTime{kSanitized ? 1000 : 200};
 // What a single cut may have the unit say.
@@ -31,7 +28,9 @@ constexpr char kKnownLines[] =
     "|3~ ### ~ Exception: ID: 0x400 DESC: Serial port not open\\."
     "|Read locked error in CommHandler|Error in Listener thead loop"
     "|NO ACK message received from the client \\(not critical\\)|Received Data invalid: 1"
-    "|File /tmp/resp\\.txt is empty";
+    "|File /tmp/resp\\.txt is empty"
+    // Where the machine stood still.
+    "|### ATTENTION: Command-Runtime for \".\": [0-9]+ ms";
 
 /// A station whose line is cut while something is underway.
 class Cut {
@@ -40,6 +39,7 @@ public:
 
     Adapter& adapter;
     const Daemon& daemon;
+    GatedCommand command;
     int round = 0;
     std::string buildStamp = daemon.buildStamp();
 
@@ -96,14 +96,11 @@ void inTheBody(Cut& cut) {
 }
 
 void whileACommandRuns(Cut& cut) {
-    if (!exists(kGate))
-        makeFifo(kGate);
-    cut.adapter.send(execRequest(60, "read line <"s + kGate));
-    EXPECT_TRUE(eventually([&] { return !childrenOf(cut.daemon.pid()).empty(); }));
+    cut.command.start(cut.adapter, cut.daemon);
     cut.adapter.pull();
     if (cut.round % 2 == 0)
         cut.adapter.plug();
-    writeFile(kGate, "\n");
+    cut.command.openGate();
     if (cut.round % 2 != 0)
         cut.adapter.plug();
 }
