@@ -8,7 +8,8 @@ namespace System {
 /// initialised stays inert: locking it does nothing and returns false.
 class Mutex {
 public:
-    enum Type { Normal = 0, Recursive = 1 };
+    /// Any other value than these two makes a recursive one.
+    enum Type : int { Normal = 0, Recursive = 1 };
 
     explicit Mutex(Type type);
     ~Mutex();
