@@ -1,6 +1,7 @@
 // mv8787bt.so: the driver library of the unit's Bluetooth chip. It exports one table of plain functions,
 // mvbt_drv_entry, by which a program opens the chip, writes packets to it and reads the chip's.
 #include <cerrno>
+#include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -57,14 +58,39 @@ int badHandle() {
     return kFailed;
 }
 
+/// Whoever calls knows no exceptions: one is a failure. A thread may be cancelled in here.
+template <typename Call>
+int guarded(int failure, const Call& call) {
+    try {
+        return call();
+    } catch (const std::exception&) {
+        errno = ENOMEM;
+        return failure;
+    }
+}
+
+int open(const char* path) {
+    std::shared_ptr<DriverLink> link = DriverLink::open(path);
+    return link ? handles().add(std::move(link)) : kNoHandle;
+}
+
+int read(DriverLink& link, unsigned char* type, unsigned char** data, int* length) {
+    const std::string_view packet = link.read();
+    if (packet.empty())
+        return kFailed;
+    *type = static_cast<unsigned char>(packet.front());
+    *data = reinterpret_cast<unsigned char*>(const_cast<char*>(packet.data() + 1));
+    *length = static_cast<int>(packet.size() - 1);
+    return kDone;
+}
+
 } // namespace
 
 extern "C" {
 
 /// A handle, or 0 with errno. `flags` have no meaning.
 static int openChip(const char* path, int /*flags*/) {
-    std::shared_ptr<DriverLink> link = DriverLink::open(path);
-    return link ? handles().add(std::move(link)) : kNoHandle;
+    return guarded(kNoHandle, [path] { return open(path); });
 }
 
 /// Whoever waits in a read or a write on the handle fails. 0, or -1 for no handle.
@@ -82,13 +108,7 @@ static int readChip(int handle, unsigned char* type, unsigned char** data, int* 
     const std::shared_ptr<DriverLink> link = handles().find(handle);
     if (!link)
         return badHandle();
-    const std::string_view packet = link->read();
-    if (packet.empty())
-        return kFailed;
-    *type = static_cast<unsigned char>(packet.front());
-    *data = reinterpret_cast<unsigned char*>(const_cast<char*>(packet.data() + 1));
-    *length = static_cast<int>(packet.size() - 1);
-    return kDone;
+    return guarded(kFailed, [&] { return read(*link, type, data, length); });
 }
 
 /// 0, or -1 with errno.
@@ -101,7 +121,8 @@ static int writeChip(int handle, int type, const void* data, int length) {
         return kFailed;
     }
     const std::string_view bytes(static_cast<const char*>(data), static_cast<std::size_t>(length));
-    return link->write(static_cast<unsigned char>(type), bytes) ? kDone : kFailed;
+    return guarded(
+        kFailed, [&] { return link->write(static_cast<unsigned char>(type), bytes) ? kDone : kFailed; });
 }
 
 using Slot = void (*)();
