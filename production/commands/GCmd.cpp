@@ -58,7 +58,7 @@ GCmd::variant_type GCmd::getVariant() const {
         if (text.find(name) != std::string::npos)
             return variant;
     }
-    printDiagnostic(string_format(kNoVariant, m_variants.at(PAG).c_str()));
+    printDiagnostic(kNoVariant, m_variants.at(PAG).c_str());
     return PAG;
 }
 

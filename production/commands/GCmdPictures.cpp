@@ -27,7 +27,7 @@ ProcessResponse GCmd::unzipTestScreen(int index, std::string& path) {
     const std::string destination = kUnpackedFolder + name;
     if (!PictureFile::isUnpacked(destination.c_str())) {
         if (!PictureFile::clear(destination.c_str()))
-            printDiagnostic(string_format(kNotRemoved, destination.c_str()));
+            printDiagnostic(kNotRemoved, destination.c_str());
         if (!PictureFile::isPacked(source.c_str()))
             return ProcessResponse(ProcessResponse::kGenericError, kNotStored);
         if (unzipFile(source.c_str(), destination.c_str()) != 0)

@@ -62,7 +62,7 @@ unsigned char displayOf(unsigned char channel, const char* function) {
     if (channel == kSecondPictureOutput)
         return kSecondDisplay;
     if (channel != kLvds0) {
-        printDiagnostic(string_format(kOddChannel, function, static_cast<unsigned>(channel)));
+        printDiagnostic(kOddChannel, function, static_cast<unsigned>(channel));
         printDiagnostic(kTakesLvds0);
     }
     return kLvds0Display;

@@ -83,7 +83,7 @@ std::string copyPicture(gzFile packed, const char* source, System::Descriptor& u
     }
     // A display shows whatever there is; who looks for the rest finds the reason on standard error.
     if (count < PictureFile::kBytes)
-        printDiagnostic(string_format(kTooShort, source, count, PictureFile::kBytes));
+        printDiagnostic(kTooShort, source, count, PictureFile::kBytes);
     if (const int error = writeAndClose(unpacked, picture.get(), PictureFile::kBytes); error != 0)
         return string_format(kCannotWrite, destination, std::strerror(error));
     return {};

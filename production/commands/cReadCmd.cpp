@@ -134,7 +134,7 @@ Answer readFirstBytes(const char* path, std::vector<unsigned char>& bytes) {
     if (count < 0)
         return genericError(kCannotRead, path, std::strerror(errno));
     if (count == 0)
-        printDiagnostic(string_format(kFileEmpty, path));
+        printDiagnostic(kFileEmpty, path);
     bytes.resize(static_cast<std::size_t>(count));
     return success();
 }

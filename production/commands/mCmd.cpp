@@ -116,7 +116,7 @@ void mCmd::addHardDisk(unsigned id, const char* path) {
     if (::access(path, F_OK) == 0)
         addDevice(kHardDisk, id, path, false);
     else
-        printDiagnostic(string_format(kNotAvailable, path));
+        printDiagnostic(kNotAvailable, path);
 }
 
 void mCmd::addDevice(int type, unsigned id, const char* path, bool writable) {

@@ -8,8 +8,7 @@
 #include <thread>
 #include <utility>
 
-#include "core/StandardStream.h"
-#include "core/StringFormat.h"
+#include "core/Diagnostics.h"
 
 namespace {
 
@@ -39,8 +38,8 @@ System::DriverLibrary loadLibrary() {
         library = System::DriverLibrary::load(kLibraryPath);
     if (!library) {
         const int error = errno;
-        StandardStream::error().write(string_format("%s: %s\n", kLibraryPath, std::strerror(error)));
-        StandardStream::error().write(kNoLibrary);
+        printError("%s: %s\n", kLibraryPath, std::strerror(error));
+        printError(kNoLibrary);
     }
     return library;
 }
@@ -71,14 +70,21 @@ int mvbtCmd::open() {
         return 0;
     // A reader that tries to open the driver anew goes on doing so, whatever comes of this.
     if (!useDriver()) {
-        StandardStream::error().write(kNoDevice);
+        printError(kNoDevice);
         return kFailed;
     }
-    const int result = checkDll() ? 0 : load();
-    leaveDriver();
-    if (result == 0)
+    {
+        const DriverUse use(*this);
+        if (!checkDll() && load() != 0)
+            return kFailed;
+    }
+    try {
         startReadingThread();
-    return result;
+    } catch (...) {
+        unload(); // nobody would read from it
+        throw;
+    }
+    return 0;
 }
 
 /// Not when a reader is about to replace the driver, or to unload it because it was left behind.
@@ -93,12 +99,12 @@ int mvbtCmd::load() {
         return kFailed;
     const auto* table = static_cast<const EntryTable*>(library.symbol(kEntry));
     if (!isComplete(table)) {
-        StandardStream::error().write(kNoEntry);
+        printError(kNoEntry);
         return kFailed;
     }
     const int handle = table->open(kDevice, 0);
     if (handle == 0) {
-        StandardStream::error().write(kNoDevice);
+        printError(kNoDevice);
         return kFailed;
     }
     initializeMutex();
@@ -119,12 +125,12 @@ int mvbtCmd::reopen() {
             return kFailed;
         m_isInUse = true;
     }
+    const DriverUse use(*this);
     unload();
     const int result = load();
     // Whoever has closed the link meanwhile has found nothing to close.
     if (!staysReader(kNoTime))
         unload();
-    leaveDriver();
     return result;
 }
 
@@ -176,10 +182,10 @@ void mvbtCmd::write(int type, const void* data, int length) {
         table = mvbt;
         handle = bthdl;
     }
+    const DriverUse use(*this);
     clearQueue();
     if (table->write(handle, type, data, length) != 0)
-        StandardStream::error().write(kWriteFailed);
-    leaveDriver();
+        printError(kWriteFailed);
 }
 
 int mvbtCmd::readnbytes(std::vector<unsigned char>& data, unsigned int timeoutMs, unsigned char count) {
@@ -231,7 +237,7 @@ void mvbtCmd::initializeMutex() {
     const int error = ::pthread_mutex_init(&fifo_mutex, nullptr);
     mutex_initialized = error == 0;
     if (error != 0)
-        StandardStream::error().write(string_format(kNoMutex, error));
+        printError(kNoMutex, error);
 }
 
 unsigned char mvbtCmd::popQueue() {
@@ -247,5 +253,6 @@ std::size_t mvbtCmd::getQueueSize() const {
 
 void mvbtCmd::clearQueue() {
     const FifoLock lock(fifo_mutex);
-    fifo = {};
+    while (!fifo.empty()) // a new queue would take memory
+        fifo.pop();
 }

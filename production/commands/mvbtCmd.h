@@ -106,6 +106,18 @@ private:
         int bthdl;
     };
 
+    /// Whoever uses the driver leaves it at the end.
+    class DriverUse {
+    public:
+        explicit DriverUse(mvbtCmd& link) : m_link(link) {}
+        ~DriverUse() { m_link.leaveDriver(); }
+        DriverUse(const DriverUse&) = delete;
+        DriverUse& operator=(const DriverUse&) = delete;
+
+    private:
+        mvbtCmd& m_link;
+    };
+
     bool isLoaded() const; // by whoever holds m_lock
     bool isOpenForGood() const;
     int load();

@@ -1,11 +1,10 @@
 // The thread that reads from the Bluetooth driver, from its start to its end.
 #include <chrono>
+#include <new>
 #include <utility>
 
 #include "commands/mvbtCmd.h"
 #include "core/Diagnostics.h"
-#include "core/StandardStream.h"
-#include "core/StringFormat.h"
 
 namespace {
 
@@ -57,7 +56,7 @@ void mvbtCmd::startReadingThread() {
         return;
     m_reader.reset();
     lock.unlock();
-    StandardStream::error().write(string_format(kNoThread, error));
+    printError(kNoThread, error);
 }
 
 void mvbtCmd::stopReadingThread() {
@@ -151,11 +150,16 @@ bool mvbtCmd::readPacket() {
     const std::lock_guard<std::mutex> lock(m_lock);
     if (!isReader())
         return false;
-    const FifoLock fifoLock(fifo_mutex);
-    pushQueue(packet.type);
-    for (int at = 0; at < packet.length; ++at)
-        pushQueue(packet.bytes[at]);
-    return true;
+    try {
+        const FifoLock fifoLock(fifo_mutex);
+        pushQueue(packet.type);
+        for (int at = 0; at < packet.length; ++at)
+            pushQueue(packet.bytes[at]);
+        return true;
+    } catch (const std::bad_alloc&) {
+        clearQueue(); // it was empty before
+        return false;
+    }
 }
 
 bool mvbtCmd::waitUntilFetched() {

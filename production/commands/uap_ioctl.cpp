@@ -6,8 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "core/StandardStream.h"
-#include "core/StringFormat.h"
+#include "core/Diagnostics.h"
 #include "platform/NetworkStack.h"
 #include "wire/LittleEndian.h"
 
@@ -71,26 +70,26 @@ int uap_ioctl(unsigned char* buffer, int* size, int bufferSize) {
     constexpr int kReplySizeAt = 6;
     const System::Descriptor socket = System::openDatagramSocket();
     if (!socket) {
-        StandardStream::error().write(kNoSocket);
+        printError(kNoSocket);
         return kFailed;
     }
     if (*size > bufferSize) {
-        StandardStream::error().write(kTooLarge);
+        printError(kTooLarge);
         return kFailed;
     }
     const int room = bufferSize - kLengthField;
     putLittleEndian32(buffer, static_cast<std::uint32_t>(room));
     if (debug_level > 1)
-        StandardStream::error().write(string_format(kSizes, bufferSize, *size));
+        printError(kSizes, bufferSize, *size);
     const auto length = static_cast<std::size_t>(std::max(*size, bufferSize));
     if (const int result = exchange(socket.get(), {buffer, length}, bufferSize); result != 0) {
         const int error = errno;
-        StandardStream::error().write(string_format(kRefused, __func__, result, error));
+        printError(kRefused, __func__, result, error);
         return result;
     }
     *size = littleEndian16(buffer + kReplySizeAt);
     if (*size <= room)
         return kReplied;
-    StandardStream::error().write(string_format(kReplyTooLong, *size, bufferSize));
+    printError(kReplyTooLong, *size, bufferSize);
     return kFailed;
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdio>
 #include <exception>
 #include <stdexcept>
 #include <utility>
@@ -88,8 +89,7 @@ bool Handler::registerHandler(char id, AbstractCmd* cmd) {
     const System::Lock lock(m_registryLock);
     const auto [entry, isNew] = m_commandsById.emplace(id, cmd);
     if (!isNew)
-        printDiagnostic(
-            string_format(kIdTaken, cmd->tavrin_getName(), id, entry->second->tavrin_getName()));
+        printDiagnostic(kIdTaken, cmd->tavrin_getName(), id, entry->second->tavrin_getName());
     return isNew;
 }
 
@@ -101,14 +101,18 @@ bool Handler::registerHandler(std::string name, AbstractCmd* cmd) {
     const System::Lock lock(m_registryLock);
     const auto [entry, isNew] = m_commandsByName.emplace(name, cmd);
     if (!isNew)
-        printDiagnostic(string_format(kNameTaken, cmd->ascii_getName().c_str(), name.c_str(),
-                                      entry->second->ascii_getName().c_str()));
+        printDiagnostic(kNameTaken, cmd->ascii_getName().c_str(), name.c_str(),
+                        entry->second->ascii_getName().c_str());
     return isNew;
 }
 
 std::string Handler::getHandlerName(unsigned char id) const {
     const bool isLetter = (id >= 'a' && id <= 'z') || (id >= 'A' && id <= 'Z');
-    return isLetter ? string_format("%c", id) : string_format("0x%02X", id);
+    if (isLetter)
+        return std::string(1, static_cast<char>(id));
+    char text[sizeof "0xFF"];
+    std::snprintf(text, sizeof text, "0x%02X", id);
+    return text; // so short that it takes no memory
 }
 
 std::vector<unsigned char> Handler::handleCommand(std::vector<unsigned char>* frame,

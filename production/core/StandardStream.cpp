@@ -14,7 +14,10 @@
 
 namespace {
 
-constexpr char kLoss[] = "%zu bytes for %s were lost";
+constexpr char kLoss[] = "%s%zu bytes for %s were lost\n";
+
+// What is reported when memory is short finds room to wait in.
+constexpr std::size_t kKept = 4096;
 
 using Clock = std::chrono::steady_clock;
 
@@ -24,6 +27,13 @@ bool takesTextAtOnce(int descriptor) {
     const int ready = ::poll(&event, 1, 0);
     // A process that may have no descriptors may not ask, but write.
     return ready < 0 || (ready == 1 && (event.revents & POLLOUT) != 0);
+}
+
+/// Empties a text. It keeps its room, unless that has become large.
+void empty(std::string& text) {
+    if (text.capacity() > StandardStream::kMostWaiting)
+        std::string().swap(text);
+    text.clear();
 }
 
 void waitUntilItTakesText(int descriptor) {
@@ -51,10 +61,13 @@ StandardStream::StandardStream(int descriptor, const char* name, StandardStream*
       m_textLock(System::Mutex::Normal) {}
 
 bool StandardStream::start() {
+    const System::Lock lock(m_textLock);
     if (!Thread::start())
         return false;
-    const System::Lock lock(m_textLock);
     m_hasThread = true;
+    // Not by the thread: the C library sets up memory of its own for each thread that asks for some.
+    m_waiting.reserve(kKept);
+    m_batch.text.reserve(kKept);
     return true;
 }
 
@@ -104,7 +117,7 @@ std::string StandardStream::noticeAfter(std::size_t lost) noexcept {
     if (lost > 0 || m_lost == 0)
         return {};
     try {
-        std::string notice = diagnosticLine(string_format(kLoss, m_lost, m_name));
+        std::string notice = string_format(kLoss, kDiagnosticPrefix, m_lost, m_name);
         m_lost = 0;
         return notice;
     } catch (const std::exception&) {
@@ -116,38 +129,36 @@ void StandardStream::threadLoop(System::Thread*) {
     bool wasAttempted = false;
     std::size_t lost = 0;
     for (;;) {
-        const Batch batch = next(wasAttempted, lost);
+        next(wasAttempted, lost);
         if (m_notices != nullptr)
-            m_notices->write(batch.notice);
-        lost = writeWaiting(batch.text);
-        wasAttempted = !batch.text.empty();
+            m_notices->write(m_batch.notice);
+        lost = writeWaiting(m_batch.text);
+        wasAttempted = !m_batch.text.empty();
         if (m_notices == nullptr) {
-            lost += writeWaiting(batch.notice);
-            wasAttempted = wasAttempted || !batch.notice.empty();
+            lost += writeWaiting(m_batch.notice);
+            wasAttempted = wasAttempted || !m_batch.notice.empty();
         }
     }
 }
 
 /// Waits for the next text. A loss is told behind the text before it and ahead of the next.
-StandardStream::Batch StandardStream::next(bool wasAttempted, std::size_t lost) {
+void StandardStream::next(bool wasAttempted, std::size_t lost) {
     const System::Lock lock(m_textLock);
     while (m_isWritingAtOnce)
         m_added.wait(m_textLock);
-    Batch batch;
-    if (wasAttempted)
-        batch.notice = noticeAfter(lost);
+    empty(m_batch.text);
+    m_batch.notice = wasAttempted ? noticeAfter(lost) : std::string();
     // Of a text that waits, nothing was lost: it comes before a notice on the same stream.
     if (m_notices == nullptr)
-        batch.text.swap(m_waiting);
+        m_batch.text.swap(m_waiting);
     m_isWriting = false;
-    while (batch.text.empty() && batch.notice.empty() && m_waiting.empty()) {
+    while (m_batch.text.empty() && m_batch.notice.empty() && m_waiting.empty()) {
         m_written.signal();
         m_added.wait(m_textLock);
     }
-    if (batch.text.empty())
-        batch.text.swap(m_waiting);
+    if (m_batch.text.empty())
+        m_batch.text.swap(m_waiting);
     m_isWriting = true;
-    return batch;
 }
 
 /// Returns how many bytes were lost.

@@ -49,7 +49,7 @@ private:
     };
 
     bool takeOver(std::string_view text) noexcept;
-    Batch next(bool wasAttempted, std::size_t lost);
+    void next(bool wasAttempted, std::size_t lost);
     std::string noticeAfter(std::size_t lost) noexcept;
     std::string endWritingAtOnce(std::size_t lost) noexcept;
     std::size_t writeWaiting(std::string_view text) const;
@@ -58,6 +58,8 @@ private:
     const int m_descriptor;
     const char* const m_name;
     StandardStream* const m_notices;
+
+    Batch m_batch; // the thread's
 
     System::Mutex m_textLock; // guards the rest; never held while writing
     System::Condition m_added;

@@ -72,7 +72,7 @@ void prepareProcess() {
 bool start(AbstractListener& frontEnd, const char* complaint) {
     const bool isStarted = frontEnd.startOrDie();
     if (!isStarted)
-        printDiagnostic(complaint);
+        printDiagnostic("%s", complaint);
     return isStarted;
 }
 
@@ -84,7 +84,7 @@ void writeLastWords() {
 /// Ends a process that could serve nobody, so that whoever started it learns of that and starts it
 /// again. There is no exit status but 0: it ends by a signal.
 [[noreturn]] void giveUp(const char* reason) {
-    printDiagnostic(reason);
+    printDiagnostic("%s", reason);
     std::abort();
 }
 

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "core/Diagnostics.h"
-#include "core/StringFormat.h"
 #include "devices/CommFSerial.h"
 #include "devices/CommSerial.h"
 #include "runtime/OnlyObject.h"
@@ -119,7 +118,7 @@ DeviceResult Comm::Handle::open(unsigned baud, unsigned dataBits, unsigned stopB
         result = m_driver->open(m_path, baud, dataBits, stopBits, parity);
     }
     if (result.failed())
-        printDiagnostic(string_format(kCouldNotOpen, result.message.c_str()));
+        printDiagnostic(kCouldNotOpen, result.message.c_str());
     return result;
 }
 

@@ -1,6 +1,7 @@
 #include "devices/SerialLine.h"
 
 #include <cerrno>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -112,9 +113,15 @@ DeviceResult SerialLine::flush() {
     return flushDevice() ? DeviceResult{} : systemError(kNoFlush);
 }
 
-DeviceResult SerialLine::systemError(const char* lead) const {
+/// Without a text where there is no memory for one: a line that fails is closed nevertheless.
+DeviceResult SerialLine::systemError(const char* lead) const noexcept {
     const int error = errno;
-    return create_commhanderror(lead + m_path + ": " + std::generic_category().message(error), error);
+    try {
+        return create_commhanderror(lead + m_path + ": " + std::generic_category().message(error),
+                                    error);
+    } catch (const std::bad_alloc&) {
+        return {error, {}};
+    }
 }
 
 DeviceResult SerialLine::closeAfter(const char* lead) {

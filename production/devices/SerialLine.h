@@ -73,7 +73,7 @@ protected:
 
 private:
     bool isDeviceOpen() const { return descriptor() >= 0; }
-    DeviceResult systemError(const char* lead) const;
+    DeviceResult systemError(const char* lead) const noexcept;
     DeviceResult closeAfter(const char* lead);
     DeviceResult setUp(unsigned baud, tcflag_t frame);
     void endOpening();

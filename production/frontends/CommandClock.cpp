@@ -3,7 +3,6 @@
 #include <ctime>
 
 #include "core/Diagnostics.h"
-#include "core/StringFormat.h"
 
 namespace {
 
@@ -24,7 +23,7 @@ std::uint64_t CommandClock::elapsedMs() const {
 void CommandClock::warnIfLong(const char* command) const {
     const unsigned long long elapsed = elapsedMs();
     if (elapsed > kLongRuntimeMs)
-        printDiagnostic(string_format(kAttention, command, elapsed));
+        printDiagnostic(kAttention, command, elapsed);
 }
 
 std::uint64_t CommandClock::now() {

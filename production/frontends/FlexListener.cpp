@@ -25,8 +25,12 @@ std::string framed(const std::string& text) {
     return line;
 }
 
+void printException(std::int32_t code, const char* description) {
+    printDiagnostic(kException, static_cast<unsigned>(code), description);
+}
+
 void printException(const DeviceResult& result) {
-    printDiagnostic(string_format(kException, result.code, result.message.c_str()));
+    printException(result.code, result.message.c_str());
 }
 
 } // namespace
@@ -48,33 +52,38 @@ void FlexListener::threadLoop(System::Thread*) {
     setState(Dead, false);
 }
 
-/// One round: the port is opened if need be, and one command is read and answered. False when the
-/// channel is unusable.
+/// One round. False when the channel is unusable.
 bool FlexListener::serveOnce() {
     Comm::Handle* port = nullptr;
-    if (const DeviceResult result = comm()->device(&port, m_channel); result.failed()) {
-        printException(result);
-        return false;
-    }
-    if (!m_device.waitFor(port->devicePath().c_str(), StationLine::kDeviceWait))
-        return true;
-    if (!openPort(*port))
-        return true;
     try {
-        const DeviceResult result = readLine(*port);
-        if (!result.failed())
-            runLine();
-        else if (result.code == DeviceError::kNotUsable)
-            forgetInput(); // somebody else has closed the port, and perhaps opened it: it is theirs
-        else
-            closePort(*port);
+        const DeviceResult result = comm()->device(&port, m_channel);
+        if (!result.failed()) {
+            serve(*port);
+            return true;
+        }
+        printException(result);
     } catch (const std::exception& exception) {
-        // Most likely a line that does not fit into memory;
-        // where it would have ended is anybody's guess.
-        printException({static_cast<std::int32_t>(ProcessResponse::kGenericError), exception.what()});
-        closePort(*port);
+        // Most likely a line that does not fit into memory: where it would have ended is anybody's
+        // guess. Or a banner that did not: the port is opened again, with another one.
+        printException(static_cast<std::int32_t>(ProcessResponse::kGenericError), exception.what());
+        if (port != nullptr)
+            closePort(*port);
+        return true;
     }
-    return true;
+    return false;
+}
+
+/// The port is opened if need be, and one command is read and answered.
+void FlexListener::serve(Comm::Handle& port) {
+    if (!m_device.waitFor(port.devicePath().c_str(), StationLine::kDeviceWait) || !openPort(port))
+        return;
+    const DeviceResult result = readLine(port);
+    if (!result.failed())
+        runLine();
+    else if (result.code == DeviceError::kNotUsable)
+        forgetInput(); // somebody else has closed the port, and perhaps opened it: it is theirs
+    else
+        closePort(port);
 }
 
 bool FlexListener::openPort(Comm::Handle& port) {

@@ -40,6 +40,7 @@ public:
 
 private:
     bool serveOnce();
+    void serve(Comm::Handle& port);
     bool openPort(Comm::Handle& port);
     DeviceResult readLine(Comm::Handle& port);
     DeviceResult takeByte(Comm::Handle& port, char& byte);

@@ -1,5 +1,7 @@
 #include "frontends/Listener.h"
 
+#include <array>
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <stdexcept>
@@ -26,18 +28,22 @@ constexpr char kBadLength[] = "Commandlen of %d not allowed";
 // Held for every dispatch and for the exchange of the startup status.
 System::Mutex l_mutex(System::Mutex::Normal);
 
+void printLinkException(unsigned channel, std::int32_t code, const char* description) {
+    printDiagnostic(kLinkException, channel, static_cast<unsigned>(code), description);
+}
+
 void printLinkException(unsigned channel, const DeviceResult& result) {
-    printDiagnostic(string_format(kLinkException, channel, static_cast<unsigned>(result.code),
-                                  result.message.c_str()));
+    printLinkException(channel, result.code, result.message.c_str());
+}
+
+void printLinkException(unsigned channel, const std::exception& exception) {
+    printLinkException(channel, static_cast<std::int32_t>(ProcessResponse::kGenericError),
+                       exception.what());
 }
 
 void printLoopError(unsigned channel, const DeviceResult& result) {
     printDiagnostic(kThreadLoopError);
     printLinkException(channel, result);
-}
-
-DeviceResult asResult(const std::exception& exception) {
-    return {static_cast<std::int32_t>(ProcessResponse::kGenericError), exception.what()};
 }
 
 } // namespace
@@ -68,7 +74,7 @@ bool Listener::waitForLength(unsigned char& length) {
             if (outcome != Wait::TryAgain)
                 return outcome == Wait::LengthArrived;
         } catch (const std::exception& exception) {
-            printLinkException(m_channel, asResult(exception));
+            printLinkException(m_channel, exception);
             m_pause.wait();
         }
     }
@@ -123,7 +129,14 @@ bool Listener::announce(Comm::Handle& port) {
         status->setListener(nullptr);
     });
     bool open = false;
-    if (transmit(static_cast<ProcessResponseTavrin&>(*response).data, true, open) == 0) {
+    int sent = 0;
+    try {
+        sent = transmit(static_cast<ProcessResponseTavrin&>(*response).data, true, open);
+    } catch (...) {
+        port.close(); // opened again, it is announced
+        throw;
+    }
+    if (sent == 0) {
         port.close();
         return false;
     }
@@ -133,22 +146,19 @@ bool Listener::announce(Comm::Handle& port) {
 
 /// Serves one request. False when the channel is unusable.
 bool Listener::serve(unsigned char length) {
-    std::vector<unsigned char> response;
+    // On the stack: whatever happens now, all of the request has been taken off the line before.
+    std::array<unsigned char, wire::kLongestFrame> request{length};
+    if (length >= wire::kRequestHeader && !readBody(request.data(), length))
+        return true;
     try {
-        if (length < wire::kRequestHeader) {
-            response = refuseLength(length);
-        } else {
-            std::vector<unsigned char> frame(length, 0);
-            frame.front() = length;
-            if (!readBody(frame))
-                return true;
-            response = runRequest(frame);
-        }
+        std::vector<unsigned char> response =
+            length < wire::kRequestHeader ? refuseLength(length)
+                                          : runRequest({request.begin(), request.begin() + length});
+        return response.empty() || answer(response);
     } catch (const std::exception& exception) {
-        printLinkException(m_channel, asResult(exception));
+        printLinkException(m_channel, exception);
         return true;
     }
-    return response.empty() || answer(response);
 }
 
 /// False when the channel is unusable.
@@ -190,30 +200,35 @@ std::vector<unsigned char> Listener::refuseLength(unsigned char length) {
 }
 
 /// Fills in what follows the length byte; what does not come in time stays zero. False when there is
-/// nothing to run.
-bool Listener::readBody(std::vector<unsigned char>& frame) const {
+/// nothing to run: what of the request may still come has been thrown away, or belongs to a line that
+/// was closed.
+bool Listener::readBody(unsigned char* frame, unsigned char length) {
     Comm::Handle* port = nullptr;
-    DeviceResult result = comm()->device(&port, m_channel);
-    unsigned count = 0;
-    if (!result.failed()) {
-        constexpr bool kIsOpen = true; // the length has come over it
-        result = SharedPort::receive(*port, kIsOpen, count, frame.data() + 1, frame.size() - 1,
-                                     kBodyTimeoutMs);
-        if (SharedPort::isTaken(result, kIsOpen))
-            return false;
-    }
-    if (result.failed()) {
+    try {
+        DeviceResult result = comm()->device(&port, m_channel);
+        unsigned count = 0;
+        if (!result.failed()) {
+            constexpr bool kIsOpen = true; // the length has come over it
+            result = SharedPort::receive(*port, kIsOpen, count, frame + 1, length - std::size_t{1},
+                                         kBodyTimeoutMs);
+            if (SharedPort::isTaken(result, kIsOpen))
+                return false;
+        }
+        if (!result.failed()) {
+            if (count == 0)
+                port->flush();
+            return count != 0;
+        }
         printLinkException(m_channel, result);
-        if (port != nullptr)
-            port->close();
-        return false;
+    } catch (const std::exception& exception) {
+        printLinkException(m_channel, exception);
     }
-    if (count == 0)
-        port->flush();
-    return count != 0;
+    if (port != nullptr)
+        port->close();
+    return false;
 }
 
-std::vector<unsigned char> Listener::runRequest(std::vector<unsigned char>& frame) {
+std::vector<unsigned char> Listener::runRequest(std::vector<unsigned char> frame) {
     const System::Lock lock(l_mutex);
     return Handler::getInstance()->handleCommand(&frame, this);
 }

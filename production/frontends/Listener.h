@@ -48,8 +48,8 @@ private:
     bool serve(unsigned char length);
     bool answer(std::vector<unsigned char>& response);
     std::vector<unsigned char> refuseLength(unsigned char length);
-    std::vector<unsigned char> runRequest(std::vector<unsigned char>& frame);
-    bool readBody(std::vector<unsigned char>& frame) const;
+    std::vector<unsigned char> runRequest(std::vector<unsigned char> frame);
+    bool readBody(unsigned char* frame, unsigned char length);
 
     int transmit(std::vector<unsigned char>& frame, bool waitAck, bool& open);
     int readAcknowledgement(Comm::Handle& port, bool isOpen);

@@ -3,7 +3,6 @@
 
 #include "core/Diagnostics.h"
 #include "core/Handler.h"
-#include "core/StringFormat.h"
 #include "frontends/Listener.h"
 #include "frontends/SharedPort.h"
 #include "frontends/StationLine.h"
@@ -19,7 +18,7 @@ constexpr char kInvalidCount[] = "Received Data invalid: %u";
 constexpr char kNotAnAcknowledgement[] = "Received not an Ack-Message";
 
 void printSendException(const DeviceResult& result) {
-    printDiagnostic(string_format(kSendException, result.code, result.message.c_str()));
+    printDiagnostic(kSendException, result.code, result.message.c_str());
 }
 
 } // namespace
@@ -84,7 +83,7 @@ int Listener::readAcknowledgement(Comm::Handle& port, bool isOpen) {
     }
     m_pause.reset();
     if (count != wire::kAcknowledgement.size()) {
-        printDiagnostic(string_format(kInvalidCount, count));
+        printDiagnostic(kInvalidCount, count);
         return -1;
     }
     if (!std::equal(command.begin(), command.end(), wire::kAcknowledgement.begin())) {

@@ -12,7 +12,6 @@
 #include <utility>
 
 #include "core/Diagnostics.h"
-#include "core/StringFormat.h"
 #include "frontends/ConnectionStarter.h"
 #include "frontends/NetConnection.h"
 #include "frontends/ScarcityPause.h"
@@ -62,13 +61,13 @@ void NetListener::threadLoop(System::Thread*) {
     setState(Running, false);
     const System::Descriptor socket = System::openTcpSocket();
     if (!socket) {
-        printDiagnostic(string_format(kInvalidSocket, socket.get()));
+        printDiagnostic(kInvalidSocket, socket.get());
         stop();
         return;
     }
     const int on = 1;
     if (::setsockopt(socket.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on) != 0) {
-        printDiagnostic(string_format(kNoSocketOptions, socket.get()));
+        printDiagnostic(kNoSocketOptions, socket.get());
         stop();
         return;
     }

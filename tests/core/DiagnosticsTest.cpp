@@ -15,7 +15,7 @@ using ::testing::MatchesRegex;
 namespace {
 
 std::string printed(const std::string& message) {
-    return errorOutputOf([&] { printDiagnostic(message); });
+    return errorOutputOf([&] { printDiagnostic("%s", message.c_str()); });
 }
 
 } // namespace
@@ -24,6 +24,18 @@ TEST(DiagnosticsTest, IsALineWithTheDaemonsName) {
     EXPECT_EQ(printed("Stopping NetListener"), "Prod.testserver: Stopping NetListener\n");
     EXPECT_EQ(printed(""), "Prod.testserver: \n");
     EXPECT_EQ(printed("100% %s %n"), "Prod.testserver: 100% %s %n\n");
+}
+
+TEST(DiagnosticsTest, IsAsLongAsItsTextIs) {
+    constexpr std::size_t kRoom = 1000;
+    for (const std::size_t size : {kRoom - 19, kRoom - 18, kRoom - 17, kRoom, std::size_t{100'000}}) {
+        const std::string text(size, 'x');
+        EXPECT_EQ(printed(text), "Prod.testserver: " + text + "\n") << size;
+    }
+}
+
+TEST(DiagnosticsTest, MayComeWithoutNameAndLineEnd) {
+    EXPECT_EQ(errorOutputOf([] { printError("%d bytes\n", 7); }), "7 bytes\n");
 }
 
 TEST(DiagnosticsTest, LinesOfSeveralThreadsDoNotMix) {

@@ -18,9 +18,9 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::uint32_t kNewNames = IN_CREATE | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
 
-bool exists(const std::string& path) {
+bool exists(const char* path) {
     struct stat information {};
-    return ::stat(path.c_str(), &information) == 0;
+    return ::stat(path, &information) == 0;
 }
 
 /// The nearest folder above `path` that exists: the next name on the way to it appears there.
@@ -30,7 +30,7 @@ std::string nearestFolder(std::string path) {
         if (slash == std::string::npos)
             return ".";
         path.resize(slash == 0 ? 1 : slash);
-    } while (path != "/" && !exists(path));
+    } while (path != "/" && !exists(path.c_str()));
     return path;
 }
 

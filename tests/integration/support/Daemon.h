@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/AllocationFaults.h"
 #include "support/KernelRefusal.h"
 #include "support/Program.h"
 
@@ -27,6 +28,8 @@ struct DaemonStart {
     /// The digits of those of its threads, counted from 1, that it cannot make: the dispatcher's, the
     /// serial front end's, the network's. Not with a sanitizer, whose library wants to be the first.
     std::string missingThreads;
+    /// Null when all are to succeed.
+    const AllocationFaults* allocationFaults = nullptr;
     bool stationLine = false;            ///< else the unit has no adapter plugged in
     std::optional<std::string> supplier; ///< FIRST_TIER_SUPPLIER; not set by default
     bool waitForPort = true;
