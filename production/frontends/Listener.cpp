@@ -202,7 +202,7 @@ std::vector<unsigned char> Listener::refuseLength(unsigned char length) {
 /// Fills in what follows the length byte; what does not come in time stays zero. False when there is
 /// nothing to run: what of the request may still come has been thrown away, or belongs to a line that
 /// was closed.
-bool Listener::readBody(unsigned char* frame, unsigned char length) {
+bool Listener::readBody(unsigned char* frame, unsigned char length) const {
     Comm::Handle* port = nullptr;
     try {
         DeviceResult result = comm()->device(&port, m_channel);

@@ -49,7 +49,7 @@ private:
     bool answer(std::vector<unsigned char>& response);
     std::vector<unsigned char> refuseLength(unsigned char length);
     std::vector<unsigned char> runRequest(std::vector<unsigned char> frame);
-    bool readBody(unsigned char* frame, unsigned char length);
+    bool readBody(unsigned char* frame, unsigned char length) const;
 
     int transmit(std::vector<unsigned char>& frame, bool waitAck, bool& open);
     int readAcknowledgement(Comm::Handle& port, bool isOpen);
