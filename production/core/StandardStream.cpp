@@ -11,6 +11,7 @@
 
 #include "core/Diagnostics.h"
 #include "core/StringFormat.h"
+#include "platform/PatientPoll.h"
 
 namespace {
 
@@ -38,7 +39,7 @@ void empty(std::string& text) {
 
 void waitUntilItTakesText(int descriptor) {
     pollfd event{descriptor, POLLOUT, 0};
-    ::poll(&event, 1, -1);
+    System::patientPoll(&event, 1, -1);
 }
 
 } // namespace

@@ -14,6 +14,7 @@
 #include "frontends/Listener.h"
 #include "frontends/NetListener.h"
 #include "platform/Descriptors.h"
+#include "platform/Memory.h"
 
 namespace {
 
@@ -61,6 +62,7 @@ Supplier chosenSupplier() {
 }
 
 void prepareProcess() {
+    System::keepLittleFreedMemory();
     System::openStandardStreams();
     // A peer that has gone, or a shell that does not read
     // its commands, is an error to handle, not an end.

@@ -1,11 +1,11 @@
 #include "frontends/RetryPause.h"
 
-#include <poll.h>
-
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 void RetryPause::wait() {
     if (m_nextMs != 0)
-        ::poll(nullptr, 0, m_nextMs);
+        std::this_thread::sleep_for(std::chrono::milliseconds(m_nextMs));
     m_nextMs = std::clamp(m_nextMs * 2, kFirstMs, kLongestMs);
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <poll.h>
+#include <chrono>
+#include <thread>
 
 /// Between attempts to get what the system has run out
 /// of: short for whoever waits, rare for the processor.
 inline void pauseForScarcity() {
-    constexpr int kPauseMs = 50;
-    ::poll(nullptr, 0, kPauseMs);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
 }

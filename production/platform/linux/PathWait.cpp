@@ -1,6 +1,5 @@
 #include "platform/PathWait.h"
 
-#include <poll.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,6 +8,7 @@
 #include <cerrno>
 #include <string>
 
+#include "platform/PatientPoll.h"
 #include "wire/Descriptor.h"
 
 namespace System {
@@ -50,7 +50,7 @@ void waitForNews(int notifier, Clock::time_point deadline) {
     if (left.count() <= 0)
         return;
     pollfd event{notifier, POLLIN, 0};
-    if (::poll(&event, notifier < 0 ? 0 : 1, static_cast<int>(left.count())) <= 0)
+    if (patientPoll(&event, notifier < 0 ? 0 : 1, static_cast<int>(left.count())) <= 0)
         return;
     alignas(inotify_event) std::array<char, 4096> events;
     while (::read(notifier, events.data(), events.size()) > 0) {

@@ -2,17 +2,18 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "wire/Descriptor.h"
 
@@ -23,7 +24,7 @@ namespace {
 // Killing is repeated because a process may start another between the look and the blow. A process that
 // the kernel cannot end (stuck in a driver) must not hold up the caller.
 constexpr int kKillRounds = 1000;
-constexpr int kPauseBetweenRoundsMs = 1;
+constexpr std::chrono::milliseconds kPauseBetweenRounds{1};
 
 bool readStatus(const char* pid, Process& process) {
     const Descriptor file(::open(("/proc/" + std::string(pid) + "/stat").c_str(), O_RDONLY | O_CLOEXEC));
@@ -98,7 +99,7 @@ std::vector<Process> listProcesses() {
 
 int killProcessTree(pid_t root) {
     for (int round = 0; round < kKillRounds && killOffspring(root); ++round)
-        ::poll(nullptr, 0, kPauseBetweenRoundsMs);
+        std::this_thread::sleep_for(kPauseBetweenRounds);
     // The group in one blow, for where there is no table of processes; the root by its own number, in
     // case it left its group.
     ::kill(-root, SIGKILL);

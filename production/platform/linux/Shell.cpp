@@ -1,6 +1,6 @@
 #include "platform/Shell.h"
 
-#include <poll.h>
+#include <pthread.h>
 #include <signal.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -8,8 +8,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <limits>
+#include <thread>
 
+#include "platform/PatientPoll.h"
 #include "platform/linux/ProcessTree.h"
 #include "platform/linux/ShellStart.h"
 #include "platform/posix/EndedChildren.h"
@@ -25,7 +28,8 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kPollWithoutProcessDescriptor{5};
 // The kernel stops and ends a process at once, unless a driver holds it.
 constexpr std::chrono::seconds kPatience{2};
-constexpr int kPauseMs = 1;
+constexpr std::chrono::milliseconds kPause{1};
+constexpr std::size_t kCollectorStackBytes = 0x10000;
 
 Clock::time_point deadlineAfter(std::chrono::nanoseconds limit) {
     const Clock::time_point now = Clock::now();
@@ -41,7 +45,7 @@ public:
     /// (unless -1) can take bytes or has lost its reader.
     void waitForEvent(int pipe, Clock::time_point deadline) const {
         pollfd events[] = {{m_descriptor.get(), POLLIN, 0}, {pipe, POLLOUT, 0}};
-        ::poll(events, 2, millisecondsUntil(deadline));
+        patientPoll(events, 2, millisecondsUntil(deadline));
     }
 
     /// True when the child has ended or can no longer be waited for (then `error` is set).
@@ -83,8 +87,28 @@ int stop(pid_t pid) {
     siginfo_t info{};
     while (::waitid(P_PID, static_cast<id_t>(pid), &info, WSTOPPED | WEXITED | WNOHANG | WNOWAIT) == 0 &&
            info.si_pid == 0 && Clock::now() < deadline)
-        ::poll(nullptr, 0, kPauseMs);
+        std::this_thread::sleep_for(kPause);
     return 0;
+}
+
+/// The thread that collects a child, whose number stands in the pointer.
+void* collect(void* child) {
+    statusAtEndOf(static_cast<pid_t>(reinterpret_cast<std::intptr_t>(child)));
+    return nullptr;
+}
+
+/// Leaves a child whose end nobody waits for to a thread of its own. Without one the next shell finds
+/// it.
+void collectWhenItEnds(pid_t child) {
+    pthread_attr_t attributes;
+    if (::pthread_attr_init(&attributes) != 0)
+        return;
+    pthread_t thread{};
+    if (::pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED) == 0 &&
+        ::pthread_attr_setstacksize(&attributes, kCollectorStackBytes) == 0)
+        ::pthread_create(&thread, &attributes, collect,
+                         reinterpret_cast<void*>(static_cast<std::intptr_t>(child)));
+    ::pthread_attr_destroy(&attributes);
 }
 
 ShellResult endedResult(int status, int error) {
@@ -93,18 +117,28 @@ ShellResult endedResult(int status, int error) {
     return {ShellOutcome::Ended, status, 0};
 }
 
+ShellResult killFailed(pid_t pid, int error) {
+    collectWhenItEnds(pid);
+    return {ShellOutcome::KillFailed, 0, error};
+}
+
 ShellResult killAndCollect(pid_t pid, const ChildWait& child) {
     if (const int error = stop(pid); error != 0)
-        return {ShellOutcome::KillFailed, 0, error};
+        return killFailed(pid, error);
     int status = 0;
     int error = 0;
     if (child.ended(status, error)) // at the last moment; what it has left running lives on
         return endedResult(status, error);
     if (error = killProcessTree(pid); error != 0)
-        return {ShellOutcome::KillFailed, 0, error};
+        return killFailed(pid, error);
     const Clock::time_point deadline = Clock::now() + kPatience;
-    while (!child.ended(status, error) && Clock::now() < deadline)
+    bool ended = child.ended(status, error);
+    while (!ended && Clock::now() < deadline) {
         child.waitForEvent(-1, deadline);
+        ended = child.ended(status, error);
+    }
+    if (!ended)
+        collectWhenItEnds(pid);
     return {ShellOutcome::Killed, status, 0};
 }
 

@@ -10,6 +10,8 @@ std::uint64_t availableMemory() {
     return std::numeric_limits<std::uint64_t>::max();
 }
 
+void keepLittleFreedMemory() {}
+
 void returnFreedMemory() {}
 
 } // namespace System

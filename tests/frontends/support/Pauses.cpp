@@ -1,6 +1,6 @@
 #include "support/Pauses.h"
 
-#include <poll.h>
+#include <time.h>
 
 #include <utility>
 
@@ -26,11 +26,11 @@ std::vector<int> Pauses::take() {
 
 extern "C" {
 
-int __real_poll(pollfd*, nfds_t, int);
-int __wrap_poll(pollfd* events, nfds_t count, int limit) {
-    if (events != nullptr || !s_isNoting)
-        return __real_poll(events, count, limit);
-    s_pauses.push_back(limit);
+int __real_nanosleep(const timespec*, timespec*);
+int __wrap_nanosleep(const timespec* length, timespec* left) {
+    if (!s_isNoting)
+        return __real_nanosleep(length, left);
+    s_pauses.push_back(static_cast<int>(length->tv_sec * 1000 + length->tv_nsec / 1'000'000));
     return 0;
 }
 
