@@ -8,6 +8,9 @@
 
 namespace {
 
+constexpr char kBegin[] =
+    "# On a new unit (headunit run) whose receiver is off; LINE is the terminal that it names.\n";
+
 /// Bytes as text that cannot harm a terminal.
 std::string shown(const std::string& bytes) {
     std::string text;
@@ -23,7 +26,7 @@ std::string shown(const std::string& bytes) {
 
 std::string report(const Sequence& sequence, const Mismatch& mismatch, const Unit& unit) {
     Model model = unit.model();
-    std::string text;
+    std::string text = kBegin;
     for (std::size_t at = 0; at < sequence.size(); ++at) {
         const Request& request = sequence[at];
         const bool isWithTheOneBefore =

@@ -43,6 +43,5 @@ struct Request {
 
 using Sequence = std::vector<Request>;
 
-/// The words in the order of the sequence as one can paste them into a shell, a line for each request.
-/// `target` is what reaches the link.
+/// A command line of `station` that sends just this to the target, to be pasted into a shell.
 std::string pasted(const Request& request, const std::string& target);

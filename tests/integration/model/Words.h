@@ -36,6 +36,6 @@ private:
     std::vector<std::string> m_values;
 };
 
-/// The place of a byte, or of a big-endian number, in a whole frame.
+/// A byte, or a big-endian number of four, at this place of a whole frame.
 std::uint32_t byteAt(const std::string& frame, std::size_t at);
 std::uint32_t numberAt(const std::string& frame, std::size_t at);
