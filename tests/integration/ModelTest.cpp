@@ -23,7 +23,7 @@ constexpr char kRequestsVariable[] = "MODEL_REQUESTS";
 constexpr std::uint64_t kUsualSeed = 20240229;
 
 // A tenth of them where everything takes ten times as long.
-constexpr std::uint64_t kUsualRequests = kSanitized ? 2'000 : 15'000;
+constexpr std::uint64_t kUsualRequests = kSanitized ? 5'000 : 15'000;
 // For so many the unit runs on; then it is as new, with the next seed. A sequence that fails is no
 // longer.
 constexpr std::uint64_t kMostInOneRun = 40'000;

@@ -54,7 +54,7 @@ Word Drawing::number(std::uint32_t value) const {
 }
 
 Word Drawing::data(const std::string& bytes) const {
-    return bytes.size() % 3 == 0 && dice.oneIn(4) ? Word::base64(bytes) : Word::hex(bytes);
+    return dice.oneIn(4) ? Word::base64(bytes) : Word::hex(bytes);
 }
 
 std::uint32_t Drawing::edgeOr(std::uint32_t number, std::vector<std::uint32_t> edges) const {

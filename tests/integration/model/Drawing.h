@@ -19,7 +19,7 @@ struct Drawing {
 
     /// Decimal, hexadecimal or octal.
     Word number(std::uint32_t value) const;
-    /// Hexadecimal or base64; base64 only where it stands for just these bytes.
+    /// Hexadecimal, or base64, which may add zeros.
     Word data(const std::string& bytes) const;
     /// One of these, or the number.
     std::uint32_t edgeOr(std::uint32_t number, std::vector<std::uint32_t> edges) const;
