@@ -6,3 +6,8 @@ if(PRODUCTION_SANITIZE)
     -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${PRODUCTION_SANITIZE})
 endif()
+
+option(PRODUCTION_FUZZ "Link the programs in fuzz/ with clang's fuzzer, and count what they reach" OFF)
+if(PRODUCTION_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
