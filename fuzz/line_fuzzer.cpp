@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "Expect.h"
 #include "Input.h"
@@ -14,8 +15,8 @@ namespace {
 constexpr std::size_t kKept = 4096; // what an assembler may keep of a line that has gone
 
 /// A line ends where a read ends in ETX, LF.
-bool isComplete(const std::string& received) {
-    return received.size() >= 2 && received.compare(received.size() - 2, 2, "\x03\n") == 0;
+bool isComplete(std::string_view received) {
+    return received.size() >= 2 && received.substr(received.size() - 2) == "\x03\n";
 }
 
 /// The scanner writes behind a line before it is gone.
@@ -24,6 +25,16 @@ void writeBehind(LineAssembler& assembler, std::size_t room) {
     if (room == 0)
         return;
     std::memset(line + assembler.line().size(), 0xEE, room);
+}
+
+/// As a line comes that was typed: its end is seen when its last byte comes, and before where it holds
+/// another.
+void expectSameByteByByte(std::string_view line) {
+    LineAssembler assembler;
+    for (std::size_t at = 0; at < line.size(); ++at)
+        expectSame<int>(isComplete(line.substr(0, at + 1)), assembler.append(&line[at], 1),
+                        "a complete line, byte by byte");
+    expectSame(line, assembler.line(), "the line, byte by byte");
 }
 
 } // namespace
@@ -48,6 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             writeBehind(assembler, read.size() * 100);
         expectSame(received, assembler.line(), "the line that was written behind");
         if (isComplete(received) || (control & 0xC0) == 0x80) {
+            expectSameByteByByte(received);
             assembler.reset();
             received.clear();
             expect(assembler.line().empty(), "The next line is empty");
