@@ -115,9 +115,10 @@ int __wrap_tcsetattr(int device, int action, const termios* attributes) {
 
 int __real_poll(pollfd*, nfds_t, int);
 int __wrap_poll(pollfd* events, nfds_t count, int limit) {
-    if (events == nullptr && s_line != nullptr)
-        return 0; // a pause
-    SimulatedLine* const line = count > 0 ? lineOf(events[0].fd) : nullptr;
+    const bool isPause = events == nullptr;
+    if (isPause && s_line != nullptr)
+        return 0;
+    SimulatedLine* const line = isPause ? nullptr : lineOf(events[0].fd);
     if (line == nullptr)
         return __real_poll(events, count, limit);
     // Whatever else is waited for comes from within the daemon.
