@@ -49,8 +49,10 @@ std::string asFarAsItSays(std::string_view frame) {
 
 ExpectedLink::ExpectedLink(const Schedule& schedule) : m_reader(schedule) {
     for (;;) {
-        if (!m_isOpen)
+        if (!m_isOpen) {
             announce();
+            continue;
+        }
         const Received length = receive(1, kLengthMs);
         if (length.hasFailed)
             m_isOpen = false;
@@ -67,7 +69,9 @@ ExpectedLink::Received ExpectedLink::receive(std::size_t count, unsigned silence
     while (bytes.size() < count && m_reader.wait(silenceMs)) {
         const Schedule::Arrival arrival = m_reader.next();
         m_reader.take();
-        if (arrival.isHangUp)
+        if (arrival.kind == Schedule::Taking)
+            m_isOpen = false;
+        if (arrival.kind != Schedule::Byte)
             return {true, {}};
         bytes += arrival.byte;
     }
@@ -79,7 +83,8 @@ void ExpectedLink::announce() {
     answer(repetitionFrames() + statusFrame(getDateTimeString(), true));
 }
 
-/// Of the acknowledgement only what it takes off the line matters.
+/// Of the acknowledgement only what it takes off the line matters; a line that hangs up then is not
+/// closed.
 void ExpectedLink::answer(const std::string& frames) {
     m_sent += frames;
     receive(2, kSilenceMs);
@@ -92,7 +97,8 @@ void ExpectedLink::serve(unsigned char length) {
         return;
     }
     const Received body = receive(length - std::size_t{1}, kSilenceMs);
-    m_isOpen = !body.hasFailed;
+    if (body.hasFailed)
+        m_isOpen = false;
     if (body.bytes.empty())
         return;
     std::string request = framed(body.bytes);

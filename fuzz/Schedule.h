@@ -9,9 +9,14 @@
 /// waits for.
 class Schedule {
 public:
+    enum Kind {
+        Byte,
+        HangUp, ///< what reads then fails once
+        Taking  ///< somebody else within the unit closes the port
+    };
     struct Arrival {
         std::uint64_t time;
-        bool isHangUp; ///< what reads then fails once, and no byte comes
+        Kind kind;
         char byte;
     };
 
@@ -19,9 +24,9 @@ public:
     void pause(std::uint64_t milliseconds) { m_end += milliseconds; }
     void send(std::string_view bytes) {
         for (const char byte : bytes)
-            m_arrivals.push_back({m_end, false, byte});
+            m_arrivals.push_back({m_end, Byte, byte});
     }
-    void hangUp() { m_arrivals.push_back({m_end, true, '\0'}); }
+    void end(Kind kind) { m_arrivals.push_back({m_end, kind, '\0'}); }
 
     /// A reader of the schedule, with its own clock.
     class Reader {
@@ -32,6 +37,7 @@ public:
         bool isAtEnd() const { return m_at == m_arrivals->size(); }
         /// Whether something has come.
         bool isReady() const { return !isAtEnd() && next().time <= m_now; }
+        bool isReady(Kind kind) const { return isReady() && next().kind == kind; }
         const Arrival& next() const { return (*m_arrivals)[m_at]; }
         void take() { ++m_at; }
 

@@ -35,8 +35,9 @@ SimulatedLine* lineOf(int descriptor) {
 
 } // namespace
 
-SimulatedLine::SimulatedLine(const Schedule& schedule, std::size_t room, std::function<void()> atEnd)
-    : m_reader(schedule), m_room(room), m_atEnd(std::move(atEnd)) {
+SimulatedLine::SimulatedLine(const Schedule& schedule, std::size_t room, std::function<void()> closePort,
+                             std::function<void()> atEnd)
+    : m_reader(schedule), m_room(room), m_closePort(std::move(closePort)), m_atEnd(std::move(atEnd)) {
     s_line = this;
 }
 
@@ -47,12 +48,18 @@ SimulatedLine::~SimulatedLine() {
 
 short SimulatedLine::poll(short events, int limit) {
     const auto writable = static_cast<short>(events & POLLOUT);
-    if ((events & POLLIN) != 0 && m_reader.isReady())
+    if ((events & POLLIN) != 0 && m_reader.isReady() && !m_reader.isReady(Schedule::Taking))
         return static_cast<short>(POLLIN | writable);
     if (writable != 0)
         return writable;
     expect(limit >= 0, "Nobody waits for the station without end");
-    if (m_reader.wait(static_cast<std::uint64_t>(limit)))
+    const bool hasCome = m_reader.wait(static_cast<std::uint64_t>(limit));
+    if (hasCome && m_reader.isReady(Schedule::Taking)) {
+        m_reader.take();
+        m_closePort();
+        return 0;
+    }
+    if (hasCome)
         return POLLIN;
     if (m_reader.isAtEnd() && limit > kLongestWithinRequest)
         m_atEnd();
@@ -60,21 +67,20 @@ short SimulatedLine::poll(short events, int limit) {
 }
 
 long SimulatedLine::read(char* bytes, std::size_t count) {
-    if (!m_reader.isReady()) {
-        errno = EAGAIN;
-        return -1;
-    }
-    if (m_reader.next().isHangUp) {
+    if (m_reader.isReady(Schedule::HangUp)) {
         m_reader.take();
         errno = EIO;
         return -1;
     }
     std::size_t taken = 0;
-    for (; taken < count && m_reader.isReady() && !m_reader.next().isHangUp; ++taken) {
+    for (; taken < count && m_reader.isReady(Schedule::Byte); ++taken) {
         bytes[taken] = m_reader.next().byte;
         m_reader.take();
     }
-    return static_cast<long>(taken);
+    if (taken > 0)
+        return static_cast<long>(taken);
+    errno = EAGAIN;
+    return -1;
 }
 
 std::size_t SimulatedLine::write(std::string_view bytes) {

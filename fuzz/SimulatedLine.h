@@ -11,9 +11,10 @@
 /// dropped. The linker puts it between the daemon and the system. One at a time.
 class SimulatedLine {
 public:
-    /// The line takes at most `room` bytes at once. `atEnd` is called whenever a request is waited for
-    /// and nothing will come any more.
-    SimulatedLine(const Schedule& schedule, std::size_t room, std::function<void()> atEnd);
+    /// The line takes at most `room` bytes at once. `closePort` is called where the schedule wants that,
+    /// and `atEnd` whenever a request is waited for and nothing will come any more.
+    SimulatedLine(const Schedule& schedule, std::size_t room, std::function<void()> closePort,
+                  std::function<void()> atEnd);
     ~SimulatedLine();
     SimulatedLine(const SimulatedLine&) = delete;
     SimulatedLine& operator=(const SimulatedLine&) = delete;
@@ -33,6 +34,7 @@ public:
 private:
     Schedule::Reader m_reader;
     std::size_t m_room;
+    std::function<void()> m_closePort;
     std::function<void()> m_atEnd;
     std::string m_sent;
 };

@@ -1,6 +1,6 @@
 // The binary front end over the real driver and dispatcher, with a station that sends anything, with any
-// pauses, and hangs up now and then: it runs just the requests that the framing makes of that, in their
-// order, and sends just what is due.
+// pauses, and hangs up now and then, and with somebody else who closes the port: it runs just the
+// requests that the framing makes of that, in their order, and sends just what is due.
 
 #include <algorithm>
 #include <cstdint>
@@ -99,7 +99,7 @@ std::string requestOf(Input& input, std::size_t parameters) {
     return rest.empty() ? std::string() : static_cast<char>(rest.size() + 1) + std::string(rest);
 }
 
-enum Event : unsigned { kAcknowledge, kHangUp }; // any other number is a pause
+enum Event : unsigned { kAcknowledge, kHangUp, kTaking }; // any other number is a pause
 
 void addEvent(Schedule& schedule, unsigned which) {
     constexpr unsigned kPauses[] = {1, 499, 500, 501, 999, 1000, 1001, 2500};
@@ -107,7 +107,9 @@ void addEvent(Schedule& schedule, unsigned which) {
         case kAcknowledge:
             return schedule.send("\x02\x06");
         case kHangUp:
-            return schedule.hangUp();
+            return schedule.end(Schedule::HangUp);
+        case kTaking:
+            return schedule.end(Schedule::Taking);
         default:
             return schedule.pause(kPauses[which % std::size(kPauses)]);
     }
@@ -116,7 +118,7 @@ void addEvent(Schedule& schedule, unsigned which) {
 /// A byte says what comes next: with 00 in its highest bits, so many bytes as the others say; with 01 a
 /// request with so many parameters, with 10 four times as many; with 11 an acknowledgement, the line's
 /// end, or a pause.
-Schedule scheduleOf(Input& input, bool mayHangUp) {
+Schedule scheduleOf(Input& input, bool mayEnd) {
     Schedule schedule;
     while (!input.isEmpty()) {
         const unsigned control = input.byte();
@@ -132,7 +134,7 @@ Schedule scheduleOf(Input& input, bool mayHangUp) {
                 schedule.send(requestOf(input, number * std::size_t{4}));
                 break;
             default:
-                if (number != kHangUp || mayHangUp)
+                if ((number != kHangUp && number != kTaking) || mayEnd)
                     addEvent(schedule, number);
                 break;
         }
@@ -140,15 +142,20 @@ Schedule scheduleOf(Input& input, bool mayHangUp) {
     return schedule;
 }
 
-/// Serves the station until nothing comes any more. Returns what it got.
-std::string serve(const Schedule& schedule, std::size_t room) {
-    Listener listener(kChannel);
-    SimulatedLine line(schedule, room, [&listener] { listener.setState(Listener::Stopping, false); });
-    listener.threadLoop(nullptr);
-    expectSame<int>(Listener::Dead, listener.getState(), "the front end's state");
+void closePort() {
     Comm::Handle* port = nullptr;
     expect(!comm()->device(&port, kChannel).failed(), "There is a port");
     expect(!port->close().failed(), "The port can be closed");
+}
+
+/// Serves the station until nothing comes any more. Returns what it got.
+std::string serve(const Schedule& schedule, std::size_t room) {
+    Listener listener(kChannel);
+    SimulatedLine line(schedule, room, closePort,
+                       [&listener] { listener.setState(Listener::Stopping, false); });
+    listener.threadLoop(nullptr);
+    expectSame<int>(Listener::Dead, listener.getState(), "the front end's state");
+    closePort();
     return line.sent();
 }
 
