@@ -115,12 +115,7 @@ bool isSoundBase64(std::string_view argument) {
            argument.back() == ')' && isBase64Text(encodedBytes(argument, kBase64Opening));
 }
 
-void checkQuotable(std::string_view argument) {
-    if (argument.empty())
-        refuse("an empty argument cannot be sent: the unit drops it");
-    if (argument.find('"') != std::string_view::npos)
-        refuse("argument " + quotedForMessage(argument) +
-               " holds a double quotation mark, which cannot be quoted; send its bytes as base64(...)");
+void checkControlCharacters(std::string_view argument) {
     const auto control = std::find_if(argument.begin(), argument.end(), isControlCharacter);
     if (control == argument.end())
         return;
@@ -129,6 +124,16 @@ void checkQuotable(std::string_view argument) {
     refuse("an argument holds the control character " + std::string(text) + " as its byte " +
            std::to_string(control - argument.begin() + 1) +
            ", which cannot be quoted; send its bytes as base64(...)");
+}
+
+void checkQuotable(std::string_view argument) {
+    if (argument.empty())
+        refuse("an empty argument cannot be sent: the unit drops it");
+    // First, so that no message repeats one.
+    checkControlCharacters(argument);
+    if (argument.find('"') != std::string_view::npos)
+        refuse("argument " + quotedForMessage(argument) +
+               " holds a double quotation mark, which cannot be quoted; send its bytes as base64(...)");
 }
 
 unsigned valueOf(char hexDigit) {

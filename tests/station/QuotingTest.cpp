@@ -84,7 +84,8 @@ INSTANTIATE_TEST_SUITE_P(ControlCharacter, QuotingRefuses,
                                 Refused{"\x03", "0x03"}, Refused{"a\tb", "0x09"},
                                 Refused{"a\nb", "0x0A"}, Refused{"\x1F", "0x1F"},
                                 Refused{"\x7F", "cannot be quoted; send its bytes as base64(...)"},
-                                Refused{"hex(01\t02)", "0x09"}, Refused{"base64(QUJD\nQUJD)", "0x0A"}));
+                                Refused{"hex(01\t02)", "0x09"}, Refused{"base64(QUJD\nQUJD)", "0x0A"},
+                                Refused{"\"\x1B[2J\"", "control character 0x1B as its byte 2"}));
 
 INSTANTIATE_TEST_SUITE_P(
     MalformedBytes, QuotingRefuses,
