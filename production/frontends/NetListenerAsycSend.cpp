@@ -4,7 +4,21 @@
 
 #include <cerrno>
 
+#include "frontends/ScarcityPause.h"
 #include "wire/Line.h"
+
+namespace {
+
+bool isFull(int error) {
+    return error == EAGAIN || error == EWOULDBLOCK;
+}
+
+/// The system has no room for what the connection would take.
+bool isScarcity(int error) {
+    return error == ENOBUFS || error == ENOMEM;
+}
+
+} // namespace
 
 NetListenerAsycSend::NetListenerAsycSend(int socket) : m_socket(socket) {}
 
@@ -23,8 +37,10 @@ std::size_t NetListenerAsycSend::send(std::string_view bytes, int flags) const {
             ::send(m_socket, bytes.data() + sent, bytes.size() - sent, flags | MSG_NOSIGNAL);
         if (count >= 0)
             sent += static_cast<std::size_t>(count);
-        else if (errno == EAGAIN || errno == EWOULDBLOCK)
+        else if (isFull(errno) || (isScarcity(errno) && (flags & MSG_DONTWAIT) != 0))
             break;
+        else if (isScarcity(errno))
+            pauseForScarcity();
         else if (errno != EINTR)
             return bytes.size(); // nobody is left to read it
     }

@@ -4,11 +4,14 @@
 #include <signal.h>
 
 #include <atomic>
+#include <cerrno>
 #include <thread>
 
 #include "support/LineTexts.h"
 #include "support/Lines.h"
+#include "support/Pauses.h"
 #include "support/SocketPair.h"
+#include "support/SystemCalls.h"
 #include "support/Waiting.h"
 
 namespace {
@@ -53,6 +56,19 @@ TEST(CommandSenderTest, DropsBinaryFrames) {
     EXPECT_EQ(sockets.receive(answer("").size()), answer(""));
     EXPECT_FALSE(sockets.hasSomething());
     EXPECT_EQ(frame.size(), 5u);
+}
+
+TEST(CommandSenderTest, WhatTheSystemHasNoRoomForComesAheadOfTheAnswer) {
+    const SocketPair sockets;
+    CommandSender sender(sockets.ours.get());
+    const std::string expected = answer("reason") + answer("answer");
+    Pauses pauses;
+    SystemCalls::failSends(1, ENOBUFS);
+    std::string reason = "reason";
+    sender.asyncSend(reason);
+    EXPECT_TRUE(pauses.take().empty()) << "a command does not wait";
+    sender.answer("answer");
+    EXPECT_EQ(sockets.receive(expected.size()), expected);
 }
 
 TEST(CommandSenderTest, NeverWaitsForAPeerThatDoesNotRead) {

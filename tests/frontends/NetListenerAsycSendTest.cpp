@@ -3,11 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cerrno>
 #include <thread>
+#include <vector>
 
 #include "support/LineTexts.h"
 #include "support/Lines.h"
+#include "support/Pauses.h"
 #include "support/SocketPair.h"
+#include "support/SystemCalls.h"
 #include "support/Waiting.h"
 
 namespace {
@@ -59,6 +63,19 @@ TEST(NetListenerAsycSendTest, APeerThatHasGoneEndsNothingButTheSending) {
     std::string text = "nobody reads this";
     sender.asyncSend(text); // a signal would end this test
     sender.asyncSend(text);
+}
+
+TEST(NetListenerAsycSendTest, RoomThatTheSystemHasNotIsWaitedFor) {
+    for (const int error : {ENOBUFS, ENOMEM}) {
+        const SocketPair sockets;
+        NetListenerAsycSend sender(sockets.ours.get());
+        Pauses pauses;
+        SystemCalls::failSends(2, error);
+        std::string text = "has its time";
+        sender.asyncSend(text);
+        EXPECT_EQ(sockets.receive(answer(text).size()), answer(text));
+        EXPECT_EQ(pauses.take(), (std::vector<int>{50, 50}));
+    }
 }
 
 TEST(NetListenerAsycSendTest, LeavesTheSocketOpen) {

@@ -12,6 +12,8 @@ namespace {
 std::atomic<int> s_failingOptions{0};
 std::atomic<int> s_failingThreads{0};
 std::atomic<int> s_threadAttempts{0};
+std::atomic<int> s_failingSends{0};
+std::atomic<int> s_sendError{0};
 std::mutex s_mutex; // guards the next
 SystemCalls::ThreadMade s_lastThread{};
 
@@ -43,6 +45,11 @@ void failThreads(int calls) {
     s_failingThreads = calls;
 }
 
+void failSends(int calls, int error) {
+    s_sendError = error;
+    s_failingSends = calls;
+}
+
 ThreadMade lastThread() {
     const std::lock_guard<std::mutex> lock(s_mutex);
     return s_lastThread;
@@ -63,6 +70,15 @@ int __wrap_setsockopt(int socket, int level, int option, const void* value, sock
         return -1;
     }
     return __real_setsockopt(socket, level, option, value, size);
+}
+
+ssize_t __real_send(int, const void*, size_t, int);
+ssize_t __wrap_send(int socket, const void* bytes, size_t size, int flags) {
+    if (takeOne(s_failingSends)) {
+        errno = s_sendError;
+        return -1;
+    }
+    return __real_send(socket, bytes, size, flags);
 }
 
 int __real_pthread_create(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);

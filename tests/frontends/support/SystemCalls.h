@@ -10,6 +10,9 @@ void failSocketOptions(int calls);
 /// How many of the next attempts to make a thread with attributes fail with EAGAIN.
 void failThreads(int calls);
 
+/// How many of the next calls of `send` fail with this error number.
+void failSends(int calls, int error);
+
 /// Of the last attempt to make a thread with attributes.
 struct ThreadMade {
     int detachState;
