@@ -36,6 +36,21 @@ DeviceResult failure(const char* text) {
     return mCmd::create_deverror(text, ProcessResponse::kGenericError);
 }
 
+/// Goes on after a part, until the device has no more to give or to take: then that is how much it was.
+template <typename Move>
+ssize_t moveAll(std::size_t length, const Move& move) {
+    std::size_t done = 0;
+    do {
+        const ssize_t moved = System::uninterrupted([&] { return move(done, length - done); });
+        if (moved < 0 && done == 0)
+            return -1;
+        if (moved <= 0)
+            break;
+        done += static_cast<std::size_t>(moved);
+    } while (done < length);
+    return static_cast<ssize_t>(done);
+}
+
 } // namespace
 
 mCmd::Handle::Handle(int type, std::string path, bool writable)
@@ -50,8 +65,12 @@ DeviceResult mCmd::Handle::open() {
         m_device.reset();
         return failure(kNotInserted);
     }
-    if (m_device)
+    if (m_device) {
+        // One that could not be looked at when it was opened may be now; it is open either way.
+        if (m_status.st_blksize == 0)
+            prepareStatInfo();
         return {};
+    }
     m_device = System::openBlockDevice(m_path.c_str(), m_writable ? O_RDWR : O_RDONLY);
     if (!m_device) {
         const int error = errno;
@@ -120,8 +139,9 @@ DeviceResult mCmd::Handle::read(unsigned& bytes, unsigned firstBlock, int blockC
         return result;
     if (DeviceResult result = seek(extent); result.failed())
         return result;
-    const ssize_t moved =
-        System::uninterrupted([&] { return ::read(m_device.get(), buffer, extent.length); });
+    const ssize_t moved = moveAll(extent.length, [&](std::size_t done, std::size_t left) {
+        return ::read(m_device.get(), static_cast<char*>(buffer) + done, left);
+    });
     if (moved < 0)
         return failure((kCannotRead + std::string(std::strerror(errno))).c_str());
     bytes = static_cast<unsigned>(moved);
@@ -135,8 +155,9 @@ DeviceResult mCmd::Handle::write(unsigned& bytes, unsigned firstBlock, int block
         return result;
     if (DeviceResult result = seek(extent); result.failed())
         return result;
-    const ssize_t moved =
-        System::uninterrupted([&] { return ::write(m_device.get(), buffer, extent.length); });
+    const ssize_t moved = moveAll(extent.length, [&](std::size_t done, std::size_t left) {
+        return ::write(m_device.get(), static_cast<const char*>(buffer) + done, left);
+    });
     if (moved < 0)
         return failure((kCannotWrite + std::string(std::strerror(errno))).c_str());
     bytes = static_cast<unsigned>(moved);

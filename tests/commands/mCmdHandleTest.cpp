@@ -10,6 +10,7 @@
 #include "support/DescriptorLimit.h"
 #include "support/FreshProcess.h"
 #include "support/RefusedCalls.h"
+#include "wire/Descriptor.h"
 
 namespace fs = std::filesystem;
 
@@ -153,6 +154,18 @@ TEST_F(mCmdHandleTest, AClosedDeviceHasNoInformation) {
     expectSuccess(m_device.prepareStatInfo());
     close();
     expectFailure(m_device.prepareStatInfo(), "Device is not open");
+}
+
+TEST_F(mCmdHandleTest, WhatCouldNotBeLookedAtIsLookedAtWhenItIsOpenedAgain) {
+    const BlockFile file(path(), 3);
+    open();
+    const int descriptor = descriptorOf(path());
+    const System::Descriptor other(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
+    ASSERT_EQ(::close(descriptor), 0);
+    EXPECT_EQ(m_device.prepareStatInfo().code, EBADF);
+    ASSERT_EQ(::dup2(other.get(), descriptor), descriptor);
+    open();
+    EXPECT_EQ(blocksOn(m_device), 3u);
 }
 
 TEST_F(mCmdHandleTest, InformationIsTakenAnew) {
