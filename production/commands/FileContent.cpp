@@ -36,28 +36,12 @@ void requireMemoryFor(off_t size) {
     MemoryGuard::require(static_cast<std::size_t>(size) * kCopies);
 }
 
-/// Fills `piece` from `position` on; shortens it where the file ends. 0 or an error number.
-int fill(const System::Descriptor& file, std::string& piece, off_t position) {
-    std::size_t filled = 0;
-    while (filled < piece.size()) {
-        const ssize_t count =
-            System::readNodeAt(file.get(), piece.data() + filled, piece.size() - filled,
-                               position + static_cast<off_t>(filled));
-        if (count < 0)
-            return errno;
-        if (count == 0)
-            piece.resize(filled);
-        filled += static_cast<std::size_t>(count);
-    }
-    return 0;
-}
-
 int appendPieces(const System::Descriptor& file, off_t size, std::string& text, Append append) {
     std::string piece;
     for (off_t done = 0; done < size; done += static_cast<off_t>(kPiece)) {
         const auto wanted = static_cast<std::size_t>(std::min(size - done, static_cast<off_t>(kPiece)));
         piece.resize(wanted);
-        if (const int error = fill(file, piece, done); error != 0)
+        if (const int error = FileContent::fill(file, piece, done); error != 0)
             return error;
         append(piece, text);
         if (piece.size() < wanted) // it has become shorter meanwhile
@@ -81,6 +65,21 @@ int appendWhole(const System::Descriptor& file, std::string& text, bool encoded)
 }
 
 } // namespace
+
+int FileContent::fill(const System::Descriptor& file, std::string& piece, off_t position) {
+    std::size_t filled = 0;
+    do {
+        const ssize_t count =
+            System::readNodeAt(file.get(), piece.data() + filled, piece.size() - filled,
+                               position + static_cast<off_t>(filled));
+        if (count < 0)
+            return errno;
+        if (count == 0)
+            piece.resize(filled);
+        filled += static_cast<std::size_t>(count);
+    } while (filled < piece.size());
+    return 0;
+}
 
 int FileContent::append(const System::Descriptor& file, std::string& text) noexcept {
     return appendWhole(file, text, false);

@@ -18,6 +18,7 @@
 #include "platform/Descriptors.h"
 #include "platform/Node.h"
 #include "platform/Shell.h"
+#include "platform/Uninterrupted.h"
 #include "runtime/OnlyObject.h"
 
 namespace {
@@ -61,6 +62,11 @@ constexpr char kFileEmpty[] = "File %s is empty";
 
 constexpr int kTimeoutStatus = 260;
 
+System::Descriptor openCaptureFile(int flags) {
+    return System::Descriptor(System::uninterrupted(
+        [flags] { return ::open(kCaptureFile, O_RDWR | O_CLOEXEC | flags, kCaptureMode); }));
+}
+
 /// What stands there and cannot be removed: another user's file in a folder that protects it. Empty when
 /// it is no file.
 System::Descriptor truncateCaptureFile() {
@@ -68,12 +74,12 @@ System::Descriptor truncateCaptureFile() {
     if (::lstat(kCaptureFile, &seen) != 0 || !S_ISREG(seen.st_mode))
         return {};
     // Without waiting, since it may have become a pipe.
-    System::Descriptor file(
-        ::open(kCaptureFile, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    System::Descriptor file = openCaptureFile(O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     struct stat opened {};
     // Compared, since not every system refuses to follow a link that was put in its place meanwhile.
     if (!file || !System::nodeStatus(file.get(), opened) || opened.st_dev != seen.st_dev ||
-        opened.st_ino != seen.st_ino || ::ftruncate(file.get(), 0) != 0)
+        opened.st_ino != seen.st_ino ||
+        System::uninterrupted([&] { return ::ftruncate(file.get(), 0); }) != 0)
         return {};
     return file;
 }
@@ -83,7 +89,7 @@ System::Descriptor truncateCaptureFile() {
 System::Descriptor createCaptureFile() {
     if (::unlink(kCaptureFile) != 0 && errno != ENOENT)
         return truncateCaptureFile();
-    return System::Descriptor(::open(kCaptureFile, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kCaptureMode));
+    return openCaptureFile(O_CREAT | O_EXCL);
 }
 
 Answer judgeStatus(int status, int pid) {
@@ -129,13 +135,12 @@ Answer readFirstBytes(const char* path, std::vector<unsigned char>& bytes) {
     struct stat information {};
     if (Answer refusal = checkReadable(file, path, information))
         return refusal;
-    bytes.resize(static_cast<std::size_t>(std::min(information.st_size, kMaxPayload)));
-    const ssize_t count = System::readNodeAt(file.get(), bytes.data(), bytes.size(), 0);
-    if (count < 0)
-        return genericError(kCannotRead, path, std::strerror(errno));
-    if (count == 0)
+    std::string piece(static_cast<std::size_t>(std::min(information.st_size, kMaxPayload)), '\0');
+    if (const int error = FileContent::fill(file, piece, 0); error != 0)
+        return genericError(kCannotRead, path, std::strerror(error));
+    if (piece.empty())
         printDiagnostic(kFileEmpty, path);
-    bytes.resize(static_cast<std::size_t>(count));
+    bytes.assign(piece.begin(), piece.end());
     return success();
 }
 
