@@ -13,6 +13,7 @@
 
 #include "core/Diagnostics.h"
 #include "core/StringFormat.h"
+#include "platform/Uninterrupted.h"
 #include "wire/Descriptor.h"
 
 namespace {
@@ -41,7 +42,7 @@ using Picture = std::unique_ptr<char, FreeMemory>;
 /// Everything but a regular file is refused: a link may lead anywhere, and a pipe may block its writer.
 System::Descriptor openDestination(const char* path) {
     constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    System::Descriptor file(::open(path, kFlags, kMode));
+    System::Descriptor file(System::uninterrupted([path] { return ::open(path, kFlags, kMode); }));
     struct stat information {};
     if (!file)
         return file;
@@ -57,9 +58,7 @@ System::Descriptor openDestination(const char* path) {
 /// Returns 0 or an error number. What the system notices only when the file is closed counts, too.
 int writeAndClose(System::Descriptor& file, const char* bytes, std::size_t size) {
     while (size > 0) {
-        const ssize_t written = ::write(file.get(), bytes, size);
-        if (written < 0 && errno == EINTR)
-            continue;
+        const ssize_t written = System::uninterrupted([&] { return ::write(file.get(), bytes, size); });
         if (written < 0)
             return errno;
         bytes += written;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/Terminal.h"
+#include "platform/Uninterrupted.h"
 
 namespace {
 
@@ -76,7 +77,7 @@ DeviceResult SerialLine::setUp(unsigned baud, tcflag_t frame) {
         return closeAfter(kNoInputSpeed);
     if (!System::makeRaw(attributes))
         return closeAfter(kNoRawMode);
-    if (::tcsetattr(descriptor(), TCSAFLUSH, &attributes) != 0)
+    if (!setAttributes(attributes))
         return closeAfter(kNoParameters);
     flushDevice();
     return {};
@@ -86,11 +87,16 @@ DeviceResult SerialLine::close() {
     if (!isDeviceOpen())
         return {};
     DeviceResult result;
-    if (::tcsetattr(descriptor(), TCSAFLUSH, &m_savedAttributes) != 0)
+    if (!setAttributes(m_savedAttributes))
         result = systemError(kNoReset);
     closeDevice();
     endOpening();
     return result;
+}
+
+/// False and errno on failure.
+bool SerialLine::setAttributes(const termios& attributes) const {
+    return System::uninterrupted([&] { return ::tcsetattr(descriptor(), TCSAFLUSH, &attributes); }) == 0;
 }
 
 void SerialLine::abandon() {

@@ -76,6 +76,7 @@ private:
     DeviceResult systemError(const char* lead) const noexcept;
     DeviceResult closeAfter(const char* lead);
     DeviceResult setUp(unsigned baud, tcflag_t frame);
+    bool setAttributes(const termios& attributes) const;
     void endOpening();
 
     std::optional<DeviceResult> waitFor(short events, const Deadline& deadline, System::Mutex* mutex,

@@ -1,19 +1,16 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <cerrno>
 
 namespace System {
 
-/// Makes a system call that moves bytes, again for as long as signals interrupt it.
-template <typename Transfer>
-ssize_t uninterrupted(const Transfer& transfer) {
-    ssize_t moved = 0;
-    do {
-        moved = transfer();
-    } while (moved < 0 && errno == EINTR);
-    return moved;
+/// Makes a system call that may be repeated, again for as long as signals interrupt it.
+template <typename Call>
+auto uninterrupted(const Call& call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
 }
 
 } // namespace System

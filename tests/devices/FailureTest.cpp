@@ -44,6 +44,15 @@ TEST_P(FailureTest, AStepThatFailsLaterPutsTheSettingsBack) {
     }
 }
 
+TEST_P(FailureTest, ASignalWhileTheSettingsAreMadeIsNoFailure) {
+    const termios before = m_line.attributes();
+    m_calls.failNext("tcsetattr", EINTR);
+    EXPECT_THAT(openDriver(), isSuccess());
+    m_calls.failNext("tcsetattr", EINTR);
+    EXPECT_THAT(m_driver->close(), isSuccess());
+    EXPECT_TRUE(sameAttributes(m_line.attributes(), before));
+}
+
 TEST_P(FailureTest, AStepThatFailsEndsTheOpening) {
     m_calls.failNext("cfsetospeed", EINVAL);
     EXPECT_EQ(openDriver().code, EINVAL);

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include "platform/Uninterrupted.h"
 #include "platform/linux/I2cDriver.h"
 #include "platform/linux/ManagerSocket.h"
 
@@ -22,7 +23,8 @@ bool isSocket(int descriptor) {
 Descriptor openDevice(const char* path) {
     if (ManagerSocket::isAt(path))
         return ManagerSocket::connect(path);
-    return Descriptor(::open(path, O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    constexpr int kFlags = O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    return Descriptor(uninterrupted([path] { return ::open(path, kFlags); }));
 }
 
 int requestDevice(int device, std::uint32_t command, const std::vector<SendPart>& send,

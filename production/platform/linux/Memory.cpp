@@ -8,6 +8,7 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/Uninterrupted.h"
 #include "wire/Descriptor.h"
 
 namespace System {
@@ -17,11 +18,11 @@ namespace System {
 std::uint64_t availableMemory() {
     constexpr std::uint64_t kUnknown = std::numeric_limits<std::uint64_t>::max();
     constexpr char kLabel[] = "MemAvailable:";
-    const Descriptor file(::open("/proc/meminfo", O_RDONLY | O_CLOEXEC));
+    const Descriptor file(uninterrupted([] { return ::open("/proc/meminfo", O_RDONLY | O_CLOEXEC); }));
     if (!file)
         return kUnknown;
     char text[512];
-    const ssize_t length = ::read(file.get(), text, sizeof text - 1);
+    const ssize_t length = uninterrupted([&] { return ::read(file.get(), text, sizeof text - 1); });
     if (length <= 0)
         return kUnknown;
     text[length] = '\0';

@@ -6,12 +6,13 @@
 #include <chrono>
 
 #include "platform/Node.h"
+#include "platform/Uninterrupted.h"
 #include "platform/posix/Readiness.h"
 
 namespace System {
 
 Descriptor openFile(const char* path, int flags) {
-    return Descriptor(::open(path, flags | O_NOCTTY | O_CLOEXEC));
+    return Descriptor(uninterrupted([=] { return ::open(path, flags | O_NOCTTY | O_CLOEXEC); }));
 }
 
 bool nodeStatus(int node, struct stat& status) {

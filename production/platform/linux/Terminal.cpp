@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <iterator>
 
+#include "platform/Uninterrupted.h"
+
 namespace System {
 namespace {
 
@@ -46,7 +48,8 @@ bool setSpeed(termios& attributes, unsigned baud, int (*set)(termios*, speed_t))
 } // namespace
 
 Descriptor openTerminal(const char* path) {
-    return Descriptor(::open(path, O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    constexpr int kFlags = O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    return Descriptor(uninterrupted([path] { return ::open(path, kFlags); }));
 }
 
 std::FILE* openTerminalStream(const char* path) {
