@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -67,4 +68,22 @@ TEST(CommandLineTest, SaysThatItCouldNotBeRun) {
         std::_Exit(good ? 0 : 1);
     };
     EXPECT_EXIT(runWithoutProcesses(), ::testing::ExitedWithCode(0), "");
+}
+
+TEST(CommandLineTest, AShellThatCannotEvenTellThatItCouldNotBeRunHasNoExitStatus) {
+    const auto runWithoutExecution = [] {
+        refuseSystemCalls({SYS_execve, SYS_write}, EIO);
+        const int status = System::runCommandLine("true");
+        std::_Exit(WIFSIGNALED(status) ? 0 : 1);
+    };
+    EXPECT_EXIT(runWithoutExecution(), ::testing::ExitedWithCode(0), "");
+}
+
+TEST(CommandLineTest, AShellOfWhichNothingCanBeLearntIsAnError) {
+    const auto runWithoutReading = [] {
+        refuseSystemCalls({SYS_read}, EIO);
+        const bool good = System::runCommandLine("sleep 60") == -1 && errno == EIO;
+        std::_Exit(good ? 0 : 1);
+    };
+    EXPECT_EXIT(runWithoutReading(), ::testing::ExitedWithCode(0), "");
 }

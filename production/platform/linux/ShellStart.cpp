@@ -6,12 +6,13 @@
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 
 #include "platform/Descriptors.h"
+#include "platform/Uninterrupted.h"
+#include "platform/posix/EndedChildren.h"
 
 namespace System {
 
@@ -64,7 +65,9 @@ bool takeStreams(const int* streams) {
     if (start.streams == nullptr || (::setsid() != -1 && takeStreams(start.streams)))
         ::execve(kShell, start.arguments, environ);
     const int error = errno;
-    [[maybe_unused]] const ssize_t written = ::write(report, &error, sizeof error);
+    // Nobody may take what goes unreported for a shell that has run its commands.
+    if (uninterrupted([&] { return ::write(report, &error, sizeof error); }) != sizeof error)
+        ::kill(::getpid(), SIGKILL);
     ::_exit(kNotStarted);
 }
 
@@ -109,12 +112,17 @@ int startShell(const ShellStart& start, pid_t& pid) {
         return errno;
     report.reset();
     int error = 0;
-    // Comes to its end when the shell is there.
-    if (::read(outcome.get(), &error, sizeof error) != sizeof error) {
+    const ssize_t count = uninterrupted([&] { return ::read(outcome.get(), &error, sizeof error); });
+    if (count == 0) { // the pipe has come to its end: the shell is there
         pid = started;
         return 0;
     }
-    ::waitpid(started, nullptr, 0);
+    if (count < 0) {
+        error = errno;
+        if (::kill(started, SIGKILL) != 0) // whatever it has become
+            return error;
+    }
+    statusAtEndOf(started);
     return error;
 }
 
