@@ -7,8 +7,8 @@
 
 #include "AsciiDaemonTest.h"
 #include "line/BinaryLink.h"
-#include "support/AllocationFaults.h"
 #include "support/BinaryFrames.h"
+#include "support/CallFaults.h"
 #include "support/DaemonTest.h"
 #include "support/Waiting.h"
 
@@ -19,9 +19,9 @@ using namespace std::string_literals;
 constexpr std::chrono::milliseconds kNoTime{0};
 constexpr std::uint64_t kAttempts = 10;
 
-DaemonStart with(const AllocationFaults& faults, DaemonStart start = {}) {
+DaemonStart with(const CallFaults& faults, DaemonStart start = {}) {
     if (!kSanitized)
-        start.allocationFaults = &faults;
+        start.callFaults = &faults;
     return start;
 }
 
@@ -94,7 +94,7 @@ protected:
     /// Asks while allocations fail. Returns how many there were.
     std::uint64_t askWithFaults(std::uint64_t first, std::uint64_t times) {
         const Connection station = served();
-        faults.fail(first, times);
+        faults.fail(Fault::NoMemory, first, times);
         const std::string received = answerTo(station, asked);
         const std::uint64_t calls = faults.stop();
         EXPECT_TRUE(received == right || received.empty() || isRefusal(received))
@@ -103,14 +103,14 @@ protected:
         return calls;
     }
 
-    AllocationFaults faults;
+    CallFaults faults;
     Daemon daemon{with(faults)};
     const std::string right = rightAnswer();
 };
 
 TEST_P(FailingMemoryOfTheNetwork, EndsAtMostTheRequestAndItsConnection) {
     expectOutlived([this](auto first, auto times) { return askWithFaults(first, times); },
-                   {1, 5, AllocationFaults::kForEver});
+                   {1, 5, CallFaults::kForEver});
     EXPECT_EQ(answerTo(served(), asked), right);
 }
 
@@ -123,7 +123,7 @@ protected:
 
     /// Asks while allocations fail. Returns how many there were.
     std::uint64_t askWithFaults(std::uint64_t first, std::uint64_t times) {
-        faults.fail(first, times);
+        faults.fail(Fault::NoMemory, first, times);
         adapter.send(asked);
         const std::string received = wholeAnswer(adapter);
         const std::uint64_t calls = faults.stop();
@@ -134,7 +134,7 @@ protected:
         return calls;
     }
 
-    AllocationFaults faults;
+    CallFaults faults;
     Adapter adapter;
     Daemon daemon{with(faults, asciiStart())};
     const std::string right = rightAnswer();
@@ -146,7 +146,7 @@ TEST_P(FailingMemoryOfTheAsciiLine, EndsAtMostTheRequestAndTheOpening) {
 }
 
 TEST_P(FailingMemoryOfTheAsciiLine, IsOutlivedHoweverLongItLasts) {
-    faults.fail(1, AllocationFaults::kForEver);
+    faults.fail(Fault::NoMemory, 1, CallFaults::kForEver);
     adapter.send(asked);
     EXPECT_TRUE(eventually([this] { return faults.calls() > kAttempts; }));
     faults.stop();
@@ -198,7 +198,7 @@ protected:
     /// Asks while allocations fail. Returns how many there were.
     std::uint64_t askWithFaults(std::uint64_t first, std::uint64_t times) {
         const std::size_t said = daemon.error().size();
-        faults.fail(first, times);
+        faults.fail(Fault::NoMemory, first, times);
         ask();
         EXPECT_TRUE(eventually([&] {
             return adapter.hasInputWithin(kNoTime) ||
@@ -210,7 +210,7 @@ protected:
         return calls;
     }
 
-    AllocationFaults faults;
+    CallFaults faults;
     Adapter adapter;
     Daemon daemon{with(faults, withStationLine())};
     std::string right; ///< what it is answered by when nothing fails
@@ -223,7 +223,7 @@ TEST_P(FailingMemoryOfTheBinaryLine, EndsAtMostTheRequest) {
 }
 
 TEST_P(FailingMemoryOfTheBinaryLine, IsOutlivedHoweverLongItLasts) {
-    faults.fail(1, AllocationFaults::kForEver);
+    faults.fail(Fault::NoMemory, 1, CallFaults::kForEver);
     for (std::uint64_t attempt = 0; attempt < kAttempts; ++attempt) {
         ask();
         adapter.waitUntilTaken();

@@ -84,9 +84,9 @@ Daemon::Daemon(const DaemonStart& start)
     if (!start.missingThreads.empty())
         surroundings.environment = {{"LD_PRELOAD", MISSING_THREADS_LIBRARY},
                                     {"MISSING_THREADS", start.missingThreads}};
-    if (start.allocationFaults != nullptr)
-        surroundings.environment = {{"LD_PRELOAD", FAILING_ALLOCATIONS_LIBRARY},
-                                    {kFaultPlanVariable, start.allocationFaults->file()}};
+    if (start.callFaults != nullptr)
+        surroundings.environment = {{"LD_PRELOAD", FAILING_CALLS_LIBRARY},
+                                    {kFaultPlanVariable, start.callFaults->file()}};
     if (start.supplier)
         surroundings.environment[kSupplier] = *start.supplier;
     surroundings.input = input.get();

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "support/AllocationFaults.h"
+#include "support/CallFaults.h"
 #include "support/KernelRefusal.h"
 #include "support/Program.h"
 
@@ -29,7 +29,7 @@ struct DaemonStart {
     /// serial front end's, the network's. Not with a sanitizer, whose library wants to be the first.
     std::string missingThreads;
     /// Null when all are to succeed.
-    const AllocationFaults* allocationFaults = nullptr;
+    const CallFaults* callFaults = nullptr;
     bool stationLine = false;            ///< else the unit has no adapter plugged in
     std::optional<std::string> supplier; ///< FIRST_TIER_SUPPLIER; not set by default
     bool waitForPort = true;
