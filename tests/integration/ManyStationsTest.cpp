@@ -3,12 +3,11 @@
 
 #include <algorithm>
 #include <chrono>
-#include <exception>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "support/DaemonTest.h"
+#include "support/Parallel.h"
 #include "support/UnitFiles.h"
 #include "support/Waiting.h"
 
@@ -17,31 +16,6 @@ namespace {
 constexpr std::size_t kStations = 64;
 constexpr std::size_t kRequestsEach = 1000;
 constexpr std::size_t kManyConnections = 1000;
-constexpr rlim_t kTestDescriptors = 100;
-
-void allowConnections(std::size_t count) {
-    rlimit limit{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-    limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, count + kTestDescriptors);
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0) << "the hard limit is " << limit.rlim_max;
-}
-
-/// Gives every thread a turn and lets exceptions fail the test.
-template <typename Task>
-void runInThreads(std::size_t count, Task task) {
-    std::vector<std::thread> threads;
-    for (std::size_t number = 0; number < count; ++number) {
-        threads.emplace_back([number, &task] {
-            try {
-                task(number);
-            } catch (const std::exception& exception) {
-                ADD_FAILURE() << "station " << number << ": " << exception.what();
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-}
 
 class ManyStationsTest : public DaemonTest {};
 

@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -71,4 +72,13 @@ void Connection::vanish() {
     const linger atOnce{1, 0};
     ::setsockopt(descriptor(), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
     close();
+}
+
+void allowConnections(std::size_t count) {
+    constexpr rlim_t kTestDescriptors = 100;
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, count + kTestDescriptors);
+    if (::setrlimit(RLIMIT_NOFILE, &limit) != 0)
+        fail("no descriptors for so many connections");
 }

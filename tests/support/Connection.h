@@ -27,3 +27,6 @@ private:
 
     int m_ownPort;
 };
+
+/// Lets the test itself have so many connections. Throws std::runtime_error.
+void allowConnections(std::size_t count);

@@ -28,6 +28,14 @@ CallFaults::~CallFaults() {
 }
 
 void CallFaults::fail(Fault fault, std::uint64_t first, std::uint64_t times) {
+    plan(fault, first, times, 1);
+}
+
+void CallFaults::failEvery(Fault fault, std::uint64_t count) {
+    plan(fault, count, kForEver, count);
+}
+
+void CallFaults::plan(Fault fault, std::uint64_t first, std::uint64_t times, std::uint64_t every) {
     m_plan->first = 0;
     m_plan->calls = 0;
     m_plan->failedSize = 0;
@@ -35,6 +43,7 @@ void CallFaults::fail(Fault fault, std::uint64_t first, std::uint64_t times) {
         character = '\0';
     m_plan->fault = fault;
     m_plan->times = times;
+    m_plan->every = every;
     m_plan->first = first;
 }
 

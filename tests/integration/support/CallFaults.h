@@ -20,6 +20,9 @@ public:
     /// From now on the `first` call goes wrong, counted from 1, and so do the next, `times` in all.
     void fail(Fault fault, std::uint64_t first, std::uint64_t times);
 
+    /// From now on each so many goes wrong.
+    void failEvery(Fault fault, std::uint64_t count);
+
     /// None goes wrong any more. Returns how many there were since they were told to.
     std::uint64_t stop();
 
@@ -34,6 +37,8 @@ public:
     const std::string& file() const { return m_file; }
 
 private:
+    void plan(Fault fault, std::uint64_t first, std::uint64_t times, std::uint64_t every);
+
     std::string m_file;
     FaultPlan* m_plan;
 };

@@ -22,6 +22,7 @@ struct FaultPlan {
     std::atomic<Fault> fault;
     std::atomic<std::uint64_t> first; ///< the number, from 1, of the first call to fail; 0 for none
     std::atomic<std::uint64_t> times; ///< so many fail from there on
+    std::atomic<std::uint64_t> every; ///< of those only each so many
     std::atomic<std::uint64_t> calls; ///< those that could have failed since `first` was set
     std::atomic<std::uint64_t> failedSize;
     std::array<std::atomic<char>, 512> failed; ///< the names of those that did, each behind a blank

@@ -92,7 +92,7 @@ bool isDue(const char* name) {
     if (first == 0)
         return false;
     const std::uint64_t number = ++s_plan->calls;
-    if (number < first || number - first >= s_plan->times)
+    if (number < first || number - first >= s_plan->times || (number - first) % s_plan->every != 0)
         return false;
     note(name);
     return true;
