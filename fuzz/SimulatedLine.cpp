@@ -5,6 +5,7 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <termios.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -121,16 +122,18 @@ int __wrap_tcsetattr(int device, int action, const termios* attributes) {
 
 int __real_poll(pollfd*, nfds_t, int);
 int __wrap_poll(pollfd* events, nfds_t count, int limit) {
-    const bool isPause = events == nullptr;
-    if (isPause && s_line != nullptr)
-        return 0;
-    SimulatedLine* const line = isPause ? nullptr : lineOf(events[0].fd);
+    SimulatedLine* const line = lineOf(events[0].fd);
     if (line == nullptr)
         return __real_poll(events, count, limit);
     // Whatever else is waited for comes from within the daemon.
     const int others = __real_poll(events + 1, count - 1, 0);
     events[0].revents = line->poll(events[0].events, others > 0 ? 0 : limit);
     return others + (events[0].revents != 0 ? 1 : 0);
+}
+
+int __real_nanosleep(const timespec*, timespec*);
+int __wrap_nanosleep(const timespec* length, timespec* left) {
+    return s_line != nullptr ? 0 : __real_nanosleep(length, left); // a pause takes no time
 }
 
 ssize_t __real_read(int, void*, size_t);
