@@ -78,7 +78,7 @@ void note(const char* name) {
     static std::atomic<const char*> last{nullptr};
     if (last.exchange(name) == name && s_plan->failedSize != 0)
         return;
-    std::uint64_t at = s_plan->failedSize.fetch_add(1 + std::strlen(name));
+    auto at = static_cast<std::size_t>(s_plan->failedSize.fetch_add(1 + std::strlen(name)));
     if (at + std::strlen(name) >= s_plan->failed.size())
         return;
     s_plan->failed[at] = ' ';
